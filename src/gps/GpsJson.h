@@ -1,0 +1,28 @@
+// The fix record as one JSON object, as `satwalk-tool decode` prints it and
+// the program's state dump embeds it.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "GpsState.h"
+
+namespace satwalk::gps {
+
+// Appends `text` as a JSON string (quotes included). Valid UTF-8 passes
+// through; any other byte, and every control character, becomes \u00XX.
+void AppendJsonString(std::string& out, std::string_view text);
+
+// Appends a double in its shortest exact form ("-0" for negative zero);
+// non-finite values become null.
+void AppendJsonNumber(std::string& out, double value);
+
+// Appends the members of the fix (no braces): every text field by name, the
+// 12 satellite rows, latitudeDegrees, longitudeDegrees, fixValid and
+// fixTimeLocal ("YYYY-MM-DD hh:mm:ss.mmm", or null when `timeKnown` is false).
+void AppendGpsJsonMembers(std::string& out, const GpsState& state, bool timeKnown);
+
+// The local fix time as "YYYY-MM-DD hh:mm:ss.mmm".
+std::string FormatFixTime(FileTime time);
+
+}  // namespace satwalk::gps

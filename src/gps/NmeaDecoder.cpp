@@ -1,0 +1,495 @@
+#include "NmeaDecoder.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <locale.h>
+
+namespace satwalk::gps {
+
+namespace {
+
+enum class Sentence { kNone, kRmc, kGsv, kGsa, kGga };
+
+// Each seed is the XOR of the six header characters (comma included), so
+// the running value ends as the standard XOR of everything between '$'
+// and '*'.
+constexpr unsigned kSeedRmc = 103;
+constexpr unsigned kSeedGsv = 121;
+constexpr unsigned kSeedGsa = 110;
+constexpr unsigned kSeedGga = 122;
+
+Sentence MatchHeader(const char* h) {
+    // Compared exactly, case-sensitive, in this order.
+    if (std::memcmp(h, "GPRMC,", 6) == 0) return Sentence::kRmc;
+    if (std::memcmp(h, "GPGSV,", 6) == 0) return Sentence::kGsv;
+    if (std::memcmp(h, "GPGSA,", 6) == 0) return Sentence::kGsa;
+    if (std::memcmp(h, "GPGGA,", 6) == 0) return Sentence::kGga;
+    return Sentence::kNone;
+}
+
+unsigned SeedOf(Sentence s) {
+    switch (s) {
+        case Sentence::kRmc: return kSeedRmc;
+        case Sentence::kGsv: return kSeedGsv;
+        case Sentence::kGsa: return kSeedGsa;
+        case Sentence::kGga: return kSeedGga;
+        case Sentence::kNone: break;
+    }
+    return 0;
+}
+
+// XORs bytes from p into `sum` until a '*' or '$' or `end`, eight bytes at a
+// time where it can. Returns the position of the stop.
+const char* ChecksumScan(const char* p, const char* end, unsigned& sum) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+    constexpr std::uint64_t kHighs = 0x8080808080808080ULL;
+    constexpr std::uint64_t kStars = kOnes * '*';
+    constexpr std::uint64_t kDollars = kOnes * '$';
+    std::uint64_t folded = 0;
+    while (end - p >= 8) {
+        std::uint64_t w;
+        std::memcpy(&w, p, 8);
+        const std::uint64_t a = w ^ kStars;
+        const std::uint64_t b = w ^ kDollars;
+        // Non-zero exactly when some byte of a or b is zero.
+        if ((((a - kOnes) & ~a) | ((b - kOnes) & ~b)) & kHighs) break;
+        folded ^= w;
+        p += 8;
+    }
+    folded ^= folded >> 32;
+    folded ^= folded >> 16;
+    folded ^= folded >> 8;
+    sum ^= static_cast<unsigned>(folded & 0xFF);
+    while (p < end && *p != '*' && *p != '$') {
+        sum ^= static_cast<unsigned char>(*p);
+        ++p;
+    }
+    return p;
+}
+
+// Walks comma-separated fields of one sentence body, [p, end), where end is
+// the '*'. A field that reaches the '*' is the last.
+class FieldWalker {
+public:
+    FieldWalker(const char* p, const char* end) : p_(p), end_(end) {}
+
+    // The next field as [begin, stop); false when the sentence has ended.
+    bool Next(const char*& begin, const char*& stop) {
+        if (done_) return false;
+        begin = p_;
+        const void* comma = std::memchr(p_, ',', static_cast<std::size_t>(end_ - p_));
+        if (comma) {
+            stop = static_cast<const char*>(comma);
+            p_ = stop + 1;
+        } else {
+            stop = end_;
+            p_ = end_;
+            done_ = true;
+        }
+        return true;
+    }
+
+    // The character a C walk would see at the start of the field: the first
+    // text character, or the terminator of an empty field.
+    char FirstChar(const char* begin, const char* stop) const {
+        if (begin < stop) return *begin;
+        return stop < end_ ? ',' : '*';
+    }
+
+private:
+    const char* p_;
+    const char* end_;
+    bool done_ = false;
+};
+
+// Copies a field into a text of `width` bytes (NUL included), keeping the
+// first width-1 characters; the rest of the text is zeroed.
+template <std::size_t N>
+void CopyField(char (&dst)[N], const char* begin, const char* stop) {
+    std::size_t n = static_cast<std::size_t>(stop - begin);
+    if (n > N - 1) n = N - 1;
+    std::memcpy(dst, begin, n);
+    std::memset(dst + n, 0, N - n);
+}
+
+// A one-character field keeps its first character; an empty one stores
+// nothing (the block was cleared before).
+void CopyChar(char& dst, const char* begin, const char* stop) {
+    if (begin < stop) dst = *begin;
+}
+
+// Characters [from, from+count) of a NUL-terminated text, never reading past
+// its NUL, copied into out (NUL-terminated).
+void Substring(const char* text, std::size_t from, std::size_t count, char* out) {
+    std::size_t i = 0;
+    while (i < from && text[i] != '\0') ++i;
+    std::size_t n = 0;
+    if (i == from) {
+        while (n < count && text[i + n] != '\0') {
+            out[n] = text[i + n];
+            ++n;
+        }
+    }
+    out[n] = '\0';
+}
+
+locale_t CLocale() {
+    static const locale_t loc = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
+    return loc;
+}
+
+constexpr std::int64_t kDaysFrom1601To1970 = 134774;
+
+// Days since 1970-01-01 of a proleptic Gregorian date.
+std::int64_t DaysFromCivil(std::int64_t y, unsigned m, unsigned d) {
+    y -= m <= 2;
+    const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
+    const unsigned yoe = static_cast<unsigned>(y - era * 400);
+    const unsigned doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
+    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+    return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
+}
+
+bool IsLeap(int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+
+int DaysInMonth(int y, int m) {
+    static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return m == 2 && IsLeap(y) ? 29 : kDays[m - 1];
+}
+
+}  // namespace
+
+int TextToInt(const char* text) {
+    const char* p = text;
+    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
+    bool negative = false;
+    if (*p == '+' || *p == '-') negative = *p++ == '-';
+    std::int64_t value = 0;
+    while (*p >= '0' && *p <= '9') {
+        value = value * 10 + (*p++ - '0');
+        if (value > 2147483648LL) value = 2147483648LL;  // saturate, never overflow
+    }
+    if (negative) value = -value;
+    if (value > 2147483647LL) value = 2147483647LL;
+    return static_cast<int>(value);
+}
+
+double TextToDouble(const char* text) { return strtod_l(text, nullptr, CLocale()); }
+
+bool VerifyChecksum(unsigned computed, const char received[2]) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    computed &= 0xFF;
+    if (computed < 16) return received[0] == '0' && received[1] == kDigits[computed];
+    return received[0] == kDigits[computed >> 4] && received[1] == kDigits[computed & 0xF];
+}
+
+void ParseRmc(GpsState& state, const char* fields, const char* end) {
+    state.ClearRmcBlock();
+    if (fields == nullptr || fields >= end) return;
+    FieldWalker walk(fields, end);
+    const char* b;
+    const char* e;
+    for (int n = 1; n <= 9 && walk.Next(b, e); ++n) {
+        switch (n) {
+            case 1: CopyField(state.utcTime, b, e); break;
+            case 2: CopyChar(state.status, b, e); break;
+            case 3: CopyField(state.latitude, b, e); break;
+            case 4: CopyChar(state.northSouth, b, e); break;
+            case 5: CopyField(state.longitude, b, e); break;
+            case 6: CopyChar(state.eastWest, b, e); break;
+            case 7: CopyField(state.speedKnots, b, e); break;
+            case 8: CopyField(state.course, b, e); break;
+            case 9: CopyField(state.date, b, e); break;
+            default: break;
+        }
+    }
+}
+
+void ParseGga(GpsState& state, const char* fields, const char* end) {
+    state.ClearGgaBlock();
+    if (fields == nullptr || fields >= end) return;
+    FieldWalker walk(fields, end);
+    const char* b;
+    const char* e;
+    for (int n = 1; n <= 12 && walk.Next(b, e); ++n) {
+        switch (n) {
+            case 6: CopyChar(state.fixQuality, b, e); break;
+            case 7: CopyField(state.satellitesUsed, b, e); break;
+            case 9: CopyField(state.altitude, b, e); break;
+            case 10: CopyChar(state.altitudeUnit, b, e); break;
+            case 11: CopyField(state.geoidSeparation, b, e); break;
+            case 12: CopyChar(state.geoidUnit, b, e); break;
+            default: break;
+        }
+    }
+}
+
+void ParseGsa(GpsState& state, const char* fields, const char* end) {
+    state.ClearGsaBlock();
+    if (fields == nullptr || fields >= end) return;
+    FieldWalker walk(fields, end);
+    const char* b;
+    const char* e;
+    for (int n = 1; n <= 17 && walk.Next(b, e); ++n) {
+        switch (n) {
+            case 2: CopyChar(state.fixMode, b, e); break;
+            case 15: CopyField(state.pdop, b, e); break;
+            case 16: CopyField(state.hdop, b, e); break;
+            case 17: CopyField(state.vdop, b, e); break;
+            default: break;
+        }
+    }
+}
+
+void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* end) {
+    if (a.recordIndex == 0) state.ClearGsvBlock();
+    if (fields == nullptr || fields >= end) return;
+
+    FieldWalker walk(fields, end);
+    const char* b;
+    const char* e;
+
+    // Field 1: number of messages in the cycle.
+    if (!walk.Next(b, e)) return;
+    const char total = walk.FirstChar(b, e);
+    if (a.totalMessages != 0 && a.totalMessages != total) {
+        a.Reset();
+        state.ClearGsvBlock();
+        return;
+    }
+    if (a.totalMessages == 0) a.totalMessages = total;
+
+    // Field 2: this message's number; message n fills records 4(n-1) onward.
+    if (!walk.Next(b, e)) return;
+    const char number = walk.FirstChar(b, e);
+    if (number == '1') {
+        state.ClearGsvBlock();
+        a.countParsed = 0;
+        a.recordIndex = 0;
+        a.messageNumber = '1';
+    } else {
+        a.messageNumber = number;
+        a.recordIndex = static_cast<std::uint32_t>((number - '1') * 4);
+    }
+
+    // Field 3: satellites in view, taken once per cycle.
+    if (!walk.Next(b, e)) return;
+    if (a.countParsed == 0) CopyField(state.satellitesInView, b, e);
+    a.countParsed = 1;
+
+    // Fields 4 on: groups of PRN, elevation, azimuth, SNR.
+    for (int k = 0; walk.Next(b, e); k = (k + 1) % 4) {
+        SatelliteRecord* row =
+            a.recordIndex < static_cast<std::uint32_t>(kSatelliteRows) ? &state.satellites[a.recordIndex]
+                                                                       : nullptr;
+        switch (k) {
+            case 0:
+                if (row) CopyField(row->prn, b, e);
+                break;
+            case 1:
+                if (row) CopyField(row->elevation, b, e);
+                break;
+            case 2:
+                if (row) CopyField(row->azimuth, b, e);
+                break;
+            default: {
+                if (row) CopyField(row->snr, b, e);
+                ++a.recordIndex;
+                const int inView = TextToInt(state.satellitesInView);
+                if (a.recordIndex == static_cast<std::uint32_t>(inView)) {
+                    const int count = inView < kSatelliteRows ? inView : kSatelliteRows;
+                    for (int i = 0; i < count; ++i) {
+                        for (int j = i; j < count; ++j) {
+                            if (TextToInt(state.satellites[i].prn) >
+                                TextToInt(state.satellites[j].prn)) {
+                                const SatelliteRecord t = state.satellites[i];
+                                state.satellites[i] = state.satellites[j];
+                                state.satellites[j] = t;
+                            }
+                        }
+                    }
+                    a.Reset();
+                }
+                break;
+            }
+        }
+    }
+}
+
+void FixTimeToFileTime(GpsState& state, const char* date, const char* utcTime) {
+    char part[8];
+    char yearText[8] = "20";
+    Substring(date, 4, 2, yearText + 2);
+    const int year = TextToInt(yearText);
+    Substring(date, 2, 2, part);
+    const int month = TextToInt(part);
+    Substring(date, 0, 2, part);
+    const int day = TextToInt(part);
+    Substring(utcTime, 0, 2, part);
+    const int hour = TextToInt(part);
+    Substring(utcTime, 2, 2, part);
+    const int minute = TextToInt(part);
+    Substring(utcTime, 4, 2, part);
+    const int second = TextToInt(part);
+    Substring(utcTime, 7, 3, part);
+    const int millisecond = TextToInt(part);
+
+    // Only a real calendar moment converts; anything else leaves no time.
+    if (year < 1601 || year > 30827 || month < 1 || month > 12 || day < 1 ||
+        day > DaysInMonth(year, month) || hour < 0 || hour > 23 || minute < 0 || minute > 59 ||
+        second < 0 || second > 59 || millisecond < 0 || millisecond > 999) {
+        state.fixTimeLocal = 0;
+        return;
+    }
+
+    const std::int64_t days = DaysFromCivil(year, static_cast<unsigned>(month),
+                                            static_cast<unsigned>(day));
+    const std::int64_t unixSeconds = days * 86400 + hour * 3600 + minute * 60 + second;
+    long offset = 0;
+    const std::time_t t = static_cast<std::time_t>(unixSeconds);
+    std::tm local{};
+    if (localtime_r(&t, &local) != nullptr) offset = local.tm_gmtoff;
+    const std::int64_t localSeconds = unixSeconds + offset + kDaysFrom1601To1970 * 86400;
+    state.fixTimeLocal = static_cast<FileTime>(localSeconds) * kFileTimeTicksPerSecond +
+                         static_cast<FileTime>(millisecond) * 10'000;
+}
+
+CalendarTime FileTimeToCalendar(FileTime time) {
+    const std::int64_t totalMs = static_cast<std::int64_t>(time / 10'000);
+    std::int64_t seconds = totalMs / 1000;
+    CalendarTime c{};
+    c.millisecond = static_cast<int>(totalMs % 1000);
+    std::int64_t days = seconds / 86400 - kDaysFrom1601To1970;
+    const std::int64_t rest = seconds % 86400;
+    c.hour = static_cast<int>(rest / 3600);
+    c.minute = static_cast<int>(rest % 3600 / 60);
+    c.second = static_cast<int>(rest % 60);
+    // Civil date from days since 1970-01-01.
+    days += 719468;
+    const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
+    const unsigned doe = static_cast<unsigned>(days - era * 146097);
+    const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const unsigned mp = (5 * doy + 2) / 153;
+    const unsigned d = doy - (153 * mp + 2) / 5 + 1;
+    const unsigned m = mp < 10 ? mp + 3 : mp - 9;
+    c.year = static_cast<int>(static_cast<std::int64_t>(yoe) + era * 400 + (m <= 2));
+    c.month = static_cast<int>(m);
+    c.day = static_cast<int>(d);
+    return c;
+}
+
+int NmeaToDegrees(const char* latitudeText, char northSouth, const char* longitudeText,
+                  char eastWest, double* latitude, double* longitude) {
+    constexpr double kOneSixtieth = 0.016666666666666666;
+    char part[8];
+    Substring(latitudeText, 0, 2, part);
+    double lat = TextToInt(part);
+    Substring(latitudeText, 2, 7, part);
+    lat += TextToDouble(part) * kOneSixtieth;
+    if (northSouth != 'N') lat = -lat;
+
+    Substring(longitudeText, 0, 3, part);
+    double lon = TextToInt(part);
+    Substring(longitudeText, 3, 7, part);
+    lon += TextToDouble(part) * kOneSixtieth;
+    if (eastWest != 'E') lon = -lon;
+
+    if (latitude) *latitude = lat;
+    if (longitude) *longitude = lon;
+    return 1;
+}
+
+void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view text,
+                     TimeSyncSink* sink) {
+    if (text.data() == nullptr || text.empty()) return;
+    const char* p = text.data();
+    const char* end = p + text.size();
+    // The batch is text: it ends at its first NUL.
+    if (const void* nul = std::memchr(p, '\0', text.size())) end = static_cast<const char*>(nul);
+
+    for (;;) {
+        // Find the next '$'; everything else between sentences is skipped.
+        const void* found = std::memchr(p, '$', static_cast<std::size_t>(end - p));
+        if (found == nullptr) return;
+        p = static_cast<const char*>(found);
+
+    sentence:  // p is at a '$'
+        if (end - p < 2) return;
+        std::memset(state.header, 0, sizeof state.header);
+        {
+            const char* h = p + 1;
+            int n = 0;
+            while (n < 6) {
+                if (h == end) {  // cut at the end of the batch: lost
+                    std::memset(state.header, 0, sizeof state.header);
+                    return;
+                }
+                if (*h == '$') {  // a new sentence begins inside the header
+                    p = h;
+                    goto sentence;
+                }
+                state.header[n++] = *h++;
+            }
+            const Sentence kind = MatchHeader(state.header);
+            if (kind == Sentence::kNone) {
+                p = h;
+                continue;
+            }
+
+            unsigned sum = SeedOf(kind);
+            const char* star = ChecksumScan(h, end, sum);
+            if (star == end) {
+                std::memset(state.header, 0, sizeof state.header);
+                return;
+            }
+            if (*star == '$') {
+                p = star;
+                goto sentence;
+            }
+            // At the '*': a '$' in the checksum position starts a new sentence.
+            if (end - star < 2) {
+                std::memset(state.header, 0, sizeof state.header);
+                return;
+            }
+            if (end - star >= 3 && star[2] == '$') {
+                std::memset(state.header, 0, sizeof state.header);
+                p = star + 2;
+                continue;
+            }
+            if (star[1] == '$') {
+                std::memset(state.header, 0, sizeof state.header);
+                p = star + 1;
+                continue;
+            }
+            if (end - star < 3) {  // only one checksum character before the end
+                std::memset(state.header, 0, sizeof state.header);
+                return;
+            }
+            const char received[2] = {star[1], star[2]};
+            if (VerifyChecksum(sum, received)) {
+                const char* fields = p + 7;
+                switch (kind) {
+                    case Sentence::kRmc:
+                        ParseRmc(state, fields, star);
+                        if (state.timeSyncPending) {
+                            state.timeSyncPending = 0;
+                            FixTimeToFileTime(state, state.date, state.utcTime);
+                            if (sink) sink->OnGpsTime();
+                        }
+                        break;
+                    case Sentence::kGsv: ParseGsv(state, assembly, fields, star); break;
+                    case Sentence::kGsa: ParseGsa(state, fields, star); break;
+                    case Sentence::kGga: ParseGga(state, fields, star); break;
+                    case Sentence::kNone: break;
+                }
+            }
+            std::memset(state.header, 0, sizeof state.header);
+            p = star + 3;
+        }
+    }
+}
+
+}  // namespace satwalk::gps

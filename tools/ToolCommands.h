@@ -1,0 +1,9 @@
+// The sub-commands of satwalk-tool. Each takes the arguments after its name
+// and returns the process exit status.
+#pragma once
+
+namespace satwalk::tools {
+
+int RunDecode(int argc, char** argv);
+
+}  // namespace satwalk::tools

@@ -1,0 +1,41 @@
+// satwalk-tool: Satwalk's command-line companion for receiver logs.
+#include <cstdio>
+#include <string_view>
+
+#include "ToolCommands.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: satwalk-tool COMMAND [ARGS]\n"
+    "commands:\n"
+    "  decode [--batch N] [--cut] [--sync-every K] [FILE]\n"
+    "      decode an NMEA 0183 log into one JSON fix per batch\n";
+
+struct Command {
+    std::string_view name;
+    int (*run)(int, char**);
+};
+
+constexpr Command kCommands[] = {
+    {"decode", satwalk::tools::RunDecode},
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+    const std::string_view name = argv[1];
+    if (name == "-h" || name == "--help" || name == "help") {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    for (const Command& c : kCommands) {
+        if (c.name == name) return c.run(argc - 2, argv + 2);
+    }
+    std::fprintf(stderr, "satwalk-tool: unknown command '%s'\n%s", argv[1], kUsage);
+    return 2;
+}
