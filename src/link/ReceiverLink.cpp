@@ -104,6 +104,7 @@ bool LockUnlessStopping(ReceiverLink& link) {
 void MarkReaderEnded(ReceiverLink& link) {
     std::lock_guard<std::mutex> g(link.readerMutex);
     link.readerActive = false;
+    link.readerListening = false;
     link.readerEnded.notify_all();
 }
 
@@ -233,12 +234,18 @@ int StartLink(ReceiverLink& link) {
     {
         std::lock_guard<std::mutex> g(link.readerMutex);
         link.readerActive = true;
+        link.readerListening = false;
     }
     try {
         link.reader = std::thread(ReaderThread, std::ref(link));
     } catch (...) {
         MarkReaderEnded(link);
         return failThread();
+    }
+    {
+        std::unique_lock<std::mutex> g(link.readerMutex);
+        link.readerEnded.wait_for(g, std::chrono::milliseconds(kStopWaitMs),
+                                  [&link] { return link.readerListening || !link.readerActive; });
     }
     link.running = true;
     return 1;
@@ -293,6 +300,11 @@ void ReaderThread(ReceiverLink& link) {
         return;
     }
     ::tcflush(fd, TCIOFLUSH);
+    {
+        std::lock_guard<std::mutex> g(link.readerMutex);
+        link.readerListening = true;
+        link.readerEnded.notify_all();
+    }
 
     char chunk[kReadSize + 1];
     bool watchPort = true;

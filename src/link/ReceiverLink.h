@@ -154,8 +154,9 @@ struct ReceiverLink {
     std::mutex recordLock;              // nmeaLogPath against a change while recording
     std::thread reader;
     std::mutex readerMutex;
-    std::condition_variable readerEnded;
+    std::condition_variable readerEnded;  // also told when the reader starts listening
     bool readerActive = false;          // guarded by readerMutex
+    bool readerListening = false;       // purged the port and waits; guarded by readerMutex
 };
 
 // Opens the port (devicePath, else portName through the default map) and
@@ -166,8 +167,9 @@ struct ReceiverLink {
 int OpenPort(ReceiverLink& link);
 
 // Names the recording file (when recordNmea is set), starts the watchdog
-// timer (when one is attached) and the reader thread. Returns 1, or 0 with
-// lastErrorCode set and the port closed.
+// timer (when one is attached) and the reader thread, and returns once the
+// reader has purged the port and listens (bytes sent from then on are read).
+// Returns 1, or 0 with lastErrorCode set and the port closed.
 int StartLink(ReceiverLink& link);
 
 // Stops the timer and the reader (waiting at most 1,000 ms for it), closes
