@@ -37,8 +37,10 @@ void WriteAll(const std::string& data) {
     std::size_t left = data.size();
     while (left > 0) {
         const ssize_t n = ::write(STDOUT_FILENO, p, left);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return;
         p += n;
         left -= static_cast<std::size_t>(n);
     }
@@ -46,7 +48,7 @@ void WriteAll(const std::string& data) {
 
 // Prints each batch; hands the stop command back to the main thread.
 class PrintingSink final : public link::LinkSink {
-public:
+  public:
     explicit PrintingSink(link::ReceiverLink& l) : link_(l) { out_.reserve(16384); }
 
     void OnGpsData() override {
@@ -73,7 +75,7 @@ public:
         ::kill(::getpid(), SIGUSR1);
     }
 
-private:
+  private:
     link::ReceiverLink& link_;
     std::string out_;
     unsigned long batch_ = 0;

@@ -19,25 +19,35 @@ std::string_view Trim(std::string_view s) {
 
 int ParseComName(std::string_view name) {
     name = Trim(name);
-    if (name.size() < 4) return -1;
+    if (name.size() < 4)
+        return -1;
     for (int i = 0; i < 3; ++i) {
-        if (std::toupper(static_cast<unsigned char>(name[i])) != "COM"[i]) return -1;
+        if (std::toupper(static_cast<unsigned char>(name[i])) != "COM"[i])
+            return -1;
     }
     name.remove_prefix(3);
-    if (!name.empty() && name.back() == ':') name.remove_suffix(1);
-    if (name.empty() || name.size() > 4) return -1;
+    if (!name.empty() && name.back() == ':')
+        name.remove_suffix(1);
+    if (name.empty() || name.size() > 4)
+        return -1;
     int number = 0;
     const auto r = std::from_chars(name.data(), name.data() + name.size(), number);
-    if (r.ec != std::errc() || r.ptr != name.data() + name.size() || number < 0) return -1;
+    if (r.ec != std::errc() || r.ptr != name.data() + name.size() || number < 0)
+        return -1;
     return number;
 }
 
-std::string ComName(int number) { return "COM" + std::to_string(number) + ":"; }
+std::string ComName(int number) {
+    return "COM" + std::to_string(number) + ":";
+}
 
 std::string DefaultPortPath(int number) {
-    if (number >= 1 && number <= 4) return "/dev/ttyUSB" + std::to_string(number - 1);
-    if (number >= 5 && number <= 8) return "/dev/ttyACM" + std::to_string(number - 5);
-    if (number == 9) return "/dev/rfcomm0";
+    if (number >= 1 && number <= 4)
+        return "/dev/ttyUSB" + std::to_string(number - 1);
+    if (number >= 5 && number <= 8)
+        return "/dev/ttyACM" + std::to_string(number - 5);
+    if (number == 9)
+        return "/dev/rfcomm0";
     return "/dev/ttyS" + std::to_string(number);
 }
 
@@ -50,10 +60,12 @@ void ParsePortMap(std::string_view text, PortMap& map) {
             line = line.substr(0, hash);
         }
         const std::size_t eq = line.find('=');
-        if (eq == std::string_view::npos) continue;
+        if (eq == std::string_view::npos)
+            continue;
         const int number = ParseComName(line.substr(0, eq));
         const std::string_view path = Trim(line.substr(eq + 1));
-        if (number < 0 || path.empty()) continue;
+        if (number < 0 || path.empty())
+            continue;
         map[number] = std::string(path);
     }
 }
@@ -61,7 +73,8 @@ void ParsePortMap(std::string_view text, PortMap& map) {
 bool LoadPortMap(const std::string& path, PortMap& map) {
     map.clear();
     std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
+    if (!in)
+        return false;
     std::ostringstream text;
     text << in.rdbuf();
     ParsePortMap(text.str(), map);
@@ -70,10 +83,13 @@ bool LoadPortMap(const std::string& path, PortMap& map) {
 
 std::string ResolvePortName(std::string_view name, const PortMap& map,
                             const std::string& overridePath) {
-    if (!overridePath.empty()) return overridePath;
+    if (!overridePath.empty())
+        return overridePath;
     const int number = ParseComName(name);
-    if (number < 0) return std::string(name);
-    if (const auto it = map.find(number); it != map.end()) return it->second;
+    if (number < 0)
+        return std::string(name);
+    if (const auto it = map.find(number); it != map.end())
+        return it->second;
     return DefaultPortPath(number);
 }
 

@@ -24,36 +24,46 @@ using namespace std::chrono_literals;
 
 // Forwards the decoder's time-sync notification to the link's sink.
 class TimeForwarder final : public gps::TimeSyncSink {
-public:
+  public:
     explicit TimeForwarder(LinkSink* s) : sink_(s) {}
     void OnGpsTime() override { sink_->OnGpsTime(); }
 
-private:
+  private:
     LinkSink* sink_;
 };
 
 speed_t BaudConstant(std::uint32_t rate) {
     switch (rate) {
-        case 4800: return B4800;
-        case 9600: return B9600;
-        case 19200: return B19200;
-        case 38400: return B38400;
-        case 57600: return B57600;
-        default: return B0;
+        case 4800:
+            return B4800;
+        case 9600:
+            return B9600;
+        case 19200:
+            return B19200;
+        case 38400:
+            return B38400;
+        case 57600:
+            return B57600;
+        default:
+            return B0;
     }
 }
 
 bool IsOfferedBaud(std::uint32_t rate) {
     for (const std::uint32_t r : kBaudRates) {
-        if (r == rate) return true;
+        if (r == rate)
+            return true;
     }
     return false;
 }
 
-bool IsGoneError(int err) { return err == EIO || err == ENODEV || err == ENXIO; }
+bool IsGoneError(int err) {
+    return err == EIO || err == ENODEV || err == ENXIO;
+}
 
 void Wake(const ReceiverLink& link) {
-    if (link.wakeFd < 0) return;
+    if (link.wakeFd < 0)
+        return;
     const std::uint64_t one = 1;
     [[maybe_unused]] const ssize_t n = ::write(link.wakeFd, &one, sizeof one);
 }
@@ -73,7 +83,8 @@ void ClosePortFd(ReceiverLink& link) {
 }
 
 int FailOpen(ReceiverLink& link, int fd, const char* code) {
-    if (fd >= 0) ::close(fd);
+    if (fd >= 0)
+        ::close(fd);
     link.lastErrorCode = code;
     return 0;
 }
@@ -81,7 +92,8 @@ int FailOpen(ReceiverLink& link, int fd, const char* code) {
 // True when a poll of the port reports the device gone.
 bool PortVanished(int fd) {
     pollfd p{fd, POLLIN, 0};
-    if (::poll(&p, 1, 0) < 0) return false;
+    if (::poll(&p, 1, 0) < 0)
+        return false;
     return (p.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
 }
 
@@ -96,7 +108,8 @@ void CloseByWatchdog(ReceiverLink& link) {
 // running inside a tick that holds the lock).
 bool LockUnlessStopping(ReceiverLink& link) {
     while (!link.lock.try_lock_for(20ms)) {
-        if (link.stopRequested || !link.portOpen) return false;
+        if (link.stopRequested || !link.portOpen)
+            return false;
     }
     return true;
 }
@@ -110,17 +123,21 @@ void MarkReaderEnded(ReceiverLink& link) {
 
 }  // namespace
 
-ReceiverLink::ReceiverLink() { wakeFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC); }
+ReceiverLink::ReceiverLink() {
+    wakeFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+}
 
 ReceiverLink::~ReceiverLink() {
-    if (running || reader.joinable()) StopLink(*this);
+    if (running || reader.joinable())
+        StopLink(*this);
     {
         // A reader that outlived the stop's bound ends once its handler returns.
         std::unique_lock<std::mutex> g(readerMutex);
         readerEnded.wait(g, [this] { return !readerActive; });
     }
     ClosePortFd(*this);
-    if (wakeFd >= 0) ::close(wakeFd);
+    if (wakeFd >= 0)
+        ::close(wakeFd);
 }
 
 int OpenPort(ReceiverLink& link) {
@@ -130,7 +147,8 @@ int OpenPort(ReceiverLink& link) {
 
     // Non-blocking, so that a port without carrier does not hold the open.
     const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) return FailOpen(link, -1, kErrOpen);
+    if (fd < 0)
+        return FailOpen(link, -1, kErrOpen);
 
     // A tty that is still being set up by the kernel may refuse for a moment;
     // something that is not a tty never becomes one, so that is not retried.
@@ -141,16 +159,19 @@ int OpenPort(ReceiverLink& link) {
             haveState = true;
             break;
         }
-        if (errno == ENOTTY || errno == EBADF || errno == EINVAL) break;
+        if (errno == ENOTTY || errno == EBADF || errno == EINVAL)
+            break;
         if (attempt + 1 < link.stateAttempts) {
             std::this_thread::sleep_for(std::chrono::milliseconds(link.stateRetryMs));
         }
     }
-    if (!haveState) return FailOpen(link, fd, kErrGetState);
+    if (!haveState)
+        return FailOpen(link, fd, kErrGetState);
     ::ioctl(fd, TIOCEXCL);  // no sharing; ignored where unsupported
 
     // Line settings: raw 8-bit input, the frame, XON/XOFF, no handshake.
-    if (!IsOfferedBaud(link.baudRate)) return FailOpen(link, fd, kErrSetState);
+    if (!IsOfferedBaud(link.baudRate))
+        return FailOpen(link, fd, kErrSetState);
     const speed_t speed = BaudConstant(link.baudRate);
     tio.c_iflag &= ~static_cast<tcflag_t>(IGNBRK | BRKINT | PARMRK | ISTRIP | INLCR | IGNCR |
                                           ICRNL | IXANY | INPCK);
@@ -159,19 +180,31 @@ int OpenPort(ReceiverLink& link) {
     tio.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL | ICANON | ISIG | IEXTEN);
     tio.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | PARODD | CSTOPB | CRTSCTS | HUPCL);
     switch (link.byteSize) {
-        case 5: tio.c_cflag |= CS5; break;
-        case 6: tio.c_cflag |= CS6; break;
-        case 7: tio.c_cflag |= CS7; break;
-        default: tio.c_cflag |= CS8; break;
+        case 5:
+            tio.c_cflag |= CS5;
+            break;
+        case 6:
+            tio.c_cflag |= CS6;
+            break;
+        case 7:
+            tio.c_cflag |= CS7;
+            break;
+        default:
+            tio.c_cflag |= CS8;
+            break;
     }
-    if (link.parity == 1) tio.c_cflag |= PARENB | PARODD;
-    if (link.parity == 2) tio.c_cflag |= PARENB;
-    if (link.stopBits != 0) tio.c_cflag |= CSTOPB;
+    if (link.parity == 1)
+        tio.c_cflag |= PARENB | PARODD;
+    if (link.parity == 2)
+        tio.c_cflag |= PARENB;
+    if (link.stopBits != 0)
+        tio.c_cflag |= CSTOPB;
     tio.c_cflag |= CLOCAL | CREAD;
     const speed_t frameSpeed = speed != B0 ? speed : B9600;  // 14400 is set below
     ::cfsetispeed(&tio, frameSpeed);
     ::cfsetospeed(&tio, frameSpeed);
-    if (::tcsetattr(fd, TCSANOW, &tio) != 0) return FailOpen(link, fd, kErrSetState);
+    if (::tcsetattr(fd, TCSANOW, &tio) != 0)
+        return FailOpen(link, fd, kErrSetState);
     // DTR and RTS dropped; a pseudo-terminal has no modem lines to drop.
     const int lines = TIOCM_DTR | TIOCM_RTS;
     ::ioctl(fd, TIOCMBIC, &lines);
@@ -179,7 +212,8 @@ int OpenPort(ReceiverLink& link) {
     // Reads return at once with whatever has arrived.
     tio.c_cc[VMIN] = 0;
     tio.c_cc[VTIME] = 0;
-    if (::tcsetattr(fd, TCSANOW, &tio) != 0) return FailOpen(link, fd, kErrTimeouts);
+    if (::tcsetattr(fd, TCSANOW, &tio) != 0)
+        return FailOpen(link, fd, kErrTimeouts);
     if (speed == B0 && !SetArbitraryBaud(fd, link.baudRate)) {
         return FailOpen(link, fd, kErrSetState);
     }
@@ -189,7 +223,8 @@ int OpenPort(ReceiverLink& link) {
     if (flags < 0 || ::fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0) {
         return FailOpen(link, fd, kErrQueues);
     }
-    if (::tcflush(fd, TCIOFLUSH) != 0) return FailOpen(link, fd, kErrPurge);
+    if (::tcflush(fd, TCIOFLUSH) != 0)
+        return FailOpen(link, fd, kErrPurge);
 
     link.portFd = fd;
     link.portOpen = true;
@@ -200,7 +235,8 @@ int OpenPort(ReceiverLink& link) {
 }
 
 int StartLink(ReceiverLink& link) {
-    if (link.recordNmea) MakeNmeaLogPath(link);
+    if (link.recordNmea)
+        MakeNmeaLogPath(link);
 
     if (link.timer != nullptr && !link.timer->Start()) {
         ClosePortFd(link);
@@ -208,7 +244,8 @@ int StartLink(ReceiverLink& link) {
         return 0;
     }
     const auto failThread = [&link] {
-        if (link.timer != nullptr) link.timer->Stop();
+        if (link.timer != nullptr)
+            link.timer->Stop();
         ClosePortFd(link);
         link.lastErrorCode = kErrThread;
         return 0;
@@ -222,9 +259,12 @@ int StartLink(ReceiverLink& link) {
             return failThread();
         }
     }
-    if (link.reader.joinable()) link.reader.join();
-    if (link.wakeFd < 0) link.wakeFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (link.wakeFd < 0 || link.portFd < 0) return failThread();
+    if (link.reader.joinable())
+        link.reader.join();
+    if (link.wakeFd < 0)
+        link.wakeFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    if (link.wakeFd < 0 || link.portFd < 0)
+        return failThread();
     DrainWake(link);
 
     link.stopRequested = false;
@@ -252,12 +292,14 @@ int StartLink(ReceiverLink& link) {
 }
 
 std::uint32_t StopLink(ReceiverLink& link) {
-    if (link.timer != nullptr) link.timer->Stop();
+    if (link.timer != nullptr)
+        link.timer->Stop();
     link.processPending = false;
 
     link.stopRequested = true;
     Wake(link);
-    if (link.portFd >= 0 && link.portOpen) ::tcflush(link.portFd, TCIOFLUSH);
+    if (link.portFd >= 0 && link.portOpen)
+        ::tcflush(link.portFd, TCIOFLUSH);
 
     if (link.reader.joinable()) {
         bool ended = false;
@@ -289,7 +331,8 @@ void ReaderThread(ReceiverLink& link) {
     const int tid = static_cast<int>(::gettid());
     errno = 0;
     const int nice = ::getpriority(PRIO_PROCESS, static_cast<id_t>(tid));
-    if (errno == 0) ::setpriority(PRIO_PROCESS, static_cast<id_t>(tid), nice + 1);
+    if (errno == 0)
+        ::setpriority(PRIO_PROCESS, static_cast<id_t>(tid), nice + 1);
 
     link.processPending = false;
     link.buffer[0] = '\0';
@@ -317,8 +360,10 @@ void ReaderThread(ReceiverLink& link) {
             watchPort = false;
             continue;
         }
-        if (fds[0].revents != 0) DrainWake(link);
-        if (link.stopRequested || !link.portOpen) break;
+        if (fds[0].revents != 0)
+            DrainWake(link);
+        if (link.stopRequested || !link.portOpen)
+            break;
 
         // Read when the port has something, and once after every tick.
         std::size_t count = 0;
@@ -336,7 +381,8 @@ void ReaderThread(ReceiverLink& link) {
         }
 
         if (count > 0) {
-            if (!LockUnlessStopping(link)) break;
+            if (!LockUnlessStopping(link))
+                break;
             link.noDataTicks = 0;
             link.lock.unlock();
             const std::uint32_t length = link.bufferLength;
@@ -350,21 +396,25 @@ void ReaderThread(ReceiverLink& link) {
                 link.processPending = true;  // an overflow forces a decode
             }
         }
-        if (!link.processPending) continue;
+        if (!link.processPending)
+            continue;
         const std::uint32_t length = link.bufferLength;
-        if (length == 0) continue;  // the request stays until text arrives
+        if (length == 0)
+            continue;  // the request stays until text arrives
 
-        if (link.timeSyncRequest.exchange(false)) link.gps.timeSyncPending = 1;
+        if (link.timeSyncRequest.exchange(false))
+            link.gps.timeSyncPending = 1;
         if (LinkSink* sink = link.sink.load(); sink != nullptr) {
             TimeForwarder forward(sink);
-            gps::ParseNmeaBuffer(link.gps, link.gsvAssembly,
-                                 std::string_view(link.buffer, length), &forward);
+            gps::ParseNmeaBuffer(link.gps, link.gsvAssembly, std::string_view(link.buffer, length),
+                                 &forward);
             link.fixValid = link.gps.status == 'A';
             sink->OnGpsData();
         }
         if (link.recordNmea) {
             std::lock_guard<std::mutex> g(link.recordLock);
-            if (link.nmeaLogPath[0] != '\0') AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
+            if (link.nmeaLogPath[0] != '\0')
+                AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
         }
         link.buffer[0] = '\0';
         link.bufferLength = 0;
@@ -374,7 +424,8 @@ void ReaderThread(ReceiverLink& link) {
 }
 
 void LinkTimerProc(ReceiverLink& link) {
-    if (!link.running) return;
+    if (!link.running)
+        return;
     std::lock_guard<std::timed_mutex> g(link.lock);
     link.processPending = true;
     ++link.noDataTicks;
@@ -383,7 +434,8 @@ void LinkTimerProc(ReceiverLink& link) {
         link.timeSyncRequest = true;
     }
     Wake(link);
-    if (!link.portOpen) return;  // already given up
+    if (!link.portOpen)
+        return;  // already given up
 
     std::uint32_t reason = kLossNone;
     if (link.deviceGone || PortVanished(link.portFd)) {
@@ -391,10 +443,13 @@ void LinkTimerProc(ReceiverLink& link) {
     } else if (link.noDataTicks >= kNoDataTicksLimit) {
         reason = kLossTimeout;
     }
-    if (reason == kLossNone) return;
+    if (reason == kLossNone)
+        return;
     link.linkLossReason = reason;
-    if (LinkSink* sink = link.sink.load(); sink != nullptr) sink->OnStopCommand();
-    if (link.portOpen) CloseByWatchdog(link);
+    if (LinkSink* sink = link.sink.load(); sink != nullptr)
+        sink->OnStopCommand();
+    if (link.portOpen)
+        CloseByWatchdog(link);
 }
 
 void MakeNmeaLogPath(ReceiverLink& link) {
@@ -412,16 +467,20 @@ void MakeNmeaLogPath(ReceiverLink& link, std::time_t now) {
                                 local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
                                 local.tm_hour, local.tm_min, local.tm_sec);
     // A folder too long for a path records nothing rather than somewhere else.
-    if (n < 0 || static_cast<std::size_t>(n) >= sizeof link.nmeaLogPath) link.nmeaLogPath[0] = '\0';
+    if (n < 0 || static_cast<std::size_t>(n) >= sizeof link.nmeaLogPath)
+        link.nmeaLogPath[0] = '\0';
 }
 
 void AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
     const int fd = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-    if (fd < 0) return;
+    if (fd < 0)
+        return;
     while (length > 0) {
         const ssize_t n = ::write(fd, data, length);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) break;  // full disk or a vanished folder: the batch is lost
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;  // full disk or a vanished folder: the batch is lost
         data += n;
         length -= static_cast<std::size_t>(n);
     }
@@ -435,7 +494,8 @@ const char* LinkLossMessage(std::uint32_t reason) {
         case kLossTimeout:
             return "接收GPS数据超时！\n\nGPS接收机也许出现故障需要重新启动。\n\n"
                    "注意: 如果程序停止响应，请关闭GPS接收机，程序将恢复正常。";
-        default: return nullptr;
+        default:
+            return nullptr;
     }
 }
 

@@ -61,7 +61,7 @@ inline constexpr const char* kErrThreadClose = "0x08200a0f";  // the reader did 
 
 // How the link reaches its owner. Every call is synchronous.
 class LinkSink {
-public:
+  public:
     // A batch has been decoded into link.gps. Called on the reader thread;
     // the reader waits until it returns, so the handler may read link.gps
     // freely (the program makes this a blocking queued call into the UI
@@ -79,7 +79,7 @@ public:
     // for the lock gives up when it sees the stop.
     virtual void OnStopCommand() = 0;
 
-protected:
+  protected:
     ~LinkSink() = default;
 };
 
@@ -88,12 +88,12 @@ protected:
 // StopLink stops it; it calls LinkTimerProc every second. Optional: without
 // one, the owner drives the ticks (tests do so by hand).
 class LinkTimer {
-public:
+  public:
     virtual bool Start() = 0;  // false: the timer cannot be created
     // May be called from inside the tick itself (StopLink from OnStopCommand).
     virtual void Stop() = 0;
 
-protected:
+  protected:
     ~LinkTimer() = default;
 };
 
@@ -104,13 +104,13 @@ struct ReceiverLink {
     ReceiverLink& operator=(const ReceiverLink&) = delete;
 
     // --- Configuration, set by the owner before OpenPort / StartLink ---
-    std::string portName;    // "COM%d:" of the configured port, for display
-    std::string devicePath;  // the tty actually opened (see PortNames.h); when
-                             // empty, portName resolves through the default map
-    std::uint32_t baudRate = 38400;  // one of kBaudRates
-    std::uint32_t byteSize = 8;      // data bits (5..8)
-    std::uint32_t parity = 0;        // 0 none, 1 odd, 2 even
-    std::uint32_t stopBits = 0;      // 0 one, 2 two (1, "1.5", is taken as two)
+    std::string portName;                  // "COM%d:" of the configured port, for display
+    std::string devicePath;                // the tty actually opened (see PortNames.h); when
+                                           // empty, portName resolves through the default map
+    std::uint32_t baudRate = 38400;        // one of kBaudRates
+    std::uint32_t byteSize = 8;            // data bits (5..8)
+    std::uint32_t parity = 0;              // 0 none, 1 odd, 2 even
+    std::uint32_t stopBits = 0;            // 0 one, 2 two (1, "1.5", is taken as two)
     std::atomic<LinkSink*> sink{nullptr};  // null: batches recorded, not decoded
     LinkTimer* timer = nullptr;            // null: ticks are driven by the owner
 
@@ -125,23 +125,23 @@ struct ReceiverLink {
     int stateRetryMs = 1000;
 
     // --- State ---
-    int portFd = -1;                        // the open port
-    std::atomic<bool> portOpen{false};      // cleared when the watchdog closes the link
-    std::atomic<bool> running{false};       // started and not stopped
-    std::atomic<bool> stopRequested{false}; // tells the reader thread to end
-    std::atomic<bool> processPending{false};// decode what has accumulated
-    std::atomic<bool> deviceGone{false};    // the reader saw a hang-up or EIO/ENODEV/ENXIO
-    std::atomic<std::uint32_t> noDataTicks{0};   // ticks since the last read with data
-    std::atomic<std::uint32_t> watchdogTicks{0}; // ticks towards the next time sync
+    int portFd = -1;                              // the open port
+    std::atomic<bool> portOpen{false};            // cleared when the watchdog closes the link
+    std::atomic<bool> running{false};             // started and not stopped
+    std::atomic<bool> stopRequested{false};       // tells the reader thread to end
+    std::atomic<bool> processPending{false};      // decode what has accumulated
+    std::atomic<bool> deviceGone{false};          // the reader saw a hang-up or EIO/ENODEV/ENXIO
+    std::atomic<std::uint32_t> noDataTicks{0};    // ticks since the last read with data
+    std::atomic<std::uint32_t> watchdogTicks{0};  // ticks towards the next time sync
     std::atomic<std::uint32_t> linkLossReason{kLossNone};
-    std::atomic<bool> fixValid{false};      // gps.status was 'A' in the last batch
+    std::atomic<bool> fixValid{false};  // gps.status was 'A' in the last batch
 
     char buffer[kBufferSize] = {};               // accumulated text, NUL-terminated
     std::atomic<std::uint32_t> bufferLength{0};  // characters in buffer
     gps::GpsState gps;                           // written by the reader while decoding
     gps::GsvAssembly gsvAssembly;
 
-    std::string lastErrorCode;  // text of the last link error, e.g. "0x08200a06"
+    std::string lastErrorCode;    // text of the last link error, e.g. "0x08200a06"
     char nmeaLogPath[4096] = {};  // the current recording file ("" = none)
 
     // Guards noDataTicks and watchdogTicks across a tick and the watchdog's
@@ -149,14 +149,14 @@ struct ReceiverLink {
     std::timed_mutex lock;
 
     // --- Internals of the reader thread ---
-    int wakeFd = -1;                    // eventfd the watchdog and StopLink signal
+    int wakeFd = -1;                           // eventfd the watchdog and StopLink signal
     std::atomic<bool> timeSyncRequest{false};  // applied to gps before the next decode
-    std::mutex recordLock;              // nmeaLogPath against a change while recording
+    std::mutex recordLock;                     // nmeaLogPath against a change while recording
     std::thread reader;
     std::mutex readerMutex;
     std::condition_variable readerEnded;  // also told when the reader starts listening
-    bool readerActive = false;          // guarded by readerMutex
-    bool readerListening = false;       // purged the port and waits; guarded by readerMutex
+    bool readerActive = false;            // guarded by readerMutex
+    bool readerListening = false;         // purged the port and waits; guarded by readerMutex
 };
 
 // Opens the port (devicePath, else portName through the default map) and

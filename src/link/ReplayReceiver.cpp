@@ -23,7 +23,9 @@ bool IsRmcLine(std::string_view line) {
 
 }  // namespace
 
-ReplayReceiver::~ReplayReceiver() { Stop(); }
+ReplayReceiver::~ReplayReceiver() {
+    Stop();
+}
 
 bool ReplayReceiver::Open() {
     CloseTerminal();
@@ -64,7 +66,9 @@ bool ReplayReceiver::LoadFile(const std::string& path) {
     return true;
 }
 
-void ReplayReceiver::SetLog(std::string text) { log_ = std::move(text); }
+void ReplayReceiver::SetLog(std::string text) {
+    log_ = std::move(text);
+}
 
 std::vector<std::string_view> ReplayReceiver::SplitEpochs(std::string_view log) {
     std::vector<std::string_view> epochs;
@@ -83,12 +87,14 @@ std::vector<std::string_view> ReplayReceiver::SplitEpochs(std::string_view log) 
         }
         pos = end;
     }
-    if (epochStart < log.size()) epochs.push_back(log.substr(epochStart));
+    if (epochStart < log.size())
+        epochs.push_back(log.substr(epochStart));
     return epochs;
 }
 
 bool ReplayReceiver::Start(const Options& options) {
-    if (master_ < 0 || writer_.joinable() || log_.empty() || !(options.rate > 0)) return false;
+    if (master_ < 0 || writer_.joinable() || log_.empty() || !(options.rate > 0))
+        return false;
     {
         std::lock_guard<std::mutex> g(mutex_);
         stop_ = false;
@@ -104,7 +110,8 @@ void ReplayReceiver::Stop() {
         stop_ = true;
     }
     wake_.notify_all();
-    if (writer_.joinable()) writer_.join();
+    if (writer_.joinable())
+        writer_.join();
     CloseTerminal();
 }
 
@@ -114,8 +121,10 @@ void ReplayReceiver::WaitFinished() {
 }
 
 void ReplayReceiver::CloseTerminal() {
-    if (slave_ >= 0) ::close(slave_);
-    if (master_ >= 0) ::close(master_);
+    if (slave_ >= 0)
+        ::close(slave_);
+    if (master_ >= 0)
+        ::close(master_);
     slave_ = master_ = -1;
 }
 
@@ -130,14 +139,18 @@ bool ReplayReceiver::WriteEpoch(std::string_view bytes) {
             bytes.remove_prefix(static_cast<std::size_t>(n));
             continue;
         }
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0 && errno != EAGAIN) return false;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0 && errno != EAGAIN)
+            return false;
         // The terminal's queue is full (nobody reads): wait a little, then
         // drop the rest of the epoch as a receiver would lose it.
         pollfd p{master_, POLLOUT, 0};
-        if (::poll(&p, 1, 100) <= 0) return true;
+        if (::poll(&p, 1, 100) <= 0)
+            return true;
         std::lock_guard<std::mutex> g(mutex_);
-        if (stop_) return false;
+        if (stop_)
+            return false;
     }
     return true;
 }
@@ -152,9 +165,11 @@ void ReplayReceiver::Play(Options options) {
         for (const std::string_view epoch : epochs) {
             {
                 std::unique_lock<std::mutex> g(mutex_);
-                if (wake_.wait_until(g, next, [this] { return stop_; })) return;
+                if (wake_.wait_until(g, next, [this] { return stop_; }))
+                    return;
             }
-            if (!WriteEpoch(epoch)) return;
+            if (!WriteEpoch(epoch))
+                return;
             ++epochs_;
             next += interval;
         }

@@ -15,7 +15,7 @@
 namespace satwalk::link {
 
 class ReplayReceiver {
-public:
+  public:
     struct Options {
         double rate = 1.0;  // epochs per second
         bool loop = false;  // start again at the end instead of hanging up
@@ -53,7 +53,7 @@ public:
     // the first RMC join the first epoch). Views into `log`.
     static std::vector<std::string_view> SplitEpochs(std::string_view log);
 
-private:
+  private:
     void Play(Options options);
     bool WriteEpoch(std::string_view bytes);
     void CloseTerminal();

@@ -9,13 +9,15 @@ ThreadTimer::ThreadTimer(std::function<void()> tick, std::chrono::milliseconds p
 
 ThreadTimer::~ThreadTimer() {
     Stop();
-    if (thread_.joinable()) thread_.join();
+    if (thread_.joinable())
+        thread_.join();
 }
 
 bool ThreadTimer::Start() {
     Stop();
     if (thread_.joinable()) {
-        if (thread_.get_id() == std::this_thread::get_id()) return false;
+        if (thread_.get_id() == std::this_thread::get_id())
+            return false;
         thread_.join();
     }
     {
@@ -36,7 +38,8 @@ void ThreadTimer::Stop() {
         stop_ = true;
     }
     wake_.notify_all();
-    if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
+    if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id())
+        thread_.join();
 }
 
 void ThreadTimer::Run() {
@@ -44,7 +47,8 @@ void ThreadTimer::Run() {
     for (;;) {
         {
             std::unique_lock<std::mutex> g(mutex_);
-            if (wake_.wait_until(g, next, [this] { return stop_; })) return;
+            if (wake_.wait_until(g, next, [this] { return stop_; }))
+                return;
         }
         tick_();
         next += period_;

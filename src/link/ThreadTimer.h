@@ -13,7 +13,7 @@
 namespace satwalk::link {
 
 class ThreadTimer final : public LinkTimer {
-public:
+  public:
     ThreadTimer(std::function<void()> tick, std::chrono::milliseconds period);
     ~ThreadTimer();
     ThreadTimer(const ThreadTimer&) = delete;
@@ -23,7 +23,7 @@ public:
     // From the tick itself it only asks the thread to end after this tick.
     void Stop() override;
 
-private:
+  private:
     void Run();
 
     std::function<void()> tick_;

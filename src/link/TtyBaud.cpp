@@ -11,7 +11,8 @@ namespace satwalk::link {
 
 bool SetArbitraryBaud(int fd, unsigned rate) {
     struct termios2 t {};
-    if (ioctl(fd, TCGETS2, &t) != 0) return false;
+    if (ioctl(fd, TCGETS2, &t) != 0)
+        return false;
     t.c_cflag &= ~static_cast<tcflag_t>(CBAUD | (CBAUD << IBSHIFT));
     t.c_cflag |= BOTHER | (BOTHER << IBSHIFT);
     t.c_ispeed = rate;

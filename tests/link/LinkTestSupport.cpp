@@ -27,39 +27,47 @@ std::string Rmc(const std::string& latitude, const std::string& time) {
 
 FakeReceiver::FakeReceiver() {
     master_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (master_ < 0 || ::grantpt(master_) != 0 || ::unlockpt(master_) != 0) std::abort();
+    if (master_ < 0 || ::grantpt(master_) != 0 || ::unlockpt(master_) != 0)
+        std::abort();
     char name[128];
-    if (::ptsname_r(master_, name, sizeof name) != 0) std::abort();
+    if (::ptsname_r(master_, name, sizeof name) != 0)
+        std::abort();
     path_ = name;
 }
 
-FakeReceiver::~FakeReceiver() { HangUp(); }
+FakeReceiver::~FakeReceiver() {
+    HangUp();
+}
 
 void FakeReceiver::Send(const std::string& bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t n = ::write(master_, bytes.data() + done, bytes.size() - done);
-        if (n <= 0) std::abort();
+        if (n <= 0)
+            std::abort();
         done += static_cast<std::size_t>(n);
     }
 }
 
 void FakeReceiver::HangUp() {
-    if (master_ >= 0) ::close(master_);
+    if (master_ >= 0)
+        ::close(master_);
     master_ = -1;
 }
 
 bool WaitFor(const std::function<bool()>& done, std::chrono::milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     while (!done()) {
-        if (std::chrono::steady_clock::now() > end) return false;
+        if (std::chrono::steady_clock::now() > end)
+            return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }
 
 void RecordingSink::OnGpsData() {
-    if (onData) onData();
+    if (onData)
+        onData();
     {
         std::lock_guard<std::mutex> g(mutex_);
         latitudes_.emplace_back(link.gps.latitude);
@@ -76,7 +84,8 @@ void RecordingSink::OnGpsTime() {
 
 void RecordingSink::OnStopCommand() {
     ++stopCommands;
-    if (stopInsideTick) stopResult = StopLink(link);
+    if (stopInsideTick)
+        stopResult = StopLink(link);
 }
 
 std::size_t RecordingSink::batches() {
@@ -109,7 +118,8 @@ std::string ReadFile(const std::string& path) {
 std::string MakeTempDir() {
     const char* base = std::getenv("TMPDIR");
     std::string pattern = std::string(base ? base : "/tmp") + "/satwalk-link-XXXXXX";
-    if (::mkdtemp(pattern.data()) == nullptr) std::abort();
+    if (::mkdtemp(pattern.data()) == nullptr)
+        std::abort();
     return pattern;
 }
 
@@ -118,7 +128,8 @@ std::vector<std::string> ListDir(const std::string& path) {
     if (DIR* d = ::opendir(path.c_str())) {
         while (const dirent* e = ::readdir(d)) {
             const std::string name = e->d_name;
-            if (name != "." && name != "..") names.push_back(name);
+            if (name != "." && name != "..")
+                names.push_back(name);
         }
         ::closedir(d);
     }

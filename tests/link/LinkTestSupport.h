@@ -19,14 +19,14 @@ std::string Rmc(const std::string& latitude, const std::string& time = "120000.0
 
 // The far end of a port: the master side of a pseudo-terminal.
 class FakeReceiver {
-public:
+  public:
     FakeReceiver();
     ~FakeReceiver();
     const std::string& path() const { return path_; }
     void Send(const std::string& bytes);
     void HangUp();
 
-private:
+  private:
     int master_ = -1;
     std::string path_;
 };
@@ -37,7 +37,7 @@ bool WaitFor(const std::function<bool()>& done,
 
 // Counts what the link delivers and keeps the latitude of every batch.
 class RecordingSink final : public LinkSink {
-public:
+  public:
     explicit RecordingSink(ReceiverLink& l) : link(l) {}
     void OnGpsData() override;
     void OnGpsTime() override;
@@ -49,12 +49,12 @@ public:
     bool WaitBatches(std::size_t n);
 
     ReceiverLink& link;
-    bool stopInsideTick = true;   // call StopLink from the stop command
-    int stopCommands = 0;         // touched on the ticking thread only
+    bool stopInsideTick = true;  // call StopLink from the stop command
+    int stopCommands = 0;        // touched on the ticking thread only
     std::uint32_t stopResult = 0;
     std::function<void()> onData;  // runs inside OnGpsData when set
 
-private:
+  private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::string> latitudes_;

@@ -11,9 +11,8 @@ namespace {
 
 TEST(PortNamesTest, ParsesComNames) {
     const std::pair<const char*, int> cases[] = {
-        {"COM1:", 1}, {"COM3", 3}, {"com12:", 12}, {" COM0: ", 0},
-        {"COM", -1},  {"COM:", -1}, {"COMx:", -1}, {"/dev/ttyUSB0", -1}, {"COM-1:", -1},
-        {"COM1:x", -1},
+        {"COM1:", 1}, {"COM3", 3},   {"com12:", 12},       {" COM0: ", 0}, {"COM", -1},
+        {"COM:", -1}, {"COMx:", -1}, {"/dev/ttyUSB0", -1}, {"COM-1:", -1}, {"COM1:x", -1},
     };
     for (const auto& [name, number] : cases) EXPECT_EQ(ParseComName(name), number) << name;
     EXPECT_EQ(ComName(7), "COM7:");
@@ -29,9 +28,10 @@ TEST(PortNamesTest, DefaultMapIsStable) {
 
 TEST(PortNamesTest, ResolvesOverrideThenMapThenDefault) {
     PortMap map;
-    ParsePortMap("# receivers\nCOM3 = /dev/ttyS0\r\ncom4:=/dev/serial/by-id/gps # puck\n"
-                 "junk\nCOM5=\nCOMx=/dev/null\n",
-                 map);
+    ParsePortMap(
+        "# receivers\nCOM3 = /dev/ttyS0\r\ncom4:=/dev/serial/by-id/gps # puck\n"
+        "junk\nCOM5=\nCOMx=/dev/null\n",
+        map);
     ASSERT_EQ(map.size(), 2u);
     EXPECT_EQ(ResolvePortName("COM3:", map), "/dev/ttyS0");
     EXPECT_EQ(ResolvePortName("COM4:", map), "/dev/serial/by-id/gps");

@@ -20,7 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 
 class LinkTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         link.devicePath = receiver.path();
         link.baudRate = 9600;
@@ -91,7 +91,8 @@ TEST_F(LinkTest, SentenceStraddlingTwoDecodesIsLost) {
     const std::string cut = Rmc("3112.0002");
     Feed(Rmc("3112.0001") + cut.substr(0, 20));
     TickAndDecode();
-    Feed(cut.substr(20) + Sentence("GPGGA,120001.00,3112.0009,N,12128.0000,E,1,08,1.0,12.0,M,8.0,M,,"));
+    Feed(cut.substr(20) +
+         Sentence("GPGGA,120001.00,3112.0009,N,12128.0000,E,1,08,1.0,12.0,M,8.0,M,,"));
     TickAndDecode();
     EXPECT_EQ(sink.latitude(1), "3112.0001") << "the cut RMC was pieced together";
     EXPECT_STREQ(link.gps.satellitesUsed, "08") << "the sentence after the cut was lost too";
@@ -114,11 +115,13 @@ TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
     ASSERT_TRUE(sink.WaitBatches(1)) << "an overflow must decode without a tick";
     // Whatever arrives after the overflow waits for the tick.
     std::this_thread::sleep_for(50ms);
-    if (link.bufferLength > 0) TickAndDecode();
+    if (link.bufferLength > 0)
+        TickAndDecode();
 
     ASSERT_GE(batches.size(), 1u);
     EXPECT_LT(batches[0].size(), 2048u);
-    EXPECT_EQ(burst.compare(0, batches[0].size(), batches[0]), 0) << "the first batch is not the start";
+    EXPECT_EQ(burst.compare(0, batches[0].size(), batches[0]), 0)
+        << "the first batch is not the start";
     std::string all;
     for (const std::string& b : batches) all += b;
     EXPECT_LT(all.size(), burst.size()) << "nothing was dropped";
@@ -171,7 +174,8 @@ TEST_F(LinkTest, SurvivesGarbageNulBytesAndEndlessLines) {
     std::string garbage;
     for (int i = 0; i < 3000; ++i) {
         const char c = static_cast<char>((i * 37 + 11) & 0xff);
-        if (c != 0x11 && c != 0x13) garbage += c;  // XON/XOFF belong to the line
+        if (c != 0x11 && c != 0x13)
+            garbage += c;  // XON/XOFF belong to the line
     }
     receiver.Send(garbage);
     receiver.Send(std::string(5000, 'x'));

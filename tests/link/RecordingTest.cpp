@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 class RecordingTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         dir = MakeTempDir();
         link.nmeaFolder = dir;
@@ -71,7 +71,10 @@ TEST(NmeaLogPathTest, NamesTheFileAfterTheLocalStartTime) {
         MakeNmeaLogPath(link, c.now);
         EXPECT_STREQ(link.nmeaLogPath, c.expected) << c.tz << " " << c.now;
     }
-    if (savedTz) setenv("TZ", restore.c_str(), 1); else unsetenv("TZ");
+    if (savedTz)
+        setenv("TZ", restore.c_str(), 1);
+    else
+        unsetenv("TZ");
     tzset();
 }
 
