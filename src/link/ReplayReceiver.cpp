@@ -5,6 +5,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -15,6 +16,8 @@
 namespace satwalk::link {
 
 namespace {
+
+using namespace std::chrono_literals;
 
 bool IsRmcLine(std::string_view line) {
     // "$GPRMC", "$GNRMC", ...: the sentence type follows a two-letter talker.
@@ -176,9 +179,11 @@ void ReplayReceiver::Play(Options options) {
         more = options.loop;
     }
     {
-        // One more epoch's time for the last one to be read, then done.
+        // Time for the last epoch to be read and decoded (at least one and a
+        // half watchdog ticks), then done.
+        const auto hold = std::max(next, std::chrono::steady_clock::now() + 1500ms);
         std::unique_lock<std::mutex> g(mutex_);
-        wake_.wait_until(g, next, [this] { return stop_; });
+        wake_.wait_until(g, hold, [this] { return stop_; });
         finished_ = true;
     }
     wake_.notify_all();
