@@ -68,7 +68,7 @@ void AppendJsonString(std::string& out, std::string_view text) {
     const auto* end = p + text.size();
     while (p < end) {
         const unsigned char c = *p;
-        if (c >= 0x20 && c < 0x80) {
+        if (c >= 0x20 && c < 0x7F) {
             if (c == '"' || c == '\\') out += '\\';
             out += static_cast<char>(c);
             ++p;
