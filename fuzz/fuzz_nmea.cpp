@@ -17,7 +17,8 @@ namespace {
 
 template <std::size_t N>
 void CheckText(const char (&field)[N]) {
-    if (std::memchr(field, '\0', N) == nullptr) std::abort();
+    if (std::memchr(field, '\0', N) == nullptr)
+        std::abort();
 }
 
 void CheckState(const GpsState& s) {
@@ -70,7 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ParseNmeaBuffer(state, assembly, std::string_view(copy, n), &sink);
         std::free(copy);
         CheckState(state);
-        if (assembly.countParsed > 1) std::abort();
+        if (assembly.countParsed > 1)
+            std::abort();
     }
     double lat = 0;
     double lon = 0;

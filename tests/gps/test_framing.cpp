@@ -39,8 +39,7 @@ std::string Rmc(const char* time) {
 }
 
 std::string Gga(const char* sats) {
-    return std::string("GPGGA,123519,4807.038,N,01131.000,E,1,") + sats +
-           ",0.9,545.4,M,46.9,M,,";
+    return std::string("GPGGA,123519,4807.038,N,01131.000,E,1,") + sats + ",0.9,545.4,M,46.9,M,,";
 }
 
 // Replaces the two checksum characters of a framed sentence.
@@ -66,22 +65,19 @@ TEST(ParseNmeaBuffer, Framing) {
         {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
          "111111.000", "07"},
         {"wrong checksum", WithChecksum(rmc, "00") + gga, "", "07"},
-        {"'$' inside a sentence drops it",
-         rmc.substr(0, 20) + gga, "", "07"},
+        {"'$' inside a sentence drops it", rmc.substr(0, 20) + gga, "", "07"},
         {"'$' inside the header", "$GP" + gga, "", "07"},
         {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
         {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
         {"cut right after '*'", gga + rmc.substr(0, rmc.find('*') + 1), "", "07"},
-        {"'$' as second checksum char",
-         rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
+        {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
         {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
         {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
         {"lowercase header skipped", Sentence("gprmc,222222.000,A,,,,,,,,,") + gga, "", "07"},
         {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
         {"lone '$' at the end", rmc + "$", "111111.000", ""},
         {"header cut at the end", rmc + "$GPG", "111111.000", ""},
-        {"later sentence wins",
-         rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
+        {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
         {"unknown sentence then a good one", Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc,
          "111111.000", ""},
         {"empty batch", "", "", ""},
@@ -98,11 +94,12 @@ TEST(ParseNmeaBuffer, Framing) {
 TEST(ParseNmeaBuffer, LowercaseChecksumLettersAreRejected) {
     // Find an RMC whose checksum has a letter in it, then lowercase it.
     for (int speed = 0; speed < 1000; ++speed) {
-        const std::string body =
-            "GPRMC,123519.000,A,4807.0380,N,01131.0000,E," + std::to_string(speed) + ",084.4,230394,,";
+        const std::string body = "GPRMC,123519.000,A,4807.0380,N,01131.0000,E," +
+                                 std::to_string(speed) + ",084.4,230394,,";
         char upper[3];
         std::snprintf(upper, sizeof upper, "%02X", Xor(body));
-        if (upper[0] != 'A' && upper[1] != 'A' && !(upper[1] >= 'B' && upper[1] <= 'F')) continue;
+        if (upper[0] != 'A' && upper[1] != 'A' && !(upper[1] >= 'B' && upper[1] <= 'F'))
+            continue;
         char lower[3] = {static_cast<char>(std::tolower(upper[0])),
                          static_cast<char>(std::tolower(upper[1])), 0};
         Decoder accepted;

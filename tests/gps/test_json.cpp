@@ -17,12 +17,14 @@ TEST(AppendJsonString, EscapesWhatIsNotUtf8Text) {
         {"4807.0380", "\"4807.0380\""},
         {"a\"b\\c", "\"a\\\"b\\\\c\""},
         {std::string("\x01\r\n\x7f", 4), "\"\\u0001\\u000d\\u000a\\u007f\""},
-        {"\xe4\xb8\xad", "\"\xe4\xb8\xad\""},            // a valid CJK character passes
-        {"\xff", "\"\\u00ff\""},                          // never valid in UTF-8
-        {"\xe4\xb8", "\"\\u00e4\\u00b8\""},              // cut sequence
-        {"\xc0\x80", "\"\\u00c0\\u0080\""},              // overlong NUL
+        {"\xe4\xb8\xad", "\"\xe4\xb8\xad\""},           // a valid CJK character passes
+        {"\xff", "\"\\u00ff\""},                        // never valid in UTF-8
+        {"\xe4\xb8", "\"\\u00e4\\u00b8\""},             // cut sequence
+        {"\xc0\x80", "\"\\u00c0\\u0080\""},             // overlong NUL
         {"\xed\xa0\x80", "\"\\u00ed\\u00a0\\u0080\""},  // surrogate
-        {"\xb0" "C", "\"\\u00b0C\""},                    // GB18030-style byte
+        {"\xb0"
+         "C",
+         "\"\\u00b0C\""},  // GB18030-style byte
     };
     for (const auto& c : cases) {
         std::string out;

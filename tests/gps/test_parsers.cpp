@@ -38,8 +38,8 @@ TEST(ParseRmc, Fields) {
         {"GPRMC,,V,,,,,,,,,,N", "", 'V', "", 0, "", 0, "", "", ""},
         // A one-character field sent longer keeps its first character and
         // the fields after it stay aligned.
-        {"GPRMC,010203,AV,3015.1234,NS,12009.5000,EW,5,6,010126", "010203", 'A', "3015.1234",
-         'N', "12009.5000", 'E', "5", "6", "010126"},
+        {"GPRMC,010203,AV,3015.1234,NS,12009.5000,EW,5,6,010126", "010203", 'A', "3015.1234", 'N',
+         "12009.5000", 'E', "5", "6", "010126"},
         // Fields missing at the end are empty.
         {"GPRMC,010203,A,3015.1234", "010203", 'A', "3015.1234", 0, "", 0, "", "", ""},
         // The last copied field meets '*' before a comma.

@@ -17,9 +17,10 @@ using testing::Sentence;
 
 // Sets TZ for the life of the object.
 class ScopedTimeZone {
-public:
+  public:
     explicit ScopedTimeZone(const char* tz) {
-        if (const char* old = std::getenv("TZ")) saved_ = old, hadOld_ = true;
+        if (const char* old = std::getenv("TZ"))
+            saved_ = old, hadOld_ = true;
         setenv("TZ", tz, 1);
         tzset();
     }
@@ -32,7 +33,7 @@ public:
         tzset();
     }
 
-private:
+  private:
     std::string saved_;
     bool hadOld_ = false;
 };
@@ -158,9 +159,15 @@ TEST(TextConversions, ReadLeadingNumbersLikeTheCLibrary) {
         int integer;
         double decimal;
     } cases[] = {
-        {"", 0, 0.0},          {"12", 12, 12.0},        {" 7x", 7, 7.0},
-        {"-5.5", -5, -5.5},    {"+3", 3, 3.0},          {"abc", 0, 0.0},
-        {"022.4", 22, 22.4},   {"1e3", 1, 1000.0},      {"99999999999", 2147483647, 99999999999.0},
+        {"", 0, 0.0},
+        {"12", 12, 12.0},
+        {" 7x", 7, 7.0},
+        {"-5.5", -5, -5.5},
+        {"+3", 3, 3.0},
+        {"abc", 0, 0.0},
+        {"022.4", 22, 22.4},
+        {"1e3", 1, 1000.0},
+        {"99999999999", 2147483647, 99999999999.0},
         {"-99999999999", -2147483647 - 1, -99999999999.0},
     };
     for (const auto& c : cases) {

@@ -27,14 +27,15 @@ Result RunTool(const std::string& args) {
 
 std::string Field(const std::string& json, const std::string& name) {
     const auto at = json.find("\"" + name + "\":");
-    if (at == std::string::npos) return "<missing>";
+    if (at == std::string::npos)
+        return "<missing>";
     const auto start = at + name.size() + 3;
     const auto end = json.find_first_of(",}", start);
     return json.substr(start, end - start);
 }
 
 class DecodeCommand : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         path_ = ::testing::TempDir() + "decode_command.nmea";
         std::ofstream f(path_, std::ios::binary);
