@@ -23,9 +23,22 @@ Orientation OrientationOf(Rect s) {
     return s.Width() <= s.Height() ? Orientation::Portrait : Orientation::Landscape;
 }
 
-void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect screen) {
-    ctx.screen = screen;
-    ctx.orientation = OrientationOf(screen);
+Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight) {
+    const bool hi = baseTextHeight != 15;
+    Rect content = frame;
+    if (orientation == Orientation::Portrait) {
+        content.bottom -= hi ? 129 : 66;
+    } else {
+        content.left += hi ? 52 : 28;
+        content.right -= baseTextHeight / 5 + (hi ? 42 : 21);
+    }
+    return content;
+}
+
+void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client) {
+    ctx.frame = client;
+    ctx.orientation = OrientationOf(client);
+    ctx.screen = ContentRect(client, ctx.orientation, ctx.baseTextHeight);
     LayoutDials(canvas, ctx);
 }
 
@@ -291,14 +304,14 @@ int AlarmCellIndex(int limit) {
 
 int LandscapeStripTop(const ScreenContext& ctx, int stripH) {
     const int b = ctx.baseTextHeight;
-    return b + (ctx.screen.bottom - stripH - ctx.screen.top - b) / 2;
+    return b + (ctx.frame.bottom - stripH - ctx.frame.top - b) / 2;
 }
 
 }  // namespace
 
 Rect TabRect(const ScreenContext& ctx, int tab) {
     const bool hi = ctx.HighResolution();
-    const Rect& s = ctx.screen;
+    const Rect& s = ctx.frame;
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int ox = (s.right - p.w - s.left) / 2;
@@ -334,7 +347,7 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
     const int k = AlarmCellIndex(ctx.speedAlarmLimit);
     const bool hi = ctx.HighResolution();
     const int b = ctx.baseTextHeight;
-    const Rect& s = ctx.screen;
+    const Rect& s = ctx.frame;
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int cw = hi ? 59 : 30, chh = hi ? 46 : 23;
@@ -355,7 +368,7 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
 void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
     const bool hi = ctx.HighResolution();
     const int b = ctx.baseTextHeight;
-    const Rect& s = ctx.screen;
+    const Rect& s = ctx.frame;
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int ox = (s.right - p.w - s.left) / 2;

@@ -40,7 +40,13 @@ struct MapViewLayout {
 // What the main window owns and the screens read. The toggles are the only
 // values the screens write.
 struct ScreenContext {
-    Rect screen;                 // client area less the menu bar
+    // The off-screen bitmap: the client area less the menu bar. The tool
+    // strip is drawn against it and its orientation decides the layout.
+    Rect frame;
+    // The part of the frame the screens lay out their content in: the frame
+    // less the tool strip (portrait: its height at the bottom; landscape:
+    // its width on the left and the alarm strip on the right).
+    Rect screen;
     Orientation orientation = Orientation::Portrait;
     int dpi = 192;               // logical pixels per inch
     int baseTextHeight = 30;     // (15 × dpi + 48) / 96
@@ -75,9 +81,10 @@ struct ScreenContext {
 // ---- set-up -------------------------------------------------------------
 
 int BaseTextHeightForDpi(int dpi);
-// Sets screen, orientation and dials for a new client area (window created,
-// resized or rotated). `canvas` provides text measurement.
-void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect screen);
+// Sets frame, orientation, screen and dials for a new client area (window
+// created, resized or rotated). `canvas` provides text measurement.
+void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client);
+Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight);
 void LayoutDials(Canvas& canvas, ScreenContext& ctx);
 Orientation OrientationOf(Rect screen);
 

@@ -231,3 +231,27 @@ void QtCanvas::PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int
 }
 
 }  // namespace satwalk::screens
+
+namespace satwalk::screens {
+
+void PrepareScreenContext(ScreenContext& ctx, int width, int height, int dpi,
+                          const ScreenBitmaps& bitmaps) {
+    ctx.dpi = dpi;
+    ctx.baseTextHeight = BaseTextHeightForDpi(dpi);
+    AssignBitmapHandles(ctx);
+    QImage scratch(1, 1, QImage::Format_RGB32);
+    QtCanvas measure(scratch, bitmaps);
+    UpdateScreenLayout(measure, ctx, Rect{0, 0, width, height});
+}
+
+void RenderCurrentScreen(QImage& image, ScreenContext& ctx, const gps::GpsState& gps,
+                         const ScreenBitmaps& bitmaps) {
+    const int w = std::max(ctx.frame.Width(), 1), h = std::max(ctx.frame.Height(), 1);
+    if (image.width() != w || image.height() != h || image.format() != QImage::Format_RGB32) {
+        image = QImage(w, h, QImage::Format_RGB32);
+    }
+    QtCanvas canvas(image, bitmaps);
+    PaintCurrentScreen(canvas, ctx, gps);
+}
+
+}  // namespace satwalk::screens

@@ -71,3 +71,18 @@ private:
 };
 
 }  // namespace satwalk::screens
+
+namespace satwalk::screens {
+
+// Sets up a context for a screen of width × height pixels at `dpi`: the base
+// text height, the layout measured with the real fonts and the bitmap
+// handles of the matching set. The caller sets the rest (screen, units, ...).
+void PrepareScreenContext(ScreenContext& ctx, int width, int height, int dpi,
+                          const ScreenBitmaps& bitmaps);
+
+// Paints the current screen into `image` (made the screen's size when it is
+// not), the whole off-screen picture the window then shows in one copy.
+void RenderCurrentScreen(QImage& image, ScreenContext& ctx, const gps::GpsState& gps,
+                         const ScreenBitmaps& bitmaps);
+
+}  // namespace satwalk::screens
