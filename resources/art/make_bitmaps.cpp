@@ -62,7 +62,7 @@ void Begin(QPainter& p) {
 }
 
 QFont UiFont(double px, bool bold) {
-    QFont f(QStringLiteral("DejaVu Sans"));
+    QFont f(QStringLiteral("Noto Sans CJK SC"));
     f.setPixelSize(std::max(1, static_cast<int>(std::lround(px))));
     f.setBold(bold);
     f.setHintingPreference(QFont::PreferFullHinting);
@@ -88,29 +88,51 @@ void DrawSatellite(QPainter& p, QPointF c, double s, const QColor& body, const Q
     p.restore();
 }
 
+// Land outlines, read once by main().
+std::vector<std::vector<QPointF>> gLand;
+
+// A globe in orthographic view centred on 20°E 25°N, with the real
+// coastlines; points on the far side are pushed onto the rim.
 void DrawGlobe(QPainter& p, QPointF c, double r) {
     p.setPen(Qt::NoPen);
     p.setBrush(QColor(120, 180, 235));
     p.drawEllipse(c, r, r);
-    // Continents suggested by two blobs.
-    p.setBrush(QColor(88, 160, 80));
+    const double lon0 = 20.0 * M_PI / 180, lat0 = 25.0 * M_PI / 180;
     QPainterPath land;
-    land.moveTo(c + QPointF(-r * 0.55, -r * 0.55));
-    land.cubicTo(c + QPointF(-r * 0.1, -r * 0.8), c + QPointF(r * 0.05, -r * 0.3), c + QPointF(-r * 0.2, -r * 0.05));
-    land.cubicTo(c + QPointF(-r * 0.1, r * 0.3), c + QPointF(-r * 0.35, r * 0.75), c + QPointF(-r * 0.45, r * 0.4));
-    land.cubicTo(c + QPointF(-r * 0.8, r * 0.1), c + QPointF(-r * 0.85, -r * 0.3), c + QPointF(-r * 0.55, -r * 0.55));
+    land.setFillRule(Qt::WindingFill);
+    for (const auto& ring : gLand) {
+        QPolygonF poly;
+        bool anyVisible = false;
+        for (const QPointF& ll : ring) {
+            const double lon = ll.x() * M_PI / 180, lat = ll.y() * M_PI / 180;
+            const double x = std::cos(lat) * std::sin(lon - lon0);
+            const double y = std::cos(lat0) * std::sin(lat) - std::sin(lat0) * std::cos(lat) * std::cos(lon - lon0);
+            const double z = std::sin(lat0) * std::sin(lat) + std::cos(lat0) * std::cos(lat) * std::cos(lon - lon0);
+            double px = x, py = y;
+            if (z < 0) {
+                const double n = std::hypot(x, y);
+                if (n > 0) { px = x / n; py = y / n; }
+            } else {
+                anyVisible = true;
+            }
+            poly << c + QPointF(px * r, -py * r);
+        }
+        if (anyVisible) {
+            land.addPolygon(poly);
+            land.closeSubpath();
+        }
+    }
+    p.save();
+    QPainterPath disc;
+    disc.addEllipse(c, r, r);
+    p.setClipPath(disc);
+    p.setBrush(QColor(88, 160, 80));
     p.drawPath(land);
-    QPainterPath land2;
-    land2.moveTo(c + QPointF(r * 0.25, -r * 0.6));
-    land2.cubicTo(c + QPointF(r * 0.8, -r * 0.6), c + QPointF(r * 0.9, -r * 0.1), c + QPointF(r * 0.55, r * 0.05));
-    land2.cubicTo(c + QPointF(r * 0.6, r * 0.5), c + QPointF(r * 0.3, r * 0.7), c + QPointF(r * 0.25, r * 0.3));
-    land2.cubicTo(c + QPointF(r * 0.1, r * 0.0), c + QPointF(r * 0.05, -r * 0.4), c + QPointF(r * 0.25, -r * 0.6));
-    p.drawPath(land2);
+    p.restore();
     p.setBrush(Qt::NoBrush);
-    p.setPen(QPen(QColor(255, 255, 255, 150), std::max(0.8, r * 0.05)));
-    p.drawEllipse(c, r * 0.45, r);
+    p.setPen(QPen(QColor(255, 255, 255, 110), std::max(0.6, r * 0.04)));
+    p.drawEllipse(c, r * 0.5, r);
     p.drawLine(c + QPointF(-r, 0), c + QPointF(r, 0));
-    p.drawLine(c + QPointF(0, -r), c + QPointF(0, r));
     p.setPen(QPen(kInk, std::max(1.0, r * 0.08)));
     p.drawEllipse(c, r, r);
 }
@@ -245,7 +267,7 @@ QImage StatusIcons(int s) {
         const QRectF f = frame(k);
         const QColor body = k == 0 ? QColor(30, 130, 60) : kGrey;
         const QColor panel = k == 0 ? QColor(70, 190, 90) : QColor(180, 184, 190);
-        DrawSatellite(p, f.center(), s * 0.46, body, panel);
+        DrawSatellite(p, f.center(), s * 0.56, body, panel);
         if (k == 1) {
             p.setPen(QPen(kRed, std::max(1.5, s / 9.0), Qt::SolidLine, Qt::RoundCap));
             p.drawLine(f.topLeft() + QPointF(s * 0.18, s * 0.18), f.bottomRight() - QPointF(s * 0.18, s * 0.18));
@@ -502,7 +524,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: make_bitmaps WORLD_LAND_TXT OUTPUT_FOLDER\n");
         return 2;
     }
-    const auto land = ReadLand(QString::fromLocal8Bit(argv[1]));
+    gLand = ReadLand(QString::fromLocal8Bit(argv[1]));
+    const auto& land = gLand;
     if (land.empty()) {
         std::fprintf(stderr, "no land outlines in %s\n", argv[1]);
         return 1;
