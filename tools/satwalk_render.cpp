@@ -31,7 +31,7 @@ constexpr const char* kUsage =
     "  --screens LIST  comma-separated screen numbers (default 0,1,2,3)\n";
 
 class Sync final : public gps::TimeSyncSink {
-public:
+  public:
     void OnGpsTime() override { synced = true; }
     bool synced = false;
 };
@@ -49,28 +49,48 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
         const bool hasValue = i + 1 < argc;
-        if (a == "--batch" && hasValue) lastBatch = std::atol(argv[++i]);
-        else if (a == "--out" && hasValue) outDir = QString::fromLocal8Bit(argv[++i]);
-        else if (a == "--units" && hasValue) units = std::atoi(argv[++i]);
-        else if (a == "--alarm" && hasValue) alarm = std::atoi(argv[++i]);
-        else if (a == "--screens" && hasValue) screensArg = argv[++i];
-        else if (a == "--north-up") northUp = true;
-        else if (a == "--link-down") linkDown = true;
-        else if (a == "--recording") recording = true;
-        else if (a == "-h" || a == "--help") { std::fputs(kUsage, stdout); return 0; }
-        else if (!a.empty() && a[0] != '-') path = argv[i];
-        else { std::fputs(kUsage, stderr); return 2; }
+        if (a == "--batch" && hasValue)
+            lastBatch = std::atol(argv[++i]);
+        else if (a == "--out" && hasValue)
+            outDir = QString::fromLocal8Bit(argv[++i]);
+        else if (a == "--units" && hasValue)
+            units = std::atoi(argv[++i]);
+        else if (a == "--alarm" && hasValue)
+            alarm = std::atoi(argv[++i]);
+        else if (a == "--screens" && hasValue)
+            screensArg = argv[++i];
+        else if (a == "--north-up")
+            northUp = true;
+        else if (a == "--link-down")
+            linkDown = true;
+        else if (a == "--recording")
+            recording = true;
+        else if (a == "-h" || a == "--help") {
+            std::fputs(kUsage, stdout);
+            return 0;
+        } else if (!a.empty() && a[0] != '-')
+            path = argv[i];
+        else {
+            std::fputs(kUsage, stderr);
+            return 2;
+        }
     }
-    if (!path) { std::fputs(kUsage, stderr); return 2; }
+    if (!path) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
 
     FILE* in = std::fopen(path, "rb");
-    if (!in) { std::fprintf(stderr, "satwalk-render: cannot open %s\n", path); return 1; }
+    if (!in) {
+        std::fprintf(stderr, "satwalk-render: cannot open %s\n", path);
+        return 1;
+    }
     gps::GpsState gps;
     gps::GsvAssembly assembly;
     Sync sync;
     tools::BatchSplitter splitter(
-        [in](char* buf, std::size_t n) { return static_cast<long>(std::fread(buf, 1, n, in)); }, 2047,
-        false);
+        [in](char* buf, std::size_t n) { return static_cast<long>(std::fread(buf, 1, n, in)); },
+        2047, false);
     std::string_view batch;
     long count = 0;
     while ((lastBatch < 0 || count < lastBatch) && splitter.Next(batch)) {
@@ -80,9 +100,14 @@ int main(int argc, char** argv) {
     std::fclose(in);
 
     QDir().mkpath(outDir);
-    struct Variant { const char* name; int w, h, dpi; };
-    const Variant variants[] = {{"portrait-hi", 480, 640, 192}, {"landscape-hi", 640, 480, 192},
-                                {"portrait-lo", 240, 320, 96},  {"landscape-lo", 320, 240, 96}};
+    struct Variant {
+        const char* name;
+        int w, h, dpi;
+    };
+    const Variant variants[] = {{"portrait-hi", 480, 640, 192},
+                                {"landscape-hi", 640, 480, 192},
+                                {"portrait-lo", 240, 320, 96},
+                                {"landscape-lo", 320, 240, 96}};
     static const char* kScreenNames[] = {"gpsinfo", "skyplot", "compass", "speedometer", "map"};
     for (const Variant& v : variants) {
         ScreenBitmaps bitmaps;
@@ -110,14 +135,16 @@ int main(int argc, char** argv) {
             ctx.currentScreen = screen;
             RenderCurrentScreen(image, ctx, gps, bitmaps);
             const char* name = screen >= 0 && screen <= 4 ? kScreenNames[screen] : "blank";
-            const QString file = QStringLiteral("%1/%2-%3.png").arg(outDir, QString::fromLatin1(name),
-                                                                     QString::fromLatin1(v.name));
+            const QString file =
+                QStringLiteral("%1/%2-%3.png")
+                    .arg(outDir, QString::fromLatin1(name), QString::fromLatin1(v.name));
             if (!image.save(file)) {
                 std::fprintf(stderr, "satwalk-render: cannot write %s\n", qPrintable(file));
                 return 1;
             }
             while (*p && *p != ',') ++p;
-            if (*p == ',') ++p;
+            if (*p == ',')
+                ++p;
         }
     }
     return 0;

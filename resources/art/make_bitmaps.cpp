@@ -48,7 +48,8 @@ QImage Flatten(const QImage& src, const QColor& key) {
             } else {
                 const auto mix = [a](int c) { return (c * a + 255 * (255 - a)) / 255; };
                 o = qRgb(mix(qRed(p)), mix(qGreen(p)), mix(qBlue(p)));
-                if ((o | 0xFF000000u) == (k | 0xFF000000u)) o = qRgb(qRed(o), qGreen(o), qBlue(o) - 1);
+                if ((o | 0xFF000000u) == (k | 0xFF000000u))
+                    o = qRgb(qRed(o), qGreen(o), qBlue(o) - 1);
             }
             out.setPixel(x, y, o);
         }
@@ -106,12 +107,17 @@ void DrawGlobe(QPainter& p, QPointF c, double r) {
         for (const QPointF& ll : ring) {
             const double lon = ll.x() * M_PI / 180, lat = ll.y() * M_PI / 180;
             const double x = std::cos(lat) * std::sin(lon - lon0);
-            const double y = std::cos(lat0) * std::sin(lat) - std::sin(lat0) * std::cos(lat) * std::cos(lon - lon0);
-            const double z = std::sin(lat0) * std::sin(lat) + std::cos(lat0) * std::cos(lat) * std::cos(lon - lon0);
+            const double y = std::cos(lat0) * std::sin(lat) -
+                             std::sin(lat0) * std::cos(lat) * std::cos(lon - lon0);
+            const double z = std::sin(lat0) * std::sin(lat) +
+                             std::cos(lat0) * std::cos(lat) * std::cos(lon - lon0);
             double px = x, py = y;
             if (z < 0) {
                 const double n = std::hypot(x, y);
-                if (n > 0) { px = x / n; py = y / n; }
+                if (n > 0) {
+                    px = x / n;
+                    py = y / n;
+                }
             } else {
                 anyVisible = true;
             }
@@ -157,8 +163,9 @@ void DrawFoldedMap(QPainter& p, QRectF r) {
     p.setBrush(Qt::NoBrush);
     QPainterPath road;
     road.moveTo(r.left() + r.width() * 0.08, r.bottom() - r.height() * 0.25);
-    road.cubicTo(r.left() + r.width() * 0.4, r.bottom() - r.height() * 0.1, r.left() + r.width() * 0.5,
-                 r.top() + r.height() * 0.5, r.right() - r.width() * 0.1, r.top() + r.height() * 0.35);
+    road.cubicTo(r.left() + r.width() * 0.4, r.bottom() - r.height() * 0.1,
+                 r.left() + r.width() * 0.5, r.top() + r.height() * 0.5,
+                 r.right() - r.width() * 0.1, r.top() + r.height() * 0.35);
     p.drawPath(road);
     const QPointF pin(r.left() + r.width() * 0.62, r.top() + r.height() * 0.42);
     const double pr = r.width() * 0.13;
@@ -176,12 +183,14 @@ void DrawFoldedMap(QPainter& p, QRectF r) {
 
 // Text lines of the information tab.
 void DrawInfoIcon(QPainter& p, QRectF r) {
-    DrawSatellite(p, QPointF(r.center().x(), r.top() + r.height() * 0.3), r.width() * 0.33, kInk, kInkLight);
+    DrawSatellite(p, QPointF(r.center().x(), r.top() + r.height() * 0.3), r.width() * 0.33, kInk,
+                  kInkLight);
     p.setPen(QPen(kInk, std::max(1.0, r.height() * 0.06), Qt::SolidLine, Qt::RoundCap));
     for (int i = 0; i < 3; ++i) {
         const double y = r.top() + r.height() * (0.62 + 0.14 * i);
         const double len = (i == 2) ? 0.45 : 0.7;
-        p.drawLine(QPointF(r.left() + r.width() * 0.15, y), QPointF(r.left() + r.width() * (0.15 + len), y));
+        p.drawLine(QPointF(r.left() + r.width() * 0.15, y),
+                   QPointF(r.left() + r.width() * (0.15 + len), y));
     }
 }
 
@@ -230,16 +239,29 @@ void SkyTile(QPainter& p, QPointF centre, double r) {
 // the instrument the frame draws over it and `liveR` its radius.
 void DrawTab(QPainter& p, int index, QRectF tile, QPointF live, double liveR) {
     TileFrame(p, tile);
-    const QRectF inner = tile.adjusted(tile.width() * 0.14, tile.height() * 0.14, -tile.width() * 0.14,
-                                       -tile.height() * 0.14);
+    const QRectF inner = tile.adjusted(tile.width() * 0.14, tile.height() * 0.14,
+                                       -tile.width() * 0.14, -tile.height() * 0.14);
     switch (index) {
-        case 0: DrawInfoIcon(p, inner); break;
-        case 1: DrawGlobe(p, inner.center(), inner.width() * 0.5); break;
-        case 2: DrawFoldedMap(p, inner.adjusted(0, inner.height() * 0.08, 0, -inner.height() * 0.08)); break;
-        case 3: CompassTile(p, live, liveR, 0); break;
-        case 4: SpeedTile(p, tile.center(), tile.width() * 0.38); break;
-        case 5: SkyTile(p, live, liveR); break;
-        default: break;
+        case 0:
+            DrawInfoIcon(p, inner);
+            break;
+        case 1:
+            DrawGlobe(p, inner.center(), inner.width() * 0.5);
+            break;
+        case 2:
+            DrawFoldedMap(p, inner.adjusted(0, inner.height() * 0.08, 0, -inner.height() * 0.08));
+            break;
+        case 3:
+            CompassTile(p, live, liveR, 0);
+            break;
+        case 4:
+            SpeedTile(p, tile.center(), tile.width() * 0.38);
+            break;
+        case 5:
+            SkyTile(p, live, liveR);
+            break;
+        default:
+            break;
     }
 }
 
@@ -270,7 +292,8 @@ QImage StatusIcons(int s) {
         DrawSatellite(p, f.center(), s * 0.56, body, panel);
         if (k == 1) {
             p.setPen(QPen(kRed, std::max(1.5, s / 9.0), Qt::SolidLine, Qt::RoundCap));
-            p.drawLine(f.topLeft() + QPointF(s * 0.18, s * 0.18), f.bottomRight() - QPointF(s * 0.18, s * 0.18));
+            p.drawLine(f.topLeft() + QPointF(s * 0.18, s * 0.18),
+                       f.bottomRight() - QPointF(s * 0.18, s * 0.18));
         }
     }
     // 2 recording on, 3 recording off.
@@ -290,8 +313,10 @@ QImage StatusIcons(int s) {
         const QPointF c = f.center();
         QPainterPath bell;
         bell.moveTo(c + QPointF(-s * 0.3, s * 0.2));
-        bell.cubicTo(c + QPointF(-s * 0.2, s * 0.05), c + QPointF(-s * 0.3, -s * 0.35), c + QPointF(0, -s * 0.35));
-        bell.cubicTo(c + QPointF(s * 0.3, -s * 0.35), c + QPointF(s * 0.2, s * 0.05), c + QPointF(s * 0.3, s * 0.2));
+        bell.cubicTo(c + QPointF(-s * 0.2, s * 0.05), c + QPointF(-s * 0.3, -s * 0.35),
+                     c + QPointF(0, -s * 0.35));
+        bell.cubicTo(c + QPointF(s * 0.3, -s * 0.35), c + QPointF(s * 0.2, s * 0.05),
+                     c + QPointF(s * 0.3, s * 0.2));
         bell.closeSubpath();
         p.setPen(QPen(k == 4 ? QColor(160, 110, 0) : kGrey, std::max(1.0, s / 16.0)));
         p.setBrush(k == 4 ? QColor(250, 190, 40) : QColor(220, 222, 226));
@@ -299,7 +324,8 @@ QImage StatusIcons(int s) {
         p.drawEllipse(c + QPointF(0, s * 0.28), s * 0.07, s * 0.07);
         if (k == 5) {
             p.setPen(QPen(kRed, std::max(1.5, s / 9.0), Qt::SolidLine, Qt::RoundCap));
-            p.drawLine(f.topLeft() + QPointF(s * 0.18, s * 0.18), f.bottomRight() - QPointF(s * 0.18, s * 0.18));
+            p.drawLine(f.topLeft() + QPointF(s * 0.18, s * 0.18),
+                       f.bottomRight() - QPointF(s * 0.18, s * 0.18));
         }
     }
     for (int k = 6; k < 8; ++k) {
@@ -308,8 +334,8 @@ QImage StatusIcons(int s) {
         p.setBrush(Qt::NoBrush);
         QPainterPath trail;
         trail.moveTo(f.left() + s * 0.15, f.bottom() - s * 0.2);
-        trail.cubicTo(f.left() + s * 0.5, f.bottom() - s * 0.1, f.left() + s * 0.3, f.top() + s * 0.3,
-                      f.right() - s * 0.2, f.top() + s * 0.25);
+        trail.cubicTo(f.left() + s * 0.5, f.bottom() - s * 0.1, f.left() + s * 0.3,
+                      f.top() + s * 0.3, f.right() - s * 0.2, f.top() + s * 0.25);
         p.drawPath(trail);
         p.setPen(Qt::NoPen);
         p.setBrush(k == 6 ? kRed : kGrey);
@@ -350,15 +376,18 @@ QImage SquareSymbol(int s) {
 std::vector<std::vector<QPointF>> ReadLand(const QString& path) {
     std::vector<std::vector<QPointF>> rings;
     QFile f(path);
-    if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return rings;
+    if (!f.open(QIODevice::ReadOnly | QIODevice::Text))
+        return rings;
     QTextStream in(&f);
     while (!in.atEnd()) {
         const QString line = in.readLine();
-        if (line.startsWith('#') || line.isEmpty()) continue;
+        if (line.startsWith('#') || line.isEmpty())
+            continue;
         std::vector<QPointF> ring;
         for (const QString& cell : line.split(' ', Qt::SkipEmptyParts)) {
             const auto parts = cell.split(',');
-            if (parts.size() == 2) ring.emplace_back(parts[0].toDouble(), parts[1].toDouble());
+            if (parts.size() == 2)
+                ring.emplace_back(parts[0].toDouble(), parts[1].toDouble());
         }
         rings.push_back(std::move(ring));
     }
@@ -376,8 +405,10 @@ QImage World(int w, int h, const std::vector<std::vector<QPointF>>& land) {
         return QPointF((ll.x() + 180.0) / 360.0 * w * ss, (80.0 - ll.y()) / 160.0 * h * ss);
     };
     p.setPen(QPen(QColor(150, 192, 226), ss * 0.5));
-    for (int lon = -150; lon <= 150; lon += 30) p.drawLine(map(QPointF(lon, 80)), map(QPointF(lon, -80)));
-    for (int lat = -60; lat <= 60; lat += 30) p.drawLine(map(QPointF(-180, lat)), map(QPointF(180, lat)));
+    for (int lon = -150; lon <= 150; lon += 30)
+        p.drawLine(map(QPointF(lon, 80)), map(QPointF(lon, -80)));
+    for (int lat = -60; lat <= 60; lat += 30)
+        p.drawLine(map(QPointF(-180, lat)), map(QPointF(180, lat)));
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     for (const auto& ring : land) {
@@ -408,18 +439,28 @@ QImage MapOverlay(int w, int h, int button, int gap) {
         p.setBrush(Qt::white);
         QPolygonF tri;
         switch (k) {
-            case 0: tri << c + QPointF(0, -a) << c + QPointF(a, a * 0.6) << c + QPointF(-a, a * 0.6); break;
-            case 1: tri << c + QPointF(0, a) << c + QPointF(a, -a * 0.6) << c + QPointF(-a, -a * 0.6); break;
-            case 2: tri << c + QPointF(-a, 0) << c + QPointF(a * 0.6, -a) << c + QPointF(a * 0.6, a); break;
-            case 3: tri << c + QPointF(a, 0) << c + QPointF(-a * 0.6, -a) << c + QPointF(-a * 0.6, a); break;
-            default: break;
+            case 0:
+                tri << c + QPointF(0, -a) << c + QPointF(a, a * 0.6) << c + QPointF(-a, a * 0.6);
+                break;
+            case 1:
+                tri << c + QPointF(0, a) << c + QPointF(a, -a * 0.6) << c + QPointF(-a, -a * 0.6);
+                break;
+            case 2:
+                tri << c + QPointF(-a, 0) << c + QPointF(a * 0.6, -a) << c + QPointF(a * 0.6, a);
+                break;
+            case 3:
+                tri << c + QPointF(a, 0) << c + QPointF(-a * 0.6, -a) << c + QPointF(-a * 0.6, a);
+                break;
+            default:
+                break;
         }
         if (!tri.isEmpty()) {
             p.drawPolygon(tri);
         } else {
             const double t = std::max(1.5, w * 0.12);
             p.drawRect(QRectF(c.x() - a, c.y() - t / 2, 2 * a, t));
-            if (k == 4) p.drawRect(QRectF(c.x() - t / 2, c.y() - a, t, 2 * a));
+            if (k == 4)
+                p.drawRect(QRectF(c.x() - t / 2, c.y() - a, t, 2 * a));
         }
     }
     p.end();
@@ -442,9 +483,12 @@ QImage PortraitStrip(const PortraitGeometry& g) {
         DrawAlarmCellArt(p, QRectF(g.cellX0 + k * g.cellW, 0, g.cellW, g.cellH), 50 + 10 * k, true);
     for (int k = 0; k < 6; ++k) {
         const QRectF tile(g.tileX0 + k * g.pitch, g.tileY, g.tile, g.tile);
-        if (k == 3) DrawTab(p, k, tile, g.arrow, g.arrowSize * 1.22);
-        else if (k == 5) DrawTab(p, k, tile, g.sky, g.skyR);
-        else DrawTab(p, k, tile, tile.center(), 0);
+        if (k == 3)
+            DrawTab(p, k, tile, g.arrow, g.arrowSize * 1.22);
+        else if (k == 5)
+            DrawTab(p, k, tile, g.sky, g.skyR);
+        else
+            DrawTab(p, k, tile, tile.center(), 0);
     }
     p.end();
     return Flatten(img, kKey);
@@ -464,9 +508,12 @@ QImage LandscapeStrip(const LandscapeGeometry& g) {
     Begin(p);
     for (int k = 0; k < 6; ++k) {
         const QRectF tile(0, k * g.pitch, g.tile, g.tile);
-        if (k == 3) DrawTab(p, k, tile, g.arrow, std::min(g.arrowSize * 1.3, g.tile / 2.0 - 1));
-        else if (k == 5) DrawTab(p, k, tile, g.sky, g.skyR);
-        else DrawTab(p, k, tile, tile.center(), 0);
+        if (k == 3)
+            DrawTab(p, k, tile, g.arrow, std::min(g.arrowSize * 1.3, g.tile / 2.0 - 1));
+        else if (k == 5)
+            DrawTab(p, k, tile, g.sky, g.skyR);
+        else
+            DrawTab(p, k, tile, tile.center(), 0);
     }
     p.end();
     return Flatten(img, kKey);
@@ -476,7 +523,8 @@ QImage AlarmStrip(int w, int h, int cell) {
     QImage img = Blank(w, h);
     QPainter p(&img);
     Begin(p);
-    for (int k = 0; k < 8; ++k) DrawAlarmCellArt(p, QRectF(0, k * cell, w, cell), 50 + 10 * k, false);
+    for (int k = 0; k < 8; ++k)
+        DrawAlarmCellArt(p, QRectF(0, k * cell, w, cell), 50 + 10 * k, false);
     p.end();
     return Flatten(img, kKey);
 }
@@ -542,9 +590,11 @@ int main(int argc, char** argv) {
     ok &= Save(SquareSymbol(23), out, "symbol-square-lo");
     ok &= Save(MapOverlay(30, 200, 29, 5), out, "map-overlay-hi");
     ok &= Save(MapOverlay(16, 101, 15, 1), out, "map-overlay-lo");
-    ok &= Save(PortraitStrip({480, 129, 74, 55, 79, 5, 59, 46, 5, QPointF(280, 100), 22, QPointF(438, 91), 30}),
+    ok &= Save(PortraitStrip({480, 129, 74, 55, 79, 5, 59, 46, 5, QPointF(280, 100), 22,
+                              QPointF(438, 91), 30}),
                out, "toolstrip-portrait-hi");
-    ok &= Save(PortraitStrip({240, 66, 38, 27, 40, 1, 30, 23, 1, QPointF(140, 49), 12, QPointF(220, 45), 17}),
+    ok &= Save(PortraitStrip(
+                   {240, 66, 38, 27, 40, 1, 30, 23, 1, QPointF(140, 49), 12, QPointF(220, 45), 17}),
                out, "toolstrip-portrait-lo");
     ok &= Save(LandscapeStrip({52, 332, 51, 56, QPointF(26, 201), 15, QPointF(27, 305), 22}), out,
                "toolstrip-landscape-hi");

@@ -101,7 +101,7 @@ struct Bitmap {
 };
 
 class Canvas {
-public:
+  public:
     virtual ~Canvas() = default;
 
     // The drawable area; nothing is ever drawn outside it.

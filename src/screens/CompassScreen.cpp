@@ -16,8 +16,8 @@ using gps::TextToDouble;
 
 void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegrees, Pen pen) {
     const double a = SaneDegrees(angleDegrees) * kPi / 180.0;
-    canvas.Line(Point{cx, cy}, Point{cx + Trunc(length * std::sin(a)), cy - Trunc(length * std::cos(a))},
-                pen);
+    canvas.Line(Point{cx, cy},
+                Point{cx + Trunc(length * std::sin(a)), cy - Trunc(length * std::cos(a))}, pen);
 }
 
 void DrawDialTicks(Canvas& canvas, int cx, int cy, const DialTicks& t) {
@@ -43,7 +43,8 @@ void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const GpsState& g
     const double course = SaneDegrees(TextToDouble(gps.course));
     // Reduced to 0..360 so that no angle of the lists reaches the red start.
     double turn = northUp ? 0.0 : std::fmod(course, 360.0);
-    if (turn < 0) turn += 360.0;
+    if (turn < 0)
+        turn += 360.0;
 
     double majors[8], minors[64];
     for (int k = 0; k < 8; ++k) {
@@ -117,10 +118,11 @@ void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
         const int yb = bottom - b / 5;
         canvas.DrawText(line, Rect{left + b / 3 - 1, yb - s.height, left + b / 3 + s.width + 1, yb},
                         kTextLeft | kTextBottom, grey);
-        std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft", text::kAltitude,
-                      AltitudeInDisplayUnit(gps, u));
+        std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
+                      text::kAltitude, AltitudeInDisplayUnit(gps, u));
         s = canvas.MeasureText(line);
-        canvas.DrawText(line, Rect{right - b / 3 + 1 - s.width - 2, yb - s.height, right - b / 3 + 1, yb},
+        canvas.DrawText(line,
+                        Rect{right - b / 3 + 1 - s.width - 2, yb - s.height, right - b / 3 + 1, yb},
                         kTextRight | kTextBottom, grey);
     }
     ReleaseScreenFont(canvas, old);
@@ -130,7 +132,8 @@ void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
            Rgb(100, 101, 103));
     ReleaseScreenFont(canvas, old);
 
-    if (ctx.drawMapOverlay) ctx.drawMapOverlay(canvas, ctx);
+    if (ctx.drawMapOverlay)
+        ctx.drawMapOverlay(canvas, ctx);
 
     const int s = StatusIconSize(ctx);
     DrawReceiverIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3);

@@ -17,7 +17,9 @@ using gps::TextToInt;
 
 // ---- set-up -------------------------------------------------------------
 
-int BaseTextHeightForDpi(int dpi) { return (15 * dpi + 48) / 96; }
+int BaseTextHeightForDpi(int dpi) {
+    return (15 * dpi + 48) / 96;
+}
 
 Orientation OrientationOf(Rect s) {
     return s.Width() <= s.Height() ? Orientation::Portrait : Orientation::Landscape;
@@ -61,8 +63,7 @@ void LayoutDials(Canvas& canvas, ScreenContext& ctx) {
     d.speedX = right - b / 3 - d.speedRadius - s.width;
     d.speedY = b / 3 + (top + bottom) / 2 + d.speedRadius + s.height;
 
-    d.compassRadius =
-        std::min(bottom - top + b / 3 - 4 * b, right - left + b / 3 - 4 * b) / 2 - 1;
+    d.compassRadius = std::min(bottom - top + b / 3 - 4 * b, right - left + b / 3 - 4 * b) / 2 - 1;
     d.compassX = (left + right) / 2;
     d.compassY = (b + top + bottom) / 2;
 }
@@ -88,17 +89,23 @@ constexpr BitmapInfo kBitmaps[] = {
     {BitmapId::Markers, {60, 20}, {33, 11}, "markers", ""},
 };
 
-const BitmapInfo& InfoOf(BitmapId id) { return kBitmaps[static_cast<int>(id)]; }
+const BitmapInfo& InfoOf(BitmapId id) {
+    return kBitmaps[static_cast<int>(id)];
+}
 
 }  // namespace
 
-Size BitmapSize(BitmapId id, bool hi) { return hi ? InfoOf(id).hi : InfoOf(id).lo; }
+Size BitmapSize(BitmapId id, bool hi) {
+    return hi ? InfoOf(id).hi : InfoOf(id).lo;
+}
 
 std::string BitmapFileName(BitmapId id, bool hi) {
     return std::string(InfoOf(id).name) + (hi ? "-hi" : "-lo");
 }
 
-std::string BitmapFailureCode(BitmapId id) { return InfoOf(id).code; }
+std::string BitmapFailureCode(BitmapId id) {
+    return InfoOf(id).code;
+}
 
 std::string InitializationFailedMessage(BitmapId id) {
     return "Initialization failed: " + BitmapFailureCode(id) + "\n\nThe program will now exit.";
@@ -120,12 +127,16 @@ Font CreateScreenFont(Canvas& canvas, int height, int weight) {
     return previous;
 }
 
-void ReleaseScreenFont(Canvas& canvas, Font previous) { canvas.SelectFont(previous); }
+void ReleaseScreenFont(Canvas& canvas, Font previous) {
+    canvas.SelectFont(previous);
+}
 
 double SpeedInDisplayUnit(const GpsState& gps, int unitSystem) {
     const double knots = TextToDouble(gps.speedKnots);
-    if (unitSystem == kMetric) return knots * 1.85;
-    if (unitSystem == kImperial) return knots * 1.152;
+    if (unitSystem == kMetric)
+        return knots * 1.85;
+    if (unitSystem == kImperial)
+        return knots * 1.152;
     return knots;
 }
 
@@ -137,24 +148,34 @@ double AltitudeInDisplayUnit(const GpsState& gps, int unitSystem) {
 Colour SnrColour(int snr) {
     // Readings above 99 are not in the scale; they are shown as the
     // strongest class rather than as no signal.
-    if (snr <= 0) return kWhite;
-    if (snr <= 10) return Rgb(255, 0, 0);
-    if (snr <= 20) return Rgb(255, 153, 0);
-    if (snr <= 30) return Rgb(255, 255, 0);
-    if (snr <= 40) return Rgb(102, 204, 0);
-    if (snr <= 50) return Rgb(0, 204, 204);
+    if (snr <= 0)
+        return kWhite;
+    if (snr <= 10)
+        return Rgb(255, 0, 0);
+    if (snr <= 20)
+        return Rgb(255, 153, 0);
+    if (snr <= 30)
+        return Rgb(255, 255, 0);
+    if (snr <= 40)
+        return Rgb(102, 204, 0);
+    if (snr <= 50)
+        return Rgb(0, 204, 204);
     return Rgb(0, 102, 255);
 }
 
 const char* SpeedUnitName(int unitSystem) {
-    if (unitSystem == kImperial) return "MPH";
-    if (unitSystem == kNautical) return "kts";
+    if (unitSystem == kImperial)
+        return "MPH";
+    if (unitSystem == kNautical)
+        return "kts";
     return "km/h";
 }
 
 // ---- status icons -----------------------------------------------------------
 
-int StatusIconSize(const ScreenContext& ctx) { return ctx.HighResolution() ? 32 : 17; }
+int StatusIconSize(const ScreenContext& ctx) {
+    return ctx.HighResolution() ? 32 : 17;
+}
 
 namespace {
 
@@ -247,12 +268,13 @@ void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const GpsState& gps, in
     if (n >= 1) {
         const Font old = CreateScreenFont(canvas, fontHeight, 400);
         const Size blank = canvas.MeasureText(" ");
-        const int dot = Round(std::sqrt(blank.width * blank.width / 4.0 +
-                                        blank.height * blank.height / 4.0));
+        const int dot =
+            Round(std::sqrt(blank.width * blank.width / 4.0 + blank.height * blank.height / 4.0));
         for (int k = 0; k < n; ++k) {
             const int i = ctx.miniSkyToggle == 0 ? k : n - 1 - k;
             const auto& sat = gps.satellites[i];
-            const double d = radius * std::cos(SaneDegrees(TextToDouble(sat.elevation)) * kPi / 180.0);
+            const double d =
+                radius * std::cos(SaneDegrees(TextToDouble(sat.elevation)) * kPi / 180.0);
             const double az = SaneDegrees(TextToDouble(sat.azimuth)) * kPi / 180.0;
             const int x = cx + Trunc(std::sin(az) * d);
             const int y = cy - Trunc(std::cos(az) * d);
@@ -276,12 +298,18 @@ namespace {
 // Tool-strip tile of the current screen, or -1.
 int TabOfScreen(const ScreenContext& ctx) {
     switch (ctx.currentScreen) {
-        case kScreenGpsInfo: return 0;
-        case kScreenMap: return ctx.mapLoaded ? 2 : 1;
-        case kScreenCompass: return 3;
-        case kScreenSpeedometer: return 4;
-        case kScreenSkyPlot: return 5;
-        default: return -1;
+        case kScreenGpsInfo:
+            return 0;
+        case kScreenMap:
+            return ctx.mapLoaded ? 2 : 1;
+        case kScreenCompass:
+            return 3;
+        case kScreenSpeedometer:
+            return 4;
+        case kScreenSkyPlot:
+            return 5;
+        default:
+            return -1;
     }
 }
 
@@ -298,7 +326,8 @@ constexpr LandscapeStrip kLandscapeHi{52, 332, 51, 56, 42, 337, 42};
 constexpr LandscapeStrip kLandscapeLo{28, 168, 27, 28, 21, 169, 21};
 
 int AlarmCellIndex(int limit) {
-    if (limit >= 50 && limit <= 120 && limit % 10 == 0) return (limit - 50) / 10;
+    if (limit >= 50 && limit <= 120 && limit % 10 == 0)
+        return (limit - 50) / 10;
     return 0;
 }
 
@@ -326,7 +355,8 @@ Rect TabRect(const ScreenContext& ctx, int tab) {
 
 void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx) {
     const int tab = TabOfScreen(ctx);
-    if (tab < 0) return;
+    if (tab < 0)
+        return;
     const bool hi = ctx.HighResolution();
     const Rect dst = TabRect(ctx, tab);
     if (ctx.orientation == Orientation::Portrait) {
@@ -343,7 +373,8 @@ void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx) {
 }
 
 void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
-    if (!ctx.speedAlarmOn) return;
+    if (!ctx.speedAlarmOn)
+        return;
     const int k = AlarmCellIndex(ctx.speedAlarmLimit);
     const bool hi = ctx.HighResolution();
     const int b = ctx.baseTextHeight;
@@ -360,8 +391,7 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
         const int x = s.right - b / 5 - l.alarmW;
         const int top = b + (s.bottom - l.alarmH - s.top - b) / 2;
         canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::AlarmStrip)],
-                    Rect{0, l.cell * k, l.alarmW, l.cell * k + l.cell},
-                    Point{x, top + l.cell * k});
+                    Rect{0, l.cell * k, l.alarmW, l.cell * k + l.cell}, Point{x, top + l.cell * k});
     }
 }
 
@@ -425,10 +455,18 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
 
 void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
     switch (ctx.currentScreen) {
-        case kScreenGpsInfo: PaintGpsInfoScreen(canvas, ctx, gps); break;
-        case kScreenSkyPlot: PaintSkyPlotScreen(canvas, ctx, gps); break;
-        case kScreenCompass: PaintCompassScreen(canvas, ctx, gps); break;
-        case kScreenSpeedometer: PaintSpeedometerScreen(canvas, ctx, gps); break;
+        case kScreenGpsInfo:
+            PaintGpsInfoScreen(canvas, ctx, gps);
+            break;
+        case kScreenSkyPlot:
+            PaintSkyPlotScreen(canvas, ctx, gps);
+            break;
+        case kScreenCompass:
+            PaintCompassScreen(canvas, ctx, gps);
+            break;
+        case kScreenSpeedometer:
+            PaintSpeedometerScreen(canvas, ctx, gps);
+            break;
         case kScreenMap:
             canvas.FillRect(canvas.Bounds(), kWhite);
             if (ctx.paintMapScreen) {
@@ -437,7 +475,9 @@ void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
                 DrawScreenFrame(canvas, ctx, gps);
             }
             break;
-        default: canvas.FillRect(canvas.Bounds(), kWhite); break;
+        default:
+            canvas.FillRect(canvas.Bounds(), kWhite);
+            break;
     }
 }
 
@@ -447,7 +487,8 @@ int HitTestTab(const ScreenContext& ctx, int x, int y) {
         const Rect r = TabRect(ctx, tab);
         if (x >= r.left && x < r.right && y >= r.top && y < r.bottom) {
             // The loaded-map tab only answers when there is a loaded map.
-            if (tab == 2 && !ctx.mapLoaded) return 0;
+            if (tab == 2 && !ctx.mapLoaded)
+                return 0;
             return kCommands[tab];
         }
     }
@@ -471,12 +512,14 @@ std::string FormatAngle(const char* pattern, char hemisphere, double value) {
 }  // namespace
 
 std::string FormatLatitude(double latitude) {
-    if (!std::isfinite(latitude)) latitude = 0.0;
+    if (!std::isfinite(latitude))
+        latitude = 0.0;
     return FormatAngle("%c   %02d%s%07.4f'", latitude >= 0 ? 'N' : 'S', latitude);
 }
 
 std::string FormatLongitude(double longitude) {
-    if (!std::isfinite(longitude)) longitude = 0.0;
+    if (!std::isfinite(longitude))
+        longitude = 0.0;
     return FormatAngle("%c %03d%s%07.4f'", longitude >= 0 ? 'E' : 'W', longitude);
 }
 
@@ -490,8 +533,10 @@ std::string FormatAltitudeSpeedLine(double altitude, double speed, int unitSyste
 }
 
 std::string FormatFixMode(char fixMode) {
-    if (fixMode == '3') return "3D GPS Fix";
-    if (fixMode == '2') return "2D GPS Fix";
+    if (fixMode == '3')
+        return "3D GPS Fix";
+    if (fixMode == '2')
+        return "2D GPS Fix";
     return "GPS Fix N/A";
 }
 

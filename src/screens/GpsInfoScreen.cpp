@@ -57,12 +57,13 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
 
     old = CreateScreenFont(canvas, b - 1, 400);
     const int y3 = top + 2 * h1 + (2 * b) / 5 + 1;
-    const int h2 =
-        TextAt(canvas,
-               FormatAltitudeSpeedLine(AltitudeInDisplayUnit(gps, u), SpeedInDisplayUnit(gps, u), u),
-               left + m + g, y3, kBlack)
-            .height;
-    canvas.Line(Point{left + m, y3 + h2 + g - 1}, Point{right - m, y3 + h2 + g - 1}, Pen{kBlack, 1});
+    const int h2 = TextAt(canvas,
+                          FormatAltitudeSpeedLine(AltitudeInDisplayUnit(gps, u),
+                                                  SpeedInDisplayUnit(gps, u), u),
+                          left + m + g, y3, kBlack)
+                       .height;
+    canvas.Line(Point{left + m, y3 + h2 + g - 1}, Point{right - m, y3 + h2 + g - 1},
+                Pen{kBlack, 1});
     const int y4 = y3 + h2 + g + 1;
     const Size dt = TextAt(canvas, FormatDateTime(ctx, gps), left + m + g, y4, kBlack);
     canvas.Line(Point{left + m, y4 + h2 + g - 1}, Point{left + m + g + dt.width, y4 + h2 + g - 1},
@@ -83,7 +84,8 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
         canvas.DrawText(hdop, Rect{left + m, yb - sh.height, left + m + sh.width, yb},
                         kTextCenter | kTextBottom, kBlack);
         const int xc = (left + right) / 2;
-        canvas.DrawText(vdop, Rect{xc - sv.width / 2, yb - sv.height, xc - sv.width / 2 + sv.width, yb},
+        canvas.DrawText(vdop,
+                        Rect{xc - sv.width / 2, yb - sv.height, xc - sv.width / 2 + sv.width, yb},
                         kTextCenter | kTextBottom, kBlack);
         canvas.DrawText(pdop, Rect{right - m - sp.width, yb - sp.height, right - m, yb},
                         kTextCenter | kTextBottom, kBlack);
@@ -134,7 +136,8 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     const int size = std::max(std::min(vs, hs) / 2, 0);
     DrawCourseArrow(canvas, gps, size, right - hs / 2 - 1, R + g + (3 * h4) / 2 + vs / 2, b);
 
-    DrawSignalBars(canvas, ctx, gps, left + W + m + b / 2 + (right - left - W - m - b / 2 - 4 * b) / 2,
+    DrawSignalBars(canvas, ctx, gps,
+                   left + W + m + b / 2 + (right - left - W - m - b / 2 - 4 * b) / 2,
                    bottom - (6 * b) / 5);
 
     const int s = StatusIconSize(ctx);

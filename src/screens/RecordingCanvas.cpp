@@ -7,13 +7,15 @@ using K = CanvasCall::Kind;
 std::vector<CanvasCall> RecordingCanvas::OfKind(CanvasCall::Kind kind) const {
     std::vector<CanvasCall> out;
     for (const auto& c : calls_)
-        if (c.kind == kind) out.push_back(c);
+        if (c.kind == kind)
+            out.push_back(c);
     return out;
 }
 
 const CanvasCall* RecordingCanvas::FindText(const std::string& text) const {
     for (const auto& c : calls_)
-        if (c.kind == K::Text && c.text == text) return &c;
+        if (c.kind == K::Text && c.text == text)
+            return &c;
     return nullptr;
 }
 
@@ -46,18 +48,18 @@ void RecordingCanvas::Rectangle(Rect box, Pen pen, Brush brush) {
 }
 
 void RecordingCanvas::Polygon(std::span<const Point> points, Pen pen, Brush brush) {
-    calls_.push_back(CanvasCall{K::Polygon, {}, {}, {}, {}, {points.begin(), points.end()}, pen,
-                                brush, {}, {}, 0, {}, {}});
+    calls_.push_back(CanvasCall{
+        K::Polygon, {}, {}, {}, {}, {points.begin(), points.end()}, pen, brush, {}, {}, 0, {}, {}});
 }
 
 void RecordingCanvas::Polyline(std::span<const Point> points, Pen pen) {
-    calls_.push_back(CanvasCall{K::Polyline, {}, {}, {}, {}, {points.begin(), points.end()}, pen,
-                                {}, {}, {}, 0, {}, {}});
+    calls_.push_back(CanvasCall{
+        K::Polyline, {}, {}, {}, {}, {points.begin(), points.end()}, pen, {}, {}, {}, 0, {}, {}});
 }
 
 void RecordingCanvas::DrawText(std::string_view text, Rect box, unsigned flags, Colour colour) {
-    calls_.push_back(CanvasCall{K::Text, box, {}, {}, {}, {}, {}, {}, colour, font_, flags,
-                                std::string(text), {}});
+    calls_.push_back(CanvasCall{
+        K::Text, box, {}, {}, {}, {}, {}, {}, colour, font_, flags, std::string(text), {}});
 }
 
 void RecordingCanvas::Blit(const Bitmap& bitmap, Rect src, Point dst) {
@@ -75,9 +77,19 @@ void RecordingCanvas::TransparentBlit(const Bitmap& bitmap, Rect src, Point dst,
 }
 
 void RecordingCanvas::PixelBlock(Point dst, Size size, const std::uint32_t*, int) {
-    calls_.push_back(CanvasCall{K::PixelBlock, Rect{dst.x, dst.y, dst.x + size.width,
-                                                    dst.y + size.height},
-                                {}, dst, {}, {}, {}, {}, {}, {}, 0, {}, {}});
+    calls_.push_back(CanvasCall{K::PixelBlock,
+                                Rect{dst.x, dst.y, dst.x + size.width, dst.y + size.height},
+                                {},
+                                dst,
+                                {},
+                                {},
+                                {},
+                                {},
+                                {},
+                                {},
+                                0,
+                                {},
+                                {}});
 }
 
 }  // namespace satwalk::screens

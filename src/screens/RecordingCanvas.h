@@ -13,8 +13,17 @@ namespace satwalk::screens {
 
 struct CanvasCall {
     enum class Kind {
-        FillRect, Line, Ellipse, Rectangle, Polygon, Polyline, Text,
-        Blit, StretchBlit, TransparentBlit, PixelBlock
+        FillRect,
+        Line,
+        Ellipse,
+        Rectangle,
+        Polygon,
+        Polyline,
+        Text,
+        Blit,
+        StretchBlit,
+        TransparentBlit,
+        PixelBlock
     };
     Kind kind;
     Rect rect;                  // fill, ellipse box, rectangle, text box, blit src
@@ -23,15 +32,15 @@ struct CanvasCall {
     std::vector<Point> points;  // polygon, polyline
     Pen pen;
     Brush brush;
-    Colour colour;              // fill, text, transparent key
-    Font font;                  // text
-    unsigned flags = 0;         // text
+    Colour colour;       // fill, text, transparent key
+    Font font;           // text
+    unsigned flags = 0;  // text
     std::string text;
     BitmapId bitmap = BitmapId::StatusIcons;
 };
 
 class RecordingCanvas final : public Canvas {
-public:
+  public:
     explicit RecordingCanvas(Rect bounds) : bounds_(bounds) {}
 
     const std::vector<CanvasCall>& Calls() const { return calls_; }
@@ -60,7 +69,7 @@ public:
     void TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) override;
     void PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) override;
 
-private:
+  private:
     Rect bounds_;
     Font font_{};
     std::vector<CanvasCall> calls_;

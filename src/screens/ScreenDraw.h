@@ -23,7 +23,9 @@ inline void TextCentredOn(Canvas& canvas, const std::string& s, int cx, int cy, 
     canvas.DrawText(s, box, kTextCenter | kTextVCenter, colour);
 }
 
-inline Rect CircleBox(int cx, int cy, int r) { return Rect{cx - r, cy - r, cx + r, cy + r}; }
+inline Rect CircleBox(int cx, int cy, int r) {
+    return Rect{cx - r, cy - r, cx + r, cy + r};
+}
 
 // The compass centre arrow: the course arrow's shape at any angle.
 void DrawArrowAt(Canvas& canvas, double courseDegrees, int size, int cx, int cy, int tail);

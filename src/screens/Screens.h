@@ -48,17 +48,17 @@ struct ScreenContext {
     // its width on the left and the alarm strip on the right).
     Rect screen;
     Orientation orientation = Orientation::Portrait;
-    int dpi = 192;               // logical pixels per inch
-    int baseTextHeight = 30;     // (15 × dpi + 48) / 96
+    int dpi = 192;            // logical pixels per inch
+    int baseTextHeight = 30;  // (15 × dpi + 48) / 96
     int currentScreen = kScreenGpsInfo;
     int unitSystem = kMetric;
     bool speedAlarmOn = false;
-    int speedAlarmLimit = 50;    // 50, 60, ... 120 in the display unit
+    int speedAlarmLimit = 50;  // 50, 60, ... 120 in the display unit
     bool linkRunning = false;
     bool fixValid = false;
-    bool blinkPhase = false;     // flipped by the blink timer while no fix
-    bool recording = false;      // NMEA recording on
-    bool fixTimeKnown = false;   // a WM_GPS_TIME has synchronised the clock
+    bool blinkPhase = false;    // flipped by the blink timer while no fix
+    bool recording = false;     // NMEA recording on
+    bool fixTimeKnown = false;  // a WM_GPS_TIME has synchronised the clock
     bool mapLoaded = false;
     int compassOrientation = 0;  // 1 north-up, anything else course-up
     double latitude = 0.0;       // signed degrees, north positive
@@ -126,8 +126,8 @@ ArrowPoints CourseArrowPoints(double courseDegrees, int size, int cx, int cy, in
 
 void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps, Rect box,
                       int fontHeight, bool landscape);
-void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps, int radius, int cx,
-                     int cy, int fontHeight);
+void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps, int radius,
+                     int cx, int cy, int fontHeight);
 void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps, int x,
                     int baselineY);
 void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);

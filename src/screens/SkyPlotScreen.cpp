@@ -32,8 +32,9 @@ void DrawLegend(Canvas& canvas, const ScreenContext& ctx) {
     canvas.DrawText("0", Rect{x1 - w0 / 2 + 1, bottom - h, x1 + w0 / 2 + 2, bottom},
                     kTextLeft | kTextVCenter, kBlack);
     for (int k = 0; k < 6; ++k) {
-        canvas.FillRect(Rect{x1 + k * bw, bottom - (3 * h) / 2 + 1, x1 + (k + 1) * bw, bottom - h + 1},
-                        kSnrScale[k]);
+        canvas.FillRect(
+            Rect{x1 + k * bw, bottom - (3 * h) / 2 + 1, x1 + (k + 1) * bw, bottom - h + 1},
+            kSnrScale[k]);
     }
     static constexpr const char* kMarks[5] = {"10", "20", "30", "40", "50"};
     for (int k = 0; k < 5; ++k) {
@@ -70,18 +71,27 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     Font old = CreateScreenFont(canvas, (14 * b) / 15, 400);
     {
         const Size n = canvas.MeasureText("N");
-        canvas.DrawText("N", Rect{cx - n.width / 2, cy - R - 1 - n.height, cx - n.width / 2 + n.width, cy - R - 1},
-                        kTextCenter | kTextVCenter, kBlack);
+        canvas.DrawText(
+            "N",
+            Rect{cx - n.width / 2, cy - R - 1 - n.height, cx - n.width / 2 + n.width, cy - R - 1},
+            kTextCenter | kTextVCenter, kBlack);
         const Size e = canvas.MeasureText("E");
-        canvas.DrawText("E", Rect{cx + R + b / 3, cy - e.height / 2, cx + R + b / 3 + e.width, cy - e.height / 2 + e.height},
+        canvas.DrawText("E",
+                        Rect{cx + R + b / 3, cy - e.height / 2, cx + R + b / 3 + e.width,
+                             cy - e.height / 2 + e.height},
                         kTextCenter | kTextVCenter, kBlack);
         const Size s = canvas.MeasureText("S");
-        canvas.DrawText("S", Rect{cx - s.width / 2, cy + R + 1, cx - s.width / 2 + s.width, cy + R + 1 + s.height},
-                        kTextCenter | kTextVCenter, kBlack);
+        canvas.DrawText(
+            "S",
+            Rect{cx - s.width / 2, cy + R + 1, cx - s.width / 2 + s.width, cy + R + 1 + s.height},
+            kTextCenter | kTextVCenter, kBlack);
         const Size w = canvas.MeasureText("W");
-        canvas.DrawText("W", Rect{cx - R - b / 3 - w.width, cy - w.height / 2, cx - R - b / 3, cy - w.height / 2 + w.height},
+        canvas.DrawText("W",
+                        Rect{cx - R - b / 3 - w.width, cy - w.height / 2, cx - R - b / 3,
+                             cy - w.height / 2 + w.height},
                         kTextCenter | kTextVCenter, kBlack);
-        TextAt(canvas, FormatSatellites(TextToInt(gps.satellitesUsed), TextToInt(gps.satellitesInView)),
+        TextAt(canvas,
+               FormatSatellites(TextToInt(gps.satellitesUsed), TextToInt(gps.satellitesInView)),
                left + b / 3, top + b / 4, Rgb(100, 101, 103));
     }
     ReleaseScreenFont(canvas, old);
@@ -91,12 +101,14 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     {
         const auto before = [&](const char* t, int x) {
             const Size s = canvas.MeasureText(t);
-            canvas.DrawText(t, Rect{x - s.width, cy - s.height / 2, x, cy - s.height / 2 + s.height},
+            canvas.DrawText(t,
+                            Rect{x - s.width, cy - s.height / 2, x, cy - s.height / 2 + s.height},
                             kTextRight | kTextVCenter, kBlack);
         };
         const auto after = [&](const char* t, int x) {
             const Size s = canvas.MeasureText(t);
-            canvas.DrawText(t, Rect{x, cy - s.height / 2, x + s.width, cy - s.height / 2 + s.height},
+            canvas.DrawText(t,
+                            Rect{x, cy - s.height / 2, x + s.width, cy - s.height / 2 + s.height},
                             kTextLeft | kTextVCenter, kBlack);
         };
         TextCentredOn(canvas, "0", cx + R, cy, kBlack);

@@ -27,7 +27,8 @@ constexpr Scale kMileScale{160, {"0", "40", "80", "120", "160"}, 1.5};
 
 // Angle on the tick ring where the red zone starts.
 double SpeedRedZoneStart(const ScreenContext& ctx) {
-    if (!ctx.speedAlarmOn) return 720.0;
+    if (!ctx.speedAlarmOn)
+        return 720.0;
     const Scale& sc = ctx.unitSystem == kMetric ? kMetricScale : kMileScale;
     return 240.0 + sc.redFactor * ctx.speedAlarmLimit;
 }
@@ -35,7 +36,8 @@ double SpeedRedZoneStart(const ScreenContext& ctx) {
 // Needle triangle: tip, then the two base corners.
 void SpeedNeedlePoints(double speed, double fullScale, int R, int cx, int cy, Point out[3]) {
     double fraction = speed / fullScale;
-    if (!std::isfinite(fraction)) fraction = 0.0;
+    if (!std::isfinite(fraction))
+        fraction = 0.0;
     fraction = std::clamp(fraction, -1.0e6, 1.0e6);
     const double theta = (210.0 - 240.0 * fraction + 360.0) * kPi / 180.0;
     const int L = R - 1;
@@ -54,7 +56,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     const double speed = SpeedInDisplayUnit(gps, u);
 
     canvas.FillRect(canvas.Bounds(), kWhite);
-    if (ctx.drawMapOverlay) ctx.drawMapOverlay(canvas, ctx);
+    if (ctx.drawMapOverlay)
+        ctx.drawMapOverlay(canvas, ctx);
 
     // Scale labels just outside the ring.
     Font old = CreateScreenFont(canvas, (2 * b) / 3, 400);
@@ -62,8 +65,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
         const Size s = canvas.MeasureText(sc.labels[k]);
         const double d = R + std::sqrt(s.width * s.width / 4.0 + s.height * s.height / 4.0) + 2;
         const double a = (240.0 + 60.0 * k) * kPi / 180.0;
-        TextCentredOn(canvas, sc.labels[k], cx + Trunc(d * std::sin(a)), cy - Trunc(d * std::cos(a)),
-                      kBlack);
+        TextCentredOn(canvas, sc.labels[k], cx + Trunc(d * std::sin(a)),
+                      cy - Trunc(d * std::cos(a)), kBlack);
     }
     ReleaseScreenFont(canvas, old);
 
@@ -103,8 +106,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     old = CreateScreenFont(canvas, (4 * b) / 5, 400);
     {
         const Colour grey = Rgb(130, 131, 133);
-        std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft", text::kAltitude,
-                      AltitudeInDisplayUnit(gps, u));
+        std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
+                      text::kAltitude, AltitudeInDisplayUnit(gps, u));
         const Size sa = canvas.MeasureText(line);
         const int yb = cy + R;
         canvas.DrawText(line, Rect{right - b / 3 - sa.width, yb - sa.height, right - b / 3, yb},
@@ -124,7 +127,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     const Size sn = TextAt(canvas, line, left + b / 2, numberTop, Rgb(22, 118, 201));
     ReleaseScreenFont(canvas, old);
     old = CreateScreenFont(canvas, numberHeight / 2, 700);
-    const Size su = TextAt(canvas, SpeedUnitName(u), left + b / 2 + b / 10, numberTop + sn.height, kBlack);
+    const Size su =
+        TextAt(canvas, SpeedUnitName(u), left + b / 2 + b / 10, numberTop + sn.height, kBlack);
     ReleaseScreenFont(canvas, old);
 
     // Alarm row: label, left triangle, setting, right triangle.
@@ -134,7 +138,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
         const Colour blue = Rgb(22, 118, 201);
         char setting[64];
         if (ctx.speedAlarmOn) {
-            std::snprintf(setting, sizeof setting, " %d %s ", ctx.speedAlarmLimit, SpeedUnitName(u));
+            std::snprintf(setting, sizeof setting, " %d %s ", ctx.speedAlarmLimit,
+                          SpeedUnitName(u));
         } else {
             std::snprintf(setting, sizeof setting, " %s ", text::kOff);
         }

@@ -200,10 +200,21 @@ TEST(CourseArrow, PointsForNorthAndEast) {
 
 TEST(SnrScale, ColoursByClass) {
     const std::pair<int, Colour> cases[] = {
-        {0, kWhite},          {-3, kWhite},         {1, Rgb(255, 0, 0)},    {10, Rgb(255, 0, 0)},
-        {11, Rgb(255, 153, 0)}, {20, Rgb(255, 153, 0)}, {21, Rgb(255, 255, 0)}, {30, Rgb(255, 255, 0)},
-        {31, Rgb(102, 204, 0)}, {40, Rgb(102, 204, 0)}, {41, Rgb(0, 204, 204)}, {50, Rgb(0, 204, 204)},
-        {51, Rgb(0, 102, 255)}, {99, Rgb(0, 102, 255)}, {150, Rgb(0, 102, 255)},
+        {0, kWhite},
+        {-3, kWhite},
+        {1, Rgb(255, 0, 0)},
+        {10, Rgb(255, 0, 0)},
+        {11, Rgb(255, 153, 0)},
+        {20, Rgb(255, 153, 0)},
+        {21, Rgb(255, 255, 0)},
+        {30, Rgb(255, 255, 0)},
+        {31, Rgb(102, 204, 0)},
+        {40, Rgb(102, 204, 0)},
+        {41, Rgb(0, 204, 204)},
+        {50, Rgb(0, 204, 204)},
+        {51, Rgb(0, 102, 255)},
+        {99, Rgb(0, 102, 255)},
+        {150, Rgb(0, 102, 255)},
     };
     for (const auto& [snr, colour] : cases) EXPECT_EQ(SnrColour(snr), colour) << snr;
 }
@@ -245,7 +256,8 @@ TEST(StatusIcons, FramesByLinkFixBlinkAndRecording) {
     const auto frameOf = [&](auto draw) {
         RecordingCanvas canvas(ctx.frame);
         draw(canvas);
-        if (canvas.Calls().empty()) return -1;
+        if (canvas.Calls().empty())
+            return -1;
         EXPECT_EQ(canvas.Calls()[0].colour, kMagenta);
         return canvas.Calls()[0].rect.left / 17;
     };

@@ -37,8 +37,12 @@ gps::GpsState Garbage() {
     return g;
 }
 
-bool Sane(Point p) { return std::abs(p.x) < 100000 && std::abs(p.y) < 100000; }
-bool Sane(Rect r) { return Sane(Point{r.left, r.top}) && Sane(Point{r.right, r.bottom}); }
+bool Sane(Point p) {
+    return std::abs(p.x) < 100000 && std::abs(p.y) < 100000;
+}
+bool Sane(Rect r) {
+    return Sane(Point{r.left, r.top}) && Sane(Point{r.right, r.bottom});
+}
 
 TEST(HostileFix, EveryScreenPaintsWithSaneGeometry) {
     const gps::GpsState states[] = {gps::GpsState{}, Absurd(), Garbage()};
@@ -59,7 +63,8 @@ TEST(HostileFix, EveryScreenPaintsWithSaneGeometry) {
                     for (const CanvasCall& c : canvas.Calls()) {
                         EXPECT_TRUE(Sane(c.rect) && Sane(c.from) && Sane(c.to) && Sane(c.dst))
                             << v.name << " screen " << screen;
-                        for (Point p : c.points) EXPECT_TRUE(Sane(p)) << v.name << " screen " << screen;
+                        for (Point p : c.points)
+                            EXPECT_TRUE(Sane(p)) << v.name << " screen " << screen;
                         EXPECT_LT(c.text.size(), 200u);
                     }
                 }
@@ -69,7 +74,8 @@ TEST(HostileFix, EveryScreenPaintsWithSaneGeometry) {
 }
 
 TEST(HostileFix, TinyAndDegenerateScreens) {
-    for (Rect client : {Rect{0, 0, 0, 0}, Rect{0, 0, 1, 1}, Rect{0, 0, 30, 2000}, Rect{0, 0, 3000, 20}}) {
+    for (Rect client :
+         {Rect{0, 0, 0, 0}, Rect{0, 0, 1, 1}, Rect{0, 0, 30, 2000}, Rect{0, 0, 3000, 20}}) {
         ScreenContext ctx;
         AssignBitmapHandles(ctx);
         RecordingCanvas canvas(client);

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QTableWidget>
 #include <QImage>
+#include <QTableWidget>
 
 #include "QtCanvas.h"
 #include "SatelliteTable.h"
@@ -76,9 +76,11 @@ TEST(QtScreens, EveryScreenPaintsItsWholeBitmap) {
             int ink = 0, stripInk = 0;
             for (int y = 0; y < image.height(); y += 2) {
                 for (int x = 0; x < image.width(); x += 2) {
-                    if (image.pixel(x, y) == qRgb(255, 255, 255)) continue;
+                    if (image.pixel(x, y) == qRgb(255, 255, 255))
+                        continue;
                     ++ink;
-                    if (!(x >= ctx.screen.left && x < ctx.screen.right && y < ctx.screen.bottom)) ++stripInk;
+                    if (!(x >= ctx.screen.left && x < ctx.screen.right && y < ctx.screen.bottom))
+                        ++stripInk;
                 }
             }
             const int samples = (image.width() / 2) * (image.height() / 2);
@@ -91,7 +93,8 @@ TEST(QtScreens, EveryScreenPaintsItsWholeBitmap) {
                 const Rect r = TabRect(ctx, tab);
                 int key = 0;
                 for (int y = r.top; y < r.bottom; ++y)
-                    for (int x = r.left; x < r.right; ++x) key += image.pixel(x, y) == qRgb(214, 233, 250);
+                    for (int x = r.left; x < r.right; ++x)
+                        key += image.pixel(x, y) == qRgb(214, 233, 250);
                 if (tab == lit) {
                     EXPECT_GT(key, r.Width() * r.Height() / 3) << v.name << " screen " << screen;
                 } else {
@@ -114,8 +117,8 @@ TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
     target.fill(qRgb(255, 255, 255));
     {
         QtCanvas canvas(target, bitmaps);
-        canvas.TransparentBlit(Bitmap{BitmapId::ToolStripPortrait, 4, 1}, Rect{0, 0, 4, 1}, Point{1, 1},
-                               kStripKey);
+        canvas.TransparentBlit(Bitmap{BitmapId::ToolStripPortrait, 4, 1}, Rect{0, 0, 4, 1},
+                               Point{1, 1}, kStripKey);
         // Nothing lands outside the bitmap.
         canvas.FillRect(Rect{-50, -50, 500, 0}, kBlack);
     }

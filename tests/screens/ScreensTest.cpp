@@ -48,10 +48,9 @@ TEST(GpsInfoScreen, ZeroedFixShowsItsPlaceholders) {
     gps::GpsState g;
     RecordingCanvas canvas(ctx.frame);
     PaintGpsInfoScreen(canvas, ctx, g);
-    for (const char* text :
-         {"N   00°00.0000'", "E 000°00.0000'", "海拔 0.00 m   速度 0.00 km/h",
-          "- - / - - / - -    - - : - - : - -", "hdop: 0.00", "vdop: 0.00", "pdop: 0.00",
-          "GPS Fix N/A", "方位角 0.00°", "卫星数 0/0"}) {
+    for (const char* text : {"N   00°00.0000'", "E 000°00.0000'", "海拔 0.00 m   速度 0.00 km/h",
+                             "- - / - - / - -    - - : - - : - -", "hdop: 0.00", "vdop: 0.00",
+                             "pdop: 0.00", "GPS Fix N/A", "方位角 0.00°", "卫星数 0/0"}) {
         EXPECT_NE(canvas.FindText(text), nullptr) << text;
     }
     // No position dot without a valid fix: the only red would be the dot.
@@ -68,7 +67,8 @@ TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
         double lat, lon;
         int x, y;  // offset inside the 182 × 104 thumbnail
     };
-    const Case cases[] = {{0, 0, 91, 52}, {85, 180, 182, 0}, {-85, -180, 0, 104}, {40, 90, 136, 26}};
+    const Case cases[] = {
+        {0, 0, 91, 52}, {85, 180, 182, 0}, {-85, -180, 0, 104}, {40, 90, 136, 26}};
     for (const Case& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
         ctx.latitude = c.lat;
@@ -81,7 +81,8 @@ TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
         EXPECT_EQ(thumb[0].dst.Height(), 104);
         const CanvasCall* dot = nullptr;
         for (const auto& e : canvas.Calls())
-            if (e.kind == K::Ellipse && e.brush.colour == Rgb(255, 0, 0)) dot = &e;
+            if (e.kind == K::Ellipse && e.brush.colour == Rgb(255, 0, 0))
+                dot = &e;
         ASSERT_NE(dot, nullptr);
         EXPECT_EQ(dot->rect, (Rect{thumb[0].dst.left + c.x - 6, thumb[0].dst.top + c.y - 6,
                                    thumb[0].dst.left + c.x + 6, thumb[0].dst.top + c.y + 6}))
@@ -160,7 +161,8 @@ TEST(SkyPlotScreen, RingsLettersAndAlternatingOrder) {
     const auto order = [&]() {
         std::string s;
         for (const auto& c : canvas.OfKind(K::Text))
-            if (c.text == "01" || c.text == "02") s += c.text;
+            if (c.text == "01" || c.text == "02")
+                s += c.text;
         return s;
     };
     EXPECT_EQ(order(), "0102");
@@ -215,7 +217,8 @@ TEST(CompassScreen, NoTickIsEverRed) {
             PaintCompassScreen(canvas, ctx, g);
             int red = 0;
             for (const auto& l : canvas.OfKind(K::Line))
-                if (test::IsRed(l.pen) && l.pen.width < 3) ++red;
+                if (test::IsRed(l.pen) && l.pen.width < 3)
+                    ++red;
             EXPECT_EQ(red, 0) << course << " mode " << mode;
         }
     }
@@ -270,11 +273,10 @@ struct RedCase {
 
 TEST(Speedometer, RedTicksFromTheThreshold) {
     const RedCase cases[] = {
-        {kMetric, true, 100, 14},   // 360° and up: 11 minors, 3 majors
-        {kMetric, false, 100, 0},
-        {kImperial, true, 100, 10},  // 390° and up: 8 minors, 2 majors
-        {kNautical, true, 120, 8},   // 420° and up: 6 minors, 2 majors
-        {kMetric, true, 50, 20},     // 300° and up: 16 minors, 4 majors
+        {kMetric, true, 100, 14},                               // 360° and up: 11 minors, 3 majors
+        {kMetric, false, 100, 0},  {kImperial, true, 100, 10},  // 390° and up: 8 minors, 2 majors
+        {kNautical, true, 120, 8},                              // 420° and up: 6 minors, 2 majors
+        {kMetric, true, 50, 20},                                // 300° and up: 16 minors, 4 majors
     };
     for (const RedCase& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
@@ -286,10 +288,12 @@ TEST(Speedometer, RedTicksFromTheThreshold) {
         double lowest = 1e9;
         int red = 0;
         for (const auto& l : canvas.OfKind(K::Line)) {
-            if (!test::IsRed(l.pen)) continue;
+            if (!test::IsRed(l.pen))
+                continue;
             ++red;
             double a = test::LineAngle(l.from, l.to);
-            if (a < 120.5) a += 360.0;  // the scale runs 240 .. 480
+            if (a < 120.5)
+                a += 360.0;  // the scale runs 240 .. 480
             lowest = std::min(lowest, a);
         }
         const double start = SpeedRedZoneStart(ctx);
@@ -339,13 +343,16 @@ TEST(Speedometer, LabelsUnitsAndAlarmText) {
 // ---- text formats ------------------------------------------------------------
 
 TEST(TextFormats, LatitudeAndLongitude) {
-    const std::pair<double, const char*> lats[] = {
-        {30.517067, "N   30°31.0240'"}, {0.0, "N   00°00.0000'"}, {-0.5, "S   00°30.0000'"},
-        {-89.999, "S   89°59.9400'"}, {NAN, "N   00°00.0000'"}};
+    const std::pair<double, const char*> lats[] = {{30.517067, "N   30°31.0240'"},
+                                                   {0.0, "N   00°00.0000'"},
+                                                   {-0.5, "S   00°30.0000'"},
+                                                   {-89.999, "S   89°59.9400'"},
+                                                   {NAN, "N   00°00.0000'"}};
     for (const auto& [v, s] : lats) EXPECT_EQ(FormatLatitude(v), s) << v;
-    const std::pair<double, const char*> lons[] = {
-        {114.35, "E 114°21.0000'"}, {0.0, "E 000°00.0000'"}, {-180.0, "W 180°00.0000'"},
-        {-7.25, "W 007°15.0000'"}};
+    const std::pair<double, const char*> lons[] = {{114.35, "E 114°21.0000'"},
+                                                   {0.0, "E 000°00.0000'"},
+                                                   {-180.0, "W 180°00.0000'"},
+                                                   {-7.25, "W 007°15.0000'"}};
     for (const auto& [v, s] : lons) EXPECT_EQ(FormatLongitude(v), s) << v;
 }
 
@@ -353,8 +360,11 @@ TEST(TextFormats, UnitLinesFixModeAndConversions) {
     EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kMetric), "海拔 12.50 m   速度 3.00 km/h");
     EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kImperial), "海拔 12.50 ft  速度 3.00 MPH");
     EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kNautical), "海拔 12.50 ft  速度 3.00 kts");
-    const std::pair<char, const char*> modes[] = {
-        {'3', "3D GPS Fix"}, {'2', "2D GPS Fix"}, {'1', "GPS Fix N/A"}, {0, "GPS Fix N/A"}, {'x', "GPS Fix N/A"}};
+    const std::pair<char, const char*> modes[] = {{'3', "3D GPS Fix"},
+                                                  {'2', "2D GPS Fix"},
+                                                  {'1', "GPS Fix N/A"},
+                                                  {0, "GPS Fix N/A"},
+                                                  {'x', "GPS Fix N/A"}};
     for (const auto& [c, s] : modes) EXPECT_EQ(FormatFixMode(c), s);
     EXPECT_EQ(FormatCourse(271.456), "方位角 271.46°");
     EXPECT_EQ(FormatSatellites(7, 11), "卫星数 7/11");

@@ -17,7 +17,9 @@ namespace satwalk::screens {
 inline std::ostream& operator<<(std::ostream& os, Rect r) {
     return os << "(" << r.left << "," << r.top << "," << r.right << "," << r.bottom << ")";
 }
-inline std::ostream& operator<<(std::ostream& os, Point p) { return os << "(" << p.x << "," << p.y << ")"; }
+inline std::ostream& operator<<(std::ostream& os, Point p) {
+    return os << "(" << p.x << "," << p.y << ")";
+}
 inline std::ostream& operator<<(std::ostream& os, Colour c) {
     return os << "rgb(" << int(c.r) << "," << int(c.g) << "," << int(c.b) << ")";
 }
@@ -62,7 +64,9 @@ inline void SetSatellite(gps::GpsState& g, int row, const char* prn, const char*
     SET_FIELD(s.snr, snr);
 }
 
-inline bool IsRed(const Pen& p) { return p.colour == Rgb(255, 0, 0); }
+inline bool IsRed(const Pen& p) {
+    return p.colour == Rgb(255, 0, 0);
+}
 
 // Angle of a radial line in degrees, clockwise from straight up, 0..360.
 inline double LineAngle(Point centre, Point end) {

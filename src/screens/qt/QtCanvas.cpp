@@ -11,8 +11,12 @@ namespace satwalk::screens {
 
 namespace {
 
-QColor ToQ(Colour c) { return QColor(c.r, c.g, c.b); }
-QRect ToQ(Rect r) { return QRect(r.left, r.top, r.Width(), r.Height()); }
+QColor ToQ(Colour c) {
+    return QColor(c.r, c.g, c.b);
+}
+QRect ToQ(Rect r) {
+    return QRect(r.left, r.top, r.Width(), r.Height());
+}
 
 // Fonts are asked for by their cell height (ascent + descent, as a device
 // context's font height); Qt sizes fonts by the em. The face's ratio of the
@@ -28,13 +32,15 @@ struct FontCache {
         QFont probe(family);
         probe.setPixelSize(100);
         const QFontMetricsF fm(probe);
-        if (fm.height() > 0) cellPerPixel = fm.height() / 100.0;
+        if (fm.height() > 0)
+            cellPerPixel = fm.height() / 100.0;
     }
 
     const QFont& Get(Font f) {
         const auto key = std::make_pair(f.height, f.weight);
         auto it = fonts.find(key);
-        if (it != fonts.end()) return it->second;
+        if (it != fonts.end())
+            return it->second;
         QFont q(family);
         q.setPixelSize(std::max(1, static_cast<int>(f.height / cellPerPixel + 0.5)));
         q.setWeight(f.weight >= 600 ? QFont::Bold : QFont::Normal);
@@ -60,7 +66,8 @@ QString ScreenFontFamily() {
         const QStringList have = QFontDatabase::families();
         for (const char* name : {"Noto Sans CJK SC", "Noto Sans SC", "WenQuanYi Micro Hei",
                                  "Source Han Sans SC", "Noto Serif CJK SC"}) {
-            if (have.contains(QString::fromLatin1(name))) return QString::fromLatin1(name);
+            if (have.contains(QString::fromLatin1(name)))
+                return QString::fromLatin1(name);
         }
         return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
     }();
@@ -74,10 +81,12 @@ bool ScreenBitmaps::Load(bool hi, const QString& folder, BitmapId* failedId) {
         const auto id = static_cast<BitmapId>(i);
         const QString name = QString::fromStdString(BitmapFileName(id, hi)) + ".png";
         QImage image(":/satwalk/bitmaps/" + name);
-        if (image.isNull() && !folder.isEmpty()) image = QImage(folder + "/" + name);
+        if (image.isNull() && !folder.isEmpty())
+            image = QImage(folder + "/" + name);
         const Size want = BitmapSize(id, hi);
         if (image.isNull() || image.width() != want.width || image.height() != want.height) {
-            if (failedId) *failedId = id;
+            if (failedId)
+                *failedId = id;
             return false;
         }
         Set(id, std::move(image));
@@ -99,7 +108,8 @@ const QImage& ScreenBitmaps::Keyed(BitmapId id, Colour key) const {
         for (int y = 0; y < out.height(); ++y) {
             auto* line = reinterpret_cast<QRgb*>(out.scanLine(y));
             for (int x = 0; x < out.width(); ++x)
-                if ((line[x] | 0xFF000000u) == k) line[x] = 0;
+                if ((line[x] | 0xFF000000u) == k)
+                    line[x] = 0;
         }
         keyed_[i] = std::move(out);
         keyedWith_[i] = key;
@@ -114,15 +124,20 @@ QtCanvas::QtCanvas(QImage& target, const ScreenBitmaps& bitmaps)
     painter_.setClipRect(target.rect());
 }
 
-QtCanvas::~QtCanvas() { painter_.end(); }
+QtCanvas::~QtCanvas() {
+    painter_.end();
+}
 
-Rect QtCanvas::Bounds() const { return Rect{0, 0, target_.width(), target_.height()}; }
+Rect QtCanvas::Bounds() const {
+    return Rect{0, 0, target_.width(), target_.height()};
+}
 
 void QtCanvas::ApplyPen(Pen pen) {
     if (pen.null || pen.width <= 0) {
         painter_.setPen(Qt::NoPen);
     } else {
-        painter_.setPen(QPen(ToQ(pen.colour), pen.width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+        painter_.setPen(
+            QPen(ToQ(pen.colour), pen.width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
     }
 }
 
@@ -134,10 +149,13 @@ void QtCanvas::ApplyBrush(Brush brush) {
     }
 }
 
-void QtCanvas::FillRect(Rect rect, Colour colour) { painter_.fillRect(ToQ(rect), ToQ(colour)); }
+void QtCanvas::FillRect(Rect rect, Colour colour) {
+    painter_.fillRect(ToQ(rect), ToQ(colour));
+}
 
 void QtCanvas::Line(Point from, Point to, Pen pen) {
-    if (pen.null || pen.width <= 0) return;
+    if (pen.null || pen.width <= 0)
+        return;
     ApplyPen(pen);
     const bool straight = from.x == to.x || from.y == to.y;
     painter_.setRenderHint(QPainter::Antialiasing, !straight);
@@ -147,7 +165,8 @@ void QtCanvas::Line(Point from, Point to, Pen pen) {
 }
 
 void QtCanvas::Ellipse(Rect box, Pen pen, Brush brush) {
-    if (box.Width() <= 0 || box.Height() <= 0) return;
+    if (box.Width() <= 0 || box.Height() <= 0)
+        return;
     ApplyPen(pen);
     ApplyBrush(brush);
     painter_.setRenderHint(QPainter::Antialiasing, true);
@@ -158,9 +177,11 @@ void QtCanvas::Ellipse(Rect box, Pen pen, Brush brush) {
 }
 
 void QtCanvas::Rectangle(Rect box, Pen pen, Brush brush) {
-    if (box.Width() <= 0 || box.Height() <= 0) return;
+    if (box.Width() <= 0 || box.Height() <= 0)
+        return;
     painter_.setRenderHint(QPainter::Antialiasing, false);
-    if (!brush.null) painter_.fillRect(ToQ(box), ToQ(brush.colour));
+    if (!brush.null)
+        painter_.fillRect(ToQ(box), ToQ(brush.colour));
     if (!(pen.null || pen.width <= 0)) {
         ApplyPen(pen);
         painter_.setBrush(Qt::NoBrush);
@@ -169,7 +190,8 @@ void QtCanvas::Rectangle(Rect box, Pen pen, Brush brush) {
 }
 
 void QtCanvas::Polygon(std::span<const Point> points, Pen pen, Brush brush) {
-    if (points.empty()) return;
+    if (points.empty())
+        return;
     QPolygon poly;
     poly.reserve(static_cast<int>(points.size()));
     for (const Point& p : points) poly << QPoint(p.x, p.y);
@@ -180,7 +202,8 @@ void QtCanvas::Polygon(std::span<const Point> points, Pen pen, Brush brush) {
 }
 
 void QtCanvas::Polyline(std::span<const Point> points, Pen pen) {
-    if (points.size() < 2 || pen.null || pen.width <= 0) return;
+    if (points.size() < 2 || pen.null || pen.width <= 0)
+        return;
     QPolygon poly;
     poly.reserve(static_cast<int>(points.size()));
     for (const Point& p : points) poly << QPoint(p.x, p.y);
@@ -202,8 +225,12 @@ Size QtCanvas::MeasureText(std::string_view text) {
 
 void QtCanvas::DrawText(std::string_view text, Rect box, unsigned flags, Colour colour) {
     int align = 0;
-    align |= (flags & kTextCenter) ? Qt::AlignHCenter : (flags & kTextRight) ? Qt::AlignRight : Qt::AlignLeft;
-    align |= (flags & kTextVCenter) ? Qt::AlignVCenter : (flags & kTextBottom) ? Qt::AlignBottom : Qt::AlignTop;
+    align |= (flags & kTextCenter)  ? Qt::AlignHCenter
+             : (flags & kTextRight) ? Qt::AlignRight
+                                    : Qt::AlignLeft;
+    align |= (flags & kTextVCenter)  ? Qt::AlignVCenter
+             : (flags & kTextBottom) ? Qt::AlignBottom
+                                     : Qt::AlignTop;
     painter_.setPen(ToQ(colour));
     painter_.setRenderHint(QPainter::TextAntialiasing, true);
     painter_.drawText(ToQ(box), align | Qt::TextDontClip | Qt::TextSingleLine,
@@ -224,9 +251,10 @@ void QtCanvas::TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour
 }
 
 void QtCanvas::PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) {
-    if (size.width <= 0 || size.height <= 0 || pixels == nullptr) return;
-    const QImage block(reinterpret_cast<const uchar*>(pixels), size.width, size.height,
-                       stride * 4, QImage::Format_RGB32);
+    if (size.width <= 0 || size.height <= 0 || pixels == nullptr)
+        return;
+    const QImage block(reinterpret_cast<const uchar*>(pixels), size.width, size.height, stride * 4,
+                       QImage::Format_RGB32);
     painter_.drawImage(QPoint(dst.x, dst.y), block);
 }
 

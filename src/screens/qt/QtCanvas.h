@@ -17,7 +17,7 @@ namespace satwalk::screens {
 // The bitmaps of one pixel set, as loaded at window creation, with their
 // colour-keyed variants prepared once.
 class ScreenBitmaps {
-public:
+  public:
     // Loads every bitmap of the set from the program's resources, falling
     // back to `folder` (the bitmaps folder of the source tree) when a file is
     // missing there. On failure returns false and sets `failedId` to the first
@@ -29,7 +29,7 @@ public:
     const QImage& Keyed(BitmapId id, Colour key) const;
     void Set(BitmapId id, QImage image);
 
-private:
+  private:
     std::array<QImage, kBitmapCount> images_;
     mutable std::array<QImage, kBitmapCount> keyed_;
     mutable std::array<Colour, kBitmapCount> keyedWith_{};
@@ -39,7 +39,7 @@ private:
 QString ScreenFontFamily();
 
 class QtCanvas final : public Canvas {
-public:
+  public:
     // Paints onto `target` (kept alive by the caller) with `bitmaps`.
     QtCanvas(QImage& target, const ScreenBitmaps& bitmaps);
     ~QtCanvas() override;
@@ -60,7 +60,7 @@ public:
     void TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) override;
     void PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) override;
 
-private:
+  private:
     void ApplyPen(Pen pen);
     void ApplyBrush(Brush brush);
 

@@ -12,7 +12,8 @@ namespace {
 // At most ten characters of a field, as 8-bit text; "-" when empty.
 QString FieldText(const char* field, std::size_t width) {
     const std::size_t n = std::min(strnlen(field, width), std::size_t{10});
-    if (n == 0) return QStringLiteral("-");
+    if (n == 0)
+        return QStringLiteral("-");
     return QString::fromLocal8Bit(field, static_cast<qsizetype>(n));
 }
 

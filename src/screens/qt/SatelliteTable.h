@@ -16,12 +16,12 @@ namespace satwalk::screens {
 QStringList SatelliteRowTexts(const gps::GpsState& gps, int row);
 
 class SatelliteDataTable : public QWidget {
-public:
+  public:
     explicit SatelliteDataTable(QWidget* parent = nullptr);
     void Fill(const gps::GpsState& gps);
     QTableWidget* Table() const { return table_; }
 
-private:
+  private:
     QTableWidget* table_;
 };
 
