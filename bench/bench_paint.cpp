@@ -1,0 +1,75 @@
+// Paint time of each instrument screen, frame included, into the off-screen
+// image through the QPainter canvas (offscreen platform), in both pixel sets.
+#include <benchmark/benchmark.h>
+
+#include <QGuiApplication>
+#include <QImage>
+
+#include "NmeaDecoder.h"
+#include "QtCanvas.h"
+#include "Screens.h"
+
+using namespace satwalk;
+using namespace satwalk::screens;
+
+namespace {
+
+gps::GpsState BusyFix() {
+    gps::GpsState g;
+    gps::GsvAssembly a;
+    const char* text =
+        "$GPRMC,081500.00,A,3031.0240,N,11421.0000,E,20.0,33.5,211126,,,A*52\r\n"
+        "$GPGGA,081500.00,3031.0240,N,11421.0000,E,1,08,0.9,23.4,M,-13.0,M,,*7B\r\n"
+        "$GPGSA,A,3,02,05,09,12,15,17,21,24,,,,,1.8,0.9,1.6*3F\r\n"
+        "$GPGSV,3,1,11,02,72,040,48,05,35,095,36,09,12,160,23,12,55,210,40*76\r\n"
+        "$GPGSV,3,2,11,15,20,300,,17,05,250,07,21,48,330,35,24,85,120,50*7A\r\n"
+        "$GPGSV,3,3,11,26,28,020,19,29,61,270,43,31,03,180,*4B\r\n";
+    gps::ParseNmeaBuffer(g, a, text, nullptr);
+    return g;
+}
+
+void BM_PaintScreen(benchmark::State& state) {
+    const int screen = static_cast<int>(state.range(0));
+    const bool hi = state.range(1) != 0;
+    const bool landscape = state.range(2) != 0;
+    ScreenBitmaps bitmaps;
+    BitmapId failed{};
+    if (!bitmaps.Load(hi, QStringLiteral(SATWALK_BITMAP_DIR), &failed)) {
+        state.SkipWithError("bitmaps missing");
+        return;
+    }
+    const int w = hi ? 480 : 240, h = hi ? 640 : 320;
+    ScreenContext ctx;
+    PrepareScreenContext(ctx, landscape ? h : w, landscape ? w : h, hi ? 192 : 96, bitmaps);
+    ctx.currentScreen = screen;
+    ctx.linkRunning = ctx.fixValid = true;
+    ctx.speedAlarmOn = true;
+    ctx.speedAlarmLimit = 80;
+    const gps::GpsState g = BusyFix();
+    QImage image;
+    RenderCurrentScreen(image, ctx, g, bitmaps);  // warm the font and key caches
+    for (auto _ : state) {
+        RenderCurrentScreen(image, ctx, g, bitmaps);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+    static const char* kNames[] = {"gpsinfo", "skyplot", "compass", "speedometer"};
+    state.SetLabel(std::string(kNames[screen]) + (hi ? " 480x640" : " 240x320") +
+                   (landscape ? " landscape" : " portrait"));
+}
+
+}  // namespace
+
+BENCHMARK(BM_PaintScreen)
+    ->ArgsProduct({{0, 1, 2, 3}, {1, 0}, {0, 1}})
+    ->Unit(benchmark::kMicrosecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

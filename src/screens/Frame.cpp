@@ -1,0 +1,567 @@
+// Paint dispatch, layout, the tool-strip frame and its small instruments,
+// and the helpers every screen shares.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "Arith.h"
+#include "NmeaDecoder.h"
+#include "ScreenText.h"
+#include "Screens.h"
+
+namespace satwalk::screens {
+
+using gps::GpsState;
+using gps::TextToDouble;
+using gps::TextToInt;
+
+// ---- set-up -------------------------------------------------------------
+
+int BaseTextHeightForDpi(int dpi) {
+    return (15 * dpi + 48) / 96;
+}
+
+Orientation OrientationOf(Rect s) {
+    return s.Width() <= s.Height() ? Orientation::Portrait : Orientation::Landscape;
+}
+
+Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight) {
+    const bool hi = baseTextHeight != 15;
+    Rect content = frame;
+    if (orientation == Orientation::Portrait) {
+        content.bottom -= hi ? 129 : 66;
+    } else {
+        content.left += hi ? 52 : 28;
+        content.right -= baseTextHeight / 5 + (hi ? 42 : 21);
+    }
+    return content;
+}
+
+void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client) {
+    ctx.frame = client;
+    ctx.orientation = OrientationOf(client);
+    ctx.screen = ContentRect(client, ctx.orientation, ctx.baseTextHeight);
+    LayoutDials(canvas, ctx);
+}
+
+void LayoutDials(Canvas& canvas, ScreenContext& ctx) {
+    const int b = ctx.baseTextHeight;
+    const int left = ctx.screen.left, top = ctx.screen.top;
+    const int right = ctx.screen.right, bottom = ctx.screen.bottom;
+    DialLayout& d = ctx.dials;
+
+    d.skyRadius = std::min(bottom - 3 * b - top, right - 2 * b - left) / 2;
+    d.skyX = (left + right) / 2;
+    d.skyY = (top - b + bottom) / 2;
+
+    const Font old = CreateScreenFont(canvas, (2 * b) / 3, 400);
+    const Size s = canvas.MeasureText("200");
+    ReleaseScreenFont(canvas, old);
+    d.speedRadius = std::min((bottom - top) / 2 - 2 * s.width - (2 * b) / 3,
+                             (right - left) / 2 - 2 * s.width - (2 * b) / 3) /
+                    2;
+    d.speedX = right - b / 3 - d.speedRadius - s.width;
+    d.speedY = b / 3 + (top + bottom) / 2 + d.speedRadius + s.height;
+
+    d.compassRadius = std::min(bottom - top + b / 3 - 4 * b, right - left + b / 3 - 4 * b) / 2 - 1;
+    d.compassX = (left + right) / 2;
+    d.compassY = (b + top + bottom) / 2;
+}
+
+namespace {
+
+struct BitmapInfo {
+    BitmapId id;
+    Size hi, lo;
+    const char* name;
+    const char* code;
+};
+
+constexpr BitmapInfo kBitmaps[] = {
+    {BitmapId::StatusIcons, {288, 32}, {153, 17}, "status-icons", "0x08200a15"},
+    {BitmapId::SmallSymbol, {44, 30}, {32, 22}, "symbol-small", "0x08200a16"},
+    {BitmapId::World, {118, 67}, {91, 52}, "world", "0x08200a17"},
+    {BitmapId::SquareSymbol, {32, 32}, {23, 23}, "symbol-square", "0x08200a18"},
+    {BitmapId::MapOverlay, {30, 200}, {16, 101}, "map-overlay", "0x08200a28"},
+    {BitmapId::ToolStripPortrait, {480, 129}, {240, 66}, "toolstrip-portrait", "0x08200a28"},
+    {BitmapId::ToolStripLandscape, {52, 332}, {28, 168}, "toolstrip-landscape", "0x08200a29"},
+    {BitmapId::AlarmStrip, {42, 337}, {21, 169}, "alarm-strip", "0x08200a2a"},
+    {BitmapId::Markers, {60, 20}, {33, 11}, "markers", ""},
+};
+
+const BitmapInfo& InfoOf(BitmapId id) {
+    return kBitmaps[static_cast<int>(id)];
+}
+
+}  // namespace
+
+Size BitmapSize(BitmapId id, bool hi) {
+    return hi ? InfoOf(id).hi : InfoOf(id).lo;
+}
+
+std::string BitmapFileName(BitmapId id, bool hi) {
+    return std::string(InfoOf(id).name) + (hi ? "-hi" : "-lo");
+}
+
+std::string BitmapFailureCode(BitmapId id) {
+    return InfoOf(id).code;
+}
+
+std::string InitializationFailedMessage(BitmapId id) {
+    return "Initialization failed: " + BitmapFailureCode(id) + "\n\nThe program will now exit.";
+}
+
+void AssignBitmapHandles(ScreenContext& ctx) {
+    for (int i = 0; i < kBitmapCount; ++i) {
+        const auto id = static_cast<BitmapId>(i);
+        const Size s = BitmapSize(id, ctx.HighResolution());
+        ctx.bitmaps[i] = Bitmap{id, s.width, s.height};
+    }
+}
+
+// ---- fonts, units, colours ------------------------------------------------
+
+Font CreateScreenFont(Canvas& canvas, int height, int weight) {
+    const Font previous = canvas.SelectedFont();
+    canvas.SelectFont(Font{height, weight});
+    return previous;
+}
+
+void ReleaseScreenFont(Canvas& canvas, Font previous) {
+    canvas.SelectFont(previous);
+}
+
+double SpeedInDisplayUnit(const GpsState& gps, int unitSystem) {
+    const double knots = TextToDouble(gps.speedKnots);
+    if (unitSystem == kMetric)
+        return knots * 1.85;
+    if (unitSystem == kImperial)
+        return knots * 1.152;
+    return knots;
+}
+
+double AltitudeInDisplayUnit(const GpsState& gps, int unitSystem) {
+    const double metres = TextToDouble(gps.altitude);
+    return (unitSystem == kImperial || unitSystem == kNautical) ? metres * 3.28 : metres;
+}
+
+Colour SnrColour(int snr) {
+    // Readings above 99 are not in the scale; they are shown as the
+    // strongest class rather than as no signal.
+    if (snr <= 0)
+        return kWhite;
+    if (snr <= 10)
+        return Rgb(255, 0, 0);
+    if (snr <= 20)
+        return Rgb(255, 153, 0);
+    if (snr <= 30)
+        return Rgb(255, 255, 0);
+    if (snr <= 40)
+        return Rgb(102, 204, 0);
+    if (snr <= 50)
+        return Rgb(0, 204, 204);
+    return Rgb(0, 102, 255);
+}
+
+const char* SpeedUnitName(int unitSystem) {
+    if (unitSystem == kImperial)
+        return "MPH";
+    if (unitSystem == kNautical)
+        return "kts";
+    return "km/h";
+}
+
+// ---- status icons -----------------------------------------------------------
+
+int StatusIconSize(const ScreenContext& ctx) {
+    return ctx.HighResolution() ? 32 : 17;
+}
+
+namespace {
+
+void DrawStatusFrame(Canvas& canvas, const ScreenContext& ctx, int frame, int x, int y) {
+    const int s = StatusIconSize(ctx);
+    canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::StatusIcons)],
+                           Rect{frame * s, 0, frame * s + s, s}, Point{x, y}, kMagenta);
+}
+
+}  // namespace
+
+void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y) {
+    if (!ctx.linkRunning) {
+        DrawStatusFrame(canvas, ctx, 1, x, y);
+    } else if (ctx.fixValid || ctx.blinkPhase) {
+        DrawStatusFrame(canvas, ctx, 0, x, y);
+    }
+}
+
+void DrawRecordingIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y) {
+    DrawStatusFrame(canvas, ctx, ctx.recording ? 2 : 3, x, y);
+}
+
+// ---- course arrow -------------------------------------------------------------
+
+ArrowPoints CourseArrowPoints(double courseDegrees, int r, int cx, int cy, int t) {
+    const double a = SaneDegrees(courseDegrees) * kPi / 180.0;
+    const double sa = std::sin(a), ca = std::cos(a);
+    const int w = Round((2 * r - (2 * r) / 10) * std::sin(0.1 * kPi));
+    ArrowPoints p;
+    p.tail = Point{cx - FloorHalf(r * sa), cy + FloorHalf(r * ca)};
+    p.tip = Point{p.tail.x + FloorHalf(2 * r * sa), p.tail.y - FloorHalf(2 * r * ca)};
+    const Point m{p.tail.x + FloorHalf(t * sa * 0.2), p.tail.y - FloorHalf(t * ca * 0.2)};
+    p.left = Point{m.x - FloorHalf(w * ca), m.y - FloorHalf(w * sa)};
+    p.right = Point{m.x + FloorHalf(w * ca), m.y + FloorHalf(w * sa)};
+    p.notch = Point{p.tail.x + FloorHalf(0.5 * r * sa), p.tail.y - FloorHalf(0.5 * r * ca)};
+    return p;
+}
+
+namespace {
+
+void FillArrow(Canvas& canvas, const ArrowPoints& p) {
+    const Point light[] = {p.left, p.notch, p.tip};
+    const Point dark[] = {p.notch, p.tip, p.right};
+    canvas.Polygon(light, kNullPen, Brush{Rgb(96, 132, 206)});
+    canvas.Polygon(dark, kNullPen, Brush{Rgb(34, 89, 172)});
+}
+
+}  // namespace
+
+void DrawCourseArrow(Canvas& canvas, const GpsState& gps, int size, int cx, int cy, int tail) {
+    FillArrow(canvas, CourseArrowPoints(TextToDouble(gps.course), size, cx, cy, tail));
+}
+
+// The compass centre arrow has the same shape.
+void DrawArrowAt(Canvas& canvas, double courseDegrees, int size, int cx, int cy, int tail) {
+    FillArrow(canvas, CourseArrowPoints(courseDegrees, size, cx, cy, tail));
+}
+
+// ---- speed readout and mini sky plot ------------------------------------------
+
+void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps, Rect box,
+                      int fontHeight, bool landscape) {
+    const bool hi = ctx.HighResolution();
+    const Font old = CreateScreenFont(canvas, fontHeight, (landscape && !hi) ? 400 : 700);
+    char line[64];
+    std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(gps, ctx.unitSystem));
+    const int dx = hi ? 4 : 2, dy = hi ? 3 : 1, dr = hi ? 3 : 1, db = hi ? 6 : 3;
+    const int mid = box.top + (box.bottom - box.top) / 2;
+    canvas.DrawText(line, Rect{box.left + dx, box.top + dy, box.right - dr, mid},
+                    kTextCenter | kTextVCenter, kBlack);
+    canvas.DrawText(SpeedUnitName(ctx.unitSystem),
+                    Rect{box.left + dx, mid, box.right - dr, box.bottom - db},
+                    kTextCenter | kTextVCenter, kBlack);
+    ReleaseScreenFont(canvas, old);
+}
+
+namespace {
+
+// Satellites in view as a count of table rows that can be visited.
+int RowsInView(const GpsState& gps) {
+    return std::clamp(TextToInt(gps.satellitesInView), 0, gps::kSatelliteRows);
+}
+
+}  // namespace
+
+void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const GpsState& gps, int radius, int cx,
+                     int cy, int fontHeight) {
+    const int n = RowsInView(gps);
+    if (n >= 1) {
+        const Font old = CreateScreenFont(canvas, fontHeight, 400);
+        const Size blank = canvas.MeasureText(" ");
+        const int dot =
+            Round(std::sqrt(blank.width * blank.width / 4.0 + blank.height * blank.height / 4.0));
+        for (int k = 0; k < n; ++k) {
+            const int i = ctx.miniSkyToggle == 0 ? k : n - 1 - k;
+            const auto& sat = gps.satellites[i];
+            const double d =
+                radius * std::cos(SaneDegrees(TextToDouble(sat.elevation)) * kPi / 180.0);
+            const double az = SaneDegrees(TextToDouble(sat.azimuth)) * kPi / 180.0;
+            const int x = cx + Trunc(std::sin(az) * d);
+            const int y = cy - Trunc(std::cos(az) * d);
+            const int snr = TextToInt(sat.snr);
+            const Rect box{x - dot, y - dot, x + dot, y + dot};
+            if (snr == 0) {
+                canvas.Ellipse(box, Pen{kBlack, 1}, Brush{kWhite});
+            } else {
+                canvas.Ellipse(box, kNullPen, Brush{SnrColour(snr)});
+            }
+        }
+        ReleaseScreenFont(canvas, old);
+    }
+    ctx.miniSkyToggle ^= 1;
+}
+
+// ---- frame --------------------------------------------------------------------
+
+namespace {
+
+// Tool-strip tile of the current screen, or -1.
+int TabOfScreen(const ScreenContext& ctx) {
+    switch (ctx.currentScreen) {
+        case kScreenGpsInfo:
+            return 0;
+        case kScreenMap:
+            return ctx.mapLoaded ? 2 : 1;
+        case kScreenCompass:
+            return 3;
+        case kScreenSpeedometer:
+            return 4;
+        case kScreenSkyPlot:
+            return 5;
+        default:
+            return -1;
+    }
+}
+
+struct PortraitStrip {
+    int w, h, tile, srcY, pitch, srcX0;
+};
+constexpr PortraitStrip kPortraitHi{480, 129, 74, 55, 79, 5};
+constexpr PortraitStrip kPortraitLo{240, 66, 38, 27, 40, 1};
+
+struct LandscapeStrip {
+    int w, h, tile, pitch, alarmW, alarmH, cell;
+};
+constexpr LandscapeStrip kLandscapeHi{52, 332, 51, 56, 42, 337, 42};
+constexpr LandscapeStrip kLandscapeLo{28, 168, 27, 28, 21, 169, 21};
+
+int AlarmCellIndex(int limit) {
+    if (limit >= 50 && limit <= 120 && limit % 10 == 0)
+        return (limit - 50) / 10;
+    return 0;
+}
+
+int LandscapeStripTop(const ScreenContext& ctx, int stripH) {
+    const int b = ctx.baseTextHeight;
+    return b + (ctx.frame.bottom - stripH - ctx.frame.top - b) / 2;
+}
+
+}  // namespace
+
+Rect TabRect(const ScreenContext& ctx, int tab) {
+    const bool hi = ctx.HighResolution();
+    const Rect& s = ctx.frame;
+    if (ctx.orientation == Orientation::Portrait) {
+        const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
+        const int ox = (s.right - p.w - s.left) / 2;
+        const int x = ox + p.srcX0 + tab * p.pitch;
+        const int y = s.bottom - p.h + p.srcY;
+        return Rect{x, y, x + p.tile, y + p.tile};
+    }
+    const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
+    const int y = LandscapeStripTop(ctx, l.h) + tab * l.pitch;
+    return Rect{0, y, l.tile, y + l.tile};
+}
+
+void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx) {
+    const int tab = TabOfScreen(ctx);
+    if (tab < 0)
+        return;
+    const bool hi = ctx.HighResolution();
+    const Rect dst = TabRect(ctx, tab);
+    if (ctx.orientation == Orientation::Portrait) {
+        const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
+        const int sx = p.srcX0 + tab * p.pitch;
+        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
+                    Rect{sx, p.srcY, sx + p.tile, p.srcY + p.tile}, Point{dst.left, dst.top});
+    } else {
+        const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
+        const int sy = tab * l.pitch;
+        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripLandscape)],
+                    Rect{0, sy, l.tile, sy + l.tile}, Point{dst.left, dst.top});
+    }
+}
+
+void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
+    if (!ctx.speedAlarmOn)
+        return;
+    const int k = AlarmCellIndex(ctx.speedAlarmLimit);
+    const bool hi = ctx.HighResolution();
+    const int b = ctx.baseTextHeight;
+    const Rect& s = ctx.frame;
+    if (ctx.orientation == Orientation::Portrait) {
+        const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
+        const int cw = hi ? 59 : 30, chh = hi ? 46 : 23;
+        const int sx = (hi ? 5 : 1) + cw * k;
+        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
+                    Rect{sx, 0, sx + cw, chh},
+                    Point{((s.right - s.left) - p.w) / 2 + sx, s.bottom - p.h});
+    } else {
+        const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
+        const int x = s.right - b / 5 - l.alarmW;
+        const int top = b + (s.bottom - l.alarmH - s.top - b) / 2;
+        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::AlarmStrip)],
+                    Rect{0, l.cell * k, l.alarmW, l.cell * k + l.cell}, Point{x, top + l.cell * k});
+    }
+}
+
+void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+    const bool hi = ctx.HighResolution();
+    const int b = ctx.baseTextHeight;
+    const Rect& s = ctx.frame;
+    if (ctx.orientation == Orientation::Portrait) {
+        const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
+        const int ox = (s.right - p.w - s.left) / 2;
+        const int stripTop = s.bottom - p.h;
+        canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
+                               Rect{0, 0, p.w, p.h}, Point{ox, stripTop}, kStripKey);
+        DrawTabHighlight(canvas, ctx);
+        if (hi) {
+            DrawCourseArrow(canvas, gps, 22, ox + 280, s.bottom - 29, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps, Rect{322, stripTop + 55, 396, s.bottom - 3}, b - 3,
+                             false);
+            DrawMiniSkyPlot(canvas, ctx, gps, 30, ox + 438, stripTop + 91, b / 4);
+        } else {
+            DrawCourseArrow(canvas, gps, 12, 140, s.bottom - 17, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps, Rect{163, s.bottom - 37, 200, s.bottom - 3}, b - 2,
+                             false);
+            DrawMiniSkyPlot(canvas, ctx, gps, 17, ox + 220, stripTop + 45, b / 3);
+        }
+    } else {
+        const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
+        const int y0 = LandscapeStripTop(ctx, l.h);
+        canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripLandscape)],
+                               Rect{0, 0, l.w, l.h}, Point{0, y0}, kStripKey);
+        DrawTabHighlight(canvas, ctx);
+        if (hi) {
+            DrawCourseArrow(canvas, gps, 15, l.w / 2, y0 + 201, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 225, l.w + 1, y0 + 275},
+                             (2 * b) / 3 - 2, true);
+            DrawMiniSkyPlot(canvas, ctx, gps, 22, 27, y0 + 305, b / 4);
+        } else {
+            DrawCourseArrow(canvas, gps, 8, l.w / 2, y0 + 100, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 113, l.w + 1, y0 + 139},
+                             (2 * b) / 3 + 1, true);
+            DrawMiniSkyPlot(canvas, ctx, gps, 12, 14, y0 + 153, b / 3);
+        }
+        const int ax = s.right - b / 5 - l.alarmW;
+        const int ay = b + (s.bottom - l.alarmH - s.top - b) / 2;
+        canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::AlarmStrip)],
+                               Rect{0, 0, l.alarmW, l.alarmH}, Point{ax, ay}, kStripKey);
+    }
+    DrawAlarmCell(canvas, ctx);
+    if (ctx.currentScreen == kScreenMap) {
+        const Bitmap& overlay = ctx.bitmaps[static_cast<int>(BitmapId::MapOverlay)];
+        const Rect& v = ctx.mapView.view;
+        canvas.TransparentBlit(
+            overlay, Rect{0, 0, overlay.width, overlay.height},
+            Point{v.right - b / 3 - ctx.mapView.m + 1,
+                  v.top + (4 * b) / 3 + b / 6 + b / 5 + ctx.mapView.m + ctx.mapView.n},
+            kMagenta);
+    }
+}
+
+// ---- dispatch and taps ------------------------------------------------------------
+
+void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+    switch (ctx.currentScreen) {
+        case kScreenGpsInfo:
+            PaintGpsInfoScreen(canvas, ctx, gps);
+            break;
+        case kScreenSkyPlot:
+            PaintSkyPlotScreen(canvas, ctx, gps);
+            break;
+        case kScreenCompass:
+            PaintCompassScreen(canvas, ctx, gps);
+            break;
+        case kScreenSpeedometer:
+            PaintSpeedometerScreen(canvas, ctx, gps);
+            break;
+        case kScreenMap:
+            canvas.FillRect(canvas.Bounds(), kWhite);
+            if (ctx.paintMapScreen) {
+                ctx.paintMapScreen(canvas, ctx, gps);
+            } else {
+                DrawScreenFrame(canvas, ctx, gps);
+            }
+            break;
+        default:
+            canvas.FillRect(canvas.Bounds(), kWhite);
+            break;
+    }
+}
+
+int HitTestTab(const ScreenContext& ctx, int x, int y) {
+    static constexpr int kCommands[6] = {40059, 40029, 40030, 40016, 40015, 40013};
+    for (int tab = 0; tab < 6; ++tab) {
+        const Rect r = TabRect(ctx, tab);
+        if (x >= r.left && x < r.right && y >= r.top && y < r.bottom) {
+            // The loaded-map tab only answers when there is a loaded map.
+            if (tab == 2 && !ctx.mapLoaded)
+                return 0;
+            return kCommands[tab];
+        }
+    }
+    return 0;
+}
+
+// ---- shared text formats -------------------------------------------------------
+
+namespace {
+
+std::string FormatAngle(const char* pattern, char hemisphere, double value) {
+    // Saturated so that the whole degrees always fit an int.
+    const double v = std::min(std::fabs(value), 1.0e6);
+    const int whole = static_cast<int>(v);
+    const double minutes = (v - whole) * 60.0;
+    char out[96];
+    std::snprintf(out, sizeof out, pattern, hemisphere, whole, text::kDegree, minutes);
+    return out;
+}
+
+}  // namespace
+
+std::string FormatLatitude(double latitude) {
+    if (!std::isfinite(latitude))
+        latitude = 0.0;
+    return FormatAngle("%c   %02d%s%07.4f'", latitude >= 0 ? 'N' : 'S', latitude);
+}
+
+std::string FormatLongitude(double longitude) {
+    if (!std::isfinite(longitude))
+        longitude = 0.0;
+    return FormatAngle("%c %03d%s%07.4f'", longitude >= 0 ? 'E' : 'W', longitude);
+}
+
+std::string FormatAltitudeSpeedLine(double altitude, double speed, int unitSystem) {
+    const char* pattern = unitSystem == kMetric     ? "%s %0.2f m   %s %0.2f km/h"
+                          : unitSystem == kImperial ? "%s %0.2f ft  %s %0.2f MPH"
+                                                    : "%s %0.2f ft  %s %0.2f kts";
+    char out[160];
+    std::snprintf(out, sizeof out, pattern, text::kAltitude, altitude, text::kSpeed, speed);
+    return out;
+}
+
+std::string FormatFixMode(char fixMode) {
+    if (fixMode == '3')
+        return "3D GPS Fix";
+    if (fixMode == '2')
+        return "2D GPS Fix";
+    return "GPS Fix N/A";
+}
+
+std::string FormatCourse(double course) {
+    char out[96];
+    std::snprintf(out, sizeof out, "%s %0.2f%s", text::kCourse, course, text::kDegree);
+    return out;
+}
+
+std::string FormatSatellites(int used, int inView) {
+    char out[64];
+    std::snprintf(out, sizeof out, "%s %d/%d", text::kSatellites, used, inView);
+    return out;
+}
+
+std::string FormatDateTime(const ScreenContext& ctx, const GpsState& gps) {
+    if (!(ctx.linkRunning && ctx.fixTimeKnown && gps.fixTimeLocal != 0)) {
+        return "- - / - - / - -    - - : - - : - -";
+    }
+    const gps::CalendarTime t = gps::FileTimeToCalendar(gps.fixTimeLocal);
+    char out[64];
+    // Short date and time in the Simplified Chinese convention.
+    std::snprintf(out, sizeof out, "%d/%d/%d  %d:%02d:%02d", t.year, t.month, t.day, t.hour,
+                  t.minute, t.second);
+    return out;
+}
+
+}  // namespace satwalk::screens

@@ -1,0 +1,188 @@
+// The instrument screens: the paint dispatch, the frame with its tool strip,
+// the shared small instruments and helpers, and the four instrument screens.
+// Core code: it draws through Canvas and reads GpsState and ScreenContext.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "Canvas.h"
+#include "GpsState.h"
+
+namespace satwalk::screens {
+
+enum Screen : int {
+    kScreenGpsInfo = 0,
+    kScreenSkyPlot = 1,
+    kScreenCompass = 2,
+    kScreenSpeedometer = 3,
+    kScreenMap = 4,
+};
+
+enum UnitSystem : int { kMetric = 0, kImperial = 1, kNautical = 2 };
+
+enum class Orientation { Portrait, Landscape };
+
+struct DialLayout {
+    int skyRadius = 0, skyX = 0, skyY = 0;
+    int compassRadius = 0, compassX = 0, compassY = 0;
+    int speedRadius = 0, speedX = 0, speedY = 0;
+};
+
+// Geometry of the map view that the map subsystem owns and the frame reads
+// to place the map overlay strip (its two layout values m and n).
+struct MapViewLayout {
+    Rect view;
+    int m = 0;
+    int n = 0;
+};
+
+// What the main window owns and the screens read. The toggles are the only
+// values the screens write.
+struct ScreenContext {
+    // The off-screen bitmap: the client area less the menu bar. The tool
+    // strip is drawn against it and its orientation decides the layout.
+    Rect frame;
+    // The part of the frame the screens lay out their content in: the frame
+    // less the tool strip (portrait: its height at the bottom; landscape:
+    // its width on the left and the alarm strip on the right).
+    Rect screen;
+    Orientation orientation = Orientation::Portrait;
+    int dpi = 192;            // logical pixels per inch
+    int baseTextHeight = 30;  // (15 × dpi + 48) / 96
+    int currentScreen = kScreenGpsInfo;
+    int unitSystem = kMetric;
+    bool speedAlarmOn = false;
+    int speedAlarmLimit = 50;  // 50, 60, ... 120 in the display unit
+    bool linkRunning = false;
+    bool fixValid = false;
+    bool blinkPhase = false;    // flipped by the blink timer while no fix
+    bool recording = false;     // NMEA recording on
+    bool fixTimeKnown = false;  // a WM_GPS_TIME has synchronised the clock
+    bool mapLoaded = false;
+    int compassOrientation = 0;  // 1 north-up, anything else course-up
+    double latitude = 0.0;       // signed degrees, north positive
+    double longitude = 0.0;      // signed degrees, east positive
+    DialLayout dials;
+    MapViewLayout mapView;
+    Bitmap bitmaps[kBitmapCount]{};
+
+    // Drawing-order toggles kept across paints.
+    int skyPlotToggle = 0;
+    int miniSkyToggle = 0;
+
+    // Hooks of the map subsystem; empty until it provides them.
+    std::function<void(Canvas&, ScreenContext&, const gps::GpsState&)> paintMapScreen;
+    std::function<void(Canvas&, ScreenContext&)> drawMapOverlay;
+
+    bool HighResolution() const { return baseTextHeight != 15; }
+};
+
+// ---- set-up -------------------------------------------------------------
+
+int BaseTextHeightForDpi(int dpi);
+// Sets frame, orientation, screen and dials for a new client area (window
+// created, resized or rotated). `canvas` provides text measurement.
+void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client);
+Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight);
+void LayoutDials(Canvas& canvas, ScreenContext& ctx);
+Orientation OrientationOf(Rect screen);
+
+// Pixel sizes of every bitmap of the two sets, and its load-failure code.
+Size BitmapSize(BitmapId id, bool highResolution);
+// Resource file base name of a bitmap in a set, e.g. "toolstrip-portrait-hi".
+std::string BitmapFileName(BitmapId id, bool highResolution);
+// "0x08200a15" and so on; empty for bitmaps without a code.
+std::string BitmapFailureCode(BitmapId id);
+std::string InitializationFailedMessage(BitmapId id);
+// Fills ctx.bitmaps with handles of the set chosen by baseTextHeight.
+void AssignBitmapHandles(ScreenContext& ctx);
+
+// ---- paint --------------------------------------------------------------
+
+// Paints the whole current screen (frame included) into the canvas.
+void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+
+void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+
+void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx);
+void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx);
+
+// Font helpers: CreateScreenFont selects the font and returns the one it
+// replaced; ReleaseScreenFont selects that one back.
+Font CreateScreenFont(Canvas& canvas, int height, int weight);
+void ReleaseScreenFont(Canvas& canvas, Font previous);
+
+void DrawCourseArrow(Canvas& canvas, const gps::GpsState& gps, int size, int cx, int cy, int tail);
+// The arrow's five points L, N, P, R, T for a course in degrees.
+struct ArrowPoints {
+    Point left, notch, tip, right, tail;
+};
+ArrowPoints CourseArrowPoints(double courseDegrees, int size, int cx, int cy, int tail);
+
+void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps, Rect box,
+                      int fontHeight, bool landscape);
+void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps, int radius,
+                     int cx, int cy, int fontHeight);
+void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps, int x,
+                    int baselineY);
+void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);
+void DrawRecordingIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);
+int StatusIconSize(const ScreenContext& ctx);
+
+// Colour of a signal-to-noise ratio; white for 0 (and for anything outside
+// 1..99).
+Colour SnrColour(int snr);
+
+double SpeedInDisplayUnit(const gps::GpsState& gps, int unitSystem);
+double AltitudeInDisplayUnit(const gps::GpsState& gps, int unitSystem);
+
+// Tick ring shared by the compass and the speedometer.
+struct DialTicks {
+    int radius = 0;
+    Colour ringColour;
+    int majorLength = 0;
+    const double* majorAngles = nullptr;
+    int majorCount = 0;
+    int majorWidth = 1;
+    Colour majorColour;
+    int minorLength = 0;
+    const double* minorAngles = nullptr;
+    int minorCount = 0;
+    int minorWidth = 1;
+    Colour minorColour;
+    double redFrom = 720.0;
+};
+void DrawDialTicks(Canvas& canvas, int cx, int cy, const DialTicks& ticks);
+void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegrees, Pen pen);
+// Speedometer geometry: where the red zone starts on the tick ring (720
+// when the alarm is off), and the needle as tip then the two base corners.
+double SpeedRedZoneStart(const ScreenContext& ctx);
+void SpeedNeedlePoints(double speed, double fullScale, int radius, int cx, int cy, Point out[3]);
+void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps);
+
+// ---- text ---------------------------------------------------------------
+
+std::string FormatLatitude(double latitude);
+std::string FormatLongitude(double longitude);
+std::string FormatAltitudeSpeedLine(double altitude, double speed, int unitSystem);
+std::string FormatFixMode(char fixMode);
+std::string FormatCourse(double course);
+std::string FormatSatellites(int used, int inView);
+std::string FormatDateTime(const ScreenContext& ctx, const gps::GpsState& gps);
+const char* SpeedUnitName(int unitSystem);
+
+// ---- taps ---------------------------------------------------------------
+
+// The command of the tab under a tap at (x, y) on the tool strip, or 0 when
+// the tap is not on a tab: 40059 GPS information, 40029 world map, 40030
+// loaded map, 40016 compass, 40015 speedometer, 40013 sky plot.
+int HitTestTab(const ScreenContext& ctx, int x, int y);
+// The rectangle of tab k (0..5, tool-strip order) on the screen.
+Rect TabRect(const ScreenContext& ctx, int tab);
+
+}  // namespace satwalk::screens

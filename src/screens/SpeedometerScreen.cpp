@@ -1,0 +1,171 @@
+// Screen 3: the analogue speedometer with the alarm range in red.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "Arith.h"
+#include "NmeaDecoder.h"
+#include "ScreenDraw.h"
+#include "ScreenText.h"
+
+namespace satwalk::screens {
+
+using gps::GpsState;
+using gps::TextToDouble;
+
+namespace {
+
+struct Scale {
+    double full;
+    const char* labels[5];
+    double redFactor;
+};
+constexpr Scale kMetricScale{200, {"0", "50", "100", "150", "200"}, 1.2};
+constexpr Scale kMileScale{160, {"0", "40", "80", "120", "160"}, 1.5};
+
+}  // namespace
+
+// Angle on the tick ring where the red zone starts.
+double SpeedRedZoneStart(const ScreenContext& ctx) {
+    if (!ctx.speedAlarmOn)
+        return 720.0;
+    const Scale& sc = ctx.unitSystem == kMetric ? kMetricScale : kMileScale;
+    return 240.0 + sc.redFactor * ctx.speedAlarmLimit;
+}
+
+// Needle triangle: tip, then the two base corners.
+void SpeedNeedlePoints(double speed, double fullScale, int R, int cx, int cy, Point out[3]) {
+    double fraction = speed / fullScale;
+    if (!std::isfinite(fraction))
+        fraction = 0.0;
+    fraction = std::clamp(fraction, -1.0e6, 1.0e6);
+    const double theta = (210.0 - 240.0 * fraction + 360.0) * kPi / 180.0;
+    const int L = R - 1;
+    const double c = std::cos(theta), s = std::sin(theta);
+    out[0] = Point{cx + Trunc(L * c), cy - Trunc(L * s)};
+    out[1] = Point{cx - Trunc(0.1 * L * s), cy - Trunc(0.1 * L * c)};
+    out[2] = Point{cx + Trunc(0.1 * L * s), cy + Trunc(0.1 * L * c)};
+}
+
+void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+    const int b = ctx.baseTextHeight;
+    const int left = ctx.screen.left, top = ctx.screen.top, right = ctx.screen.right;
+    const int R = ctx.dials.speedRadius, cx = ctx.dials.speedX, cy = ctx.dials.speedY;
+    const int u = ctx.unitSystem;
+    const Scale& sc = u == kMetric ? kMetricScale : kMileScale;
+    const double speed = SpeedInDisplayUnit(gps, u);
+
+    canvas.FillRect(canvas.Bounds(), kWhite);
+    if (ctx.drawMapOverlay)
+        ctx.drawMapOverlay(canvas, ctx);
+
+    // Scale labels just outside the ring.
+    Font old = CreateScreenFont(canvas, (2 * b) / 3, 400);
+    for (int k = 0; k < 5; ++k) {
+        const Size s = canvas.MeasureText(sc.labels[k]);
+        const double d = R + std::sqrt(s.width * s.width / 4.0 + s.height * s.height / 4.0) + 2;
+        const double a = (240.0 + 60.0 * k) * kPi / 180.0;
+        TextCentredOn(canvas, sc.labels[k], cx + Trunc(d * std::sin(a)),
+                      cy - Trunc(d * std::cos(a)), kBlack);
+    }
+    ReleaseScreenFont(canvas, old);
+
+    double majors[5], minors[21];
+    for (int k = 0; k < 5; ++k) majors[k] = 240.0 + 60.0 * k;
+    for (int k = 0; k < 21; ++k) minors[k] = 240.0 + 12.0 * k;
+    DialTicks ticks;
+    ticks.radius = R;
+    ticks.ringColour = kBlack;
+    ticks.majorAngles = majors;
+    ticks.majorCount = 5;
+    ticks.majorWidth = 2;
+    ticks.majorColour = kBlack;
+    ticks.majorLength = (2 * b) / 5;
+    ticks.minorAngles = minors;
+    ticks.minorCount = 21;
+    ticks.minorWidth = 1;
+    ticks.minorColour = kBlack;
+    ticks.minorLength = b / 5;
+    ticks.redFrom = SpeedRedZoneStart(ctx);
+    DrawDialTicks(canvas, cx, cy, ticks);
+
+    // Erase the lower 120 degrees of the ring.
+    canvas.Rectangle(Rect{cx - Trunc(R * std::cos(kPi / 6) - 1), cy + R / 2 + 1,
+                          cx + Trunc(R * std::cos(kPi / 6) + 1), cy + R},
+                     Pen{kWhite, 1}, Brush{kWhite});
+
+    Point needle[3];
+    SpeedNeedlePoints(speed, sc.full, R, cx, cy, needle);
+    canvas.Polygon(needle, kNullPen, Brush{Rgb(0, 144, 233)});
+    const int hub = std::max(b / 4, 2);
+    canvas.Ellipse(CircleBox(cx, cy, hub), kNullPen, Brush{Rgb(34, 89, 172)});
+    canvas.Ellipse(CircleBox(cx, cy, hub / 3), kNullPen, Brush{kWhite});
+
+    char line[160];
+    // Altitude and course under the dial's open end.
+    old = CreateScreenFont(canvas, (4 * b) / 5, 400);
+    {
+        const Colour grey = Rgb(130, 131, 133);
+        std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
+                      text::kAltitude, AltitudeInDisplayUnit(gps, u));
+        const Size sa = canvas.MeasureText(line);
+        const int yb = cy + R;
+        canvas.DrawText(line, Rect{right - b / 3 - sa.width, yb - sa.height, right - b / 3, yb},
+                        kTextRight | kTextBottom, grey);
+        const std::string course = FormatCourse(TextToDouble(gps.course));
+        const Size scs = canvas.MeasureText(course);
+        canvas.DrawText(course, Rect{left + b / 3, yb - scs.height, left + b / 3 + scs.width, yb},
+                        kTextLeft | kTextBottom, grey);
+    }
+    ReleaseScreenFont(canvas, old);
+
+    // Digital speed and its unit, upper left.
+    const int numberHeight = 2 * b;
+    old = CreateScreenFont(canvas, numberHeight, 700);
+    std::snprintf(line, sizeof line, "%0.2f", speed);
+    const int numberTop = top + (4 * b) / 3;
+    const Size sn = TextAt(canvas, line, left + b / 2, numberTop, Rgb(22, 118, 201));
+    ReleaseScreenFont(canvas, old);
+    old = CreateScreenFont(canvas, numberHeight / 2, 700);
+    const Size su =
+        TextAt(canvas, SpeedUnitName(u), left + b / 2 + b / 10, numberTop + sn.height, kBlack);
+    ReleaseScreenFont(canvas, old);
+
+    // Alarm row: label, left triangle, setting, right triangle.
+    old = CreateScreenFont(canvas, b - 1, 400);
+    {
+        const Colour grey = Rgb(100, 101, 103);
+        const Colour blue = Rgb(22, 118, 201);
+        char setting[64];
+        if (ctx.speedAlarmOn) {
+            std::snprintf(setting, sizeof setting, " %d %s ", ctx.speedAlarmLimit,
+                          SpeedUnitName(u));
+        } else {
+            std::snprintf(setting, sizeof setting, " %s ", text::kOff);
+        }
+        const std::string label = std::string(text::kAlarm) + " ";
+        const int rowTop = numberTop + sn.height + su.height + b / 3;
+        int x = left + b / 2;
+        const Size sl = TextAt(canvas, label, x, rowTop, grey);
+        const int h = sl.height;
+        const int yc = rowTop + h / 2;
+        x += sl.width;
+        const int tw = (2 * h) / 3, th = h / 3;
+        const Point leftTri[] = {{x, yc}, {x + tw - 1, yc - th}, {x + tw - 1, yc + th}};
+        canvas.Polygon(leftTri, kNullPen, Brush{blue});
+        x += tw;
+        const Size ss = TextAt(canvas, setting, x, rowTop, grey);
+        x += ss.width;
+        const Point rightTri[] = {{x, yc - th}, {x, yc + th}, {x + tw - 1, yc}};
+        canvas.Polygon(rightTri, kNullPen, Brush{blue});
+    }
+    ReleaseScreenFont(canvas, old);
+
+    const int s = StatusIconSize(ctx);
+    DrawReceiverIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3);
+    DrawRecordingIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3 + s + b / 5);
+
+    DrawScreenFrame(canvas, ctx, gps);
+}
+
+}  // namespace satwalk::screens

@@ -1,0 +1,285 @@
+#include "QtCanvas.h"
+
+#include <QFile>
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QPolygon>
+#include <map>
+#include <utility>
+
+namespace satwalk::screens {
+
+namespace {
+
+QColor ToQ(Colour c) {
+    return QColor(c.r, c.g, c.b);
+}
+QRect ToQ(Rect r) {
+    return QRect(r.left, r.top, r.Width(), r.Height());
+}
+
+// Fonts are asked for by their cell height (ascent + descent, as a device
+// context's font height); Qt sizes fonts by the em. The face's ratio of the
+// two is measured once.
+struct FontCache {
+    QString family;
+    double cellPerPixel = 1.0;
+    std::map<std::pair<int, int>, QFont> fonts;
+    std::map<std::pair<int, int>, QFontMetrics> metrics;
+
+    FontCache() {
+        family = ScreenFontFamily();
+        QFont probe(family);
+        probe.setPixelSize(100);
+        const QFontMetricsF fm(probe);
+        if (fm.height() > 0)
+            cellPerPixel = fm.height() / 100.0;
+    }
+
+    const QFont& Get(Font f) {
+        const auto key = std::make_pair(f.height, f.weight);
+        auto it = fonts.find(key);
+        if (it != fonts.end())
+            return it->second;
+        QFont q(family);
+        q.setPixelSize(std::max(1, static_cast<int>(f.height / cellPerPixel + 0.5)));
+        q.setWeight(f.weight >= 600 ? QFont::Bold : QFont::Normal);
+        q.setHintingPreference(QFont::PreferFullHinting);
+        metrics.emplace(key, QFontMetrics(q));
+        return fonts.emplace(key, q).first->second;
+    }
+    const QFontMetrics& Metrics(Font f) {
+        Get(f);
+        return metrics.at(std::make_pair(f.height, f.weight));
+    }
+};
+
+FontCache& Fonts() {
+    static FontCache cache;
+    return cache;
+}
+
+}  // namespace
+
+QString ScreenFontFamily() {
+    static const QString family = [] {
+        const QStringList have = QFontDatabase::families();
+        for (const char* name : {"Noto Sans CJK SC", "Noto Sans SC", "WenQuanYi Micro Hei",
+                                 "Source Han Sans SC", "Noto Serif CJK SC"}) {
+            if (have.contains(QString::fromLatin1(name)))
+                return QString::fromLatin1(name);
+        }
+        return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+    }();
+    return family;
+}
+
+// ---- bitmaps --------------------------------------------------------------
+
+bool ScreenBitmaps::Load(bool hi, const QString& folder, BitmapId* failedId) {
+    for (int i = 0; i < kBitmapCount; ++i) {
+        const auto id = static_cast<BitmapId>(i);
+        const QString name = QString::fromStdString(BitmapFileName(id, hi)) + ".png";
+        QImage image(":/satwalk/bitmaps/" + name);
+        if (image.isNull() && !folder.isEmpty())
+            image = QImage(folder + "/" + name);
+        const Size want = BitmapSize(id, hi);
+        if (image.isNull() || image.width() != want.width || image.height() != want.height) {
+            if (failedId)
+                *failedId = id;
+            return false;
+        }
+        Set(id, std::move(image));
+    }
+    return true;
+}
+
+void ScreenBitmaps::Set(BitmapId id, QImage image) {
+    const int i = static_cast<int>(id);
+    images_[i] = image.convertToFormat(QImage::Format_RGB32);
+    keyed_[i] = QImage();
+}
+
+const QImage& ScreenBitmaps::Keyed(BitmapId id, Colour key) const {
+    const int i = static_cast<int>(id);
+    if (keyed_[i].isNull() || !(keyedWith_[i] == key)) {
+        QImage out = images_[i].convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        const QRgb k = qRgb(key.r, key.g, key.b);
+        for (int y = 0; y < out.height(); ++y) {
+            auto* line = reinterpret_cast<QRgb*>(out.scanLine(y));
+            for (int x = 0; x < out.width(); ++x)
+                if ((line[x] | 0xFF000000u) == k)
+                    line[x] = 0;
+        }
+        keyed_[i] = std::move(out);
+        keyedWith_[i] = key;
+    }
+    return keyed_[i];
+}
+
+// ---- canvas ------------------------------------------------------------------
+
+QtCanvas::QtCanvas(QImage& target, const ScreenBitmaps& bitmaps)
+    : target_(target), bitmaps_(bitmaps), painter_(&target) {
+    painter_.setClipRect(target.rect());
+}
+
+QtCanvas::~QtCanvas() {
+    painter_.end();
+}
+
+Rect QtCanvas::Bounds() const {
+    return Rect{0, 0, target_.width(), target_.height()};
+}
+
+void QtCanvas::ApplyPen(Pen pen) {
+    if (pen.null || pen.width <= 0) {
+        painter_.setPen(Qt::NoPen);
+    } else {
+        painter_.setPen(
+            QPen(ToQ(pen.colour), pen.width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+    }
+}
+
+void QtCanvas::ApplyBrush(Brush brush) {
+    if (brush.null) {
+        painter_.setBrush(Qt::NoBrush);
+    } else {
+        painter_.setBrush(ToQ(brush.colour));
+    }
+}
+
+void QtCanvas::FillRect(Rect rect, Colour colour) {
+    painter_.fillRect(ToQ(rect), ToQ(colour));
+}
+
+void QtCanvas::Line(Point from, Point to, Pen pen) {
+    if (pen.null || pen.width <= 0)
+        return;
+    ApplyPen(pen);
+    const bool straight = from.x == to.x || from.y == to.y;
+    painter_.setRenderHint(QPainter::Antialiasing, !straight);
+    // Pixel centres, so that odd-width straight lines stay crisp.
+    const double o = (pen.width % 2) ? 0.5 : 0.0;
+    painter_.drawLine(QPointF(from.x + o, from.y + o), QPointF(to.x + o, to.y + o));
+}
+
+void QtCanvas::Ellipse(Rect box, Pen pen, Brush brush) {
+    if (box.Width() <= 0 || box.Height() <= 0)
+        return;
+    ApplyPen(pen);
+    ApplyBrush(brush);
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    const bool outlined = !(pen.null || pen.width <= 0);
+    const double inset = outlined ? pen.width / 2.0 : 0.0;
+    painter_.drawEllipse(QRectF(box.left + inset, box.top + inset, box.Width() - 2 * inset,
+                                box.Height() - 2 * inset));
+}
+
+void QtCanvas::Rectangle(Rect box, Pen pen, Brush brush) {
+    if (box.Width() <= 0 || box.Height() <= 0)
+        return;
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+    if (!brush.null)
+        painter_.fillRect(ToQ(box), ToQ(brush.colour));
+    if (!(pen.null || pen.width <= 0)) {
+        ApplyPen(pen);
+        painter_.setBrush(Qt::NoBrush);
+        painter_.drawRect(QRectF(box.left + 0.5, box.top + 0.5, box.Width() - 1, box.Height() - 1));
+    }
+}
+
+void QtCanvas::Polygon(std::span<const Point> points, Pen pen, Brush brush) {
+    if (points.empty())
+        return;
+    QPolygon poly;
+    poly.reserve(static_cast<int>(points.size()));
+    for (const Point& p : points) poly << QPoint(p.x, p.y);
+    ApplyPen(pen);
+    ApplyBrush(brush);
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    painter_.drawPolygon(poly);
+}
+
+void QtCanvas::Polyline(std::span<const Point> points, Pen pen) {
+    if (points.size() < 2 || pen.null || pen.width <= 0)
+        return;
+    QPolygon poly;
+    poly.reserve(static_cast<int>(points.size()));
+    for (const Point& p : points) poly << QPoint(p.x, p.y);
+    ApplyPen(pen);
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    painter_.drawPolyline(poly);
+}
+
+void QtCanvas::SelectFont(Font font) {
+    font_ = font;
+    painter_.setFont(Fonts().Get(font));
+}
+
+Size QtCanvas::MeasureText(std::string_view text) {
+    const QFontMetrics& fm = Fonts().Metrics(font_);
+    const QString s = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    return Size{fm.horizontalAdvance(s), fm.height()};
+}
+
+void QtCanvas::DrawText(std::string_view text, Rect box, unsigned flags, Colour colour) {
+    int align = 0;
+    align |= (flags & kTextCenter)  ? Qt::AlignHCenter
+             : (flags & kTextRight) ? Qt::AlignRight
+                                    : Qt::AlignLeft;
+    align |= (flags & kTextVCenter)  ? Qt::AlignVCenter
+             : (flags & kTextBottom) ? Qt::AlignBottom
+                                     : Qt::AlignTop;
+    painter_.setPen(ToQ(colour));
+    painter_.setRenderHint(QPainter::TextAntialiasing, true);
+    painter_.drawText(ToQ(box), align | Qt::TextDontClip | Qt::TextSingleLine,
+                      QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+}
+
+void QtCanvas::Blit(const Bitmap& bitmap, Rect src, Point dst) {
+    painter_.drawImage(QPoint(dst.x, dst.y), bitmaps_.Image(bitmap.id), ToQ(src));
+}
+
+void QtCanvas::StretchBlit(const Bitmap& bitmap, Rect src, Rect dst) {
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, true);
+    painter_.drawImage(ToQ(dst), bitmaps_.Image(bitmap.id), ToQ(src));
+}
+
+void QtCanvas::TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) {
+    painter_.drawImage(QPoint(dst.x, dst.y), bitmaps_.Keyed(bitmap.id, key), ToQ(src));
+}
+
+void QtCanvas::PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) {
+    if (size.width <= 0 || size.height <= 0 || pixels == nullptr)
+        return;
+    const QImage block(reinterpret_cast<const uchar*>(pixels), size.width, size.height, stride * 4,
+                       QImage::Format_RGB32);
+    painter_.drawImage(QPoint(dst.x, dst.y), block);
+}
+
+}  // namespace satwalk::screens
+
+namespace satwalk::screens {
+
+void PrepareScreenContext(ScreenContext& ctx, int width, int height, int dpi,
+                          const ScreenBitmaps& bitmaps) {
+    ctx.dpi = dpi;
+    ctx.baseTextHeight = BaseTextHeightForDpi(dpi);
+    AssignBitmapHandles(ctx);
+    QImage scratch(1, 1, QImage::Format_RGB32);
+    QtCanvas measure(scratch, bitmaps);
+    UpdateScreenLayout(measure, ctx, Rect{0, 0, width, height});
+}
+
+void RenderCurrentScreen(QImage& image, ScreenContext& ctx, const gps::GpsState& gps,
+                         const ScreenBitmaps& bitmaps) {
+    const int w = std::max(ctx.frame.Width(), 1), h = std::max(ctx.frame.Height(), 1);
+    if (image.width() != w || image.height() != h || image.format() != QImage::Format_RGB32) {
+        image = QImage(w, h, QImage::Format_RGB32);
+    }
+    QtCanvas canvas(image, bitmaps);
+    PaintCurrentScreen(canvas, ctx, gps);
+}
+
+}  // namespace satwalk::screens

@@ -1,0 +1,88 @@
+// The Canvas on a QPainter over an off-screen QImage: a screen paints the
+// whole image, and the window shows it in one copy.
+#pragma once
+
+#include <QFont>
+#include <QImage>
+#include <QPainter>
+#include <QString>
+#include <array>
+#include <string>
+
+#include "Canvas.h"
+#include "Screens.h"
+
+namespace satwalk::screens {
+
+// The bitmaps of one pixel set, as loaded at window creation, with their
+// colour-keyed variants prepared once.
+class ScreenBitmaps {
+  public:
+    // Loads every bitmap of the set from the program's resources, falling
+    // back to `folder` (the bitmaps folder of the source tree) when a file is
+    // missing there. On failure returns false and sets `failedId` to the first
+    // bitmap that could not be loaded or has the wrong size.
+    bool Load(bool highResolution, const QString& folder, BitmapId* failedId);
+
+    const QImage& Image(BitmapId id) const { return images_[static_cast<int>(id)]; }
+    // The bitmap with pixels of `key` made transparent (computed on first use).
+    const QImage& Keyed(BitmapId id, Colour key) const;
+    void Set(BitmapId id, QImage image);
+
+  private:
+    std::array<QImage, kBitmapCount> images_;
+    mutable std::array<QImage, kBitmapCount> keyed_;
+    mutable std::array<Colour, kBitmapCount> keyedWith_{};
+};
+
+// The face every screen font uses: a Simplified Chinese system face.
+QString ScreenFontFamily();
+
+class QtCanvas final : public Canvas {
+  public:
+    // Paints onto `target` (kept alive by the caller) with `bitmaps`.
+    QtCanvas(QImage& target, const ScreenBitmaps& bitmaps);
+    ~QtCanvas() override;
+
+    Rect Bounds() const override;
+    void FillRect(Rect rect, Colour colour) override;
+    void Line(Point from, Point to, Pen pen) override;
+    void Ellipse(Rect box, Pen pen, Brush brush) override;
+    void Rectangle(Rect box, Pen pen, Brush brush) override;
+    void Polygon(std::span<const Point> points, Pen pen, Brush brush) override;
+    void Polyline(std::span<const Point> points, Pen pen) override;
+    void SelectFont(Font font) override;
+    Font SelectedFont() const override { return font_; }
+    Size MeasureText(std::string_view text) override;
+    void DrawText(std::string_view text, Rect box, unsigned flags, Colour colour) override;
+    void Blit(const Bitmap& bitmap, Rect src, Point dst) override;
+    void StretchBlit(const Bitmap& bitmap, Rect src, Rect dst) override;
+    void TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) override;
+    void PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) override;
+
+  private:
+    void ApplyPen(Pen pen);
+    void ApplyBrush(Brush brush);
+
+    QImage& target_;
+    const ScreenBitmaps& bitmaps_;
+    QPainter painter_;
+    Font font_{};
+};
+
+}  // namespace satwalk::screens
+
+namespace satwalk::screens {
+
+// Sets up a context for a screen of width × height pixels at `dpi`: the base
+// text height, the layout measured with the real fonts and the bitmap
+// handles of the matching set. The caller sets the rest (screen, units, ...).
+void PrepareScreenContext(ScreenContext& ctx, int width, int height, int dpi,
+                          const ScreenBitmaps& bitmaps);
+
+// Paints the current screen into `image` (made the screen's size when it is
+// not), the whole off-screen picture the window then shows in one copy.
+void RenderCurrentScreen(QImage& image, ScreenContext& ctx, const gps::GpsState& gps,
+                         const ScreenBitmaps& bitmaps);
+
+}  // namespace satwalk::screens

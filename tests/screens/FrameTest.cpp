@@ -1,0 +1,294 @@
+// The frame: layout formulas, tool-strip tiles, alarm cells, tab taps and
+// the small instruments shared by every screen.
+#include <gtest/gtest.h>
+
+#include "TestSupport.h"
+
+namespace satwalk::screens {
+namespace {
+
+using test::MakeContext;
+using K = CanvasCall::Kind;
+
+TEST(ScreenLayout, BaseTextHeightAndContentRect) {
+    EXPECT_EQ(BaseTextHeightForDpi(96), 15);
+    EXPECT_EQ(BaseTextHeightForDpi(192), 30);
+    EXPECT_EQ(BaseTextHeightForDpi(130), 20);  // (1950 + 48) / 96, truncated
+
+    const ScreenContext p = MakeContext(test::kPortraitHi);
+    EXPECT_EQ(p.orientation, Orientation::Portrait);
+    EXPECT_EQ(p.screen, (Rect{0, 0, 480, 511}));
+    const ScreenContext l = MakeContext(test::kLandscapeHi);
+    EXPECT_EQ(l.orientation, Orientation::Landscape);
+    EXPECT_EQ(l.screen, (Rect{52, 0, 592, 480}));
+    EXPECT_EQ(MakeContext(test::kPortraitLo).screen, (Rect{0, 0, 240, 254}));
+    EXPECT_EQ(MakeContext(test::kLandscapeLo).screen, (Rect{28, 0, 296, 240}));
+    // A square screen is portrait.
+    EXPECT_EQ(OrientationOf(Rect{0, 0, 300, 300}), Orientation::Portrait);
+}
+
+TEST(ScreenLayout, DialsFollowTheirFormulas) {
+    // The recording canvas measures "200" at height 20 as 36 × 20.
+    const DialLayout p = MakeContext(test::kPortraitHi).dials;
+    EXPECT_EQ(p.skyRadius, 210);
+    EXPECT_EQ(p.skyX, 240);
+    EXPECT_EQ(p.skyY, 240);
+    EXPECT_EQ(p.speedRadius, 74);
+    EXPECT_EQ(p.speedX, 360);
+    EXPECT_EQ(p.speedY, 359);
+    EXPECT_EQ(p.compassRadius, 184);
+    EXPECT_EQ(p.compassX, 240);
+    EXPECT_EQ(p.compassY, 270);
+
+    const DialLayout l = MakeContext(test::kLandscapeHi).dials;
+    EXPECT_EQ(l.skyRadius, 195);
+    EXPECT_EQ(l.skyX, 322);
+    EXPECT_EQ(l.skyY, 225);
+    EXPECT_EQ(l.compassRadius, 184);  // min(480 + 10 − 120, 540 + 10 − 120) / 2 − 1
+    EXPECT_EQ(l.compassY, 255);
+}
+
+struct TabCase {
+    test::Variant variant;
+    int screen;
+    bool mapLoaded;
+    Rect src;
+    Point dst;
+};
+
+TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
+    const TabCase cases[] = {
+        {test::kPortraitHi, kScreenGpsInfo, false, {5, 55, 79, 129}, {5, 566}},
+        {test::kPortraitHi, kScreenSpeedometer, false, {321, 55, 395, 129}, {321, 566}},
+        {test::kPortraitHi, kScreenMap, true, {163, 55, 237, 129}, {163, 566}},
+        {test::kPortraitHi, kScreenMap, false, {84, 55, 158, 129}, {84, 566}},
+        {test::kLandscapeHi, kScreenSpeedometer, false, {0, 224, 51, 275}, {0, 313}},
+        {test::kLandscapeHi, kScreenCompass, false, {0, 168, 51, 219}, {0, 257}},
+        {test::kPortraitLo, kScreenSkyPlot, false, {201, 27, 239, 65}, {201, 281}},
+        {test::kLandscapeLo, kScreenSkyPlot, false, {0, 140, 27, 167}, {0, 183}},
+    };
+    for (const TabCase& c : cases) {
+        ScreenContext ctx = MakeContext(c.variant);
+        ctx.currentScreen = c.screen;
+        ctx.mapLoaded = c.mapLoaded;
+        RecordingCanvas canvas(ctx.frame);
+        DrawTabHighlight(canvas, ctx);
+        ASSERT_EQ(canvas.Calls().size(), 1u) << c.variant.name << " screen " << c.screen;
+        const CanvasCall& call = canvas.Calls()[0];
+        EXPECT_EQ(call.kind, K::Blit);
+        EXPECT_EQ(call.rect, c.src) << c.variant.name << " screen " << c.screen;
+        EXPECT_EQ(call.to, c.dst) << c.variant.name << " screen " << c.screen;
+        const BitmapId strip = c.variant.width <= c.variant.height ? BitmapId::ToolStripPortrait
+                                                                   : BitmapId::ToolStripLandscape;
+        EXPECT_EQ(call.bitmap, strip);
+    }
+}
+
+TEST(ToolStrip, ScreenOutsideTheRangeLightsNothingAndPaintsWhite) {
+    for (int screen : {-1, 5, 99}) {
+        ScreenContext ctx = MakeContext(test::kPortraitHi);
+        ctx.currentScreen = screen;
+        RecordingCanvas canvas(ctx.frame);
+        PaintCurrentScreen(canvas, ctx, gps::GpsState{});
+        ASSERT_EQ(canvas.Calls().size(), 1u);
+        EXPECT_EQ(canvas.Calls()[0].kind, K::FillRect);
+        EXPECT_EQ(canvas.Calls()[0].colour, kWhite);
+        EXPECT_EQ(canvas.Calls()[0].rect, ctx.frame);
+    }
+}
+
+struct AlarmCase {
+    test::Variant variant;
+    int limit;
+    BitmapId bitmap;
+    Rect src;
+    Point dst;
+};
+
+TEST(ToolStrip, AlarmCellOfTheThreshold) {
+    const AlarmCase cases[] = {
+        {test::kPortraitHi, 80, BitmapId::ToolStripPortrait, {182, 0, 241, 46}, {182, 511}},
+        {test::kPortraitHi, 55, BitmapId::ToolStripPortrait, {5, 0, 64, 46}, {5, 511}},
+        {test::kPortraitLo, 120, BitmapId::ToolStripPortrait, {211, 0, 241, 23}, {211, 254}},
+        {test::kLandscapeHi, 90, BitmapId::AlarmStrip, {0, 168, 42, 210}, {592, 254}},
+        {test::kLandscapeLo, 50, BitmapId::AlarmStrip, {0, 0, 21, 21}, {296, 43}},
+    };
+    for (const AlarmCase& c : cases) {
+        ScreenContext ctx = MakeContext(c.variant);
+        ctx.speedAlarmOn = true;
+        ctx.speedAlarmLimit = c.limit;
+        RecordingCanvas canvas(ctx.frame);
+        DrawAlarmCell(canvas, ctx);
+        ASSERT_EQ(canvas.Calls().size(), 1u);
+        EXPECT_EQ(canvas.Calls()[0].bitmap, c.bitmap) << c.variant.name << " " << c.limit;
+        EXPECT_EQ(canvas.Calls()[0].rect, c.src) << c.variant.name << " " << c.limit;
+        EXPECT_EQ(canvas.Calls()[0].to, c.dst) << c.variant.name << " " << c.limit;
+    }
+    ScreenContext off = MakeContext(test::kPortraitHi);
+    off.speedAlarmOn = false;
+    RecordingCanvas canvas(off.frame);
+    DrawAlarmCell(canvas, off);
+    EXPECT_TRUE(canvas.Calls().empty());
+}
+
+TEST(ToolStrip, FramePlacesStripAndInstruments) {
+    ScreenContext ctx = MakeContext(test::kLandscapeHi);
+    RecordingCanvas canvas(ctx.frame);
+    gps::GpsState g;
+    DrawScreenFrame(canvas, ctx, g);
+    const auto blits = canvas.OfKind(K::TransparentBlit);
+    ASSERT_EQ(blits.size(), 2u);
+    EXPECT_EQ(blits[0].bitmap, BitmapId::ToolStripLandscape);
+    EXPECT_EQ(blits[0].to, (Point{0, 89}));
+    EXPECT_EQ(blits[0].colour, kStripKey);
+    EXPECT_EQ(blits[1].bitmap, BitmapId::AlarmStrip);
+    EXPECT_EQ(blits[1].to, (Point{592, 86}));
+    // Course 0: the arrow's tip is straight above its centre (26, 89 + 201).
+    const auto arrows = canvas.OfKind(K::Polygon);
+    ASSERT_EQ(arrows.size(), 2u);
+    EXPECT_EQ(arrows[0].points[2], (Point{26, 290 - 15}));
+    // Speed readout lines in the landscape box.
+    const CanvasCall* speed = canvas.FindText("0.0");
+    ASSERT_NE(speed, nullptr);
+    EXPECT_EQ(speed->rect, (Rect{5, 89 + 228, 50, 89 + 250}));
+    EXPECT_EQ(speed->font, (Font{18, 700}));
+    ASSERT_NE(canvas.FindText("km/h"), nullptr);
+}
+
+TEST(TabTaps, TapsMapToScreenCommands) {
+    for (const auto& v : test::kAllVariants) {
+        ScreenContext ctx = MakeContext(v);
+        static constexpr int kCommands[6] = {40059, 40029, 40030, 40016, 40015, 40013};
+        for (int tab = 0; tab < 6; ++tab) {
+            const Rect r = TabRect(ctx, tab);
+            const int cx = (r.left + r.right) / 2, cy = (r.top + r.bottom) / 2;
+            ctx.mapLoaded = true;
+            EXPECT_EQ(HitTestTab(ctx, cx, cy), kCommands[tab]) << v.name << " tab " << tab;
+            EXPECT_EQ(HitTestTab(ctx, r.left, r.top), kCommands[tab]);
+            EXPECT_EQ(HitTestTab(ctx, r.right - 1, r.bottom - 1), kCommands[tab]);
+            ctx.mapLoaded = false;
+            EXPECT_EQ(HitTestTab(ctx, cx, cy), tab == 2 ? 0 : kCommands[tab]);
+        }
+        EXPECT_EQ(HitTestTab(ctx, ctx.screen.left + ctx.screen.Width() / 2, ctx.screen.top + 5), 0);
+    }
+}
+
+TEST(CourseArrow, PointsForNorthAndEast) {
+    const ArrowPoints n = CourseArrowPoints(0.0, 22, 100, 100, 15);
+    EXPECT_EQ(n.tail, (Point{100, 122}));
+    EXPECT_EQ(n.tip, (Point{100, 78}));
+    EXPECT_EQ(n.left, (Point{88, 119}));
+    EXPECT_EQ(n.right, (Point{112, 119}));
+    EXPECT_EQ(n.notch, (Point{100, 111}));
+
+    const ArrowPoints e = CourseArrowPoints(90.0, 22, 100, 100, 15);
+    EXPECT_EQ(e.tail, (Point{78, 100}));
+    EXPECT_EQ(e.tip, (Point{122, 100}));
+    EXPECT_EQ(e.left, (Point{81, 88}));
+    EXPECT_EQ(e.right, (Point{81, 112}));
+    EXPECT_EQ(e.notch, (Point{89, 100}));
+
+    // Absurd courses stay finite and near the centre.
+    for (double c : {1e300, -1e300, double(NAN), double(INFINITY)}) {
+        const ArrowPoints a = CourseArrowPoints(c, 22, 100, 100, 15);
+        for (Point p : {a.left, a.notch, a.tip, a.right, a.tail}) {
+            EXPECT_LE(std::abs(p.x - 100), 40);
+            EXPECT_LE(std::abs(p.y - 100), 40);
+        }
+    }
+}
+
+TEST(SnrScale, ColoursByClass) {
+    const std::pair<int, Colour> cases[] = {
+        {0, kWhite},
+        {-3, kWhite},
+        {1, Rgb(255, 0, 0)},
+        {10, Rgb(255, 0, 0)},
+        {11, Rgb(255, 153, 0)},
+        {20, Rgb(255, 153, 0)},
+        {21, Rgb(255, 255, 0)},
+        {30, Rgb(255, 255, 0)},
+        {31, Rgb(102, 204, 0)},
+        {40, Rgb(102, 204, 0)},
+        {41, Rgb(0, 204, 204)},
+        {50, Rgb(0, 204, 204)},
+        {51, Rgb(0, 102, 255)},
+        {99, Rgb(0, 102, 255)},
+        {150, Rgb(0, 102, 255)},
+    };
+    for (const auto& [snr, colour] : cases) EXPECT_EQ(SnrColour(snr), colour) << snr;
+}
+
+TEST(MiniSkyPlot, DotsAlternateTheirOrderAndSkipWhenNoneInView) {
+    ScreenContext ctx = MakeContext(test::kPortraitHi);
+    gps::GpsState g;
+    RecordingCanvas canvas(ctx.frame);
+    DrawMiniSkyPlot(canvas, ctx, g, 30, 438, 602, 7);
+    EXPECT_TRUE(canvas.Calls().empty());
+
+    SET_FIELD(g.satellitesInView, "2");
+    test::SetSatellite(g, 0, "05", "90", "0", "");
+    test::SetSatellite(g, 1, "07", "0", "90", "45");
+    // The toggle flips on every call, with or without satellites.
+    EXPECT_EQ(ctx.miniSkyToggle, 1);
+    ctx.miniSkyToggle = 0;
+    canvas.Clear();
+    DrawMiniSkyPlot(canvas, ctx, g, 30, 438, 602, 7);
+    DrawMiniSkyPlot(canvas, ctx, g, 30, 438, 602, 7);
+    const auto dots = canvas.OfKind(K::Ellipse);
+    ASSERT_EQ(dots.size(), 4u);
+    // Elevation 90 at the centre, drawn as an outlined white circle (SNR 0);
+    // elevation 0 at azimuth 90 on the east edge in the SNR colour.
+    const int r = (dots[0].rect.right - dots[0].rect.left) / 2;
+    EXPECT_EQ(dots[0].rect, (Rect{438 - r, 602 - r, 438 + r, 602 + r}));
+    EXPECT_EQ(dots[0].brush.colour, kWhite);
+    EXPECT_FALSE(dots[0].pen.null);
+    EXPECT_EQ(dots[1].rect, (Rect{468 - r, 602 - r, 468 + r, 602 + r}));
+    EXPECT_EQ(dots[1].brush.colour, Rgb(0, 204, 204));
+    EXPECT_TRUE(dots[1].pen.null);
+    // The next paint visits them backward.
+    EXPECT_EQ(dots[2].rect, dots[1].rect);
+    EXPECT_EQ(dots[3].rect, dots[0].rect);
+}
+
+TEST(StatusIcons, FramesByLinkFixBlinkAndRecording) {
+    ScreenContext ctx = MakeContext(test::kPortraitLo);
+    const auto frameOf = [&](auto draw) {
+        RecordingCanvas canvas(ctx.frame);
+        draw(canvas);
+        if (canvas.Calls().empty())
+            return -1;
+        EXPECT_EQ(canvas.Calls()[0].colour, kMagenta);
+        return canvas.Calls()[0].rect.left / 17;
+    };
+    const auto receiver = [&](RecordingCanvas& c) { DrawReceiverIcon(c, ctx, 0, 0); };
+    const auto recorder = [&](RecordingCanvas& c) { DrawRecordingIcon(c, ctx, 0, 0); };
+    ctx.linkRunning = false;
+    EXPECT_EQ(frameOf(receiver), 1);
+    ctx.linkRunning = true;
+    ctx.fixValid = true;
+    EXPECT_EQ(frameOf(receiver), 0);
+    ctx.fixValid = false;
+    ctx.blinkPhase = true;
+    EXPECT_EQ(frameOf(receiver), 0);
+    ctx.blinkPhase = false;
+    EXPECT_EQ(frameOf(receiver), -1);
+    ctx.recording = true;
+    EXPECT_EQ(frameOf(recorder), 2);
+    ctx.recording = false;
+    EXPECT_EQ(frameOf(recorder), 3);
+}
+
+TEST(Bitmaps, SizesAndFailureMessages) {
+    EXPECT_EQ(BitmapSize(BitmapId::ToolStripPortrait, true), (Size{480, 129}));
+    EXPECT_EQ(BitmapSize(BitmapId::ToolStripPortrait, false), (Size{240, 66}));
+    EXPECT_EQ(BitmapSize(BitmapId::AlarmStrip, false), (Size{21, 169}));
+    EXPECT_EQ(InitializationFailedMessage(BitmapId::StatusIcons),
+              "Initialization failed: 0x08200a15\n\nThe program will now exit.");
+    EXPECT_EQ(BitmapFailureCode(BitmapId::MapOverlay), "0x08200a28");
+    EXPECT_EQ(BitmapFailureCode(BitmapId::ToolStripPortrait), "0x08200a28");
+    EXPECT_EQ(BitmapFailureCode(BitmapId::AlarmStrip), "0x08200a2a");
+}
+
+}  // namespace
+}  // namespace satwalk::screens

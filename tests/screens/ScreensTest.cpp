@@ -1,0 +1,384 @@
+// The four instrument screens through the recording canvas: the formulas
+// that place what they draw, and their texts.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "TestSupport.h"
+
+namespace satwalk::screens {
+namespace {
+
+using test::MakeContext;
+using K = CanvasCall::Kind;
+
+// ---- GPS information -------------------------------------------------------
+
+TEST(SignalBars, HeightsAndColoursBySnr) {
+    ScreenContext ctx = MakeContext(test::kPortraitHi);  // b = 30: pen 7, unit 6
+    gps::GpsState g;
+    const char* snrs[12] = {"", "5", "15", "25", "35", "45", "60", "99", "100", "0", "10", "41"};
+    const int heights[12] = {6, 12, 18, 24, 30, 36, 42, 42, 42, 6, 12, 36};
+    for (int i = 0; i < 12; ++i) test::SetSatellite(g, i, "01", "10", "10", snrs[i]);
+    RecordingCanvas canvas(ctx.frame);
+    DrawSignalBars(canvas, ctx, g, 100, 400);
+    const auto bars = canvas.OfKind(K::Line);
+    ASSERT_EQ(bars.size(), 12u);
+    for (int i = 0; i < 12; ++i) {
+        EXPECT_EQ(bars[i].from, (Point{103 + 10 * i, 400})) << i;
+        EXPECT_EQ(bars[i].to, (Point{103 + 10 * i, 400 - heights[i]})) << i;
+        EXPECT_EQ(bars[i].pen.width, 7);
+        const int snr = gps::TextToInt(snrs[i]);
+        EXPECT_EQ(bars[i].pen.colour, snr == 0 ? kBlack : SnrColour(snr)) << i;
+    }
+
+    ctx.linkRunning = false;
+    canvas.Clear();
+    DrawSignalBars(canvas, ctx, g, 100, 400);
+    for (const auto& bar : canvas.OfKind(K::Line)) {
+        EXPECT_EQ(bar.to.y, 397);
+        EXPECT_EQ(bar.pen.colour, kBlack);
+    }
+}
+
+TEST(GpsInfoScreen, ZeroedFixShowsItsPlaceholders) {
+    ScreenContext ctx = MakeContext(test::kPortraitHi);
+    ctx.linkRunning = false;
+    ctx.fixValid = false;
+    gps::GpsState g;
+    RecordingCanvas canvas(ctx.frame);
+    PaintGpsInfoScreen(canvas, ctx, g);
+    for (const char* text : {"N   00°00.0000'", "E 000°00.0000'", "海拔 0.00 m   速度 0.00 km/h",
+                             "- - / - - / - -    - - : - - : - -", "hdop: 0.00", "vdop: 0.00",
+                             "pdop: 0.00", "GPS Fix N/A", "方位角 0.00°", "卫星数 0/0"}) {
+        EXPECT_NE(canvas.FindText(text), nullptr) << text;
+    }
+    // No position dot without a valid fix: the only red would be the dot.
+    for (const auto& e : canvas.OfKind(K::Ellipse)) EXPECT_NE(e.brush.colour, Rgb(255, 0, 0));
+    // Position block at (m + g, g) in the bold font of height (8b)/7.
+    const CanvasCall* lat = canvas.FindText("N   00°00.0000'");
+    EXPECT_EQ(lat->rect.left, 16);
+    EXPECT_EQ(lat->rect.top, 6);
+    EXPECT_EQ(lat->font, (Font{34, 700}));
+}
+
+TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
+    struct Case {
+        double lat, lon;
+        int x, y;  // offset inside the 182 × 104 thumbnail
+    };
+    const Case cases[] = {
+        {0, 0, 91, 52}, {85, 180, 182, 0}, {-85, -180, 0, 104}, {40, 90, 136, 26}};
+    for (const Case& c : cases) {
+        ScreenContext ctx = MakeContext(test::kPortraitHi);
+        ctx.latitude = c.lat;
+        ctx.longitude = c.lon;
+        RecordingCanvas canvas(ctx.frame);
+        PaintGpsInfoScreen(canvas, ctx, gps::GpsState{});
+        const auto thumb = canvas.OfKind(K::StretchBlit);
+        ASSERT_EQ(thumb.size(), 1u);
+        EXPECT_EQ(thumb[0].dst.Width(), 182);
+        EXPECT_EQ(thumb[0].dst.Height(), 104);
+        const CanvasCall* dot = nullptr;
+        for (const auto& e : canvas.Calls())
+            if (e.kind == K::Ellipse && e.brush.colour == Rgb(255, 0, 0))
+                dot = &e;
+        ASSERT_NE(dot, nullptr);
+        EXPECT_EQ(dot->rect, (Rect{thumb[0].dst.left + c.x - 6, thumb[0].dst.top + c.y - 6,
+                                   thumb[0].dst.left + c.x + 6, thumb[0].dst.top + c.y + 6}))
+            << c.lat << "," << c.lon;
+    }
+}
+
+// ---- sky plot --------------------------------------------------------------
+
+TEST(SkyPlotScreen, DiscsSitAtElevationAndAzimuth) {
+    ScreenContext ctx = MakeContext(test::kPortraitHi);
+    const DialLayout d = ctx.dials;  // R 210 at (240, 240)
+    gps::GpsState g;
+    SET_FIELD(g.satellitesInView, "5");
+    test::SetSatellite(g, 0, "01", "90", "0", "35");
+    test::SetSatellite(g, 1, "02", "0", "90", "0");
+    test::SetSatellite(g, 2, "03", "0", "180", "12");
+    test::SetSatellite(g, 3, "04", "60", "270", "");
+    test::SetSatellite(g, 4, "05", "-30", "45", "99");
+    RecordingCanvas canvas(ctx.frame);
+    PaintSkyPlotScreen(canvas, ctx, g);
+
+    // Disc radius from "09" in the font of height 22: 26 × 22 → 17.
+    struct Expect {
+        const char* prn;
+        int x, y;
+        Colour fill, text;
+    };
+    const int r60 = static_cast<int>(210 * std::cos(60 * M_PI / 180));
+    const int s45 = static_cast<int>(std::sin(45 * M_PI / 180) * 210 * std::cos(-30 * M_PI / 180));
+    const int c45 = static_cast<int>(std::cos(45 * M_PI / 180) * 210 * std::cos(-30 * M_PI / 180));
+    const Expect expects[] = {
+        {"01", d.skyX, d.skyY, Rgb(102, 204, 0), kWhite},
+        {"02", d.skyX + 210, d.skyY, kWhite, kBlack},
+        {"03", d.skyX, d.skyY + 210, Rgb(255, 153, 0), kWhite},
+        {"04", d.skyX - r60, d.skyY, kWhite, kBlack},
+        {"05", d.skyX + s45, d.skyY - c45, Rgb(0, 102, 255), kWhite},
+    };
+    for (const Expect& e : expects) {
+        const CanvasCall* label = canvas.FindText(e.prn);
+        ASSERT_NE(label, nullptr) << e.prn;
+        EXPECT_EQ(label->rect, (Rect{e.x - 14, e.y - 12, e.x + 14, e.y + 12})) << e.prn;
+        EXPECT_EQ(label->colour, e.text) << e.prn;
+        bool found = false;
+        for (const auto& c : canvas.OfKind(K::Ellipse)) {
+            if (c.rect == Rect{e.x - 17, e.y - 17, e.x + 17, e.y + 17}) {
+                found = true;
+                EXPECT_EQ(c.brush.colour, e.fill) << e.prn;
+                EXPECT_EQ(c.pen.null, !(e.fill == kWhite)) << e.prn;
+            }
+        }
+        EXPECT_TRUE(found) << e.prn;
+    }
+    ASSERT_NE(canvas.FindText("卫星数 0/5"), nullptr);
+}
+
+TEST(SkyPlotScreen, RingsLettersAndAlternatingOrder) {
+    ScreenContext ctx = MakeContext(test::kPortraitHi);
+    gps::GpsState g;
+    SET_FIELD(g.satellitesInView, "2");
+    test::SetSatellite(g, 0, "01", "45", "10", "20");
+    test::SetSatellite(g, 1, "02", "45", "12", "40");
+    RecordingCanvas canvas(ctx.frame);
+    PaintSkyPlotScreen(canvas, ctx, g);
+    const auto ellipses = canvas.OfKind(K::Ellipse);
+    // Horizon, 30- and 60-degree rings: R, trunc(R cos 30° − 3), trunc(R cos 60° − 6).
+    EXPECT_EQ(ellipses[0].rect, (Rect{30, 30, 450, 450}));
+    EXPECT_EQ(ellipses[1].rect.Width(), 2 * 178);
+    EXPECT_EQ(ellipses[1].brush.colour, Rgb(244, 244, 244));
+    EXPECT_EQ(ellipses[2].rect.Width(), 2 * 99);
+    EXPECT_EQ(ellipses[2].brush.colour, Rgb(227, 227, 227));
+    // "N" ends one pixel above the horizon, "S" starts one below.
+    EXPECT_EQ(canvas.FindText("N")->rect.bottom, 29);
+    EXPECT_EQ(canvas.FindText("S")->rect.top, 451);
+
+    const auto order = [&]() {
+        std::string s;
+        for (const auto& c : canvas.OfKind(K::Text))
+            if (c.text == "01" || c.text == "02")
+                s += c.text;
+        return s;
+    };
+    EXPECT_EQ(order(), "0102");
+    canvas.Clear();
+    PaintSkyPlotScreen(canvas, ctx, g);
+    EXPECT_EQ(order(), "0201");
+}
+
+// ---- compass ---------------------------------------------------------------
+
+struct LetterCase {
+    const char* course;
+    int orientation;
+    int dx, dy;  // sign of the "N" letter's offset from the centre
+};
+
+TEST(CompassScreen, LettersTurnWithTheCourseInCourseUpOnly) {
+    const LetterCase cases[] = {
+        {"0", 0, 0, -1}, {"90", 0, -1, 0}, {"0", 1, 0, -1}, {"90", 1, 0, -1}, {"180", 0, 0, 1},
+    };
+    for (const LetterCase& c : cases) {
+        ScreenContext ctx = MakeContext(test::kPortraitHi);
+        ctx.compassOrientation = c.orientation;
+        gps::GpsState g;
+        SET_FIELD(g.course, c.course);
+        RecordingCanvas canvas(ctx.frame);
+        PaintCompassScreen(canvas, ctx, g);
+        const CanvasCall* n = canvas.FindText("N");
+        ASSERT_NE(n, nullptr);
+        const int x = (n->rect.left + n->rect.right) / 2 - ctx.dials.compassX;
+        const int y = (n->rect.top + n->rect.bottom) / 2 - ctx.dials.compassY;
+        const auto sign = [](int v) { return v > 5 ? 1 : v < -5 ? -1 : 0; };
+        EXPECT_EQ(sign(x), c.dx) << c.course << " mode " << c.orientation;
+        EXPECT_EQ(sign(y), c.dy) << c.course << " mode " << c.orientation;
+        // Just outside the outer circle.
+        const double dist = std::hypot(x, y);
+        EXPECT_GT(dist, ctx.dials.compassRadius);
+        EXPECT_LT(dist, ctx.dials.compassRadius + 30);
+        EXPECT_EQ(n->colour, Rgb(255, 0, 0));
+        EXPECT_EQ(n->font, (Font{29, 700}));
+    }
+}
+
+TEST(CompassScreen, NoTickIsEverRed) {
+    for (const char* course : {"0", "359.9", "-99999", "999999", "1e300"}) {
+        for (int mode : {0, 1}) {
+            ScreenContext ctx = MakeContext(test::kPortraitHi);
+            ctx.compassOrientation = mode;
+            gps::GpsState g;
+            SET_FIELD(g.course, course);
+            RecordingCanvas canvas(ctx.frame);
+            PaintCompassScreen(canvas, ctx, g);
+            int red = 0;
+            for (const auto& l : canvas.OfKind(K::Line))
+                if (test::IsRed(l.pen) && l.pen.width < 3)
+                    ++red;
+            EXPECT_EQ(red, 0) << course << " mode " << mode;
+        }
+    }
+}
+
+TEST(CompassScreen, TextsInTheUnits) {
+    ScreenContext ctx = MakeContext(test::kPortraitHi);
+    ctx.unitSystem = kNautical;
+    gps::GpsState g;
+    SET_FIELD(g.speedKnots, "12.5");
+    SET_FIELD(g.altitude, "100");
+    SET_FIELD(g.course, "45.5");
+    RecordingCanvas canvas(ctx.frame);
+    PaintCompassScreen(canvas, ctx, g);
+    EXPECT_NE(canvas.FindText("速度 12.50 kts"), nullptr);
+    EXPECT_NE(canvas.FindText("海拔 328.00 ft"), nullptr);
+    const CanvasCall* course = canvas.FindText("方位角 45.50°");
+    ASSERT_NE(course, nullptr);
+    EXPECT_EQ(course->rect.left, 10);
+    EXPECT_EQ(course->rect.top, 36);
+}
+
+// ---- speedometer -------------------------------------------------------------
+
+TEST(Speedometer, NeedleAtZeroHalfAndFullScale) {
+    const int R = 101, cx = 200, cy = 200, L = 100;
+    Point p[3];
+    // Lower left at 0, lower right at full scale (±1 for the rounding of π).
+    SpeedNeedlePoints(0, 200, R, cx, cy, p);
+    EXPECT_NEAR(p[0].x, cx - 86, 1);
+    EXPECT_NEAR(p[0].y, cy + 50, 1);
+    SpeedNeedlePoints(100, 200, R, cx, cy, p);
+    EXPECT_EQ(p[0], (Point{cx, cy - L}));
+    EXPECT_EQ(p[1], (Point{cx - 10, cy}));
+    EXPECT_EQ(p[2], (Point{cx + 10, cy}));
+    SpeedNeedlePoints(160, 160, R, cx, cy, p);
+    EXPECT_NEAR(p[0].x, cx + 86, 1);
+    EXPECT_NEAR(p[0].y, cy + 50, 1);
+    // Past full scale the needle keeps turning; absurd speeds stay on the dial.
+    for (double s : {1e300, -1e300, double(NAN)}) {
+        SpeedNeedlePoints(s, 200, R, cx, cy, p);
+        EXPECT_LE(std::hypot(p[0].x - cx, p[0].y - cy), L + 1.5);
+    }
+}
+
+struct RedCase {
+    int units;
+    bool on;
+    int limit;
+    int redLines;
+};
+
+TEST(Speedometer, RedTicksFromTheThreshold) {
+    const RedCase cases[] = {
+        {kMetric, true, 100, 14},                               // 360° and up: 11 minors, 3 majors
+        {kMetric, false, 100, 0},  {kImperial, true, 100, 10},  // 390° and up: 8 minors, 2 majors
+        {kNautical, true, 120, 8},                              // 420° and up: 6 minors, 2 majors
+        {kMetric, true, 50, 20},                                // 300° and up: 16 minors, 4 majors
+    };
+    for (const RedCase& c : cases) {
+        ScreenContext ctx = MakeContext(test::kPortraitHi);
+        ctx.unitSystem = c.units;
+        ctx.speedAlarmOn = c.on;
+        ctx.speedAlarmLimit = c.limit;
+        RecordingCanvas canvas(ctx.frame);
+        PaintSpeedometerScreen(canvas, ctx, gps::GpsState{});
+        double lowest = 1e9;
+        int red = 0;
+        for (const auto& l : canvas.OfKind(K::Line)) {
+            if (!test::IsRed(l.pen))
+                continue;
+            ++red;
+            double a = test::LineAngle(l.from, l.to);
+            if (a < 120.5)
+                a += 360.0;  // the scale runs 240 .. 480
+            lowest = std::min(lowest, a);
+        }
+        const double start = SpeedRedZoneStart(ctx);
+        int expected = 0;
+        for (int k = 0; k <= 20; ++k) expected += (240 + 12 * k) >= start;
+        for (int k = 0; k <= 4; ++k) expected += (240 + 60 * k) >= start;
+        EXPECT_EQ(red, expected) << c.units << " " << c.limit;
+        if (c.on) {
+            EXPECT_EQ(red, c.redLines) << c.units << " " << c.limit;
+            EXPECT_GE(lowest, start - 0.6);
+        }
+    }
+}
+
+TEST(Speedometer, LabelsUnitsAndAlarmText) {
+    struct Case {
+        int units;
+        bool on;
+        const char* last;
+        const char* unit;
+        const char* alarm;
+    };
+    const Case cases[] = {{kMetric, true, "200", "km/h", " 80 km/h "},
+                          {kImperial, true, "160", "MPH", " 80 MPH "},
+                          {kNautical, false, "160", "kts", " 关闭 "}};
+    for (const Case& c : cases) {
+        ScreenContext ctx = MakeContext(test::kPortraitHi);
+        ctx.unitSystem = c.units;
+        ctx.speedAlarmOn = c.on;
+        ctx.speedAlarmLimit = 80;
+        RecordingCanvas canvas(ctx.frame);
+        PaintSpeedometerScreen(canvas, ctx, gps::GpsState{});
+        EXPECT_NE(canvas.FindText(c.last), nullptr) << c.unit;
+        EXPECT_NE(canvas.FindText(c.unit), nullptr) << c.unit;
+        EXPECT_NE(canvas.FindText(c.alarm), nullptr) << c.unit;
+        EXPECT_NE(canvas.FindText("0.00"), nullptr);
+        // The "0" label sits at the lower left of the dial, the last at the lower right.
+        const CanvasCall* zero = canvas.FindText("0");
+        const CanvasCall* last = canvas.FindText(c.last);
+        EXPECT_LT(zero->rect.right, ctx.dials.speedX);
+        EXPECT_GT(zero->rect.top, ctx.dials.speedY);
+        EXPECT_GT(last->rect.left, ctx.dials.speedX);
+        EXPECT_GT(last->rect.top, ctx.dials.speedY);
+    }
+}
+
+// ---- text formats ------------------------------------------------------------
+
+TEST(TextFormats, LatitudeAndLongitude) {
+    const std::pair<double, const char*> lats[] = {{30.517067, "N   30°31.0240'"},
+                                                   {0.0, "N   00°00.0000'"},
+                                                   {-0.5, "S   00°30.0000'"},
+                                                   {-89.999, "S   89°59.9400'"},
+                                                   {NAN, "N   00°00.0000'"}};
+    for (const auto& [v, s] : lats) EXPECT_EQ(FormatLatitude(v), s) << v;
+    const std::pair<double, const char*> lons[] = {{114.35, "E 114°21.0000'"},
+                                                   {0.0, "E 000°00.0000'"},
+                                                   {-180.0, "W 180°00.0000'"},
+                                                   {-7.25, "W 007°15.0000'"}};
+    for (const auto& [v, s] : lons) EXPECT_EQ(FormatLongitude(v), s) << v;
+}
+
+TEST(TextFormats, UnitLinesFixModeAndConversions) {
+    EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kMetric), "海拔 12.50 m   速度 3.00 km/h");
+    EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kImperial), "海拔 12.50 ft  速度 3.00 MPH");
+    EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kNautical), "海拔 12.50 ft  速度 3.00 kts");
+    const std::pair<char, const char*> modes[] = {{'3', "3D GPS Fix"},
+                                                  {'2', "2D GPS Fix"},
+                                                  {'1', "GPS Fix N/A"},
+                                                  {0, "GPS Fix N/A"},
+                                                  {'x', "GPS Fix N/A"}};
+    for (const auto& [c, s] : modes) EXPECT_EQ(FormatFixMode(c), s);
+    EXPECT_EQ(FormatCourse(271.456), "方位角 271.46°");
+    EXPECT_EQ(FormatSatellites(7, 11), "卫星数 7/11");
+
+    gps::GpsState g;
+    SET_FIELD(g.speedKnots, "10");
+    SET_FIELD(g.altitude, "100");
+    EXPECT_DOUBLE_EQ(SpeedInDisplayUnit(g, kMetric), 18.5);
+    EXPECT_DOUBLE_EQ(SpeedInDisplayUnit(g, kImperial), 11.52);
+    EXPECT_DOUBLE_EQ(SpeedInDisplayUnit(g, kNautical), 10.0);
+    EXPECT_DOUBLE_EQ(AltitudeInDisplayUnit(g, kMetric), 100.0);
+    EXPECT_DOUBLE_EQ(AltitudeInDisplayUnit(g, kImperial), 328.0);
+    EXPECT_DOUBLE_EQ(AltitudeInDisplayUnit(g, kNautical), 328.0);
+}
+
+}  // namespace
+}  // namespace satwalk::screens

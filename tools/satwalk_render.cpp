@@ -1,0 +1,151 @@
+// satwalk-render: decodes an NMEA log and writes a PNG of every instrument
+// screen in portrait and landscape, in both pixel sets, for looking at the
+// screens and for screenshots. Runs with QT_QPA_PLATFORM=offscreen.
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "BatchSplitter.h"
+#include "NmeaDecoder.h"
+#include "QtCanvas.h"
+#include "Screens.h"
+
+using namespace satwalk;
+using namespace satwalk::screens;
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: satwalk-render [options] NMEA_FILE\n"
+    "  --batch N       stop after batch N (2047-byte batches of whole lines; default all)\n"
+    "  --out DIR       output folder (default .)\n"
+    "  --units U       0 metric, 1 imperial, 2 nautical\n"
+    "  --alarm N       speed alarm on at N (50..120)\n"
+    "  --north-up      compass north-up\n"
+    "  --link-down     paint as if the receiver link were stopped\n"
+    "  --recording     NMEA recording on\n"
+    "  --screens LIST  comma-separated screen numbers (default 0,1,2,3)\n";
+
+class Sync final : public gps::TimeSyncSink {
+  public:
+    void OnGpsTime() override { synced = true; }
+    bool synced = false;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QGuiApplication app(argc, argv);
+    long lastBatch = -1;
+    QString outDir = ".";
+    int units = 0, alarm = 0;
+    bool northUp = false, linkDown = false, recording = false;
+    std::string screensArg = "0,1,2,3";
+    const char* path = nullptr;
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
+        const bool hasValue = i + 1 < argc;
+        if (a == "--batch" && hasValue)
+            lastBatch = std::atol(argv[++i]);
+        else if (a == "--out" && hasValue)
+            outDir = QString::fromLocal8Bit(argv[++i]);
+        else if (a == "--units" && hasValue)
+            units = std::atoi(argv[++i]);
+        else if (a == "--alarm" && hasValue)
+            alarm = std::atoi(argv[++i]);
+        else if (a == "--screens" && hasValue)
+            screensArg = argv[++i];
+        else if (a == "--north-up")
+            northUp = true;
+        else if (a == "--link-down")
+            linkDown = true;
+        else if (a == "--recording")
+            recording = true;
+        else if (a == "-h" || a == "--help") {
+            std::fputs(kUsage, stdout);
+            return 0;
+        } else if (!a.empty() && a[0] != '-')
+            path = argv[i];
+        else {
+            std::fputs(kUsage, stderr);
+            return 2;
+        }
+    }
+    if (!path) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+
+    FILE* in = std::fopen(path, "rb");
+    if (!in) {
+        std::fprintf(stderr, "satwalk-render: cannot open %s\n", path);
+        return 1;
+    }
+    gps::GpsState gps;
+    gps::GsvAssembly assembly;
+    Sync sync;
+    tools::BatchSplitter splitter(
+        [in](char* buf, std::size_t n) { return static_cast<long>(std::fread(buf, 1, n, in)); },
+        2047, false);
+    std::string_view batch;
+    long count = 0;
+    while ((lastBatch < 0 || count < lastBatch) && splitter.Next(batch)) {
+        gps::ParseNmeaBuffer(gps, assembly, batch, &sync);
+        ++count;
+    }
+    std::fclose(in);
+
+    QDir().mkpath(outDir);
+    struct Variant {
+        const char* name;
+        int w, h, dpi;
+    };
+    const Variant variants[] = {{"portrait-hi", 480, 640, 192},
+                                {"landscape-hi", 640, 480, 192},
+                                {"portrait-lo", 240, 320, 96},
+                                {"landscape-lo", 320, 240, 96}};
+    static const char* kScreenNames[] = {"gpsinfo", "skyplot", "compass", "speedometer", "map"};
+    for (const Variant& v : variants) {
+        ScreenBitmaps bitmaps;
+        BitmapId failed{};
+        if (!bitmaps.Load(v.dpi != 96, QStringLiteral(SATWALK_BITMAP_DIR), &failed)) {
+            std::fprintf(stderr, "%s\n", InitializationFailedMessage(failed).c_str());
+            return 1;
+        }
+        ScreenContext ctx;
+        PrepareScreenContext(ctx, v.w, v.h, v.dpi, bitmaps);
+        ctx.unitSystem = units;
+        ctx.speedAlarmOn = alarm != 0;
+        ctx.speedAlarmLimit = alarm != 0 ? alarm : 50;
+        ctx.compassOrientation = northUp ? 1 : 0;
+        ctx.linkRunning = !linkDown;
+        ctx.fixValid = ctx.linkRunning && gps.status == 'A';
+        ctx.blinkPhase = true;
+        ctx.recording = recording;
+        ctx.fixTimeKnown = sync.synced;
+        gps::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest, &ctx.latitude,
+                           &ctx.longitude);
+        QImage image;
+        for (const char* p = screensArg.c_str(); *p;) {
+            const int screen = std::atoi(p);
+            ctx.currentScreen = screen;
+            RenderCurrentScreen(image, ctx, gps, bitmaps);
+            const char* name = screen >= 0 && screen <= 4 ? kScreenNames[screen] : "blank";
+            const QString file =
+                QStringLiteral("%1/%2-%3.png")
+                    .arg(outDir, QString::fromLatin1(name), QString::fromLatin1(v.name));
+            if (!image.save(file)) {
+                std::fprintf(stderr, "satwalk-render: cannot write %s\n", qPrintable(file));
+                return 1;
+            }
+            while (*p && *p != ',') ++p;
+            if (*p == ',')
+                ++p;
+        }
+    }
+    return 0;
+}
