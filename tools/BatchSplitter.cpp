@@ -16,7 +16,8 @@ BatchSplitter::BatchSplitter(ReadFn read, std::size_t batchSize, bool cut)
       buffer_(std::max(kMinBuffer, 4 * batchSize_)) {}
 
 bool BatchSplitter::Fill() {
-    if (eof_) return false;
+    if (eof_)
+        return false;
     if (start_ > 0) {
         std::memmove(buffer_.data(), buffer_.data() + start_, end_ - start_);
         cursor_ -= start_;
@@ -52,8 +53,10 @@ bool BatchSplitter::Next(std::string_view& batch) {
     if (cut_) {
         while (end_ - start_ < batchSize_ && Fill()) {
         }
-        if (failed_) return false;
-        if (end_ == start_) return false;
+        if (failed_)
+            return false;
+        if (end_ == start_)
+            return false;
         return emit(start_, start_ + std::min(batchSize_, end_ - start_));
     }
 
@@ -67,15 +70,18 @@ bool BatchSplitter::Next(std::string_view& batch) {
         }
         if (end_ < start_ + batchSize_ && !eof_) {
             Fill();  // the open line may still fit: read on
-            if (failed_) return false;
+            if (failed_)
+                return false;
             continue;
         }
         if (eof_ && end_ - start_ <= batchSize_) {
-            if (end_ == start_) return false;  // all done
-            return emit(start_, end_);         // the rest, last line unterminated
+            if (end_ == start_)
+                return false;           // all done
+            return emit(start_, end_);  // the rest, last line unterminated
         }
         // The open line cannot fit beside the lines taken.
-        if (cursor_ > start_) return emit(start_, cursor_);
+        if (cursor_ > start_)
+            return emit(start_, cursor_);
         return emit(start_, start_ + batchSize_);  // a line longer than a batch is cut
     }
 }

@@ -11,7 +11,7 @@
 namespace satwalk::tools {
 
 class BatchSplitter {
-public:
+  public:
     // Reads up to `size` bytes into `buffer`; returns the count, 0 at the
     // end, or a negative value on a read error.
     using ReadFn = std::function<long(char* buffer, std::size_t size)>;
@@ -23,7 +23,7 @@ public:
     bool Next(std::string_view& batch);
     bool failed() const { return failed_; }
 
-private:
+  private:
     bool Fill();  // reads more behind end_, moving the pending bytes to the front
 
     ReadFn read_;

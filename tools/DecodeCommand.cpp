@@ -28,7 +28,7 @@ constexpr const char* kUsage =
     "  --sync-every K  request a time sync before every K-th batch\n";
 
 class SyncFlag final : public gps::TimeSyncSink {
-public:
+  public:
     void OnGpsTime() override { fired = true; }
     bool fired = false;
 };
@@ -44,7 +44,8 @@ bool WriteAll(int fd, const std::string& data) {
     while (left > 0) {
         const ssize_t n = ::write(fd, p, left);
         if (n < 0) {
-            if (errno == EINTR) continue;
+            if (errno == EINTR)
+                continue;
             return false;
         }
         p += n;
@@ -65,8 +66,8 @@ int RunDecode(int argc, char** argv) {
         if (arg == "--batch" || arg == "--sync-every") {
             unsigned long& target = arg == "--batch" ? batchSize : syncEvery;
             if (i + 1 >= argc || !ParseCount(argv[i + 1], target)) {
-                std::fprintf(stderr, "satwalk-tool decode: %s needs a positive number\n%s",
-                             argv[i], kUsage);
+                std::fprintf(stderr, "satwalk-tool decode: %s needs a positive number\n%s", argv[i],
+                             kUsage);
                 return 2;
             }
             ++i;
@@ -107,8 +108,10 @@ int RunDecode(int argc, char** argv) {
         [fd, &readError](char* buf, std::size_t size) -> long {
             for (;;) {
                 const ssize_t n = ::read(fd, buf, size);
-                if (n < 0 && errno == EINTR) continue;
-                if (n < 0) readError = errno;
+                if (n < 0 && errno == EINTR)
+                    continue;
+                if (n < 0)
+                    readError = errno;
                 return static_cast<long>(n);
             }
         },
@@ -124,7 +127,8 @@ int RunDecode(int argc, char** argv) {
     unsigned long number = 0;
     while (splitter.Next(batch)) {
         ++number;
-        if (syncEvery > 0 && number % syncEvery == 0) state.timeSyncPending = 1;
+        if (syncEvery > 0 && number % syncEvery == 0)
+            state.timeSyncPending = 1;
         sync.fired = false;
         gps::ParseNmeaBuffer(state, assembly, batch, &sync);
         timeKnown = timeKnown || sync.fired;
@@ -137,12 +141,15 @@ int RunDecode(int argc, char** argv) {
         gps::AppendGpsJsonMembers(out, state, timeKnown);
         out += "}\n";
         if (out.size() > (1u << 20) - 8192) {
-            if (!WriteAll(STDOUT_FILENO, out)) return 1;
+            if (!WriteAll(STDOUT_FILENO, out))
+                return 1;
             out.clear();
         }
     }
-    if (!WriteAll(STDOUT_FILENO, out)) return 1;
-    if (path != nullptr) ::close(fd);
+    if (!WriteAll(STDOUT_FILENO, out))
+        return 1;
+    if (path != nullptr)
+        ::close(fd);
     if (splitter.failed()) {
         std::fprintf(stderr, "satwalk-tool decode: cannot read %s: %s\n", name,
                      std::strerror(readError));

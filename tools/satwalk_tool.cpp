@@ -34,7 +34,8 @@ int main(int argc, char** argv) {
         return 0;
     }
     for (const Command& c : kCommands) {
-        if (c.name == name) return c.run(argc - 2, argv + 2);
+        if (c.name == name)
+            return c.run(argc - 2, argv + 2);
     }
     std::fprintf(stderr, "satwalk-tool: unknown command '%s'\n%s", argv[1], kUsage);
     return 2;

@@ -29,13 +29,16 @@ std::size_t Utf8SequenceLength(const unsigned char* p, const unsigned char* end)
     } else {
         return 0;
     }
-    if (static_cast<std::size_t>(end - p) < n) return 0;
+    if (static_cast<std::size_t>(end - p) < n)
+        return 0;
     unsigned cp = c & (0x7F >> n);
     for (std::size_t i = 1; i < n; ++i) {
-        if ((p[i] & 0xC0) != 0x80) return 0;
+        if ((p[i] & 0xC0) != 0x80)
+            return 0;
         cp = (cp << 6) | (p[i] & 0x3F);
     }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
+    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
+        return 0;
     return n;
 }
 
@@ -50,7 +53,9 @@ std::string_view Text(const char (&field)[N]) {
     return {field, strnlen(field, N)};
 }
 
-std::string_view Char(const char& c) { return {&c, c ? 1u : 0u}; }
+std::string_view Char(const char& c) {
+    return {&c, c ? 1u : 0u};
+}
 
 void Member(std::string& out, const char* name, std::string_view value) {
     out += '"';
@@ -68,8 +73,9 @@ void AppendJsonString(std::string& out, std::string_view text) {
     const auto* end = p + text.size();
     while (p < end) {
         const unsigned char c = *p;
-        if (c >= 0x20 && c < 0x80) {
-            if (c == '"' || c == '\\') out += '\\';
+        if (c >= 0x20 && c < 0x7F) {
+            if (c == '"' || c == '\\')
+                out += '\\';
             out += static_cast<char>(c);
             ++p;
         } else if (c < 0x20 || c == 0x7F) {

@@ -37,10 +37,20 @@ GpsState::GpsState() {
     timeSyncPending = 1;
 }
 
-void GpsState::ClearRmcBlock() { ClearRange(this, kRmcBegin, kRmcEnd); }
-void GpsState::ClearGgaBlock() { ClearRange(this, kGgaBegin, kGgaEnd); }
-void GpsState::ClearGsaBlock() { ClearRange(this, kGsaBegin, kGsaEnd); }
-void GpsState::ClearGsvBlock() { ClearRange(this, kGsvBegin, kGsvEnd); }
-void GpsState::ClearAllBlocks() { ClearRange(this, kRmcBegin, kGsvEnd); }
+void GpsState::ClearRmcBlock() {
+    ClearRange(this, kRmcBegin, kRmcEnd);
+}
+void GpsState::ClearGgaBlock() {
+    ClearRange(this, kGgaBegin, kGgaEnd);
+}
+void GpsState::ClearGsaBlock() {
+    ClearRange(this, kGsaBegin, kGsaEnd);
+}
+void GpsState::ClearGsvBlock() {
+    ClearRange(this, kGsvBegin, kGsvEnd);
+}
+void GpsState::ClearAllBlocks() {
+    ClearRange(this, kRmcBegin, kGsvEnd);
+}
 
 }  // namespace satwalk::gps

@@ -56,8 +56,8 @@ struct GpsState {
     char satellitesInView[3];
     SatelliteRecord satellites[kSatelliteRows];
 
-    FileTime fixTimeLocal;           // local time of the last sync, advanced by the clock
-    std::uint32_t timeSyncPending;   // next good RMC recomputes fixTimeLocal
+    FileTime fixTimeLocal;          // local time of the last sync, advanced by the clock
+    std::uint32_t timeSyncPending;  // next good RMC recomputes fixTimeLocal
 
     // A new record: every text empty, no fix time, a time sync requested.
     GpsState();

@@ -1,10 +1,10 @@
 #include "NmeaDecoder.h"
 
+#include <locale.h>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <locale.h>
 
 namespace satwalk::gps {
 
@@ -22,20 +22,29 @@ constexpr unsigned kSeedGga = 122;
 
 Sentence MatchHeader(const char* h) {
     // Compared exactly, case-sensitive, in this order.
-    if (std::memcmp(h, "GPRMC,", 6) == 0) return Sentence::kRmc;
-    if (std::memcmp(h, "GPGSV,", 6) == 0) return Sentence::kGsv;
-    if (std::memcmp(h, "GPGSA,", 6) == 0) return Sentence::kGsa;
-    if (std::memcmp(h, "GPGGA,", 6) == 0) return Sentence::kGga;
+    if (std::memcmp(h, "GPRMC,", 6) == 0)
+        return Sentence::kRmc;
+    if (std::memcmp(h, "GPGSV,", 6) == 0)
+        return Sentence::kGsv;
+    if (std::memcmp(h, "GPGSA,", 6) == 0)
+        return Sentence::kGsa;
+    if (std::memcmp(h, "GPGGA,", 6) == 0)
+        return Sentence::kGga;
     return Sentence::kNone;
 }
 
 unsigned SeedOf(Sentence s) {
     switch (s) {
-        case Sentence::kRmc: return kSeedRmc;
-        case Sentence::kGsv: return kSeedGsv;
-        case Sentence::kGsa: return kSeedGsa;
-        case Sentence::kGga: return kSeedGga;
-        case Sentence::kNone: break;
+        case Sentence::kRmc:
+            return kSeedRmc;
+        case Sentence::kGsv:
+            return kSeedGsv;
+        case Sentence::kGsa:
+            return kSeedGsa;
+        case Sentence::kGga:
+            return kSeedGga;
+        case Sentence::kNone:
+            break;
     }
     return 0;
 }
@@ -54,7 +63,8 @@ const char* ChecksumScan(const char* p, const char* end, unsigned& sum) {
         const std::uint64_t a = w ^ kStars;
         const std::uint64_t b = w ^ kDollars;
         // Non-zero exactly when some byte of a or b is zero.
-        if ((((a - kOnes) & ~a) | ((b - kOnes) & ~b)) & kHighs) break;
+        if ((((a - kOnes) & ~a) | ((b - kOnes) & ~b)) & kHighs)
+            break;
         folded ^= w;
         p += 8;
     }
@@ -72,12 +82,13 @@ const char* ChecksumScan(const char* p, const char* end, unsigned& sum) {
 // Walks comma-separated fields of one sentence body, [p, end), where end is
 // the '*'. A field that reaches the '*' is the last.
 class FieldWalker {
-public:
+  public:
     FieldWalker(const char* p, const char* end) : p_(p), end_(end) {}
 
     // The next field as [begin, stop); false when the sentence has ended.
     bool Next(const char*& begin, const char*& stop) {
-        if (done_) return false;
+        if (done_)
+            return false;
         begin = p_;
         const void* comma = std::memchr(p_, ',', static_cast<std::size_t>(end_ - p_));
         if (comma) {
@@ -94,11 +105,12 @@ public:
     // The character a C walk would see at the start of the field: the first
     // text character, or the terminator of an empty field.
     char FirstChar(const char* begin, const char* stop) const {
-        if (begin < stop) return *begin;
+        if (begin < stop)
+            return *begin;
         return stop < end_ ? ',' : '*';
     }
 
-private:
+  private:
     const char* p_;
     const char* end_;
     bool done_ = false;
@@ -109,7 +121,8 @@ private:
 template <std::size_t N>
 void CopyField(char (&dst)[N], const char* begin, const char* stop) {
     std::size_t n = static_cast<std::size_t>(stop - begin);
-    if (n > N - 1) n = N - 1;
+    if (n > N - 1)
+        n = N - 1;
     std::memcpy(dst, begin, n);
     std::memset(dst + n, 0, N - n);
 }
@@ -117,7 +130,8 @@ void CopyField(char (&dst)[N], const char* begin, const char* stop) {
 // A one-character field keeps its first character; an empty one stores
 // nothing (the block was cleared before).
 void CopyChar(char& dst, const char* begin, const char* stop) {
-    if (begin < stop) dst = *begin;
+    if (begin < stop)
+        dst = *begin;
 }
 
 // Characters [from, from+count) of a NUL-terminated text, never reading past
@@ -152,7 +166,9 @@ std::int64_t DaysFromCivil(std::int64_t y, unsigned m, unsigned d) {
     return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
 }
 
-bool IsLeap(int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+bool IsLeap(int y) {
+    return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+}
 
 int DaysInMonth(int y, int m) {
     static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
@@ -165,104 +181,160 @@ int TextToInt(const char* text) {
     const char* p = text;
     while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
     bool negative = false;
-    if (*p == '+' || *p == '-') negative = *p++ == '-';
+    if (*p == '+' || *p == '-')
+        negative = *p++ == '-';
     std::int64_t value = 0;
     while (*p >= '0' && *p <= '9') {
         value = value * 10 + (*p++ - '0');
-        if (value > 2147483648LL) value = 2147483648LL;  // saturate, never overflow
+        if (value > 2147483648LL)
+            value = 2147483648LL;  // saturate, never overflow
     }
-    if (negative) value = -value;
-    if (value > 2147483647LL) value = 2147483647LL;
+    if (negative)
+        value = -value;
+    if (value > 2147483647LL)
+        value = 2147483647LL;
     return static_cast<int>(value);
 }
 
-double TextToDouble(const char* text) { return strtod_l(text, nullptr, CLocale()); }
+double TextToDouble(const char* text) {
+    return strtod_l(text, nullptr, CLocale());
+}
 
 bool VerifyChecksum(unsigned computed, const char received[2]) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
     computed &= 0xFF;
-    if (computed < 16) return received[0] == '0' && received[1] == kDigits[computed];
+    if (computed < 16)
+        return received[0] == '0' && received[1] == kDigits[computed];
     return received[0] == kDigits[computed >> 4] && received[1] == kDigits[computed & 0xF];
 }
 
 void ParseRmc(GpsState& state, const char* fields, const char* end) {
     state.ClearRmcBlock();
-    if (fields == nullptr || fields >= end) return;
+    if (fields == nullptr || fields >= end)
+        return;
     FieldWalker walk(fields, end);
     const char* b;
     const char* e;
     for (int n = 1; n <= 9 && walk.Next(b, e); ++n) {
         switch (n) {
-            case 1: CopyField(state.utcTime, b, e); break;
-            case 2: CopyChar(state.status, b, e); break;
-            case 3: CopyField(state.latitude, b, e); break;
-            case 4: CopyChar(state.northSouth, b, e); break;
-            case 5: CopyField(state.longitude, b, e); break;
-            case 6: CopyChar(state.eastWest, b, e); break;
-            case 7: CopyField(state.speedKnots, b, e); break;
-            case 8: CopyField(state.course, b, e); break;
-            case 9: CopyField(state.date, b, e); break;
-            default: break;
+            case 1:
+                CopyField(state.utcTime, b, e);
+                break;
+            case 2:
+                CopyChar(state.status, b, e);
+                break;
+            case 3:
+                CopyField(state.latitude, b, e);
+                break;
+            case 4:
+                CopyChar(state.northSouth, b, e);
+                break;
+            case 5:
+                CopyField(state.longitude, b, e);
+                break;
+            case 6:
+                CopyChar(state.eastWest, b, e);
+                break;
+            case 7:
+                CopyField(state.speedKnots, b, e);
+                break;
+            case 8:
+                CopyField(state.course, b, e);
+                break;
+            case 9:
+                CopyField(state.date, b, e);
+                break;
+            default:
+                break;
         }
     }
 }
 
 void ParseGga(GpsState& state, const char* fields, const char* end) {
     state.ClearGgaBlock();
-    if (fields == nullptr || fields >= end) return;
+    if (fields == nullptr || fields >= end)
+        return;
     FieldWalker walk(fields, end);
     const char* b;
     const char* e;
     for (int n = 1; n <= 12 && walk.Next(b, e); ++n) {
         switch (n) {
-            case 6: CopyChar(state.fixQuality, b, e); break;
-            case 7: CopyField(state.satellitesUsed, b, e); break;
-            case 9: CopyField(state.altitude, b, e); break;
-            case 10: CopyChar(state.altitudeUnit, b, e); break;
-            case 11: CopyField(state.geoidSeparation, b, e); break;
-            case 12: CopyChar(state.geoidUnit, b, e); break;
-            default: break;
+            case 6:
+                CopyChar(state.fixQuality, b, e);
+                break;
+            case 7:
+                CopyField(state.satellitesUsed, b, e);
+                break;
+            case 9:
+                CopyField(state.altitude, b, e);
+                break;
+            case 10:
+                CopyChar(state.altitudeUnit, b, e);
+                break;
+            case 11:
+                CopyField(state.geoidSeparation, b, e);
+                break;
+            case 12:
+                CopyChar(state.geoidUnit, b, e);
+                break;
+            default:
+                break;
         }
     }
 }
 
 void ParseGsa(GpsState& state, const char* fields, const char* end) {
     state.ClearGsaBlock();
-    if (fields == nullptr || fields >= end) return;
+    if (fields == nullptr || fields >= end)
+        return;
     FieldWalker walk(fields, end);
     const char* b;
     const char* e;
     for (int n = 1; n <= 17 && walk.Next(b, e); ++n) {
         switch (n) {
-            case 2: CopyChar(state.fixMode, b, e); break;
-            case 15: CopyField(state.pdop, b, e); break;
-            case 16: CopyField(state.hdop, b, e); break;
-            case 17: CopyField(state.vdop, b, e); break;
-            default: break;
+            case 2:
+                CopyChar(state.fixMode, b, e);
+                break;
+            case 15:
+                CopyField(state.pdop, b, e);
+                break;
+            case 16:
+                CopyField(state.hdop, b, e);
+                break;
+            case 17:
+                CopyField(state.vdop, b, e);
+                break;
+            default:
+                break;
         }
     }
 }
 
 void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* end) {
-    if (a.recordIndex == 0) state.ClearGsvBlock();
-    if (fields == nullptr || fields >= end) return;
+    if (a.recordIndex == 0)
+        state.ClearGsvBlock();
+    if (fields == nullptr || fields >= end)
+        return;
 
     FieldWalker walk(fields, end);
     const char* b;
     const char* e;
 
     // Field 1: number of messages in the cycle.
-    if (!walk.Next(b, e)) return;
+    if (!walk.Next(b, e))
+        return;
     const char total = walk.FirstChar(b, e);
     if (a.totalMessages != 0 && a.totalMessages != total) {
         a.Reset();
         state.ClearGsvBlock();
         return;
     }
-    if (a.totalMessages == 0) a.totalMessages = total;
+    if (a.totalMessages == 0)
+        a.totalMessages = total;
 
     // Field 2: this message's number; message n fills records 4(n-1) onward.
-    if (!walk.Next(b, e)) return;
+    if (!walk.Next(b, e))
+        return;
     const char number = walk.FirstChar(b, e);
     if (number == '1') {
         state.ClearGsvBlock();
@@ -275,27 +347,33 @@ void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* e
     }
 
     // Field 3: satellites in view, taken once per cycle.
-    if (!walk.Next(b, e)) return;
-    if (a.countParsed == 0) CopyField(state.satellitesInView, b, e);
+    if (!walk.Next(b, e))
+        return;
+    if (a.countParsed == 0)
+        CopyField(state.satellitesInView, b, e);
     a.countParsed = 1;
 
     // Fields 4 on: groups of PRN, elevation, azimuth, SNR.
     for (int k = 0; walk.Next(b, e); k = (k + 1) % 4) {
-        SatelliteRecord* row =
-            a.recordIndex < static_cast<std::uint32_t>(kSatelliteRows) ? &state.satellites[a.recordIndex]
-                                                                       : nullptr;
+        SatelliteRecord* row = a.recordIndex < static_cast<std::uint32_t>(kSatelliteRows)
+                                   ? &state.satellites[a.recordIndex]
+                                   : nullptr;
         switch (k) {
             case 0:
-                if (row) CopyField(row->prn, b, e);
+                if (row)
+                    CopyField(row->prn, b, e);
                 break;
             case 1:
-                if (row) CopyField(row->elevation, b, e);
+                if (row)
+                    CopyField(row->elevation, b, e);
                 break;
             case 2:
-                if (row) CopyField(row->azimuth, b, e);
+                if (row)
+                    CopyField(row->azimuth, b, e);
                 break;
             default: {
-                if (row) CopyField(row->snr, b, e);
+                if (row)
+                    CopyField(row->snr, b, e);
                 ++a.recordIndex;
                 const int inView = TextToInt(state.satellitesInView);
                 if (a.recordIndex == static_cast<std::uint32_t>(inView)) {
@@ -344,13 +422,14 @@ void FixTimeToFileTime(GpsState& state, const char* date, const char* utcTime) {
         return;
     }
 
-    const std::int64_t days = DaysFromCivil(year, static_cast<unsigned>(month),
-                                            static_cast<unsigned>(day));
+    const std::int64_t days =
+        DaysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day));
     const std::int64_t unixSeconds = days * 86400 + hour * 3600 + minute * 60 + second;
     long offset = 0;
     const std::time_t t = static_cast<std::time_t>(unixSeconds);
     std::tm local{};
-    if (localtime_r(&t, &local) != nullptr) offset = local.tm_gmtoff;
+    if (localtime_r(&t, &local) != nullptr)
+        offset = local.tm_gmtoff;
     const std::int64_t localSeconds = unixSeconds + offset + kDaysFrom1601To1970 * 86400;
     state.fixTimeLocal = static_cast<FileTime>(localSeconds) * kFileTimeTicksPerSecond +
                          static_cast<FileTime>(millisecond) * 10'000;
@@ -389,35 +468,43 @@ int NmeaToDegrees(const char* latitudeText, char northSouth, const char* longitu
     double lat = TextToInt(part);
     Substring(latitudeText, 2, 7, part);
     lat += TextToDouble(part) * kOneSixtieth;
-    if (northSouth != 'N') lat = -lat;
+    if (northSouth != 'N')
+        lat = -lat;
 
     Substring(longitudeText, 0, 3, part);
     double lon = TextToInt(part);
     Substring(longitudeText, 3, 7, part);
     lon += TextToDouble(part) * kOneSixtieth;
-    if (eastWest != 'E') lon = -lon;
+    if (eastWest != 'E')
+        lon = -lon;
 
-    if (latitude) *latitude = lat;
-    if (longitude) *longitude = lon;
+    if (latitude)
+        *latitude = lat;
+    if (longitude)
+        *longitude = lon;
     return 1;
 }
 
 void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view text,
                      TimeSyncSink* sink) {
-    if (text.data() == nullptr || text.empty()) return;
+    if (text.data() == nullptr || text.empty())
+        return;
     const char* p = text.data();
     const char* end = p + text.size();
     // The batch is text: it ends at its first NUL.
-    if (const void* nul = std::memchr(p, '\0', text.size())) end = static_cast<const char*>(nul);
+    if (const void* nul = std::memchr(p, '\0', text.size()))
+        end = static_cast<const char*>(nul);
 
     for (;;) {
         // Find the next '$'; everything else between sentences is skipped.
         const void* found = std::memchr(p, '$', static_cast<std::size_t>(end - p));
-        if (found == nullptr) return;
+        if (found == nullptr)
+            return;
         p = static_cast<const char*>(found);
 
     sentence:  // p is at a '$'
-        if (end - p < 2) return;
+        if (end - p < 2)
+            return;
         std::memset(state.header, 0, sizeof state.header);
         {
             const char* h = p + 1;
@@ -477,13 +564,21 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
                         if (state.timeSyncPending) {
                             state.timeSyncPending = 0;
                             FixTimeToFileTime(state, state.date, state.utcTime);
-                            if (sink) sink->OnGpsTime();
+                            if (sink)
+                                sink->OnGpsTime();
                         }
                         break;
-                    case Sentence::kGsv: ParseGsv(state, assembly, fields, star); break;
-                    case Sentence::kGsa: ParseGsa(state, fields, star); break;
-                    case Sentence::kGga: ParseGga(state, fields, star); break;
-                    case Sentence::kNone: break;
+                    case Sentence::kGsv:
+                        ParseGsv(state, assembly, fields, star);
+                        break;
+                    case Sentence::kGsa:
+                        ParseGsa(state, fields, star);
+                        break;
+                    case Sentence::kGga:
+                        ParseGga(state, fields, star);
+                        break;
+                    case Sentence::kNone:
+                        break;
                 }
             }
             std::memset(state.header, 0, sizeof state.header);

@@ -28,10 +28,10 @@ struct GsvAssembly {
 // Told when an RMC has resynchronised the fix time (the WM_GPS_TIME
 // notification). Called on the decoding thread, synchronously.
 class TimeSyncSink {
-public:
+  public:
     virtual void OnGpsTime() = 0;
 
-protected:
+  protected:
     ~TimeSyncSink() = default;
 };
 

@@ -1,0 +1,83 @@
+// Any receiver bytes through the decoder, batch by batch as the link hands
+// them over, then through the JSON writer. Checks that every text of the
+// fix stays NUL-terminated within its width.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "GpsJson.h"
+#include "NmeaDecoder.h"
+
+using namespace satwalk::gps;
+
+namespace {
+
+template <std::size_t N>
+void CheckText(const char (&field)[N]) {
+    if (std::memchr(field, '\0', N) == nullptr)
+        std::abort();
+}
+
+void CheckState(const GpsState& s) {
+    CheckText(s.header);
+    CheckText(s.utcTime);
+    CheckText(s.date);
+    CheckText(s.latitude);
+    CheckText(s.longitude);
+    CheckText(s.speedKnots);
+    CheckText(s.course);
+    CheckText(s.satellitesUsed);
+    CheckText(s.altitude);
+    CheckText(s.geoidSeparation);
+    CheckText(s.hdop);
+    CheckText(s.pdop);
+    CheckText(s.vdop);
+    CheckText(s.satellitesInView);
+    for (const auto& r : s.satellites) {
+        CheckText(r.prn);
+        CheckText(r.elevation);
+        CheckText(r.azimuth);
+        CheckText(r.snr);
+    }
+}
+
+struct NullSink final : TimeSyncSink {
+    void OnGpsTime() override {}
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static GpsState state;
+    static GsvAssembly assembly;
+    static NullSink sink;
+    static std::string json;
+    // The first byte picks the batch size, so cuts land everywhere.
+    std::size_t batch = 2047;
+    if (size > 0) {
+        batch = 1 + data[0] * 8u;
+        ++data;
+        --size;
+    }
+    const char* text = reinterpret_cast<const char*>(data);
+    for (std::size_t at = 0; at < size; at += batch) {
+        const std::size_t n = size - at < batch ? size - at : batch;
+        // An exact-size copy lets the address sanitizer catch any read past it.
+        char* copy = static_cast<char*>(std::malloc(n ? n : 1));
+        std::memcpy(copy, text + at, n);
+        ParseNmeaBuffer(state, assembly, std::string_view(copy, n), &sink);
+        std::free(copy);
+        CheckState(state);
+        if (assembly.countParsed > 1)
+            std::abort();
+    }
+    double lat = 0;
+    double lon = 0;
+    NmeaToDegrees(state.latitude, state.northSouth, state.longitude, state.eastWest, &lat, &lon);
+    json.clear();
+    AppendGpsJsonMembers(json, state, true);
+    return 0;
+}

@@ -1,0 +1,140 @@
+// Sentence framing and checksums: which sentences reach their parser.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "NmeaTestUtil.h"
+
+namespace satwalk::gps {
+namespace {
+
+using testing::Decoder;
+using testing::Sentence;
+using testing::Xor;
+
+struct ChecksumCase {
+    unsigned computed;
+    const char* received;
+    bool match;
+};
+
+TEST(VerifyChecksum, MatchesOnlyTwoUppercaseDigits) {
+    const ChecksumCase cases[] = {
+        {0x4A, "4A", true},  {0x4A, "4a", false}, {0x07, "07", true},  {0x07, "7\r", false},
+        {0x07, "70", false}, {0x07, "0a", false}, {0x00, "00", true},  {0xFF, "FF", true},
+        {0xFF, "ff", false}, {0x10, "10", true},  {0x10, "01", false}, {0xA0, "A0", true},
+        {0xA0, "a0", false}, {0x0B, "0B", true},  {0x0B, "0b", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(VerifyChecksum(c.computed, c.received), c.match)
+            << std::hex << c.computed << " vs " << c.received;
+    }
+}
+
+// An RMC body whose only variable is the time, so each case can tell which of
+// several sentences got through.
+std::string Rmc(const char* time) {
+    return std::string("GPRMC,") + time + ",A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W";
+}
+
+std::string Gga(const char* sats) {
+    return std::string("GPGGA,123519,4807.038,N,01131.000,E,1,") + sats + ",0.9,545.4,M,46.9,M,,";
+}
+
+// Replaces the two checksum characters of a framed sentence.
+std::string WithChecksum(std::string sentence, const char* sum) {
+    const auto star = sentence.find('*');
+    sentence.replace(star + 1, 2, sum);
+    return sentence;
+}
+
+struct FramingCase {
+    const char* name;
+    std::string batch;
+    const char* utcTime;  // what the RMC block holds afterwards
+    const char* satellitesUsed;
+};
+
+TEST(ParseNmeaBuffer, Framing) {
+    const std::string rmc = Sentence(Rmc("111111.000"));
+    const std::string gga = Sentence(Gga("07"));
+    const FramingCase cases[] = {
+        {"clean sentences", rmc + gga, "111111.000", "07"},
+        {"no line ends needed", rmc.substr(0, rmc.size() - 2) + gga, "111111.000", "07"},
+        {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
+         "111111.000", "07"},
+        {"wrong checksum", WithChecksum(rmc, "00") + gga, "", "07"},
+        {"'$' inside a sentence drops it", rmc.substr(0, 20) + gga, "", "07"},
+        {"'$' inside the header", "$GP" + gga, "", "07"},
+        {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
+        {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
+        {"cut right after '*'", gga + rmc.substr(0, rmc.find('*') + 1), "", "07"},
+        {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
+        {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
+        {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
+        {"lowercase header skipped", Sentence("gprmc,222222.000,A,,,,,,,,,") + gga, "", "07"},
+        {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
+        {"lone '$' at the end", rmc + "$", "111111.000", ""},
+        {"header cut at the end", rmc + "$GPG", "111111.000", ""},
+        {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
+        {"unknown sentence then a good one", Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc,
+         "111111.000", ""},
+        {"empty batch", "", "", ""},
+    };
+    for (const auto& c : cases) {
+        Decoder d;
+        d.Feed(c.batch);
+        EXPECT_STREQ(d.state.utcTime, c.utcTime) << c.name;
+        EXPECT_STREQ(d.state.satellitesUsed, c.satellitesUsed) << c.name;
+        EXPECT_EQ(d.state.header[0], '\0') << c.name;
+    }
+}
+
+TEST(ParseNmeaBuffer, LowercaseChecksumLettersAreRejected) {
+    // Find an RMC whose checksum has a letter in it, then lowercase it.
+    for (int speed = 0; speed < 1000; ++speed) {
+        const std::string body = "GPRMC,123519.000,A,4807.0380,N,01131.0000,E," +
+                                 std::to_string(speed) + ",084.4,230394,,";
+        char upper[3];
+        std::snprintf(upper, sizeof upper, "%02X", Xor(body));
+        if (upper[0] != 'A' && upper[1] != 'A' && !(upper[1] >= 'B' && upper[1] <= 'F'))
+            continue;
+        char lower[3] = {static_cast<char>(std::tolower(upper[0])),
+                         static_cast<char>(std::tolower(upper[1])), 0};
+        Decoder accepted;
+        accepted.Feed("$" + body + "*" + upper + "\r\n");
+        EXPECT_STREQ(accepted.state.utcTime, "123519.000");
+        Decoder rejected;
+        rejected.Feed("$" + body + "*" + lower + "\r\n");
+        EXPECT_STREQ(rejected.state.utcTime, "");
+        return;
+    }
+    FAIL() << "no checksum with a letter found";
+}
+
+TEST(ParseNmeaBuffer, SentenceSplitAcrossBatchesIsLost) {
+    const std::string gga = Sentence(Gga("09"));
+    Decoder d;
+    d.Feed(Sentence(Gga("05")));
+    ASSERT_STREQ(d.state.satellitesUsed, "05");
+    const std::size_t cut = gga.size() / 2;
+    d.Feed(gga.substr(0, cut));
+    EXPECT_STREQ(d.state.satellitesUsed, "05") << "a cut sentence leaves its block alone";
+    d.Feed(gga.substr(cut));
+    EXPECT_STREQ(d.state.satellitesUsed, "05") << "the rest has no '$' and is skipped";
+}
+
+TEST(ParseNmeaBuffer, NeverReadsPastTheGivenLength) {
+    // The view stops one byte into the checksum; the bytes after it in memory
+    // would complete the sentence if the decoder looked at them.
+    const std::string rmc = Sentence(Rmc("111111.000"));
+    Decoder d;
+    d.Feed(std::string_view(rmc.data(), rmc.find('*') + 2));
+    EXPECT_STREQ(d.state.utcTime, "");
+    d.Feed(std::string_view(rmc.data(), 1));
+    EXPECT_STREQ(d.state.utcTime, "");
+}
+
+}  // namespace
+}  // namespace satwalk::gps

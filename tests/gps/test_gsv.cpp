@@ -1,0 +1,136 @@
+// Assembly of the satellite table from GSV cycles.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "NmeaTestUtil.h"
+
+namespace satwalk::gps {
+namespace {
+
+using testing::Decoder;
+using testing::Sentence;
+
+// One GSV message: total, number, in-view count and up to four PRNs (each
+// satellite gets elevation PRN+10, azimuth PRN*3 and SNR PRN+20).
+std::string Gsv(int total, int number, int inView, std::vector<int> prns) {
+    std::string body = "GPGSV," + std::to_string(total) + "," + std::to_string(number) + "," +
+                       (inView < 10 ? "0" : "") + std::to_string(inView);
+    for (int prn : prns) {
+        body += "," + std::to_string(prn) + "," + std::to_string(prn + 10) + "," +
+                std::to_string(prn * 3) + "," + std::to_string(prn + 20);
+    }
+    return Sentence(body);
+}
+
+std::vector<std::string> Prns(const GpsState& s) {
+    std::vector<std::string> out;
+    for (const auto& r : s.satellites) out.emplace_back(r.prn);
+    return out;
+}
+
+using V = std::vector<std::string>;
+
+struct GsvCase {
+    const char* name;
+    std::vector<std::string> batches;
+    V prns;
+    const char* inView;
+    bool cycleOpen;
+};
+
+TEST(ParseGsv, Assembly) {
+    const std::string m1 = Gsv(3, 1, 12, {31, 2, 17, 9});
+    const std::string m2 = Gsv(3, 2, 12, {25, 14, 1, 30});
+    const std::string m3 = Gsv(3, 3, 12, {5, 12, 22, 10});
+    const GsvCase cases[] = {
+        {"complete cycle sorted by number",
+         {m1 + m2 + m3},
+         {"1", "2", "5", "9", "10", "12", "14", "17", "22", "25", "30", "31"},
+         "12",
+         false},
+        {"cycle over two batches",
+         {m1, m2 + m3},
+         {"1", "2", "5", "9", "10", "12", "14", "17", "22", "25", "30", "31"},
+         "12",
+         false},
+        {"only message 1 so far: arrival order",
+         {m1},
+         {"31", "2", "17", "9", "", "", "", "", "", "", "", ""},
+         "12",
+         true},
+        // Message 3 fills rows 8..11; the count then reaches the number in
+        // view, so the cycle closes and sorts with the hole of message 2.
+        {"lost message 2",
+         {m1, m3},
+         {"", "", "", "", "2", "5", "9", "10", "12", "17", "22", "31"},
+         "12",
+         false},
+        {"nine satellites in three messages",
+         {Gsv(3, 1, 9, {8, 7, 6, 5}) + Gsv(3, 2, 9, {4, 3, 2, 1}) + Gsv(3, 3, 9, {9})},
+         {"1", "2", "3", "4", "5", "6", "7", "8", "9", "", "", ""},
+         "09",
+         false},
+        {"a change of announced count abandons the cycle",
+         {m1 + Gsv(2, 2, 8, {50, 51, 52, 53})},
+         {"", "", "", "", "", "", "", "", "", "", "", ""},
+         "",
+         false},
+        {"more than 12 satellites: rows beyond the table dropped",
+         {Gsv(4, 1, 16, {16, 15, 14, 13}) + Gsv(4, 2, 16, {12, 11, 10, 9}) +
+          Gsv(4, 3, 16, {8, 7, 6, 5}) + Gsv(4, 4, 16, {4, 3, 2, 1})},
+         {"5", "6", "7", "8", "9", "10", "11", "12", "13", "14", "15", "16"},
+         "16",
+         false},
+        {"message number above the table",
+         {Gsv(9, 9, 40, {1, 2, 3, 4})},
+         {"", "", "", "", "", "", "", "", "", "", "", ""},
+         "40",
+         true},
+        {"three-digit count keeps two",
+         {Gsv(1, 1, 123, {3})},
+         {"3", "", "", "", "", "", "", "", "", "", "", ""},
+         "12",
+         true},
+        {"count is the last field", {Sentence("GPGSV,1,1,00")}, V(12), "00", true},
+        {"fields stop early", {Sentence("GPGSV,1")}, V(12), "", true},
+        {"no fields", {Sentence("GPGSV,")}, V(12), "", false},
+    };
+    for (const auto& c : cases) {
+        Decoder d;
+        for (const auto& b : c.batches) d.Feed(b);
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(Prns(d.state), c.prns);
+        EXPECT_STREQ(d.state.satellitesInView, c.inView);
+        EXPECT_EQ(d.assembly.totalMessages != 0, c.cycleOpen);
+    }
+}
+
+TEST(ParseGsv, RowsKeepTheirFourFieldsTogetherWhenSorted) {
+    Decoder d;
+    d.Feed(Gsv(1, 1, 3, {20, 3, 11}));
+    const SatelliteRecord& r = d.state.satellites[0];
+    EXPECT_STREQ(r.prn, "3");
+    EXPECT_STREQ(r.elevation, "13");
+    EXPECT_STREQ(r.azimuth, "9");
+    EXPECT_STREQ(r.snr, "23");
+    EXPECT_STREQ(d.state.satellites[2].prn, "20");
+    EXPECT_STREQ(d.state.satellites[2].snr, "40");
+}
+
+TEST(ParseGsv, UntrackedSatelliteAndWideFields) {
+    Decoder d;
+    d.Feed(Sentence("GPGSV,1,1,02,123,123456,1234567,123456,07,45,270,"));
+    const SatelliteRecord* r = d.state.satellites;
+    // The cycle completed and sorted: "07" (7) before "12" (12).
+    EXPECT_STREQ(r[0].prn, "07");
+    EXPECT_STREQ(r[0].snr, "") << "empty SNR ending at '*'";
+    EXPECT_STREQ(r[1].prn, "12");
+    EXPECT_STREQ(r[1].elevation, "12345");
+    EXPECT_STREQ(r[1].azimuth, "123456");
+    EXPECT_STREQ(r[1].snr, "1234");
+}
+
+}  // namespace
+}  // namespace satwalk::gps

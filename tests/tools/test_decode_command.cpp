@@ -1,0 +1,108 @@
+// satwalk-tool decode as a whole process: batches, time syncs, errors.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Result {
+    int status;
+    std::vector<std::string> lines;
+};
+
+Result RunTool(const std::string& args) {
+    const std::string cmd = std::string(SATWALK_TOOL) + " decode " + args + " 2>/dev/null";
+    Result r{};
+    FILE* p = popen(cmd.c_str(), "r");
+    char line[1 << 16];
+    while (fgets(line, sizeof line, p)) r.lines.emplace_back(line);
+    r.status = WEXITSTATUS(pclose(p));
+    return r;
+}
+
+std::string Field(const std::string& json, const std::string& name) {
+    const auto at = json.find("\"" + name + "\":");
+    if (at == std::string::npos)
+        return "<missing>";
+    const auto start = at + name.size() + 3;
+    const auto end = json.find_first_of(",}", start);
+    return json.substr(start, end - start);
+}
+
+class DecodeCommand : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        path_ = ::testing::TempDir() + "decode_command.nmea";
+        std::ofstream f(path_, std::ios::binary);
+        // Four epochs of two lines, 70 to 75 bytes a line.
+        for (int i = 0; i < 4; ++i) {
+            f << "$GPRMC,01020" << i << ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,*"
+              << Checksum(i) << "\r\n";
+            f << "$GPVTG,090.0,T,,M,010.0,N,018.5,K,A*0D\r\n";
+        }
+    }
+    static std::string Checksum(int i) {
+        const std::string body = "GPRMC,01020" + std::to_string(i) +
+                                 ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,";
+        unsigned x = 0;
+        for (char c : body) x ^= static_cast<unsigned char>(c);
+        char buf[3];
+        std::snprintf(buf, sizeof buf, "%02X", x);
+        return buf;
+    }
+    std::string path_;
+};
+
+TEST_F(DecodeCommand, OneObjectPerBatch) {
+    const Result whole = RunTool(path_);
+    ASSERT_EQ(whole.status, 0);
+    ASSERT_EQ(whole.lines.size(), 1u);
+    EXPECT_EQ(Field(whole.lines[0], "utcTime"), "\"010203.000\"");
+    EXPECT_EQ(Field(whole.lines[0], "timeSync"), "true");
+    EXPECT_EQ(Field(whole.lines[0], "fixValid"), "true");
+    EXPECT_EQ(Field(whole.lines[0], "latitudeDegrees"), "30.252056666666668");
+
+    // Each batch holds one RMC and one VTG line.
+    const Result small = RunTool("--batch 130 --sync-every 2 " + path_);
+    ASSERT_EQ(small.lines.size(), 4u);
+    const char* syncs[] = {"true", "true", "false", "true"};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(Field(small.lines[i], "batch"), std::to_string(i + 1));
+        EXPECT_EQ(Field(small.lines[i], "utcTime"), "\"01020" + std::to_string(i) + ".000\"");
+        EXPECT_EQ(Field(small.lines[i], "timeSync"), syncs[i]) << "batch " << i + 1;
+    }
+}
+
+TEST_F(DecodeCommand, CutModeLosesSentencesAcrossCuts) {
+    // Every RMC line is longer than a 60-byte slice, so none survives whole.
+    const Result cut = RunTool("--batch 60 --cut " + path_);
+    ASSERT_EQ(cut.status, 0);
+    EXPECT_EQ(cut.lines.size(), 8u);  // 2 x 4 lines of 108 bytes in 60-byte slices
+    for (const auto& l : cut.lines) EXPECT_EQ(Field(l, "utcTime"), "\"\"");
+    // Line packing at the same size cuts only the lines longer than a batch.
+    const Result lines = RunTool("--batch 60 " + path_);
+    // The RMC line is cut after 60 bytes; its last 8 bytes and the VTG line
+    // share the next batch.
+    EXPECT_EQ(lines.lines.size(), 8u);
+}
+
+TEST_F(DecodeCommand, ReadsStandardInput) {
+    const Result r = RunTool("< " + path_);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.lines.size(), 1u);
+}
+
+TEST(DecodeCommandErrors, ExitStatusTwo) {
+    EXPECT_EQ(RunTool("/nonexistent/log.nmea").status, 2);
+    EXPECT_EQ(RunTool("/").status, 2);  // a folder cannot be read
+    EXPECT_EQ(RunTool("--batch 0 /dev/null").status, 2);
+    EXPECT_EQ(RunTool("--bogus").status, 2);
+    EXPECT_EQ(RunTool("/dev/null").status, 0);
+}
+
+}  // namespace
