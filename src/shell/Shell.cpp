@@ -97,7 +97,7 @@ void Shell::OnCommand(int id) {
 
 void Shell::StartGps() {
     ui_.Repaint();
-    if (settings_.bluetoothReceiver != 0) {
+    if (settings_.bluetoothReceiver != 0 && !forceComPort) {
         if (settings_.bluetoothAddress == 0) {
             Message(LoadString(kStrConfigureReceiverFirst), MessageIcon::Information);
             return;

@@ -55,6 +55,7 @@ public:
     virtual bool FixValid() const = 0;
     virtual std::string LastErrorCode() const = 0;
     virtual gps::GpsState& Gps() = 0;
+    const gps::GpsState& Gps() const { return const_cast<LinkControl*>(this)->Gps(); }
 protected:
     ~LinkControl() = default;
 };
@@ -85,7 +86,7 @@ public:
     void OnKeyDown(Key key);
     void OnGpsData();   // WM_GPS_DATA
     void OnGpsTime();   // WM_GPS_TIME
-    void OnClockTick(); // timer 1028; true when the window should repaint
+    void OnClockTick(); // timer 1028: one second more on the fix clock
     void OnBlinkTick();
 
     // The two drop-downs as they are at this moment.
@@ -95,6 +96,7 @@ public:
     ProgramSettings& settings() { return settings_; }
     const ProgramSettings& settings() const { return settings_; }
     LinkControl& link() { return link_; }
+    const LinkControl& link() const { return link_; }
     const SpeedAlarm& alarm() const { return alarm_; }
 
     int currentScreen = kScreenGpsInfo;
@@ -103,6 +105,9 @@ public:
     bool mapLoaded = false;
     std::string mapLabel;
     bool exited = false;
+    // A port given for this run (a replay, --port) stands for the receiver:
+    // start GPS opens it whatever receiver the settings name.
+    bool forceComPort = false;
     std::string version = "0";
 
 private:
