@@ -298,6 +298,9 @@ QMenu* MainWindow::OpenDropDown(bool viewMenu) {
     // the state of this moment.
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    QFont f = menu->font();
+    f.setPixelSize(std::max(9, barHeight_ * 2 / 5));  // readable at the screen's density
+    menu->setFont(f);
     PopulateMenu(menu, viewMenu ? shell_.BuildViewMenu() : shell_.BuildMainMenu());
     const QSize hint = menu->sizeHint();
     const int x = viewMenu ? 0 : width() - hint.width();

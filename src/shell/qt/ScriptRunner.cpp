@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
 #include <QTimer>
 
 #include <cstdio>
@@ -139,7 +141,13 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         if (!found) return Fail(QStringLiteral("answer needs yes, no, ok or cancel")), false;
     } else if (verb == QLatin1String("snapshot")) {
         window_.repaint();
-        if (!window_.grab().save(rest(), "PNG")) {
+        QPixmap shot = window_.grab();
+        // An open drop-down is part of what the user sees.
+        if (QWidget* popup = QApplication::activePopupWidget()) {
+            QPainter p(&shot);
+            p.drawPixmap(window_.mapFromGlobal(popup->pos()), popup->grab());
+        }
+        if (!shot.save(rest(), "PNG")) {
             return Fail(QStringLiteral("cannot write ") + rest()), false;
         }
     } else if (verb == QLatin1String("state")) {
