@@ -5,5 +5,7 @@
 namespace satwalk::tools {
 
 int RunDecode(int argc, char** argv);
+int RunReplay(int argc, char** argv);
+int RunLog(int argc, char** argv);
 
 }  // namespace satwalk::tools

@@ -10,7 +10,11 @@ constexpr const char* kUsage =
     "usage: satwalk-tool COMMAND [ARGS]\n"
     "commands:\n"
     "  decode [--batch N] [--cut] [--sync-every K] [FILE]\n"
-    "      decode an NMEA 0183 log into one JSON fix per batch\n";
+    "      decode an NMEA 0183 log into one JSON fix per batch\n"
+    "  replay FILE [--rate X] [--loop]\n"
+    "      play an NMEA log through a pseudo-terminal at its recorded pace\n"
+    "  log --port PATH [--baud N] [--record DIR] [--seconds S]\n"
+    "      run the receiver link on a port, one JSON fix per decoded batch\n";
 
 struct Command {
     std::string_view name;
@@ -19,6 +23,8 @@ struct Command {
 
 constexpr Command kCommands[] = {
     {"decode", satwalk::tools::RunDecode},
+    {"replay", satwalk::tools::RunReplay},
+    {"log", satwalk::tools::RunLog},
 };
 
 }  // namespace

@@ -1,0 +1,502 @@
+#include "ReceiverLink.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+#include "PortNames.h"
+#include "TtyBaud.h"
+
+namespace satwalk::link {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Forwards the decoder's time-sync notification to the link's sink.
+class TimeForwarder final : public gps::TimeSyncSink {
+  public:
+    explicit TimeForwarder(LinkSink* s) : sink_(s) {}
+    void OnGpsTime() override { sink_->OnGpsTime(); }
+
+  private:
+    LinkSink* sink_;
+};
+
+speed_t BaudConstant(std::uint32_t rate) {
+    switch (rate) {
+        case 4800:
+            return B4800;
+        case 9600:
+            return B9600;
+        case 19200:
+            return B19200;
+        case 38400:
+            return B38400;
+        case 57600:
+            return B57600;
+        default:
+            return B0;
+    }
+}
+
+bool IsOfferedBaud(std::uint32_t rate) {
+    for (const std::uint32_t r : kBaudRates) {
+        if (r == rate)
+            return true;
+    }
+    return false;
+}
+
+bool IsGoneError(int err) {
+    return err == EIO || err == ENODEV || err == ENXIO;
+}
+
+void Wake(const ReceiverLink& link) {
+    if (link.wakeFd < 0)
+        return;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t n = ::write(link.wakeFd, &one, sizeof one);
+}
+
+void DrainWake(const ReceiverLink& link) {
+    std::uint64_t value;
+    [[maybe_unused]] const ssize_t n = ::read(link.wakeFd, &value, sizeof value);
+}
+
+void ClosePortFd(ReceiverLink& link) {
+    link.portOpen = false;
+    if (link.portFd >= 0) {
+        ::ioctl(link.portFd, TIOCNXCL);  // the next user may open the device again
+        ::close(link.portFd);
+    }
+    link.portFd = -1;
+}
+
+int FailOpen(ReceiverLink& link, int fd, const char* code) {
+    if (fd >= 0)
+        ::close(fd);
+    link.lastErrorCode = code;
+    return 0;
+}
+
+// True when a poll of the port reports the device gone.
+bool PortVanished(int fd) {
+    pollfd p{fd, POLLIN, 0};
+    if (::poll(&p, 1, 0) < 0)
+        return false;
+    return (p.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
+// The watchdog closes the link: the reader leaves its loop; the descriptor
+// itself is closed by StopLink once the reader is gone.
+void CloseByWatchdog(ReceiverLink& link) {
+    link.portOpen = false;
+    Wake(link);
+}
+
+// Takes the lock unless the link is stopping meanwhile (the stop may be
+// running inside a tick that holds the lock).
+bool LockUnlessStopping(ReceiverLink& link) {
+    while (!link.lock.try_lock_for(20ms)) {
+        if (link.stopRequested || !link.portOpen)
+            return false;
+    }
+    return true;
+}
+
+void MarkReaderEnded(ReceiverLink& link) {
+    std::lock_guard<std::mutex> g(link.readerMutex);
+    link.readerActive = false;
+    link.readerListening = false;
+    link.readerEnded.notify_all();
+}
+
+}  // namespace
+
+ReceiverLink::ReceiverLink() {
+    wakeFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+}
+
+ReceiverLink::~ReceiverLink() {
+    if (running || reader.joinable())
+        StopLink(*this);
+    {
+        // A reader that outlived the stop's bound ends once its handler returns.
+        std::unique_lock<std::mutex> g(readerMutex);
+        readerEnded.wait(g, [this] { return !readerActive; });
+    }
+    ClosePortFd(*this);
+    if (wakeFd >= 0)
+        ::close(wakeFd);
+}
+
+int OpenPort(ReceiverLink& link) {
+    ClosePortFd(link);
+    const std::string path =
+        link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
+
+    // Non-blocking, so that a port without carrier does not hold the open.
+    const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return FailOpen(link, -1, kErrOpen);
+
+    // A tty that is still being set up by the kernel may refuse for a moment;
+    // something that is not a tty never becomes one, so that is not retried.
+    termios tio{};
+    bool haveState = false;
+    for (int attempt = 0; attempt < link.stateAttempts; ++attempt) {
+        if (::tcgetattr(fd, &tio) == 0) {
+            haveState = true;
+            break;
+        }
+        if (errno == ENOTTY || errno == EBADF || errno == EINVAL)
+            break;
+        if (attempt + 1 < link.stateAttempts) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(link.stateRetryMs));
+        }
+    }
+    if (!haveState)
+        return FailOpen(link, fd, kErrGetState);
+    ::ioctl(fd, TIOCEXCL);  // no sharing; ignored where unsupported
+
+    // Line settings: raw 8-bit input, the frame, XON/XOFF, no handshake.
+    if (!IsOfferedBaud(link.baudRate))
+        return FailOpen(link, fd, kErrSetState);
+    const speed_t speed = BaudConstant(link.baudRate);
+    tio.c_iflag &= ~static_cast<tcflag_t>(IGNBRK | BRKINT | PARMRK | ISTRIP | INLCR | IGNCR |
+                                          ICRNL | IXANY | INPCK);
+    tio.c_iflag |= IXON | IXOFF;
+    tio.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+    tio.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL | ICANON | ISIG | IEXTEN);
+    tio.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | PARODD | CSTOPB | CRTSCTS | HUPCL);
+    switch (link.byteSize) {
+        case 5:
+            tio.c_cflag |= CS5;
+            break;
+        case 6:
+            tio.c_cflag |= CS6;
+            break;
+        case 7:
+            tio.c_cflag |= CS7;
+            break;
+        default:
+            tio.c_cflag |= CS8;
+            break;
+    }
+    if (link.parity == 1)
+        tio.c_cflag |= PARENB | PARODD;
+    if (link.parity == 2)
+        tio.c_cflag |= PARENB;
+    if (link.stopBits != 0)
+        tio.c_cflag |= CSTOPB;
+    tio.c_cflag |= CLOCAL | CREAD;
+    const speed_t frameSpeed = speed != B0 ? speed : B9600;  // 14400 is set below
+    ::cfsetispeed(&tio, frameSpeed);
+    ::cfsetospeed(&tio, frameSpeed);
+    if (::tcsetattr(fd, TCSANOW, &tio) != 0)
+        return FailOpen(link, fd, kErrSetState);
+    // DTR and RTS dropped; a pseudo-terminal has no modem lines to drop.
+    const int lines = TIOCM_DTR | TIOCM_RTS;
+    ::ioctl(fd, TIOCMBIC, &lines);
+
+    // Reads return at once with whatever has arrived.
+    tio.c_cc[VMIN] = 0;
+    tio.c_cc[VTIME] = 0;
+    if (::tcsetattr(fd, TCSANOW, &tio) != 0)
+        return FailOpen(link, fd, kErrTimeouts);
+    if (speed == B0 && !SetArbitraryBaud(fd, link.baudRate)) {
+        return FailOpen(link, fd, kErrSetState);
+    }
+
+    // Reads never wait, whatever the open left behind.
+    const int flags = ::fcntl(fd, F_GETFL);
+    if (flags < 0 || ::fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0) {
+        return FailOpen(link, fd, kErrQueues);
+    }
+    if (::tcflush(fd, TCIOFLUSH) != 0)
+        return FailOpen(link, fd, kErrPurge);
+
+    link.portFd = fd;
+    link.portOpen = true;
+    link.deviceGone = false;
+    link.noDataTicks = 0;
+    link.linkLossReason = kLossNone;
+    return 1;
+}
+
+int StartLink(ReceiverLink& link) {
+    if (link.recordNmea)
+        MakeNmeaLogPath(link);
+
+    if (link.timer != nullptr && !link.timer->Start()) {
+        ClosePortFd(link);
+        link.lastErrorCode = kErrTimer;
+        return 0;
+    }
+    const auto failThread = [&link] {
+        if (link.timer != nullptr)
+            link.timer->Stop();
+        ClosePortFd(link);
+        link.lastErrorCode = kErrThread;
+        return 0;
+    };
+    {
+        // A reader left over from a stop that timed out must be gone first.
+        Wake(link);
+        std::unique_lock<std::mutex> g(link.readerMutex);
+        if (!link.readerEnded.wait_for(g, std::chrono::milliseconds(kStopWaitMs),
+                                       [&link] { return !link.readerActive; })) {
+            return failThread();
+        }
+    }
+    if (link.reader.joinable())
+        link.reader.join();
+    if (link.wakeFd < 0)
+        link.wakeFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    if (link.wakeFd < 0 || link.portFd < 0)
+        return failThread();
+    DrainWake(link);
+
+    link.stopRequested = false;
+    link.processPending = false;
+    link.noDataTicks = 0;
+    link.watchdogTicks = 0;
+    {
+        std::lock_guard<std::mutex> g(link.readerMutex);
+        link.readerActive = true;
+        link.readerListening = false;
+    }
+    try {
+        link.reader = std::thread(ReaderThread, std::ref(link));
+    } catch (...) {
+        MarkReaderEnded(link);
+        return failThread();
+    }
+    {
+        std::unique_lock<std::mutex> g(link.readerMutex);
+        link.readerEnded.wait_for(g, std::chrono::milliseconds(kStopWaitMs),
+                                  [&link] { return link.readerListening || !link.readerActive; });
+    }
+    link.running = true;
+    return 1;
+}
+
+std::uint32_t StopLink(ReceiverLink& link) {
+    if (link.timer != nullptr)
+        link.timer->Stop();
+    link.processPending = false;
+
+    link.stopRequested = true;
+    Wake(link);
+    if (link.portFd >= 0 && link.portOpen)
+        ::tcflush(link.portFd, TCIOFLUSH);
+
+    if (link.reader.joinable()) {
+        bool ended = false;
+        if (link.reader.get_id() != std::this_thread::get_id()) {
+            std::unique_lock<std::mutex> g(link.readerMutex);
+            ended = link.readerEnded.wait_for(g, std::chrono::milliseconds(kStopWaitMs),
+                                              [&link] { return !link.readerActive; });
+        }
+        if (ended) {
+            link.reader.join();
+        } else {
+            // The reader is held up in its handler; it ends by itself once
+            // that returns, as it finds stopRequested set.
+            link.reader.detach();
+            link.lastErrorCode = kErrThreadClose;
+        }
+    }
+    ClosePortFd(link);
+
+    link.noDataTicks = 0;
+    link.watchdogTicks = 0;
+    link.running = false;
+    link.fixValid = false;
+    return link.linkLossReason;
+}
+
+void ReaderThread(ReceiverLink& link) {
+    // Below the UI in priority, as the original reader was.
+    const int tid = static_cast<int>(::gettid());
+    errno = 0;
+    const int nice = ::getpriority(PRIO_PROCESS, static_cast<id_t>(tid));
+    if (errno == 0)
+        ::setpriority(PRIO_PROCESS, static_cast<id_t>(tid), nice + 1);
+
+    link.processPending = false;
+    link.buffer[0] = '\0';
+    link.bufferLength = 0;
+    const int fd = link.portFd;
+    if (fd < 0 || !link.portOpen) {
+        MarkReaderEnded(link);
+        return;
+    }
+    ::tcflush(fd, TCIOFLUSH);
+    {
+        std::lock_guard<std::mutex> g(link.readerMutex);
+        link.readerListening = true;
+        link.readerEnded.notify_all();
+    }
+
+    char chunk[kReadSize + 1];
+    bool watchPort = true;
+    while (link.portOpen) {
+        pollfd fds[2] = {{link.wakeFd, POLLIN, 0}, {fd, POLLIN, 0}};
+        if (::poll(fds, watchPort ? 2 : 1, -1) < 0 && errno != EINTR) {
+            // Nothing sensible to wait on any more: treat the port as gone
+            // and wait for the wake-up alone.
+            link.deviceGone = true;
+            watchPort = false;
+            continue;
+        }
+        if (fds[0].revents != 0)
+            DrainWake(link);
+        if (link.stopRequested || !link.portOpen)
+            break;
+
+        // Read when the port has something, and once after every tick.
+        std::size_t count = 0;
+        if (watchPort && (fds[1].revents != 0 || link.processPending)) {
+            const ssize_t n = ::read(fd, chunk, kReadSize);
+            if (n > 0) {
+                count = static_cast<std::size_t>(n);
+            } else if ((n < 0 && IsGoneError(errno)) ||
+                       (n <= 0 && (fds[1].revents & (POLLHUP | POLLERR | POLLNVAL)))) {
+                // The device has vanished; the watchdog ends the link. Stop
+                // watching the descriptor so that the hang-up cannot spin.
+                link.deviceGone = true;
+                watchPort = false;
+            }
+        }
+
+        if (count > 0) {
+            if (!LockUnlessStopping(link))
+                break;
+            link.noDataTicks = 0;
+            link.lock.unlock();
+            const std::uint32_t length = link.bufferLength;
+            if (length + count < kBufferSize) {
+                // Appended as text: up to the first NUL of what was read.
+                const std::size_t text = ::strnlen(chunk, count);
+                std::memcpy(link.buffer + length, chunk, text);
+                link.buffer[length + text] = '\0';
+                link.bufferLength = length + static_cast<std::uint32_t>(text);
+            } else {
+                link.processPending = true;  // an overflow forces a decode
+            }
+        }
+        if (!link.processPending)
+            continue;
+        const std::uint32_t length = link.bufferLength;
+        if (length == 0)
+            continue;  // the request stays until text arrives
+
+        if (link.timeSyncRequest.exchange(false))
+            link.gps.timeSyncPending = 1;
+        if (LinkSink* sink = link.sink.load(); sink != nullptr) {
+            TimeForwarder forward(sink);
+            gps::ParseNmeaBuffer(link.gps, link.gsvAssembly, std::string_view(link.buffer, length),
+                                 &forward);
+            link.fixValid = link.gps.status == 'A';
+            sink->OnGpsData();
+        }
+        if (link.recordNmea) {
+            std::lock_guard<std::mutex> g(link.recordLock);
+            if (link.nmeaLogPath[0] != '\0')
+                AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
+        }
+        link.buffer[0] = '\0';
+        link.bufferLength = 0;
+        link.processPending = false;
+    }
+    MarkReaderEnded(link);
+}
+
+void LinkTimerProc(ReceiverLink& link) {
+    if (!link.running)
+        return;
+    std::lock_guard<std::timed_mutex> g(link.lock);
+    link.processPending = true;
+    ++link.noDataTicks;
+    if (++link.watchdogTicks >= kTimeSyncEveryTicks) {
+        link.watchdogTicks = 0;
+        link.timeSyncRequest = true;
+    }
+    Wake(link);
+    if (!link.portOpen)
+        return;  // already given up
+
+    std::uint32_t reason = kLossNone;
+    if (link.deviceGone || PortVanished(link.portFd)) {
+        reason = kLossDeviceGone;
+    } else if (link.noDataTicks >= kNoDataTicksLimit) {
+        reason = kLossTimeout;
+    }
+    if (reason == kLossNone)
+        return;
+    link.linkLossReason = reason;
+    if (LinkSink* sink = link.sink.load(); sink != nullptr)
+        sink->OnStopCommand();
+    if (link.portOpen)
+        CloseByWatchdog(link);
+}
+
+void MakeNmeaLogPath(ReceiverLink& link) {
+    MakeNmeaLogPath(link, link.clock != nullptr ? link.clock() : std::time(nullptr));
+}
+
+void MakeNmeaLogPath(ReceiverLink& link, std::time_t now) {
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    const char* folder = link.nmeaFolder.c_str();
+    const bool slash = !link.nmeaFolder.empty() && link.nmeaFolder.back() != '/';
+    std::lock_guard<std::mutex> g(link.recordLock);
+    const int n = std::snprintf(link.nmeaLogPath, sizeof link.nmeaLogPath,
+                                "%s%s%d%02d%02d%02d%02d%02d_NMEA0183.log", folder, slash ? "/" : "",
+                                local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                                local.tm_hour, local.tm_min, local.tm_sec);
+    // A folder too long for a path records nothing rather than somewhere else.
+    if (n < 0 || static_cast<std::size_t>(n) >= sizeof link.nmeaLogPath)
+        link.nmeaLogPath[0] = '\0';
+}
+
+void AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
+    const int fd = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    if (fd < 0)
+        return;
+    while (length > 0) {
+        const ssize_t n = ::write(fd, data, length);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;  // full disk or a vanished folder: the batch is lost
+        data += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    ::close(fd);
+}
+
+const char* LinkLossMessage(std::uint32_t reason) {
+    switch (reason) {
+        case kLossDeviceGone:
+            return "与GPS接收机连接断开！\n\n请检查GPS接收机状态并确定其在有效的范围内。";
+        case kLossTimeout:
+            return "接收GPS数据超时！\n\nGPS接收机也许出现故障需要重新启动。\n\n"
+                   "注意: 如果程序停止响应，请关闭GPS接收机，程序将恢复正常。";
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace satwalk::link

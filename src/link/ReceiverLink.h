@@ -1,0 +1,204 @@
+// The receiver link: one NMEA 0183 receiver on a tty (USB, ACM, rfcomm or a
+// pseudo-terminal), a reader thread that accumulates what arrives, and a
+// one-second watchdog tick that decides when the text is decoded, notices a
+// silent or vanished receiver and requests the periodic time sync.
+//
+// Threads
+//   - The owner's thread (the UI thread in the program, the main thread in
+//     satwalk-tool, the test itself) calls OpenPort, StartLink, StopLink and,
+//     once a second, LinkTimerProc.
+//   - The reader thread blocks in poll() on the port and on a wake-up
+//     descriptor. Each tick sets processPending and wakes it; the first read
+//     after the tick hands the accumulated text to the decoder. A burst that
+//     would overflow the 2,048-byte buffer is decoded at once (the bytes that
+//     do not fit are dropped). Nothing spins and nothing is allocated per
+//     batch.
+//
+// Standard library and POSIX only.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <ctime>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "GpsState.h"
+#include "NmeaDecoder.h"
+
+namespace satwalk::link {
+
+// The stop-GPS command the watchdog sends when it gives up the link.
+inline constexpr unsigned kStopGpsCommand = 40012;
+
+// Why the link ended (linkLossReason).
+inline constexpr std::uint32_t kLossNone = 0;
+inline constexpr std::uint32_t kLossDeviceGone = 1;  // hang-up, EIO/ENODEV/ENXIO
+inline constexpr std::uint32_t kLossTimeout = 2;     // 30 ticks without a byte
+
+inline constexpr std::uint32_t kNoDataTicksLimit = 30;
+inline constexpr std::uint32_t kTimeSyncEveryTicks = 10;
+
+inline constexpr std::size_t kBufferSize = 2048;  // accumulation buffer, NUL included
+inline constexpr std::size_t kReadSize = 1024;    // one read from the port
+inline constexpr int kStopWaitMs = 1000;          // bound on waiting for the reader
+
+// The baud rates a receiver can be set to, in the order the settings offer them.
+inline constexpr std::uint32_t kBaudRates[] = {4800, 9600, 14400, 19200, 38400, 57600};
+
+// Error codes kept as text in lastErrorCode.
+inline constexpr const char* kErrOpen = "0x08200a06";         // the port cannot be opened
+inline constexpr const char* kErrGetState = "0x08200a07";     // not a tty / settings unreadable
+inline constexpr const char* kErrSetState = "0x08200a08";     // line settings refused
+inline constexpr const char* kErrTimeouts = "0x08200a09";     // read timing (VMIN/VTIME) refused
+inline constexpr const char* kErrQueues = "0x08200a0b";       // non-blocking reads refused
+inline constexpr const char* kErrPurge = "0x08200a0c";        // flushing the queues failed
+inline constexpr const char* kErrTimer = "0x08200a0d";        // the watchdog cannot be started
+inline constexpr const char* kErrThread = "0x08200a0e";       // the reader cannot be started
+inline constexpr const char* kErrThreadClose = "0x08200a0f";  // the reader did not end in time
+
+// How the link reaches its owner. Every call is synchronous.
+class LinkSink {
+  public:
+    // A batch has been decoded into link.gps. Called on the reader thread;
+    // the reader waits until it returns, so the handler may read link.gps
+    // freely (the program makes this a blocking queued call into the UI
+    // thread).
+    virtual void OnGpsData() = 0;
+
+    // An RMC has resynchronised gps.fixTimeLocal. Called on the reader thread
+    // from inside the decoder, before the OnGpsData of the same batch.
+    virtual void OnGpsTime() = 0;
+
+    // The watchdog gives up the link (command 40012): linkLossReason is
+    // already set. Called on the ticking thread from inside LinkTimerProc,
+    // with link.lock held. The owner is expected to call StopLink, and may do
+    // so right here: StopLink does not take the lock, and a reader waiting
+    // for the lock gives up when it sees the stop.
+    virtual void OnStopCommand() = 0;
+
+  protected:
+    ~LinkSink() = default;
+};
+
+// The one-second watchdog timer, owned by whoever runs the link (a QTimer in
+// the program, a plain thread in satwalk-tool). StartLink starts it and
+// StopLink stops it; it calls LinkTimerProc every second. Optional: without
+// one, the owner drives the ticks (tests do so by hand).
+class LinkTimer {
+  public:
+    virtual bool Start() = 0;  // false: the timer cannot be created
+    // May be called from inside the tick itself (StopLink from OnStopCommand).
+    virtual void Stop() = 0;
+
+  protected:
+    ~LinkTimer() = default;
+};
+
+struct ReceiverLink {
+    ReceiverLink();
+    ~ReceiverLink();  // stops the link, closes the port, waits for the reader
+    ReceiverLink(const ReceiverLink&) = delete;
+    ReceiverLink& operator=(const ReceiverLink&) = delete;
+
+    // --- Configuration, set by the owner before OpenPort / StartLink ---
+    std::string portName;                  // "COM%d:" of the configured port, for display
+    std::string devicePath;                // the tty actually opened (see PortNames.h); when
+                                           // empty, portName resolves through the default map
+    std::uint32_t baudRate = 38400;        // one of kBaudRates
+    std::uint32_t byteSize = 8;            // data bits (5..8)
+    std::uint32_t parity = 0;              // 0 none, 1 odd, 2 even
+    std::uint32_t stopBits = 0;            // 0 one, 2 two (1, "1.5", is taken as two)
+    std::atomic<LinkSink*> sink{nullptr};  // null: batches recorded, not decoded
+    LinkTimer* timer = nullptr;            // null: ticks are driven by the owner
+
+    // NMEA recording: when recordNmea is set, StartLink names a new file in
+    // nmeaFolder and every batch is appended to it.
+    std::atomic<bool> recordNmea{false};
+    std::string nmeaFolder;
+    std::time_t (*clock)() = nullptr;  // the wall clock for file names; null: time()
+
+    // Reading the settings of a tty that is still settling is retried.
+    int stateAttempts = 15;
+    int stateRetryMs = 1000;
+
+    // --- State ---
+    int portFd = -1;                              // the open port
+    std::atomic<bool> portOpen{false};            // cleared when the watchdog closes the link
+    std::atomic<bool> running{false};             // started and not stopped
+    std::atomic<bool> stopRequested{false};       // tells the reader thread to end
+    std::atomic<bool> processPending{false};      // decode what has accumulated
+    std::atomic<bool> deviceGone{false};          // the reader saw a hang-up or EIO/ENODEV/ENXIO
+    std::atomic<std::uint32_t> noDataTicks{0};    // ticks since the last read with data
+    std::atomic<std::uint32_t> watchdogTicks{0};  // ticks towards the next time sync
+    std::atomic<std::uint32_t> linkLossReason{kLossNone};
+    std::atomic<bool> fixValid{false};  // gps.status was 'A' in the last batch
+
+    char buffer[kBufferSize] = {};               // accumulated text, NUL-terminated
+    std::atomic<std::uint32_t> bufferLength{0};  // characters in buffer
+    gps::GpsState gps;                           // written by the reader while decoding
+    gps::GsvAssembly gsvAssembly;
+
+    std::string lastErrorCode;    // text of the last link error, e.g. "0x08200a06"
+    char nmeaLogPath[4096] = {};  // the current recording file ("" = none)
+
+    // Guards noDataTicks and watchdogTicks across a tick and the watchdog's
+    // close of the port. Held for the whole of LinkTimerProc.
+    std::timed_mutex lock;
+
+    // --- Internals of the reader thread ---
+    int wakeFd = -1;                           // eventfd the watchdog and StopLink signal
+    std::atomic<bool> timeSyncRequest{false};  // applied to gps before the next decode
+    std::mutex recordLock;                     // nmeaLogPath against a change while recording
+    std::thread reader;
+    std::mutex readerMutex;
+    std::condition_variable readerEnded;  // also told when the reader starts listening
+    bool readerActive = false;            // guarded by readerMutex
+    bool readerListening = false;         // purged the port and waits; guarded by readerMutex
+};
+
+// Opens the port (devicePath, else portName through the default map) and
+// configures it: raw 8-bit input, the baud rate, byteSize/parity/stopBits,
+// no hardware handshake, DTR and RTS dropped, XON/XOFF both ways, reads that
+// return at once, both queues flushed. Returns 1, or 0 with lastErrorCode set
+// and the port closed.
+int OpenPort(ReceiverLink& link);
+
+// Names the recording file (when recordNmea is set), starts the watchdog
+// timer (when one is attached) and the reader thread, and returns once the
+// reader has purged the port and listens (bytes sent from then on are read).
+// Returns 1, or 0 with lastErrorCode set and the port closed.
+int StartLink(ReceiverLink& link);
+
+// Stops the timer and the reader (waiting at most 1,000 ms for it), closes
+// the port, resets the tick counters, running and fixValid. Returns
+// linkLossReason. Never hangs; callable from inside OnStopCommand. The
+// owner clears its own fix-time-known flag and alarm afterwards.
+std::uint32_t StopLink(ReceiverLink& link);
+
+// The reader thread's procedure (StartLink runs it).
+void ReaderThread(ReceiverLink& link);
+
+// The watchdog tick, once a second while the link runs: sets processPending
+// and wakes the reader, counts noDataTicks and watchdogTicks (a time sync is
+// requested every 10th tick), and gives up the link through
+// sink->OnStopCommand with reason 1 when the device has gone or reason 2
+// after 30 ticks without a byte. Does nothing while the link is not running.
+void LinkTimerProc(ReceiverLink& link);
+
+// Sets nmeaLogPath to "<nmeaFolder>/YYYYMMDDhhmmss_NMEA0183.log" from the
+// local time now (or `now` when given).
+void MakeNmeaLogPath(ReceiverLink& link);
+void MakeNmeaLogPath(ReceiverLink& link, std::time_t now);
+
+// Appends one batch to a recording file: open, append, close. Failures are
+// silent; at most this batch is lost.
+void AppendNmeaBatch(const char* path, const char* data, std::size_t length);
+
+// The message the program shows for a loss reason (strings 40096 and 40097,
+// UTF-8), or null for kLossNone.
+const char* LinkLossMessage(std::uint32_t reason);
+
+}  // namespace satwalk::link

@@ -1,0 +1,298 @@
+// The link end to end through a pseudo-terminal, with the watchdog ticked by
+// hand so that every decode moment is chosen by the test.
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "LinkTestSupport.h"
+#include "ReceiverLink.h"
+
+namespace satwalk::link::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+class LinkTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        link.devicePath = receiver.path();
+        link.baudRate = 9600;
+        link.sink = &sink;
+        ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
+        ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+    }
+
+    // Sends bytes and waits until the reader holds them (no tick involved).
+    void Feed(const std::string& bytes) {
+        const std::uint32_t before = link.bufferLength;
+        receiver.Send(bytes);
+        ASSERT_TRUE(WaitFor([&] { return link.bufferLength == before + bytes.size(); }))
+            << "buffered " << link.bufferLength << " of " << before + bytes.size();
+    }
+
+    // One watchdog tick, then waits for the batch it releases.
+    void TickAndDecode() {
+        const std::size_t before = sink.batches();
+        LinkTimerProc(link);
+        ASSERT_TRUE(sink.WaitBatches(before + 1));
+        // The reader records and empties its buffer after the handler.
+        ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
+    }
+
+    FakeReceiver receiver;
+    ReceiverLink link;
+    RecordingSink sink{link};
+};
+
+TEST_F(LinkTest, DecodesOnlyOnTheReadAfterATick) {
+    Feed(Rmc("3112.0001"));
+    std::this_thread::sleep_for(50ms);
+    EXPECT_EQ(sink.batches(), 0u) << "decoded before any tick";
+
+    TickAndDecode();
+    EXPECT_EQ(sink.latitude(0), "3112.0001");
+    EXPECT_TRUE(link.fixValid);
+
+    // Two epochs between ticks make one batch; the later one wins.
+    Feed(Rmc("3112.0002") + Rmc("3112.0003"));
+    TickAndDecode();
+    EXPECT_EQ(sink.batches(), 2u);
+    EXPECT_EQ(sink.latitude(1), "3112.0003");
+
+    // A tick with nothing collected decodes nothing, but its request stays:
+    // the next text is decoded as soon as it is read.
+    LinkTimerProc(link);
+    std::this_thread::sleep_for(50ms);
+    EXPECT_EQ(sink.batches(), 2u);
+    receiver.Send(Rmc("3112.0004"));
+    ASSERT_TRUE(sink.WaitBatches(3));
+    EXPECT_EQ(sink.latitude(2), "3112.0004");
+}
+
+TEST_F(LinkTest, RequestsATimeSyncEveryTenthTick) {
+    for (int tick = 1; tick <= 11; ++tick) {
+        Feed(Rmc("3112.0001", "1200" + std::to_string(10 + tick) + ".00"));
+        TickAndDecode();
+    }
+    std::vector<bool> expected(11, false);
+    expected[0] = true;  // a new fix starts with its sync requested
+    expected[9] = true;  // the tenth tick
+    EXPECT_EQ(sink.syncs(), expected);
+}
+
+TEST_F(LinkTest, SentenceStraddlingTwoDecodesIsLost) {
+    const std::string cut = Rmc("3112.0002");
+    Feed(Rmc("3112.0001") + cut.substr(0, 20));
+    TickAndDecode();
+    Feed(cut.substr(20) +
+         Sentence("GPGGA,120001.00,3112.0009,N,12128.0000,E,1,08,1.0,12.0,M,8.0,M,,"));
+    TickAndDecode();
+    EXPECT_EQ(sink.latitude(1), "3112.0001") << "the cut RMC was pieced together";
+    EXPECT_STREQ(link.gps.satellitesUsed, "08") << "the sentence after the cut was lost too";
+}
+
+TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
+    std::string burst;
+    for (int i = 0; burst.size() <= 2100; ++i) {
+        char lat[16];
+        std::snprintf(lat, sizeof lat, "3112.%04d", i);
+        burst += Rmc(lat);
+    }
+    const std::string dir = MakeTempDir();
+    link.nmeaFolder = dir;
+    link.recordNmea = true;
+    MakeNmeaLogPath(link);
+    std::vector<std::string> batches;
+    sink.onData = [&] { batches.emplace_back(link.buffer, link.bufferLength); };
+    receiver.Send(burst);
+    ASSERT_TRUE(sink.WaitBatches(1)) << "an overflow must decode without a tick";
+    // Whatever arrives after the overflow waits for the tick.
+    std::this_thread::sleep_for(50ms);
+    if (link.bufferLength > 0)
+        TickAndDecode();
+
+    ASSERT_GE(batches.size(), 1u);
+    EXPECT_LT(batches[0].size(), 2048u);
+    EXPECT_EQ(burst.compare(0, batches[0].size(), batches[0]), 0)
+        << "the first batch is not the start";
+    std::string all;
+    for (const std::string& b : batches) all += b;
+    EXPECT_LT(all.size(), burst.size()) << "nothing was dropped";
+    ASSERT_TRUE(WaitFor([&] { return ReadFile(link.nmeaLogPath).size() >= all.size(); }));
+    EXPECT_EQ(ReadFile(link.nmeaLogPath), all) << "recorded differs from what was decoded";
+    std::filesystem::remove_all(dir);
+}
+
+TEST_F(LinkTest, ThirtySilentTicksEndTheLinkWithReasonTwo) {
+    for (int i = 0; i < 20; ++i) LinkTimerProc(link);
+    receiver.Send(Rmc("3112.0001"));  // data resets the count
+    ASSERT_TRUE(WaitFor([&] { return link.noDataTicks == 0; }));
+    for (int i = 0; i < 29; ++i) LinkTimerProc(link);
+    EXPECT_EQ(sink.stopCommands, 0);
+    EXPECT_TRUE(link.running);
+
+    const auto start = std::chrono::steady_clock::now();
+    LinkTimerProc(link);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << "stop inside the tick hung";
+    EXPECT_EQ(sink.stopCommands, 1);
+    EXPECT_EQ(sink.stopResult, kLossTimeout);
+    EXPECT_FALSE(link.running);
+    EXPECT_EQ(link.portFd, -1);
+    LinkTimerProc(link);  // a late tick of a stopped link does nothing
+    EXPECT_EQ(sink.stopCommands, 1);
+}
+
+TEST_F(LinkTest, FarEndHangingUpEndsTheLinkWithReasonOne) {
+    Feed(Rmc("3112.0001"));
+    TickAndDecode();
+    receiver.HangUp();
+    ASSERT_TRUE(WaitFor([&] { return link.deviceGone.load(); }));
+    LinkTimerProc(link);
+    EXPECT_EQ(sink.stopCommands, 1);
+    EXPECT_EQ(sink.stopResult, kLossDeviceGone);
+}
+
+TEST_F(LinkTest, GiveUpWithoutAnOwnerStopStillClosesTheLink) {
+    sink.stopInsideTick = false;
+    receiver.HangUp();
+    LinkTimerProc(link);
+    EXPECT_EQ(sink.stopCommands, 1);
+    EXPECT_FALSE(link.portOpen);
+    LinkTimerProc(link);  // not given up twice
+    EXPECT_EQ(sink.stopCommands, 1);
+    EXPECT_EQ(StopLink(link), kLossDeviceGone);
+}
+
+TEST_F(LinkTest, SurvivesGarbageNulBytesAndEndlessLines) {
+    std::string garbage;
+    for (int i = 0; i < 3000; ++i) {
+        const char c = static_cast<char>((i * 37 + 11) & 0xff);
+        if (c != 0x11 && c != 0x13)
+            garbage += c;  // XON/XOFF belong to the line
+    }
+    receiver.Send(garbage);
+    receiver.Send(std::string(5000, 'x'));
+    receiver.Send(std::string("\0\0\0$GPRMC,\0", 11));
+    for (int i = 0; i < 5; ++i) {
+        LinkTimerProc(link);
+        std::this_thread::sleep_for(20ms);
+    }
+    receiver.Send(Rmc("3112.0042"));
+    LinkTimerProc(link);
+    ASSERT_TRUE(WaitFor([&] { return sink.latitude(sink.batches() - 1) == "3112.0042"; }));
+    EXPECT_TRUE(link.running);
+}
+
+TEST_F(LinkTest, StopNeverWaitsMoreThanItsBoundForABusyHandler) {
+    std::mutex gate;
+    std::unique_lock<std::mutex> held(gate);
+    std::atomic<bool> inHandler{false};
+    sink.onData = [&] {
+        inHandler = true;
+        std::lock_guard<std::mutex> g(gate);  // blocked until the test lets go
+    };
+    Feed(Rmc("3112.0001"));
+    LinkTimerProc(link);
+    ASSERT_TRUE(WaitFor([&] { return inHandler.load(); }));
+
+    const auto start = std::chrono::steady_clock::now();
+    StopLink(link);
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(waited, 1500ms);
+    EXPECT_GE(waited, 900ms);
+    EXPECT_EQ(link.lastErrorCode, kErrThreadClose);
+    held.unlock();
+    ASSERT_TRUE(sink.WaitBatches(1));
+
+    // The late reader ends by itself, and the link starts again.
+    FakeReceiver second;
+    link.devicePath = second.path();
+    sink.onData = nullptr;
+    ASSERT_EQ(OpenPort(link), 1);
+    ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+    second.Send(Rmc("3112.0005"));
+    ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
+    LinkTimerProc(link);
+    ASSERT_TRUE(sink.WaitBatches(2));
+    EXPECT_EQ(sink.latitude(1), "3112.0005");
+}
+
+struct OpenFailure {
+    const char* name;
+    std::string path;
+    std::uint32_t baud;
+    const char* code;
+};
+
+TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
+    FakeReceiver pty;
+    const std::string dir = MakeTempDir();
+    const std::string file = dir + "/plain";
+    std::ofstream(file) << "not a tty";
+    const OpenFailure cases[] = {
+        {"missing device", dir + "/ttyUSB9", 9600, kErrOpen},
+        {"a folder", dir, 9600, kErrOpen},
+        {"a plain file", file, 9600, kErrGetState},
+        {"a character device that is not a tty", "/dev/null", 9600, kErrGetState},
+        {"a baud rate not offered", pty.path(), 12345, kErrSetState},
+    };
+    for (const OpenFailure& c : cases) {
+        ReceiverLink link;
+        link.devicePath = c.path;
+        link.baudRate = c.baud;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(OpenPort(link), 0) << c.name;
+        EXPECT_EQ(link.lastErrorCode, c.code) << c.name;
+        EXPECT_EQ(link.portFd, -1) << c.name;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << c.name << " was retried";
+    }
+    std::filesystem::remove_all(dir);
+}
+
+TEST(OpenPortTest, SetsTheLineUpForEveryOfferedRate) {
+    for (const std::uint32_t baud : kBaudRates) {
+        FakeReceiver pty;
+        ReceiverLink link;
+        link.devicePath = pty.path();
+        link.baudRate = baud;
+        ASSERT_EQ(OpenPort(link), 1) << baud << " " << link.lastErrorCode;
+        termios tio{};
+        ASSERT_EQ(tcgetattr(link.portFd, &tio), 0);
+        EXPECT_EQ(tio.c_cflag & CSIZE, static_cast<tcflag_t>(CS8)) << baud;
+        EXPECT_EQ(tio.c_cflag & (PARENB | CSTOPB | CRTSCTS), 0u) << baud;
+        EXPECT_EQ(tio.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF)) << baud;
+        EXPECT_EQ(tio.c_lflag & (ICANON | ECHO), 0u) << baud;
+        EXPECT_EQ(tio.c_cc[VMIN], 0) << baud;
+        EXPECT_EQ(tio.c_cc[VTIME], 0) << baud;
+        EXPECT_NE(fcntl(link.portFd, F_GETFL) & O_NONBLOCK, 0) << baud;
+        if (baud != 14400) {
+            EXPECT_EQ(cfgetospeed(&tio), baud == 4800    ? B4800
+                                         : baud == 9600  ? B9600
+                                         : baud == 19200 ? B19200
+                                         : baud == 38400 ? B38400
+                                                         : B57600)
+                << baud;
+        }
+    }
+}
+
+TEST(OpenPortTest, TheSamePortCanBeOpenedAgainAfterAStop) {
+    FakeReceiver pty;
+    ReceiverLink link;
+    link.devicePath = pty.path();
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(OpenPort(link), 1) << round << " " << link.lastErrorCode;
+        ASSERT_EQ(StartLink(link), 1) << round;
+        EXPECT_EQ(StopLink(link), kLossNone);
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::link::test

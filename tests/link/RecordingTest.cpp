@@ -1,0 +1,145 @@
+// NMEA recording: file names from local time, the bytes exactly as read,
+// one file per start second, and recording without anyone to decode.
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "LinkTestSupport.h"
+#include "ReceiverLink.h"
+
+namespace satwalk::link::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+class RecordingTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        dir = MakeTempDir();
+        link.nmeaFolder = dir;
+        link.recordNmea = true;
+        link.clock = [] { return fixedNow; };
+    }
+    void TearDown() override { std::filesystem::remove_all(dir); }
+
+    void Start(FakeReceiver& receiver) {
+        link.devicePath = receiver.path();
+        ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
+        ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+    }
+
+    // Sends bytes, waits until the reader holds `held` characters, ticks and
+    // waits until the file has grown by them.
+    void SendAndRecord(FakeReceiver& receiver, const std::string& bytes, std::size_t held) {
+        const std::size_t before = ReadFile(link.nmeaLogPath).size();
+        receiver.Send(bytes);
+        ASSERT_TRUE(WaitFor([&] { return link.bufferLength == held; }));
+        LinkTimerProc(link);
+        ASSERT_TRUE(WaitFor([&] { return ReadFile(link.nmeaLogPath).size() == before + held; }));
+    }
+
+    static inline std::time_t fixedNow = 1173968730;  // 2007-03-15 14:25:30 UTC
+    std::string dir;
+    ReceiverLink link;
+};
+
+TEST(NmeaLogPathTest, NamesTheFileAfterTheLocalStartTime) {
+    const char* savedTz = std::getenv("TZ");
+    const std::string restore = savedTz ? savedTz : "";
+    struct Case {
+        const char* tz;
+        std::time_t now;
+        const char* folder;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"UTC0", 1173968730, "/rec", "/rec/20070315142530_NMEA0183.log"},
+        {"UTC0", 1173968730, "/rec/", "/rec/20070315142530_NMEA0183.log"},
+        {"CST-8", 1173968730, "/rec", "/rec/20070315222530_NMEA0183.log"},
+        {"CST-8", 946684799, "d", "d/20000101075959_NMEA0183.log"},  // next local day
+        {"UTC0", 0, "d", "d/19700101000000_NMEA0183.log"},
+    };
+    for (const Case& c : cases) {
+        setenv("TZ", c.tz, 1);
+        tzset();
+        ReceiverLink link;
+        link.nmeaFolder = c.folder;
+        MakeNmeaLogPath(link, c.now);
+        EXPECT_STREQ(link.nmeaLogPath, c.expected) << c.tz << " " << c.now;
+    }
+    if (savedTz)
+        setenv("TZ", restore.c_str(), 1);
+    else
+        unsetenv("TZ");
+    tzset();
+}
+
+TEST_F(RecordingTest, RecordsTheBytesExactlyAsRead) {
+    FakeReceiver receiver;
+    Start(receiver);
+    const std::string a = Rmc("3112.0001") + "\xb9\xfe garbage \xff\r\n";
+    const std::string b = "no line end";
+    const std::string c = Sentence("GPGSA,A,3,01,02,,,,,,,,,,,2.0,1.0,1.7");
+    SendAndRecord(receiver, a, a.size());
+    SendAndRecord(receiver, b, b.size());
+    SendAndRecord(receiver, c, c.size());
+    // Text after a NUL in a read is not taken, so it is not recorded either.
+    SendAndRecord(receiver, std::string("ab\0cd", 5), 2);
+    StopLink(link);
+    EXPECT_EQ(ReadFile(link.nmeaLogPath), a + b + c + "ab");
+    EXPECT_EQ(ListDir(dir).size(), 1u);
+}
+
+TEST_F(RecordingTest, TwoStartsInOneSecondAppendToOneFile) {
+    FakeReceiver receiver;
+    const std::string first = Rmc("3112.0001");
+    const std::string second = Rmc("3112.0002");
+    Start(receiver);
+    SendAndRecord(receiver, first, first.size());
+    StopLink(link);
+    Start(receiver);
+    SendAndRecord(receiver, second, second.size());
+    StopLink(link);
+    ASSERT_EQ(ListDir(dir).size(), 1u);
+    EXPECT_EQ(ReadFile(dir + "/" + ListDir(dir)[0]), first + second);
+
+    // A start a second later opens a new file.
+    ++fixedNow;
+    Start(receiver);
+    SendAndRecord(receiver, first, first.size());
+    StopLink(link);
+    EXPECT_EQ(ListDir(dir).size(), 2u);
+    --fixedNow;
+}
+
+TEST_F(RecordingTest, WithoutASinkBatchesAreRecordedButNotDecoded) {
+    FakeReceiver receiver;
+    Start(receiver);
+    const std::string text = Rmc("3112.0001");
+    SendAndRecord(receiver, text, text.size());
+    EXPECT_EQ(link.gps.status, 0);
+    EXPECT_STREQ(link.gps.latitude, "");
+    EXPECT_EQ(ReadFile(link.nmeaLogPath), text);
+}
+
+TEST_F(RecordingTest, AVanishedFolderLosesTheBatchButNotTheLink) {
+    FakeReceiver receiver;
+    RecordingSink sink(link);
+    link.sink = &sink;
+    link.nmeaFolder = dir + "/gone";
+    Start(receiver);
+    receiver.Send(Rmc("3112.0001"));
+    ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
+    LinkTimerProc(link);
+    ASSERT_TRUE(sink.WaitBatches(1));
+    EXPECT_EQ(sink.latitude(0), "3112.0001");
+    EXPECT_TRUE(ListDir(dir).empty());
+    EXPECT_TRUE(link.running);
+}
+
+}  // namespace
+}  // namespace satwalk::link::test

@@ -1,0 +1,181 @@
+// satwalk-tool log: the receiver link run headless. Prints the fix after
+// every decoded batch (the same JSON object as `decode`) and, when the link
+// ends, one line with the loss reason and the message the program shows.
+#include <signal.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <string>
+#include <string_view>
+
+#include "GpsJson.h"
+#include "ReceiverLink.h"
+#include "ThreadTimer.h"
+#include "ToolCommands.h"
+
+namespace satwalk::tools {
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: satwalk-tool log --port PATH [--baud N] [--record DIR] [--seconds S]\n"
+    "  Opens the receiver on PATH (a tty or pseudo-terminal) as the program\n"
+    "  does and prints one JSON object per decoded batch; when the receiver\n"
+    "  falls silent for 30 s or vanishes, prints the loss and exits 0.\n"
+    "  --baud N      4800, 9600, 14400, 19200, 38400 (default) or 57600\n"
+    "  --record DIR  record the raw stream into DIR as the program does\n"
+    "  --seconds S   stop after S seconds\n";
+
+void WriteAll(const std::string& data) {
+    const char* p = data.data();
+    std::size_t left = data.size();
+    while (left > 0) {
+        const ssize_t n = ::write(STDOUT_FILENO, p, left);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return;
+        p += n;
+        left -= static_cast<std::size_t>(n);
+    }
+}
+
+// Prints each batch; hands the stop command back to the main thread.
+class PrintingSink final : public link::LinkSink {
+  public:
+    explicit PrintingSink(link::ReceiverLink& l) : link_(l) { out_.reserve(16384); }
+
+    void OnGpsData() override {
+        ++batch_;
+        out_.clear();
+        out_ += "{\"batch\":";
+        char num[24];
+        out_.append(num, std::to_chars(num, num + sizeof num, batch_).ptr);
+        out_ += ",\"timeSync\":";
+        out_ += synced_ ? "true," : "false,";
+        gps::AppendGpsJsonMembers(out_, link_.gps, timeKnown_);
+        out_ += "}\n";
+        WriteAll(out_);
+        synced_ = false;
+    }
+
+    void OnGpsTime() override {
+        synced_ = true;
+        timeKnown_ = true;
+    }
+
+    void OnStopCommand() override {
+        link::StopLink(link_);
+        ::kill(::getpid(), SIGUSR1);
+    }
+
+  private:
+    link::ReceiverLink& link_;
+    std::string out_;
+    unsigned long batch_ = 0;
+    bool synced_ = false;
+    bool timeKnown_ = false;
+};
+
+bool ParseNumber(std::string_view text, unsigned long& out) {
+    const auto r = std::from_chars(text.data(), text.data() + text.size(), out);
+    return r.ec == std::errc() && r.ptr == text.data() + text.size();
+}
+
+}  // namespace
+
+int RunLog(int argc, char** argv) {
+    const char* port = nullptr;
+    const char* record = nullptr;
+    unsigned long baud = 38400;
+    unsigned long seconds = 0;
+    for (int i = 0; i < argc; ++i) {
+        const std::string_view arg = argv[i];
+        const bool takesValue =
+            arg == "--port" || arg == "--baud" || arg == "--record" || arg == "--seconds";
+        if (arg == "-h" || arg == "--help") {
+            std::fputs(kUsage, stdout);
+            return 0;
+        }
+        if (!takesValue) {
+            std::fprintf(stderr, "satwalk-tool log: unknown argument %s\n%s", argv[i], kUsage);
+            return 2;
+        }
+        if (i + 1 >= argc) {
+            std::fprintf(stderr, "satwalk-tool log: %s needs a value\n%s", argv[i], kUsage);
+            return 2;
+        }
+        const char* value = argv[++i];
+        if (arg == "--port") {
+            port = value;
+        } else if (arg == "--record") {
+            record = value;
+        } else if (!ParseNumber(value, arg == "--baud" ? baud : seconds) || baud > 0xffffffffUL) {
+            std::fprintf(stderr, "satwalk-tool log: %s needs a number\n%s", argv[i - 1], kUsage);
+            return 2;
+        }
+    }
+    if (port == nullptr) {
+        std::fprintf(stderr, "satwalk-tool log: --port is required\n%s", kUsage);
+        return 2;
+    }
+
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int s : {SIGINT, SIGTERM, SIGHUP, SIGUSR1}) sigaddset(&signals, s);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+
+    link::ReceiverLink receiver;
+    PrintingSink sink(receiver);
+    link::ThreadTimer timer([&receiver] { link::LinkTimerProc(receiver); },
+                            std::chrono::milliseconds(1000));
+    receiver.devicePath = port;
+    receiver.baudRate = static_cast<std::uint32_t>(baud);
+    receiver.sink = &sink;
+    receiver.timer = &timer;
+    if (record != nullptr) {
+        receiver.recordNmea = true;
+        receiver.nmeaFolder = record;
+    }
+
+    if (!link::OpenPort(receiver)) {
+        std::fprintf(stderr, "satwalk-tool log: cannot connect to the receiver on %s (%s)\n", port,
+                     receiver.lastErrorCode.c_str());
+        return 2;
+    }
+    if (!link::StartLink(receiver)) {
+        std::fprintf(stderr, "satwalk-tool log: cannot start the link on %s: %s\n", port,
+                     receiver.lastErrorCode.c_str());
+        return 2;
+    }
+
+    int received = 0;
+    if (seconds > 0) {
+        const timespec wait{static_cast<std::time_t>(seconds), 0};
+        received = sigtimedwait(&signals, nullptr, &wait);
+    } else {
+        sigwait(&signals, &received);
+    }
+    const std::uint32_t reason = link::StopLink(receiver);  // again after a loss: harmless
+    receiver.sink = nullptr;
+
+    std::string line = "{\"linkLossReason\":";
+    line += std::to_string(reason);
+    line += ",\"message\":";
+    if (const char* message = link::LinkLossMessage(reason)) {
+        gps::AppendJsonString(line, message);
+    } else {
+        line += "null";
+    }
+    line += "}\n";
+    WriteAll(line);
+    return 0;
+}
+
+}  // namespace satwalk::tools
