@@ -78,6 +78,44 @@ TEST_F(ScriptRunTest, CommandsKeysSnapshotsAndState) {
     EXPECT_FALSE(fs::exists(Path("options"))) << "neither a refused exit nor quit saves";
 }
 
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// A receiver replayed through a pseudo-terminal: the fix arrives, the speed
+// climbs 1 knot a second past the 50 km/h alarm, and stopping ends it all.
+TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
+    WriteScript(
+        "command 40045\n"
+        "wait 2200\n"
+        "state " + Path("early.json") + "\n"
+        "wait 5000\n"
+        "state " + Path("fast.json") + "\n"
+        "snapshot " + Path("fast.png") + "\n"
+        "key 0\n"
+        "state " + Path("stopped.json") + "\n"
+        "quit\n");
+    ASSERT_EQ(Run("--replay '" SATWALK_TEST_DATA "/speed-run.nmea' --replay-rate 5"), 0)
+        << Read("stderr.txt");
+    const std::string early = Read("early.json");
+    EXPECT_TRUE(Has(early, "\"linkRunning\":true")) << early;
+    EXPECT_TRUE(Has(early, "\"fixValid\":true")) << early;
+    EXPECT_TRUE(Has(early, "\"fixTimeKnown\":true")) << early;
+    EXPECT_TRUE(Has(early, "\"alarmPlaying\":false")) << early;
+    EXPECT_TRUE(Has(early, "\"latitude\":\"2232.1000\"")) << early;
+    EXPECT_TRUE(Has(early, "\"bluetoothReceiver\":true")) << "the replay leaves the settings alone";
+
+    const std::string fast = Read("fast.json");
+    EXPECT_TRUE(Has(fast, "\"alarmPlaying\":true")) << fast;
+    EXPECT_TRUE(Has(fast, "\"messages\":[]")) << fast;
+
+    const std::string stopped = Read("stopped.json");
+    EXPECT_TRUE(Has(stopped, "\"linkRunning\":false")) << stopped;
+    EXPECT_TRUE(Has(stopped, "\"alarmPlaying\":false")) << stopped;
+    EXPECT_TRUE(Has(stopped, "\"latitude\":\"\"")) << stopped;
+    EXPECT_TRUE(Has(stopped, "\"fixTimeLocal\":null")) << stopped;
+}
+
 TEST_F(ScriptRunTest, ConfirmedExitSavesTheOptions) {
     WriteScript("command 40049\ncommand 40003\n");
     ASSERT_EQ(Run(), 0) << Read("stderr.txt");

@@ -26,10 +26,8 @@
 #include "StateJson.h"
 #include "Strings.h"
 
-#ifdef SATWALK_HAVE_LINK
 #include "AppLink.h"
 #include "ReplayReceiver.h"
-#endif
 
 namespace {
 
@@ -136,27 +134,6 @@ long long MillisecondsSinceProcessStart() {
            static_cast<long long>(startTicks * 1000ULL / static_cast<unsigned long long>(hz));
 }
 
-#ifndef SATWALK_HAVE_LINK
-// Until the receiver link is part of the build: nothing can be opened.
-class NoLink : public shell::LinkControl {
-public:
-    bool RegisterBluetoothPort(std::uint64_t) override { return error_ = "0x08200a10", false; }
-    void SetComPort(std::uint32_t) override {}
-    void SetBaudRate(std::uint32_t) override {}
-    bool OpenPort() override { return error_ = "0x08200a06", false; }
-    bool StartLink() override { return false; }
-    int StopLink() override { return 0; }
-    bool Running() const override { return false; }
-    bool FixValid() const override { return false; }
-    std::string LastErrorCode() const override { return error_; }
-    gps::GpsState& Gps() override { return gps_; }
-    void Shutdown() {}
-
-private:
-    std::string error_;
-    gps::GpsState gps_;
-};
-#endif
 
 }  // namespace
 
@@ -204,7 +181,6 @@ int main(int argc, char** argv) {
     const shell::StorageFolders folders = shell::MakeStorageFolders(settings.storageRoot);
     shell::PrepareStorageFolders(folders);
 
-#ifdef SATWALK_HAVE_LINK
     app::AppLink link;
     link.SetNmeaFolder(folders.nmea);
     link.SetRecordNmea(settings.recordNmea != 0);
@@ -223,24 +199,16 @@ int main(int argc, char** argv) {
     } else if (!args.port.isEmpty()) {
         link.SetOverridePath(args.port.toStdString());
     }
-#else
-    NoLink link;
-    if (args.replay || !args.port.isEmpty()) {
-        std::fputs("satwalk: this build has no receiver link\n", stderr);
-    }
-#endif
 
     app::QtAlarmSound sound(DataFile("alarm.wav"));
     app::IdleInhibitor inhibitor;
     app::MainWindow window(settings, link, sound, &options, args.size, args.dpi);
     window.SetScriptMode(scriptMode);
     window.onBacklight = [&inhibitor](bool hold) { inhibitor.Hold(hold); };
-#ifdef SATWALK_HAVE_LINK
     link.AttachWindow(&window);
     // A port given for this run stands for the receiver; the saved choice of
     // receiver is left as it is.
     window.shell().forceComPort = link.HasOverride();
-#endif
     QObject::connect(&instance, &app::SingleInstance::raiseRequested, &window, [&window] {
         window.showNormal();
         window.raise();
