@@ -14,10 +14,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ReadOptionsBytes(std::span<const std::uint8_t>(data, size), record);
     ProgramSettings settings;
     SettingsFromRecord(record, settings);
-    if (settings.units > 2 || settings.baudIndex > 5) __builtin_trap();
+    if (settings.units > 2 || settings.baudIndex > 5)
+        __builtin_trap();
     RecordFromSettings(settings, record);
     ProgramSettings again;
     SettingsFromRecord(record, again);
-    if (again.storageRoot != settings.storageRoot) __builtin_trap();
+    if (again.storageRoot != settings.storageRoot)
+        __builtin_trap();
     return 0;
 }

@@ -8,7 +8,7 @@
 namespace satwalk::shell {
 
 struct MenuEntry {
-    int id = 0;              // command id; 0 for a sub-menu
+    int id = 0;  // command id; 0 for a sub-menu
     std::string text;
     bool enabled = true;
     bool checkable = false;  // carries a check or radio mark

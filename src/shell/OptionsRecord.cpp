@@ -28,7 +28,8 @@ void SetOptionDefaults(OptionsRecord& record) {
 
 void ReadOptionsBytes(std::span<const std::uint8_t> bytes, OptionsRecord& record) {
     const std::size_t n = bytes.size() < sizeof record ? bytes.size() : sizeof record;
-    if (n > 0) std::memcpy(&record, bytes.data(), n);
+    if (n > 0)
+        std::memcpy(&record, bytes.data(), n);
 }
 
 int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts,
@@ -36,16 +37,20 @@ int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts
     for (int attempt = 0; attempt < attempts; ++attempt) {
         const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
         if (fd < 0) {
-            if (errno == ENOENT || errno == ENOTDIR) return 0;
-            if (attempt + 1 < attempts) std::this_thread::sleep_for(retryDelay);
+            if (errno == ENOENT || errno == ENOTDIR)
+                return 0;
+            if (attempt + 1 < attempts)
+                std::this_thread::sleep_for(retryDelay);
             continue;
         }
         std::uint8_t buffer[kOptionsRecordSize];
         std::size_t got = 0;
         while (got < sizeof buffer) {
             const ssize_t r = ::read(fd, buffer + got, sizeof buffer - got);
-            if (r < 0 && errno == EINTR) continue;
-            if (r <= 0) break;
+            if (r < 0 && errno == EINTR)
+                continue;
+            if (r <= 0)
+                break;
             got += static_cast<std::size_t>(r);
         }
         ::close(fd);
@@ -60,7 +65,8 @@ int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int a
     for (int attempt = 0; attempt < attempts; ++attempt) {
         const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
         if (fd < 0) {
-            if (attempt + 1 < attempts) std::this_thread::sleep_for(retryDelay);
+            if (attempt + 1 < attempts)
+                std::this_thread::sleep_for(retryDelay);
             continue;
         }
         const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
@@ -68,14 +74,16 @@ int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int a
         bool ok = true;
         while (done < sizeof record) {
             const ssize_t w = ::write(fd, bytes + done, sizeof record - done);
-            if (w < 0 && errno == EINTR) continue;
+            if (w < 0 && errno == EINTR)
+                continue;
             if (w <= 0) {
                 ok = false;
                 break;
             }
             done += static_cast<std::size_t>(w);
         }
-        if (::close(fd) != 0) ok = false;
+        if (::close(fd) != 0)
+            ok = false;
         return ok ? 1 : 0;
     }
     return 0;
@@ -116,7 +124,8 @@ namespace {
 // Decodes one UTF-8 sequence at `i`; malformed bytes give U+FFFD.
 char32_t NextCodePoint(const std::string& s, std::size_t& i) {
     const auto b0 = static_cast<unsigned char>(s[i++]);
-    if (b0 < 0x80) return b0;
+    if (b0 < 0x80)
+        return b0;
     int extra = 0;
     char32_t c = 0;
     if ((b0 & 0xE0) == 0xC0) {
@@ -132,10 +141,12 @@ char32_t NextCodePoint(const std::string& s, std::size_t& i) {
         return 0xFFFD;
     }
     for (int k = 0; k < extra; ++k) {
-        if (i >= s.size() || (static_cast<unsigned char>(s[i]) & 0xC0) != 0x80) return 0xFFFD;
+        if (i >= s.size() || (static_cast<unsigned char>(s[i]) & 0xC0) != 0x80)
+            return 0xFFFD;
         c = (c << 6) | (static_cast<unsigned char>(s[i++]) & 0x3F);
     }
-    if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) return 0xFFFD;
+    if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
+        return 0xFFFD;
     return c;
 }
 
@@ -146,13 +157,16 @@ void Utf8ToWideSlot(const std::string& text, char16_t* slot, std::size_t chars) 
     std::size_t i = 0;
     while (i < text.size()) {
         const char32_t c = NextCodePoint(text, i);
-        if (c == 0) break;
+        if (c == 0)
+            break;
         if (c >= 0x10000) {
-            if (out + 2 >= chars) break;
+            if (out + 2 >= chars)
+                break;
             slot[out++] = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
             slot[out++] = static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
         } else {
-            if (out + 1 >= chars) break;
+            if (out + 1 >= chars)
+                break;
             slot[out++] = static_cast<char16_t>(c);
         }
     }

@@ -16,33 +16,33 @@ static_assert(std::endian::native == std::endian::little,
               "the options record is a little-endian memory image");
 
 inline constexpr std::size_t kOptionsRecordSize = 3720;
-inline constexpr std::size_t kPathChars = 260;      // wide characters per path slot
-inline constexpr std::size_t kNameChars = 256;      // wide characters of the receiver name
+inline constexpr std::size_t kPathChars = 260;  // wide characters per path slot
+inline constexpr std::size_t kNameChars = 256;  // wide characters of the receiver name
 inline constexpr int kRecentMapSlots = 5;
 
 struct OptionsRecord {
-    std::uint32_t showMap;              // 0
-    std::uint32_t showTrack;            // 4
-    std::uint32_t showReferencePoints;  // 8
-    std::uint32_t showPoi;              // 12
-    std::uint32_t bluetoothReceiver;    // 16
-    std::uint32_t baudIndex;            // 20
-    std::uint32_t comPort;              // 24
-    std::uint32_t trackLogOn;           // 28
-    std::uint32_t trackIntervalMs;      // 32
-    std::uint32_t speedAlarmLimit;      // 36
-    std::uint32_t speedAlarmOn;         // 40
-    std::uint32_t units;                // 44
-    std::uint8_t reserved[12];          // 48, kept as read
-    char16_t bluetoothName[kNameChars];  // 60
-    std::uint32_t unused572;            // 572, never set
-    std::uint64_t bluetoothAddress;     // 576
-    std::uint32_t autoBluetooth;        // 584
-    std::uint32_t backlightAlwaysOn;    // 588
-    std::uint32_t recordNmea;           // 592
-    char16_t storageLocation[kPathChars];               // 596
-    char16_t recentMaps[kRecentMapSlots][kPathChars];   // 1116
-    std::uint32_t unused3716;           // 3716, never set
+    std::uint32_t showMap;                             // 0
+    std::uint32_t showTrack;                           // 4
+    std::uint32_t showReferencePoints;                 // 8
+    std::uint32_t showPoi;                             // 12
+    std::uint32_t bluetoothReceiver;                   // 16
+    std::uint32_t baudIndex;                           // 20
+    std::uint32_t comPort;                             // 24
+    std::uint32_t trackLogOn;                          // 28
+    std::uint32_t trackIntervalMs;                     // 32
+    std::uint32_t speedAlarmLimit;                     // 36
+    std::uint32_t speedAlarmOn;                        // 40
+    std::uint32_t units;                               // 44
+    std::uint8_t reserved[12];                         // 48, kept as read
+    char16_t bluetoothName[kNameChars];                // 60
+    std::uint32_t unused572;                           // 572, never set
+    std::uint64_t bluetoothAddress;                    // 576
+    std::uint32_t autoBluetooth;                       // 584
+    std::uint32_t backlightAlwaysOn;                   // 588
+    std::uint32_t recordNmea;                          // 592
+    char16_t storageLocation[kPathChars];              // 596
+    char16_t recentMaps[kRecentMapSlots][kPathChars];  // 1116
+    std::uint32_t unused3716;                          // 3716, never set
 };
 
 static_assert(sizeof(OptionsRecord) == kOptionsRecordSize);

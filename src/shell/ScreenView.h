@@ -26,6 +26,8 @@ struct ScreenView {
 };
 
 // (15 x pixels per inch + 48) / 96: 15 at 96 dpi, 30 at 192 dpi.
-inline int BaseTextHeightForDpi(int dpi) { return (15 * dpi + 48) / 96; }
+inline int BaseTextHeightForDpi(int dpi) {
+    return (15 * dpi + 48) / 96;
+}
 
 }  // namespace satwalk::shell

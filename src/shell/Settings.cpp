@@ -13,7 +13,9 @@ bool InList(std::uint32_t value, const std::uint32_t (&list)[N]) {
     return std::find(std::begin(list), std::end(list), value) != std::end(list);
 }
 
-std::uint32_t Flag(std::uint32_t v) { return v != 0 ? 1u : 0u; }
+std::uint32_t Flag(std::uint32_t v) {
+    return v != 0 ? 1u : 0u;
+}
 
 std::string DropTrailingSlash(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
@@ -76,7 +78,8 @@ void RecordFromSettings(const ProgramSettings& s, OptionsRecord& r) {
 
 bool OptionsStore::LoadOptions(ProgramSettings& settings) {
     SetOptionDefaults(record_);
-    if (ReadOptionsFile(path_, record_, 5) == 0) return false;
+    if (ReadOptionsFile(path_, record_, 5) == 0)
+        return false;
     SettingsFromRecord(record_, settings);
     return true;
 }
@@ -101,10 +104,13 @@ std::string ResolveStorageRoot(const std::string& configured, const std::string&
     std::error_code ec;
     const std::string docs = DropTrailingSlash(documents);
     fs::create_directories(docs, ec);
-    if (configured.empty()) return docs;
+    if (configured.empty())
+        return docs;
     const std::string root = DropTrailingSlash(configured);
-    if (fs::exists(root, ec)) return root;
-    if (fs::create_directory(root, ec) && !ec) return root;
+    if (fs::exists(root, ec))
+        return root;
+    if (fs::create_directory(root, ec) && !ec)
+        return root;
     return docs;
 }
 
@@ -118,7 +124,8 @@ void PrepareStorageFolders(const StorageFolders& f) {
         return;
     }
     for (const std::string* p : {&f.referencePoints, &f.trackLog, &f.nmea}) {
-        if (!fs::exists(*p, ec)) fs::create_directory(*p, ec);
+        if (!fs::exists(*p, ec))
+            fs::create_directory(*p, ec);
     }
 }
 

@@ -29,10 +29,10 @@ struct ProgramSettings {
     std::uint32_t autoBluetooth = 0;
     std::uint32_t backlightAlwaysOn = 1;
     std::uint32_t recordNmea = 0;
-    std::string bluetoothName;              // receiver-name global
-    std::uint64_t bluetoothAddress = 0;     // receiver-address global
-    bool receiverConfigured = false;        // both of the above are set
-    std::string storageRoot;                // UTF-8 path; empty: documents folder
+    std::string bluetoothName;           // receiver-name global
+    std::uint64_t bluetoothAddress = 0;  // receiver-address global
+    bool receiverConfigured = false;     // both of the above are set
+    std::string storageRoot;             // UTF-8 path; empty: documents folder
     std::array<std::string, kRecentMapSlots> recentMaps;
 };
 
@@ -43,7 +43,7 @@ inline constexpr std::uint32_t kAlarmLimits[] = {50, 60, 70, 80, 90, 100, 110, 1
 // The options file: the record loaded at start-up is kept, so that bytes the
 // program does not interpret (reserved, unused) go back to the file as read.
 class OptionsStore {
-public:
+  public:
     explicit OptionsStore(std::string path) : path_(std::move(path)) {}
 
     // Defaults, then the file (5 attempts); when something was read, every
@@ -56,7 +56,7 @@ public:
     const std::string& path() const { return path_; }
     const OptionsRecord& record() const { return record_; }
 
-private:
+  private:
     std::string path_;
     OptionsRecord record_{};
 };

@@ -24,7 +24,7 @@ const char* MessageIconName(MessageIcon icon);
 
 // What the shell asks of the window and its timers.
 class ShellUi {
-public:
+  public:
     virtual MessageAnswer ShowMessage(const std::string& text, MessageIcon icon,
                                       MessageButtons buttons) = 0;
     virtual void Repaint() = 0;
@@ -35,14 +35,14 @@ public:
     virtual bool TrackTimerRunning() const = 0;
     virtual bool StartClockTimer() = 0;  // (re)starts the 1-second clock
     virtual void SetBacklightHold(bool hold) = 0;
-    virtual void CloseWindow() = 0;      // the end of a confirmed exit
-protected:
+    virtual void CloseWindow() = 0;  // the end of a confirmed exit
+  protected:
     ~ShellUi() = default;
 };
 
 // The receiver link as the shell drives it.
 class LinkControl {
-public:
+  public:
     // Registers a Bluetooth port for the receiver and makes it the port to
     // open. False with lastErrorCode() set when that fails.
     virtual bool RegisterBluetoothPort(std::uint64_t address) = 0;
@@ -56,12 +56,31 @@ public:
     virtual std::string LastErrorCode() const = 0;
     virtual gps::GpsState& Gps() = 0;
     const gps::GpsState& Gps() const { return const_cast<LinkControl*>(this)->Gps(); }
-protected:
+
+  protected:
     ~LinkControl() = default;
 };
 
-enum class Key { Digit0, Digit1, Digit2, Digit3, Digit4, Digit5, Digit6, Digit7, Digit8, Digit9,
-                 Star, Left, Right, Up, Down, Return, Escape, Back };
+enum class Key {
+    Digit0,
+    Digit1,
+    Digit2,
+    Digit3,
+    Digit4,
+    Digit5,
+    Digit6,
+    Digit7,
+    Digit8,
+    Digit9,
+    Star,
+    Left,
+    Right,
+    Up,
+    Down,
+    Return,
+    Escape,
+    Back
+};
 
 inline constexpr int kScreenGpsInfo = 0;
 inline constexpr int kScreenSkyPlot = 1;
@@ -72,7 +91,7 @@ inline constexpr int kScreenMap = 4;
 const char* ScreenName(int screen);
 
 class Shell {
-public:
+  public:
     Shell(ProgramSettings& settings, LinkControl& link, ShellUi& ui, AlarmSound& sound,
           OptionsStore* options);
 
@@ -84,9 +103,9 @@ public:
 
     void OnCommand(int id);
     void OnKeyDown(Key key);
-    void OnGpsData();   // WM_GPS_DATA
-    void OnGpsTime();   // WM_GPS_TIME
-    void OnClockTick(); // timer 1028: one second more on the fix clock
+    void OnGpsData();    // WM_GPS_DATA
+    void OnGpsTime();    // WM_GPS_TIME
+    void OnClockTick();  // timer 1028: one second more on the fix clock
     void OnBlinkTick();
 
     // The two drop-downs as they are at this moment.
@@ -110,7 +129,7 @@ public:
     bool forceComPort = false;
     std::string version = "0";
 
-private:
+  private:
     void StartGps();
     void StopGps();
     void Exit();

@@ -7,15 +7,19 @@ namespace satwalk::shell {
 double CurrentSpeed(const gps::GpsState& state, std::uint32_t units) {
     const double knots = gps::TextToDouble(state.speedKnots);
     switch (units) {
-        case 0: return knots * 1.85;
-        case 1: return knots * 1.152;
-        default: return knots;
+        case 0:
+            return knots * 1.85;
+        case 1:
+            return knots * 1.152;
+        default:
+            return knots;
     }
 }
 
 bool SpeedAlarm::Retry(bool (AlarmSound::*call)()) {
     for (int i = 0; i < attempts_; ++i) {
-        if ((sound_.*call)()) return true;
+        if ((sound_.*call)())
+            return true;
     }
     return false;
 }
@@ -43,7 +47,8 @@ void SpeedAlarm::CheckSpeedAlarm(double speed, bool alarmOn, std::uint32_t limit
 }
 
 void SpeedAlarm::Silence() {
-    if (!playing_) return;
+    if (!playing_)
+        return;
     playing_ = false;
     Retry(&AlarmSound::Stop);
 }

@@ -9,10 +9,10 @@ namespace satwalk::shell {
 
 // The sound behind the alarm. Each call says whether it succeeded.
 class AlarmSound {
-public:
+  public:
     virtual bool PlayLoop() = 0;  // start the alarm sound, looping
     virtual bool Stop() = 0;      // silence whatever plays
-protected:
+  protected:
     ~AlarmSound() = default;
 };
 
@@ -21,7 +21,7 @@ protected:
 double CurrentSpeed(const gps::GpsState& state, std::uint32_t units);
 
 class SpeedAlarm {
-public:
+  public:
     // `attempts` bounds how often a failing sound call is repeated at once.
     explicit SpeedAlarm(AlarmSound& sound, int attempts = 3) : sound_(sound), attempts_(attempts) {}
 
@@ -35,7 +35,7 @@ public:
 
     bool playing() const { return playing_; }
 
-private:
+  private:
     bool Retry(bool (AlarmSound::*call)());
 
     AlarmSound& sound_;

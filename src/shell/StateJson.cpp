@@ -7,7 +7,8 @@ namespace satwalk::shell {
 namespace {
 
 void Member(std::string& out, const char* name) {
-    if (out.size() > 1) out += ',';
+    if (out.size() > 1)
+        out += ',';
     gps::AppendJsonString(out, name);
     out += ':';
 }
@@ -61,7 +62,8 @@ std::string BuildStateJson(const Shell& shell, const StateExtras& extras) {
     Member(out, "messages");
     out += '[';
     for (std::size_t i = 0; i < extras.messages.size(); ++i) {
-        if (i > 0) out += ',';
+        if (i > 0)
+            out += ',';
         out += "{\"text\":";
         gps::AppendJsonString(out, extras.messages[i].text);
         out += ",\"icon\":";

@@ -53,14 +53,16 @@ static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),
 const char* LoadString(int id) {
     const auto* it = std::lower_bound(std::begin(kStrings), std::end(kStrings), id,
                                       [](const Entry& e, int key) { return e.id < key; });
-    if (it == std::end(kStrings) || it->id != id) return "";
+    if (it == std::end(kStrings) || it->id != id)
+        return "";
     return it->text;
 }
 
 std::string FormatString(const char* format, const std::string& argument) {
     std::string out = format;
     const std::size_t at = out.find("%s");
-    if (at != std::string::npos) out.replace(at, 2, argument);
+    if (at != std::string::npos)
+        out.replace(at, 2, argument);
     return out;
 }
 

@@ -10,16 +10,18 @@
 namespace satwalk::shell::testing {
 
 class FakeSound : public AlarmSound {
-public:
+  public:
     bool PlayLoop() override {
         ++playCalls;
-        if (failing) return false;
+        if (failing)
+            return false;
         looping = true;
         return true;
     }
     bool Stop() override {
         ++stopCalls;
-        if (failing) return false;
+        if (failing)
+            return false;
         looping = false;
         return true;
     }
@@ -30,11 +32,12 @@ public:
 };
 
 class FakeUi : public ShellUi {
-public:
+  public:
     MessageAnswer ShowMessage(const std::string& text, MessageIcon icon,
                               MessageButtons buttons) override {
         messages.emplace_back(text, icon);
-        if (buttons == MessageButtons::YesNo) return answerYes ? MessageAnswer::Yes : MessageAnswer::No;
+        if (buttons == MessageButtons::YesNo)
+            return answerYes ? MessageAnswer::Yes : MessageAnswer::No;
         return MessageAnswer::Ok;
     }
     void Repaint() override { ++repaints; }
@@ -63,7 +66,7 @@ public:
 };
 
 class FakeLink : public LinkControl {
-public:
+  public:
     bool RegisterBluetoothPort(std::uint64_t) override {
         error = "0x08200a10";
         return registerOk;
@@ -72,7 +75,8 @@ public:
     void SetBaudRate(std::uint32_t b) override { baud = b; }
     bool OpenPort() override {
         ++opens;
-        if (!openOk) error = "0x08200a06";
+        if (!openOk)
+            error = "0x08200a06";
         return openOk;
     }
     bool StartLink() override {

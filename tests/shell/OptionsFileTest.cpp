@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class OptionsFileTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         dir_ = fs::temp_directory_path() /
                ("satwalk-options-" + std::to_string(::getpid()) + "-" +
@@ -60,8 +60,8 @@ TEST_F(OptionsFileTest, FirstStartKeepsBuiltInValues) {
 
 TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
     std::vector<std::uint8_t> bytes(100, 0);
-    bytes[44] = 2;     // units: nautical
-    bytes[36] = 90;    // alarm limit
+    bytes[44] = 2;   // units: nautical
+    bytes[36] = 90;  // alarm limit
     WriteAll(bytes);
     ProgramSettings s;
     OptionsStore store(path_);
@@ -177,7 +177,8 @@ TEST(OptionsRecordTest, PathWithoutTerminatorIsCutAtItsSlot) {
 }
 
 TEST(StorageTest, FallsBackToDocumentsAndBuildsTheTree) {
-    const fs::path base = fs::temp_directory_path() / ("satwalk-storage-" + std::to_string(::getpid()));
+    const fs::path base =
+        fs::temp_directory_path() / ("satwalk-storage-" + std::to_string(::getpid()));
     fs::remove_all(base);
     const std::string docs = (base / "Documents").string();
     // A root on a volume that is gone cannot be created.

@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class ScriptRunTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         dir_ = fs::temp_directory_path() /
                ("satwalk-e2e-" + std::to_string(::getpid()) + "-" +
@@ -31,10 +31,11 @@ protected:
     void WriteScript(const std::string& text) const { std::ofstream(Path("script.txt")) << text; }
 
     std::string Command(const std::string& extra = {}) const {
-        return "env QT_QPA_PLATFORM=offscreen HOME='" + Path("home") +
-               "' XDG_CONFIG_HOME='" + Path("home/.config") + "' SATWALK_INSTANCE_NAME='satwalk-test-" +
+        return "env QT_QPA_PLATFORM=offscreen HOME='" + Path("home") + "' XDG_CONFIG_HOME='" +
+               Path("home/.config") + "' SATWALK_INSTANCE_NAME='satwalk-test-" +
                std::to_string(::getpid()) + "' '" SATWALK_BINARY "' --options '" + Path("options") +
-               "' --script '" + Path("script.txt") + "' " + extra + " 2>'" + Path("stderr.txt") + "'";
+               "' --script '" + Path("script.txt") + "' " + extra + " 2>'" + Path("stderr.txt") +
+               "'";
     }
 
     int Run(const std::string& extra = {}) const {
@@ -58,11 +59,15 @@ TEST_F(ScriptRunTest, CommandsKeysSnapshotsAndState) {
         "key right\n"
         "command 40019\n"
         "command 40058\n"
-        "snapshot " + Path("speedometer.png") + "\n"
+        "snapshot " +
+        Path("speedometer.png") +
+        "\n"
         "command 40011\n"
         "answer no\n"
         "command 40003\n"
-        "state " + Path("state.json") + "\n"
+        "state " +
+        Path("state.json") +
+        "\n"
         "quit\n");
     ASSERT_EQ(Run(), 0) << Read("stderr.txt");
     const std::string state = Read("state.json");
@@ -88,12 +93,20 @@ TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
     WriteScript(
         "command 40045\n"
         "wait 2200\n"
-        "state " + Path("early.json") + "\n"
+        "state " +
+        Path("early.json") +
+        "\n"
         "wait 5000\n"
-        "state " + Path("fast.json") + "\n"
-        "snapshot " + Path("fast.png") + "\n"
+        "state " +
+        Path("fast.json") +
+        "\n"
+        "snapshot " +
+        Path("fast.png") +
+        "\n"
         "key 0\n"
-        "state " + Path("stopped.json") + "\n"
+        "state " +
+        Path("stopped.json") +
+        "\n"
         "quit\n");
     ASSERT_EQ(Run("--replay '" SATWALK_TEST_DATA "/speed-run.nmea' --replay-rate 5"), 0)
         << Read("stderr.txt");
@@ -136,12 +149,14 @@ TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
     std::thread first([this] { EXPECT_EQ(Run("--single-instance"), 0); });
     std::this_thread::sleep_for(std::chrono::milliseconds(700));
     const auto started = std::chrono::steady_clock::now();
-    const std::string second = "env QT_QPA_PLATFORM=offscreen SATWALK_INSTANCE_NAME='satwalk-test-" +
-                               std::to_string(::getpid()) + "' '" SATWALK_BINARY "' 2>/dev/null";
+    const std::string second =
+        "env QT_QPA_PLATFORM=offscreen SATWALK_INSTANCE_NAME='satwalk-test-" +
+        std::to_string(::getpid()) + "' '" SATWALK_BINARY "' 2>/dev/null";
     EXPECT_EQ(std::system(second.c_str()), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(1));
     first.join();
-    EXPECT_NE(Read("state.json").find("\"raiseRequests\":1"), std::string::npos) << Read("state.json");
+    EXPECT_NE(Read("state.json").find("\"raiseRequests\":1"), std::string::npos)
+        << Read("state.json");
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ using testing::FakeSound;
 using testing::FakeUi;
 
 class ShellTest : public ::testing::Test {
-protected:
+  protected:
     ShellTest() : shell(settings, link, ui, sound, nullptr) {
         settings.bluetoothReceiver = 0;
         settings.comPort = 3;
@@ -140,7 +140,8 @@ TEST_F(ShellTest, StopReportsLossReason) {
         ui.messages.clear();
         shell.OnCommand(cmd::kStopGps);
         ASSERT_EQ(ui.messages.size(), 1u);
-        EXPECT_EQ(ui.messages[0].first, LoadString(reason == 1 ? kStrConnectionLost : kStrDataTimeout));
+        EXPECT_EQ(ui.messages[0].first,
+                  LoadString(reason == 1 ? kStrConnectionLost : kStrDataTimeout));
         EXPECT_EQ(ui.messages[0].second, MessageIcon::Error);
     }
 }
@@ -180,13 +181,11 @@ TEST_F(ShellTest, AlarmFollowsTheSpeed) {
         bool playing;
     };
     const Step steps[] = {
-        {"27.0", 0, false},  // 49.95 km/h
-        {"27.1", 0, true},   // 50.135 km/h
-        {"30.0", 0, true},
-        {"30.0", 2, false},  // 30 knots against a limit of 50
-        {"50.0", 2, true},
-        {"43.5", 1, true},   // 50.112 MPH
-        {"", 0, false},      // empty reads as 0
+        {"27.0", 0, false},                      // 49.95 km/h
+        {"27.1", 0, true},                       // 50.135 km/h
+        {"30.0", 0, true},  {"30.0", 2, false},  // 30 knots against a limit of 50
+        {"50.0", 2, true},  {"43.5", 1, true},   // 50.112 MPH
+        {"", 0, false},                          // empty reads as 0
     };
     for (const Step& s : steps) {
         settings.units = s.units;
@@ -242,7 +241,8 @@ TEST(CurrentSpeedTest, Factors) {
 
 TEST_F(ShellTest, ExitSavesOnlyOnYes) {
     namespace fs = std::filesystem;
-    const fs::path path = fs::temp_directory_path() / ("satwalk-exit-" + std::to_string(::getpid()));
+    const fs::path path =
+        fs::temp_directory_path() / ("satwalk-exit-" + std::to_string(::getpid()));
     fs::remove(path);
     OptionsStore store(path.string());
     store.LoadOptions(settings);
@@ -298,7 +298,7 @@ TEST_F(ShellTest, MenuMarks) {
         bool checked;
     };
     const Case cases[] = {
-        {&menu, cmd::kAlarm50 + 2, true}, {&menu, cmd::kAlarmOff, false},
+        {&menu, cmd::kAlarm50 + 2, true},  {&menu, cmd::kAlarmOff, false},
         {&menu, cmd::kTrack10s + 2, true}, {&menu, cmd::kTrack10s, false},
         {&menu, cmd::kNautical, true},     {&menu, cmd::kMetric, false},
         {&view, cmd::kCompass, true},      {&view, cmd::kGpsInfo, false},
@@ -319,17 +319,33 @@ TEST_F(ShellTest, MenuMarks) {
 TEST_F(ShellTest, MenuTexts) {
     const std::string view = DescribeMenu(shell.BuildViewMenu());
     const std::string menu = DescribeMenu(shell.BuildMainMenu());
-    for (const char* text : {"视图 >", "40059 GPS 信息\t[1]", "卫星 >", "40013 卫星图\t[2]",
-                             "40014 卫星数据\t[3]", "40029 世界地图\t[4]", "40031 显示载入地图",
-                             "40053 显示参照点", "40032 显示轨迹", "40033 显示 POI",
-                             "40016 指南针\t[6]", "40015 时速\t[7]"}) {
+    for (const char* text :
+         {"视图 >", "40059 GPS 信息\t[1]", "卫星 >", "40013 卫星图\t[2]", "40014 卫星数据\t[3]",
+          "40029 世界地图\t[4]", "40031 显示载入地图", "40053 显示参照点", "40032 显示轨迹",
+          "40033 显示 POI", "40016 指南针\t[6]", "40015 时速\t[7]"}) {
         EXPECT_NE(view.find(text), std::string::npos) << text;
     }
-    for (const char* text : {"菜单 >", "40043 GPS 设置\t[*]", "最近载入地图 >", "40038 设置参照点 5",
-                             "POI >", "40042 导入 POI", "40068 全部删除", "40058 间隔 60s",
-                             "40039 保存轨迹记录", "40040 查看轨迹记录", "时速警报 >", "40044 关闭",
-                             "40052 120", "40017 米制", "40018 英制", "40019 海里", "40197 选项",
-                             "帮助 >", "40201 用户手册", "40006 关于", "40003 退出"}) {
+    for (const char* text : {"菜单 >",
+                             "40043 GPS 设置\t[*]",
+                             "最近载入地图 >",
+                             "40038 设置参照点 5",
+                             "POI >",
+                             "40042 导入 POI",
+                             "40068 全部删除",
+                             "40058 间隔 60s",
+                             "40039 保存轨迹记录",
+                             "40040 查看轨迹记录",
+                             "时速警报 >",
+                             "40044 关闭",
+                             "40052 120",
+                             "40017 米制",
+                             "40018 英制",
+                             "40019 海里",
+                             "40197 选项",
+                             "帮助 >",
+                             "40201 用户手册",
+                             "40006 关于",
+                             "40003 退出"}) {
         EXPECT_NE(menu.find(text), std::string::npos) << text;
     }
 }

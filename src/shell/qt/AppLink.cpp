@@ -17,18 +17,22 @@ AppLink::AppLink() {
     connect(&watchdog_, &QTimer::timeout, this, [this] { link::LinkTimerProc(link_); });
 }
 
-AppLink::~AppLink() { Shutdown(); }
+AppLink::~AppLink() {
+    Shutdown();
+}
 
 void AppLink::Shutdown() {
     closing_ = true;
-    if (link_.running) link::StopLink(link_);
+    if (link_.running)
+        link::StopLink(link_);
     // A reader caught in a blocking call to this thread is let through.
     QElapsedTimer t;
     t.start();
     while (t.elapsed() < 1200) {
         {
             std::lock_guard<std::mutex> guard(link_.readerMutex);
-            if (!link_.readerActive) break;
+            if (!link_.readerActive)
+                break;
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
@@ -45,14 +49,18 @@ void AppLink::SetComPort(std::uint32_t comPort) {
     link_.devicePath = link::ResolvePortName(link_.portName, portMap_, overridePath_);
 }
 
-bool AppLink::OpenPort() { return link::OpenPort(link_) == 1; }
+bool AppLink::OpenPort() {
+    return link::OpenPort(link_) == 1;
+}
 
 bool AppLink::StartLink() {
     closing_ = false;
     return link::StartLink(link_) == 1;
 }
 
-int AppLink::StopLink() { return static_cast<int>(link::StopLink(link_)); }
+int AppLink::StopLink() {
+    return static_cast<int>(link::StopLink(link_));
+}
 
 bool AppLink::Start() {
     watchdog_.start();
@@ -60,7 +68,8 @@ bool AppLink::Start() {
 }
 
 void AppLink::OnGpsData() {
-    if (window_ == nullptr || closing_ || link_.stopRequested) return;
+    if (window_ == nullptr || closing_ || link_.stopRequested)
+        return;
     // The reader waits until the window has handled the batch.
     QMetaObject::invokeMethod(window_, &MainWindow::HandleGpsData,
                               QThread::currentThread() == window_->thread()
@@ -69,7 +78,8 @@ void AppLink::OnGpsData() {
 }
 
 void AppLink::OnGpsTime() {
-    if (window_ == nullptr || closing_ || link_.stopRequested) return;
+    if (window_ == nullptr || closing_ || link_.stopRequested)
+        return;
     QMetaObject::invokeMethod(window_, &MainWindow::HandleGpsTime,
                               QThread::currentThread() == window_->thread()
                                   ? Qt::DirectConnection
@@ -79,7 +89,8 @@ void AppLink::OnGpsTime() {
 void AppLink::OnStopCommand() {
     // Runs inside the watchdog tick with the link's lock held; the stop
     // command (and its message box) runs right after the tick.
-    if (window_ == nullptr) return;
+    if (window_ == nullptr)
+        return;
     QMetaObject::invokeMethod(
         window_, [w = window_] { w->shell().OnCommand(shell::cmd::kStopGps); },
         Qt::QueuedConnection);

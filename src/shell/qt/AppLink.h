@@ -10,17 +10,19 @@
 #include <memory>
 #include <string>
 
-#include "ReceiverLink.h"
 #include "PortNames.h"
+#include "ReceiverLink.h"
 #include "Shell.h"
 
 namespace satwalk::app {
 
 class MainWindow;
 
-class AppLink : public QObject, public shell::LinkControl, public link::LinkSink,
+class AppLink : public QObject,
+                public shell::LinkControl,
+                public link::LinkSink,
                 public link::LinkTimer {
-public:
+  public:
     AppLink();
     ~AppLink() override;
 
@@ -57,7 +59,7 @@ public:
     bool Start() override;
     void Stop() override { watchdog_.stop(); }
 
-private:
+  private:
     link::ReceiverLink link_;
     link::PortMap portMap_;
     std::string overridePath_;

@@ -37,7 +37,8 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     clockTimer_.setInterval(1000);
     connect(&clockTimer_, &QTimer::timeout, this, [this] { shell_.OnClockTick(); });
     connect(&trackTimer_, &QTimer::timeout, this, [this] {
-        if (onTrackTick) onTrackTick();
+        if (onTrackTick)
+            onTrackTick();
     });
 }
 
@@ -61,8 +62,12 @@ shell::ScreenView MainWindow::CurrentView() const {
 
 // ---- receiver messages ----
 
-void MainWindow::HandleGpsData() { shell_.OnGpsData(); }
-void MainWindow::HandleGpsTime() { shell_.OnGpsTime(); }
+void MainWindow::HandleGpsData() {
+    shell_.OnGpsData();
+}
+void MainWindow::HandleGpsTime() {
+    shell_.OnGpsTime();
+}
 
 // ---- ShellUi ----
 
@@ -84,20 +89,30 @@ MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
     box.setWindowTitle(QString::fromUtf8(shell::LoadString(shell::kStrCaption)));
     box.setText(QString::fromUtf8(text.c_str()));
     switch (icon) {
-        case MessageIcon::Error: box.setIcon(QMessageBox::Critical); break;
-        case MessageIcon::Information: box.setIcon(QMessageBox::Information); break;
-        case MessageIcon::Question: box.setIcon(QMessageBox::Question); break;
-        case MessageIcon::Exclamation: box.setIcon(QMessageBox::Warning); break;
+        case MessageIcon::Error:
+            box.setIcon(QMessageBox::Critical);
+            break;
+        case MessageIcon::Information:
+            box.setIcon(QMessageBox::Information);
+            break;
+        case MessageIcon::Question:
+            box.setIcon(QMessageBox::Question);
+            break;
+        case MessageIcon::Exclamation:
+            box.setIcon(QMessageBox::Warning);
+            break;
     }
     box.setStandardButtons(question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
     const int result = box.exec();
-    if (!question) return MessageAnswer::Ok;
+    if (!question)
+        return MessageAnswer::Ok;
     return result == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
 }
 
 void MainWindow::Repaint() {
     // Invalidate and update at once.
-    if (isVisible()) repaint();
+    if (isVisible())
+        repaint();
 }
 
 bool MainWindow::StartTrackTimer(std::uint32_t periodMs) {
@@ -112,7 +127,8 @@ bool MainWindow::StartClockTimer() {
 }
 
 void MainWindow::SetBacklightHold(bool hold) {
-    if (onBacklight) onBacklight(hold);
+    if (onBacklight)
+        onBacklight(hold);
 }
 
 void MainWindow::CloseWindow() {
@@ -139,7 +155,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 void MainWindow::PaintScreenImage() {
     const shell::ScreenView view = CurrentView();
     const QSize size(std::max(1, view.right - view.left), std::max(1, view.bottom - view.top));
-    if (screenImage_.size() != size) screenImage_ = QImage(size, QImage::Format_RGB32);
+    if (screenImage_.size() != size)
+        screenImage_ = QImage(size, QImage::Format_RGB32);
     QPainter p(&screenImage_);
     if (painter_) {
         painter_(p, view);
@@ -176,11 +193,14 @@ void MainWindow::paintEvent(QPaintEvent*) {
     p.end();
     if (!firstFramePainted_) {
         firstFramePainted_ = true;
-        if (onFirstFrame) QTimer::singleShot(0, this, onFirstFrame);
+        if (onFirstFrame)
+            QTimer::singleShot(0, this, onFirstFrame);
     }
 }
 
-void MainWindow::resizeEvent(QResizeEvent*) { update(); }
+void MainWindow::resizeEvent(QResizeEvent*) {
+    update();
+}
 
 void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
     const QRect r(view.left, view.top, view.right - view.left, view.bottom - view.top);
@@ -194,7 +214,8 @@ void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
     const char* name = shell::ScreenName(view.currentScreen);
     p.drawText(QRect(r.left(), r.top() + b, r.width(), b * 3), Qt::AlignCenter,
                QString::fromUtf8(name));
-    if (view.gps == nullptr || view.settings == nullptr) return;
+    if (view.gps == nullptr || view.settings == nullptr)
+        return;
 
     const gps::GpsState& g = *view.gps;
     double lat = 0;
@@ -203,13 +224,15 @@ void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
     static const char* const kUnits[] = {"km/h", "MPH", "kts"};
     const std::uint32_t units = view.settings->units <= 2 ? view.settings->units : 0;
     const QStringList lines = {
-        view.linkRunning ? (view.fixValid ? QStringLiteral("GPS: 定位") : QStringLiteral("GPS: 搜索中"))
-                         : QStringLiteral("GPS: 关闭"),
+        view.linkRunning
+            ? (view.fixValid ? QStringLiteral("GPS: 定位") : QStringLiteral("GPS: 搜索中"))
+            : QStringLiteral("GPS: 关闭"),
         QStringLiteral("%1 %2").arg(shell::CurrentSpeed(g, units), 0, 'f', 1).arg(kUnits[units]),
         QStringLiteral("%1, %2").arg(lat, 0, 'f', 5).arg(lon, 0, 'f', 5),
-        QStringLiteral("UTC %1  %2").arg(QString::fromLatin1(g.utcTime), QString::fromLatin1(g.date)),
-        QStringLiteral("卫星 %1 / %2").arg(QString::fromLatin1(g.satellitesUsed),
-                                         QString::fromLatin1(g.satellitesInView)),
+        QStringLiteral("UTC %1  %2")
+            .arg(QString::fromLatin1(g.utcTime), QString::fromLatin1(g.date)),
+        QStringLiteral("卫星 %1 / %2")
+            .arg(QString::fromLatin1(g.satellitesUsed), QString::fromLatin1(g.satellitesInView)),
     };
     f.setPixelSize(b);
     f.setBold(false);
@@ -222,8 +245,9 @@ void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
     }
     if (view.settings->speedAlarmOn != 0) {
         p.setPen(QColor(200, 30, 30));
-        p.drawText(QRect(r.left(), y + b, r.width(), b * 3 / 2), Qt::AlignCenter,
-                   QStringLiteral("警报 %1 %2").arg(view.settings->speedAlarmLimit).arg(kUnits[units]));
+        p.drawText(
+            QRect(r.left(), y + b, r.width(), b * 3 / 2), Qt::AlignCenter,
+            QStringLiteral("警报 %1 %2").arg(view.settings->speedAlarmLimit).arg(kUnits[units]));
     }
 }
 
@@ -232,20 +256,38 @@ void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
 void MainWindow::keyPressEvent(QKeyEvent* event) {
     std::optional<Key> key;
     const int k = event->key();
-    if (k >= Qt::Key_0 && k <= Qt::Key_9) key = static_cast<Key>(static_cast<int>(Key::Digit0) + (k - Qt::Key_0));
+    if (k >= Qt::Key_0 && k <= Qt::Key_9)
+        key = static_cast<Key>(static_cast<int>(Key::Digit0) + (k - Qt::Key_0));
     switch (k) {
         case Qt::Key_Asterisk:
-        case Qt::Key_F8: key = Key::Star; break;
-        case Qt::Key_Left: key = Key::Left; break;
-        case Qt::Key_Right: key = Key::Right; break;
-        case Qt::Key_Up: key = Key::Up; break;
-        case Qt::Key_Down: key = Key::Down; break;
+        case Qt::Key_F8:
+            key = Key::Star;
+            break;
+        case Qt::Key_Left:
+            key = Key::Left;
+            break;
+        case Qt::Key_Right:
+            key = Key::Right;
+            break;
+        case Qt::Key_Up:
+            key = Key::Up;
+            break;
+        case Qt::Key_Down:
+            key = Key::Down;
+            break;
         case Qt::Key_Return:
-        case Qt::Key_Enter: key = Key::Return; break;
-        case Qt::Key_Escape: key = Key::Escape; break;
+        case Qt::Key_Enter:
+            key = Key::Return;
+            break;
+        case Qt::Key_Escape:
+            key = Key::Escape;
+            break;
         case Qt::Key_Backspace:
-        case Qt::Key_Back: key = Key::Back; break;
-        default: break;
+        case Qt::Key_Back:
+            key = Key::Back;
+            break;
+        default:
+            break;
     }
     if (!key) {
         QWidget::keyPressEvent(event);
@@ -279,7 +321,8 @@ void MainWindow::PopulateMenu(QMenu* menu, const shell::MenuEntry& entry) {
             a->setCheckable(true);
             a->setChecked(e.checked);
             if (e.radio) {
-                if (group == nullptr) group = new QActionGroup(menu);
+                if (group == nullptr)
+                    group = new QActionGroup(menu);
                 group->addAction(a);
             } else {
                 group = nullptr;
@@ -288,8 +331,9 @@ void MainWindow::PopulateMenu(QMenu* menu, const shell::MenuEntry& entry) {
             group = nullptr;
         }
         const int id = e.id;
-        connect(a, &QAction::triggered, this, [this, id] { shell_.OnCommand(id); },
-                Qt::QueuedConnection);
+        connect(
+            a, &QAction::triggered, this, [this, id] { shell_.OnCommand(id); },
+            Qt::QueuedConnection);
     }
 }
 

@@ -11,8 +11,8 @@
 #include <optional>
 #include <vector>
 
-#include "Shell.h"
 #include "ScreenView.h"
+#include "Shell.h"
 #include "StateJson.h"
 
 class QMenu;
@@ -21,13 +21,13 @@ namespace satwalk::app {
 
 class MainWindow : public QWidget, public shell::ShellUi {
     Q_OBJECT
-public:
+  public:
     // Paints one screen into the off-screen image. The image covers the
     // screen area only; view gives its rectangle and what is shown.
     using ScreenPainter = std::function<void(QPainter&, const shell::ScreenView&)>;
 
-    MainWindow(shell::ProgramSettings& settings, shell::LinkControl& link,
-               shell::AlarmSound& sound, shell::OptionsStore* options, QSize clientSize, int dpi);
+    MainWindow(shell::ProgramSettings& settings, shell::LinkControl& link, shell::AlarmSound& sound,
+               shell::OptionsStore* options, QSize clientSize, int dpi);
 
     shell::Shell& shell() { return shell_; }
     void SetScreenPainter(ScreenPainter painter) { painter_ = std::move(painter); }
@@ -50,11 +50,11 @@ public:
     // Track sampling, once the track log exists.
     std::function<void()> onTrackTick;
 
-public slots:
+  public slots:
     void HandleGpsData();  // WM_GPS_DATA
     void HandleGpsTime();  // WM_GPS_TIME
 
-public:
+  public:
     // shell::ShellUi
     shell::MessageAnswer ShowMessage(const std::string& text, shell::MessageIcon icon,
                                      shell::MessageButtons buttons) override;
@@ -68,14 +68,14 @@ public:
     void SetBacklightHold(bool hold) override;
     void CloseWindow() override;
 
-protected:
+  protected:
     void paintEvent(QPaintEvent*) override;
     void resizeEvent(QResizeEvent*) override;
     void keyPressEvent(QKeyEvent*) override;
     void mousePressEvent(QMouseEvent*) override;
     void closeEvent(QCloseEvent*) override;
 
-private:
+  private:
     void PaintScreenImage();
     void PaintSoftKeyBar(QPainter& p);
     void PopulateMenu(QMenu* menu, const shell::MenuEntry& entry);

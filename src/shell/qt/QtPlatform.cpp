@@ -1,5 +1,6 @@
 #include "QtPlatform.h"
 
+#include <QAudioDevice>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -7,7 +8,6 @@
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QAudioDevice>
 #include <QMediaDevices>
 #include <QSoundEffect>
 #include <QUrl>
@@ -16,7 +16,9 @@ namespace satwalk::app {
 
 // ---- sound ----
 
-QtAlarmSound::~QtAlarmSound() { delete effect_; }
+QtAlarmSound::~QtAlarmSound() {
+    delete effect_;
+}
 
 bool QtAlarmSound::Ready() {
     if (!probed_) {
@@ -32,14 +34,17 @@ bool QtAlarmSound::Ready() {
 }
 
 bool QtAlarmSound::PlayLoop() {
-    if (!Ready()) return false;
-    if (effect_->status() == QSoundEffect::Error) return false;
+    if (!Ready())
+        return false;
+    if (effect_->status() == QSoundEffect::Error)
+        return false;
     effect_->play();
     return true;
 }
 
 bool QtAlarmSound::Stop() {
-    if (effect_ != nullptr) effect_->stop();
+    if (effect_ != nullptr)
+        effect_->stop();
     return true;
 }
 
@@ -58,7 +63,8 @@ QDBusMessage ScreenSaverCall(const char* method) {
 void IdleInhibitor::Hold(bool hold) {
     wanted_ = hold;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) return;
+    if (!bus.isConnected())
+        return;
     if (hold && cookie_ == 0 && !pending_) {
         QDBusMessage call = ScreenSaverCall("Inhibit");
         call << QStringLiteral("Satwalk") << QStringLiteral("GPS display");
@@ -68,9 +74,11 @@ void IdleInhibitor::Hold(bool hold) {
                 [this](QDBusPendingCallWatcher* w) {
                     QDBusPendingReply<unsigned> reply = *w;
                     pending_ = false;
-                    if (!reply.isError()) cookie_ = reply.value();
+                    if (!reply.isError())
+                        cookie_ = reply.value();
                     w->deleteLater();
-                    if (!wanted_) Hold(false);  // released while the answer was on its way
+                    if (!wanted_)
+                        Hold(false);  // released while the answer was on its way
                 });
     } else if (!hold && cookie_ != 0) {
         QDBusMessage call = ScreenSaverCall("UnInhibit");
@@ -85,7 +93,8 @@ void IdleInhibitor::Hold(bool hold) {
 bool SingleInstance::AskRunningCopy() {
     QLocalSocket socket;
     socket.connectToServer(name_);
-    if (!socket.waitForConnected(500)) return false;
+    if (!socket.waitForConnected(500))
+        return false;
     socket.write("raise\n");
     socket.flush();
     socket.waitForBytesWritten(500);
@@ -98,12 +107,14 @@ bool SingleInstance::Listen() {
     if (!server_->listen(name_)) {
         // A socket left behind by a copy that crashed.
         QLocalServer::removeServer(name_);
-        if (!server_->listen(name_)) return false;
+        if (!server_->listen(name_))
+            return false;
     }
     connect(server_, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* s = server_->nextPendingConnection()) {
             connect(s, &QLocalSocket::readyRead, this, [this, s] {
-                if (s->readAll().contains("raise")) emit raiseRequested();
+                if (s->readAll().contains("raise"))
+                    emit raiseRequested();
             });
             connect(s, &QLocalSocket::disconnected, s, &QObject::deleteLater);
         }

@@ -17,13 +17,13 @@ namespace satwalk::app {
 // The looping alarm through Qt Multimedia. Without an audio output or a
 // sound file it reports failure at once and never blocks.
 class QtAlarmSound : public shell::AlarmSound {
-public:
+  public:
     explicit QtAlarmSound(QString path) : path_(std::move(path)) {}
     ~QtAlarmSound();
     bool PlayLoop() override;
     bool Stop() override;
 
-private:
+  private:
     bool Ready();
     QString path_;
     QSoundEffect* effect_ = nullptr;
@@ -34,11 +34,11 @@ private:
 // Keeps the display awake through the desktop's screen-saver service
 // (org.freedesktop.ScreenSaver) while held; a no-op where there is none.
 class IdleInhibitor : public QObject {
-public:
+  public:
     void Hold(bool hold);
     bool held() const { return cookie_ != 0 || pending_; }
 
-private:
+  private:
     unsigned cookie_ = 0;
     bool pending_ = false;
     bool wanted_ = false;
@@ -48,17 +48,17 @@ private:
 // asks it to come forward and ends.
 class SingleInstance : public QObject {
     Q_OBJECT
-public:
+  public:
     explicit SingleInstance(QString name) : name_(std::move(name)) {}
     // True when another copy answered (and was asked to raise itself).
     bool AskRunningCopy();
     // Starts listening; raiseRequested() follows each later start.
     bool Listen();
 
-signals:
+  signals:
     void raiseRequested();
 
-private:
+  private:
     QString name_;
     QLocalServer* server_ = nullptr;
 };

@@ -25,10 +25,13 @@ bool ScriptRunner::Load(const QString& path) {
     return true;
 }
 
-void ScriptRunner::Start() { QTimer::singleShot(0, this, [this] { Next(); }); }
+void ScriptRunner::Start() {
+    QTimer::singleShot(0, this, [this] { Next(); });
+}
 
 void ScriptRunner::Fail(const QString& why) {
-    std::fprintf(stderr, "satwalk: %s:%lld: %s\n", qPrintable(path_), static_cast<long long>(index_), qPrintable(why));
+    std::fprintf(stderr, "satwalk: %s:%lld: %s\n", qPrintable(path_),
+                 static_cast<long long>(index_), qPrintable(why));
     exitCode_ = 2;
     QApplication::exit(exitCode_);
 }
@@ -37,11 +40,14 @@ void ScriptRunner::Next() {
     while (index_ < lines_.size()) {
         QString line = lines_[index_++];
         const qsizetype hash = line.indexOf(QLatin1Char('#'));
-        if (hash >= 0) line.truncate(hash);
+        if (hash >= 0)
+            line.truncate(hash);
         line = line.trimmed();
-        if (line.isEmpty()) continue;
+        if (line.isEmpty())
+            continue;
         int waitMs = 0;
-        if (!Run(line, waitMs)) return;  // failed or quit
+        if (!Run(line, waitMs))
+            return;  // failed or quit
         // Let what the line caused (repaints, queued calls) happen first.
         QTimer::singleShot(waitMs, this, [this] { Next(); });
         return;
@@ -56,8 +62,8 @@ bool ParseKey(const QString& name, int& key, QString& text) {
         const char* name;
         int key;
     } kKeys[] = {
-        {"star", Qt::Key_F8},      {"left", Qt::Key_Left},     {"right", Qt::Key_Right},
-        {"up", Qt::Key_Up},        {"down", Qt::Key_Down},     {"return", Qt::Key_Return},
+        {"star", Qt::Key_F8},       {"left", Qt::Key_Left},      {"right", Qt::Key_Right},
+        {"up", Qt::Key_Up},         {"down", Qt::Key_Down},      {"return", Qt::Key_Return},
         {"escape", Qt::Key_Escape}, {"back", Qt::Key_Backspace},
     };
     if (name.size() == 1 && name[0].isDigit()) {
@@ -96,7 +102,8 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
 
     if (verb == QLatin1String("command")) {
         int id = 0;
-        if (!number(1, id)) return Fail(QStringLiteral("command needs an id")), false;
+        if (!number(1, id))
+            return Fail(QStringLiteral("command needs an id")), false;
         window_.shell().OnCommand(id);
     } else if (verb == QLatin1String("key")) {
         int key = 0;
@@ -112,17 +119,20 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
                verb == QLatin1String("move") || verb == QLatin1String("release")) {
         int x = 0;
         int y = 0;
-        if (!number(1, x) || !number(2, y)) return Fail(verb + QStringLiteral(" needs X Y")), false;
+        if (!number(1, x) || !number(2, y))
+            return Fail(verb + QStringLiteral(" needs X Y")), false;
         const QPoint at(x, y);
         if (verb == QLatin1String("tap") || verb == QLatin1String("press")) {
             SendMouse(window_, QEvent::MouseButtonPress, at);
         }
-        if (verb == QLatin1String("move")) SendMouse(window_, QEvent::MouseMove, at);
+        if (verb == QLatin1String("move"))
+            SendMouse(window_, QEvent::MouseMove, at);
         if (verb == QLatin1String("tap") || verb == QLatin1String("release")) {
             SendMouse(window_, QEvent::MouseButtonRelease, at);
         }
     } else if (verb == QLatin1String("wait")) {
-        if (!number(1, waitMs) || waitMs < 0) return Fail(QStringLiteral("wait needs MS")), false;
+        if (!number(1, waitMs) || waitMs < 0)
+            return Fail(QStringLiteral("wait needs MS")), false;
     } else if (verb == QLatin1String("answer")) {
         static const struct {
             const char* word;
@@ -138,7 +148,8 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
                 found = true;
             }
         }
-        if (!found) return Fail(QStringLiteral("answer needs yes, no, ok or cancel")), false;
+        if (!found)
+            return Fail(QStringLiteral("answer needs yes, no, ok or cancel")), false;
     } else if (verb == QLatin1String("snapshot")) {
         window_.repaint();
         QPixmap shot = window_.grab();
@@ -162,7 +173,8 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
     } else {
         return Fail(QStringLiteral("unknown line: ") + line), false;
     }
-    if (window_.shell().exited) return false;  // a confirmed exit ended the program
+    if (window_.shell().exited)
+        return false;  // a confirmed exit ended the program
     return true;
 }
 

@@ -23,7 +23,7 @@ namespace satwalk::app {
 class MainWindow;
 
 class ScriptRunner : public QObject {
-public:
+  public:
     ScriptRunner(MainWindow& window, std::function<std::string()> stateJson)
         : window_(window), stateJson_(std::move(stateJson)) {}
 
@@ -34,7 +34,7 @@ public:
     void Start();
     int exitCode() const { return exitCode_; }
 
-private:
+  private:
     void Next();
     bool Run(const QString& line, int& waitMs);
     void Fail(const QString& why);

@@ -61,19 +61,23 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
     for (int i = 1; i < args.size(); ++i) {
         const QString& arg = args[i];
         auto value = [&](QString& out) {
-            if (i + 1 >= args.size()) return false;
+            if (i + 1 >= args.size())
+                return false;
             out = args[++i];
             return true;
         };
         QString v;
         if (arg == "--options") {
-            if (!value(a.optionsPath)) return std::nullopt;
+            if (!value(a.optionsPath))
+                return std::nullopt;
         } else if (arg == "--size") {
-            if (!value(v)) return std::nullopt;
+            if (!value(v))
+                return std::nullopt;
             const QStringList wh = v.split(QLatin1Char('x'));
             bool okW = false;
             bool okH = false;
-            if (wh.size() != 2) return std::nullopt;
+            if (wh.size() != 2)
+                return std::nullopt;
             a.size = QSize(wh[0].toInt(&okW), wh[1].toInt(&okH));
             if (!okW || !okH || a.size.width() < 16 || a.size.height() < 16 ||
                 a.size.width() > 8192 || a.size.height() > 8192) {
@@ -81,21 +85,28 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
             }
         } else if (arg == "--dpi") {
             bool ok = false;
-            if (!value(v)) return std::nullopt;
+            if (!value(v))
+                return std::nullopt;
             a.dpi = v.toInt(&ok);
-            if (!ok || a.dpi < 48 || a.dpi > 960) return std::nullopt;
+            if (!ok || a.dpi < 48 || a.dpi > 960)
+                return std::nullopt;
         } else if (arg == "--port") {
-            if (!value(a.port)) return std::nullopt;
+            if (!value(a.port))
+                return std::nullopt;
         } else if (arg == "--replay") {
             a.replay = true;
-            if (i + 1 < args.size() && !args[i + 1].startsWith("--")) a.replayFile = args[++i];
+            if (i + 1 < args.size() && !args[i + 1].startsWith("--"))
+                a.replayFile = args[++i];
         } else if (arg == "--replay-rate") {
             bool ok = false;
-            if (!value(v)) return std::nullopt;
+            if (!value(v))
+                return std::nullopt;
             a.replayRate = v.toDouble(&ok);
-            if (!ok || !(a.replayRate > 0) || a.replayRate > 1000) return std::nullopt;
+            if (!ok || !(a.replayRate > 0) || a.replayRate > 1000)
+                return std::nullopt;
         } else if (arg == "--script") {
-            if (!value(a.script)) return std::nullopt;
+            if (!value(a.script))
+                return std::nullopt;
         } else if (arg == "--single-instance") {
             a.singleInstance = true;
         } else {
@@ -108,10 +119,12 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
 // Where the bundled data lives: beside an installed program, else the
 // source tree the program was built from.
 QString DataFile(const QString& name) {
-    if (const char* dir = std::getenv("SATWALK_DATA_DIR")) return QDir(dir).filePath(name);
+    if (const char* dir = std::getenv("SATWALK_DATA_DIR"))
+        return QDir(dir).filePath(name);
     const QString installed =
         QDir(QCoreApplication::applicationDirPath()).filePath("../share/satwalk/" + name);
-    if (QFileInfo::exists(installed)) return installed;
+    if (QFileInfo::exists(installed))
+        return installed;
     return QDir(SATWALK_SOURCE_RESOURCES).filePath(name);
 }
 
@@ -120,12 +133,14 @@ long long MillisecondsSinceProcessStart() {
     std::ifstream stat("/proc/self/stat");
     std::string all((std::istreambuf_iterator<char>(stat)), {});
     const std::size_t close = all.rfind(')');
-    if (close == std::string::npos) return -1;
+    if (close == std::string::npos)
+        return -1;
     std::istringstream rest(all.substr(close + 2));
     std::string field;
     unsigned long long startTicks = 0;
     for (int i = 3; i <= 22 && rest >> field; ++i) {
-        if (i == 22) startTicks = std::stoull(field);
+        if (i == 22)
+            startTicks = std::stoull(field);
     }
     timespec now{};
     clock_gettime(CLOCK_BOOTTIME, &now);
@@ -133,7 +148,6 @@ long long MillisecondsSinceProcessStart() {
     return now.tv_sec * 1000LL + now.tv_nsec / 1000000 -
            static_cast<long long>(startTicks * 1000ULL / static_cast<unsigned long long>(hz));
 }
-
 
 }  // namespace
 
@@ -160,7 +174,8 @@ int main(int argc, char** argv) {
     app::SingleInstance instance(instanceEnv != nullptr ? QString(instanceEnv)
                                                         : QStringLiteral("Orvane_Satwalk"));
     if (!scriptMode || args.singleInstance) {
-        if (instance.AskRunningCopy()) return 0;
+        if (instance.AskRunningCopy())
+            return 0;
         instance.Listen();
     }
 
@@ -187,8 +202,8 @@ int main(int argc, char** argv) {
     std::unique_ptr<link::ReplayReceiver> replay;
     if (args.replay) {
         replay = std::make_unique<link::ReplayReceiver>();
-        const QString file = args.replayFile.isEmpty() ? DataFile("demo/demo-drive.nmea")
-                                                       : args.replayFile;
+        const QString file =
+            args.replayFile.isEmpty() ? DataFile("demo/demo-drive.nmea") : args.replayFile;
         if (!replay->Open() || !replay->LoadFile(file.toStdString()) ||
             !replay->Start({args.replayRate, true})) {
             std::fprintf(stderr, "satwalk: cannot replay %s: %s\n", qPrintable(file),
@@ -225,7 +240,8 @@ int main(int argc, char** argv) {
         return shell::BuildStateJson(window.shell(), extras);
     };
     app::ScriptRunner runner(window, stateJson);
-    if (scriptMode && !runner.Load(args.script)) return 2;
+    if (scriptMode && !runner.Load(args.script))
+        return 2;
 
     const bool reportTiming = std::getenv("SATWALK_REPORT_STARTUP") != nullptr;
     window.onFirstFrame = [&] {
@@ -233,14 +249,18 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "satwalk: first frame %lld ms after process start\n",
                          MillisecondsSinceProcessStart());
         }
-        if (settings.backlightAlwaysOn != 0) inhibitor.Hold(true);
-        if (args.replay) window.shell().OnCommand(shell::cmd::kStartGps);
-        if (scriptMode) runner.Start();
+        if (settings.backlightAlwaysOn != 0)
+            inhibitor.Hold(true);
+        if (args.replay)
+            window.shell().OnCommand(shell::cmd::kStartGps);
+        if (scriptMode)
+            runner.Start();
     };
     window.show();
 
     int code = QApplication::exec();
-    if (scriptMode && code == 0) code = runner.exitCode();
+    if (scriptMode && code == 0)
+        code = runner.exitCode();
     link.Shutdown();
     inhibitor.Hold(false);
     return code;
