@@ -1,0 +1,33 @@
+// What a screen needs to paint itself: the screen rectangle (the client
+// area less the soft-key bar), the text scale and the current state.
+#pragma once
+
+#include <cstdint>
+
+#include "GpsState.h"
+#include "Settings.h"
+
+namespace satwalk::shell {
+
+struct ScreenView {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+    int baseTextHeight = 30;
+    int currentScreen = 0;
+    const gps::GpsState* gps = nullptr;
+    const ProgramSettings* settings = nullptr;
+    bool linkRunning = false;
+    bool fixValid = false;
+    bool fixTimeKnown = false;
+    bool blinkPhase = false;
+    bool mapLoaded = false;
+};
+
+// (15 x pixels per inch + 48) / 96: 15 at 96 dpi, 30 at 192 dpi.
+inline int BaseTextHeightForDpi(int dpi) {
+    return (15 * dpi + 48) / 96;
+}
+
+}  // namespace satwalk::shell

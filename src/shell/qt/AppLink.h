@@ -1,0 +1,71 @@
+// The receiver link as the window drives it: the shell's LinkControl over
+// the link's ReceiverLink, its watchdog on a QTimer, and its data and time
+// notifications turned into blocking calls on the window's thread.
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "PortNames.h"
+#include "ReceiverLink.h"
+#include "Shell.h"
+
+namespace satwalk::app {
+
+class MainWindow;
+
+class AppLink : public QObject,
+                public shell::LinkControl,
+                public link::LinkSink,
+                public link::LinkTimer {
+  public:
+    AppLink();
+    ~AppLink() override;
+
+    void AttachWindow(MainWindow* window) { window_ = window; }
+    // A device that stands for the configured port for this run (--port,
+    // --replay).
+    void SetOverridePath(std::string path) { overridePath_ = std::move(path); }
+    bool HasOverride() const { return !overridePath_.empty(); }
+    void SetNmeaFolder(const std::string& folder) { link_.nmeaFolder = folder; }
+    void SetRecordNmea(bool on) { link_.recordNmea = on; }
+
+    // Stops a running link without messages, letting a reader that waits for
+    // the window finish first. For the end of the program.
+    void Shutdown();
+
+    // shell::LinkControl
+    bool RegisterBluetoothPort(std::uint64_t address) override;
+    void SetComPort(std::uint32_t comPort) override;
+    void SetBaudRate(std::uint32_t baudRate) override { link_.baudRate = baudRate; }
+    bool OpenPort() override;
+    bool StartLink() override;
+    int StopLink() override;
+    bool Running() const override { return link_.running; }
+    bool FixValid() const override { return link_.fixValid; }
+    std::string LastErrorCode() const override { return link_.lastErrorCode; }
+    gps::GpsState& Gps() override { return link_.gps; }
+
+    // link::LinkSink (reader thread, except OnStopCommand)
+    void OnGpsData() override;
+    void OnGpsTime() override;
+    void OnStopCommand() override;
+
+    // link::LinkTimer
+    bool Start() override;
+    void Stop() override { watchdog_.stop(); }
+
+  private:
+    link::ReceiverLink link_;
+    link::PortMap portMap_;
+    std::string overridePath_;
+    MainWindow* window_ = nullptr;
+    QTimer watchdog_;  // id 1
+    std::atomic<bool> closing_{false};
+};
+
+}  // namespace satwalk::app

@@ -1,0 +1,357 @@
+#include "MainWindow.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPainter>
+
+#include <cstdio>
+
+#include "CommandIds.h"
+#include "NmeaDecoder.h"
+#include "Strings.h"
+
+namespace satwalk::app {
+
+using shell::Key;
+using shell::MessageAnswer;
+using shell::MessageButtons;
+using shell::MessageIcon;
+
+MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& link,
+                       shell::AlarmSound& sound, shell::OptionsStore* options, QSize clientSize,
+                       int dpi)
+    : shell_(settings, link, *this, sound, options), dpi_(dpi) {
+    setWindowTitle(QString::fromUtf8(shell::LoadString(shell::kStrCaption)));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::StrongFocus);
+    barHeight_ = (26 * dpi + 48) / 96;
+    resize(clientSize.width(), clientSize.height() + barHeight_);
+    shell_.version = SATWALK_VERSION;
+
+    blinkTimer_.setInterval(1000);
+    connect(&blinkTimer_, &QTimer::timeout, this, [this] { shell_.OnBlinkTick(); });
+    clockTimer_.setInterval(1000);
+    connect(&clockTimer_, &QTimer::timeout, this, [this] { shell_.OnClockTick(); });
+    connect(&trackTimer_, &QTimer::timeout, this, [this] {
+        if (onTrackTick)
+            onTrackTick();
+    });
+}
+
+shell::ScreenView MainWindow::CurrentView() const {
+    shell::ScreenView v;
+    v.left = 0;
+    v.top = 0;
+    v.right = width();
+    v.bottom = height() - barHeight_;
+    v.baseTextHeight = shell::BaseTextHeightForDpi(dpi_);
+    v.currentScreen = shell_.currentScreen;
+    v.gps = &shell_.link().Gps();
+    v.settings = &shell_.settings();
+    v.linkRunning = shell_.link().Running();
+    v.fixValid = shell_.link().FixValid();
+    v.fixTimeKnown = shell_.fixTimeKnown;
+    v.blinkPhase = shell_.blinkPhase;
+    v.mapLoaded = shell_.mapLoaded;
+    return v;
+}
+
+// ---- receiver messages ----
+
+void MainWindow::HandleGpsData() {
+    shell_.OnGpsData();
+}
+void MainWindow::HandleGpsTime() {
+    shell_.OnGpsTime();
+}
+
+// ---- ShellUi ----
+
+MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
+                                      MessageButtons buttons) {
+    const bool question = buttons == MessageButtons::YesNo;
+    if (scriptMode_) {
+        messages_.push_back({text, icon});
+        std::fprintf(stderr, "satwalk: message (%s): %s\n", shell::MessageIconName(icon),
+                     text.c_str());
+        MessageAnswer answer = question ? MessageAnswer::Yes : MessageAnswer::Ok;
+        if (nextAnswer_) {
+            answer = *nextAnswer_;
+            nextAnswer_.reset();
+        }
+        return answer;
+    }
+    QMessageBox box(this);
+    box.setWindowTitle(QString::fromUtf8(shell::LoadString(shell::kStrCaption)));
+    box.setText(QString::fromUtf8(text.c_str()));
+    switch (icon) {
+        case MessageIcon::Error:
+            box.setIcon(QMessageBox::Critical);
+            break;
+        case MessageIcon::Information:
+            box.setIcon(QMessageBox::Information);
+            break;
+        case MessageIcon::Question:
+            box.setIcon(QMessageBox::Question);
+            break;
+        case MessageIcon::Exclamation:
+            box.setIcon(QMessageBox::Warning);
+            break;
+    }
+    box.setStandardButtons(question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    const int result = box.exec();
+    if (!question)
+        return MessageAnswer::Ok;
+    return result == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
+}
+
+void MainWindow::Repaint() {
+    // Invalidate and update at once.
+    if (isVisible())
+        repaint();
+}
+
+bool MainWindow::StartTrackTimer(std::uint32_t periodMs) {
+    trackTimer_.start(static_cast<int>(periodMs));
+    return trackTimer_.isActive();
+}
+
+bool MainWindow::StartClockTimer() {
+    clockTimer_.stop();
+    clockTimer_.start();
+    return clockTimer_.isActive();
+}
+
+void MainWindow::SetBacklightHold(bool hold) {
+    if (onBacklight)
+        onBacklight(hold);
+}
+
+void MainWindow::CloseWindow() {
+    closing_ = true;
+    blinkTimer_.stop();
+    clockTimer_.stop();
+    trackTimer_.stop();
+    close();
+    QApplication::quit();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    // Closing the window is the exit command, with its confirmation.
+    if (closing_) {
+        event->accept();
+        return;
+    }
+    event->ignore();
+    shell_.OnCommand(shell::cmd::kExit);
+}
+
+// ---- painting ----
+
+void MainWindow::PaintScreenImage() {
+    const shell::ScreenView view = CurrentView();
+    const QSize size(std::max(1, view.right - view.left), std::max(1, view.bottom - view.top));
+    if (screenImage_.size() != size)
+        screenImage_ = QImage(size, QImage::Format_RGB32);
+    QPainter p(&screenImage_);
+    if (painter_) {
+        painter_(p, view);
+    } else {
+        PaintPlaceholderScreen(p, view);
+    }
+}
+
+void MainWindow::PaintSoftKeyBar(QPainter& p) {
+    const int top = height() - barHeight_;
+    const QRect bar(0, top, width(), barHeight_);
+    QLinearGradient g(bar.topLeft(), bar.bottomLeft());
+    g.setColorAt(0, QColor(70, 78, 92));
+    g.setColorAt(1, QColor(28, 32, 40));
+    p.fillRect(bar, g);
+    p.setPen(QColor(110, 118, 132));
+    p.drawLine(width() / 2, top + barHeight_ / 5, width() / 2, top + barHeight_ * 4 / 5);
+    QFont f = font();
+    f.setPixelSize(std::max(8, barHeight_ * 9 / 20));
+    f.setBold(true);
+    p.setFont(f);
+    p.setPen(Qt::white);
+    p.drawText(QRect(0, top, width() / 2, barHeight_), Qt::AlignCenter,
+               QString::fromUtf8(shell::LoadString(shell::kStrView)));
+    p.drawText(QRect(width() / 2, top, width() - width() / 2, barHeight_), Qt::AlignCenter,
+               QString::fromUtf8(shell::LoadString(shell::kStrMenu)));
+}
+
+void MainWindow::paintEvent(QPaintEvent*) {
+    PaintScreenImage();
+    QPainter p(this);
+    p.drawImage(0, 0, screenImage_);  // the one copy to the window
+    PaintSoftKeyBar(p);
+    p.end();
+    if (!firstFramePainted_) {
+        firstFramePainted_ = true;
+        if (onFirstFrame)
+            QTimer::singleShot(0, this, onFirstFrame);
+    }
+}
+
+void MainWindow::resizeEvent(QResizeEvent*) {
+    update();
+}
+
+void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
+    const QRect r(view.left, view.top, view.right - view.left, view.bottom - view.top);
+    p.fillRect(r, Qt::white);
+    const int b = view.baseTextHeight;
+    QFont f;
+    f.setPixelSize(b * 3 / 2);
+    f.setBold(true);
+    p.setFont(f);
+    p.setPen(QColor(22, 118, 201));
+    const char* name = shell::ScreenName(view.currentScreen);
+    p.drawText(QRect(r.left(), r.top() + b, r.width(), b * 3), Qt::AlignCenter,
+               QString::fromUtf8(name));
+    if (view.gps == nullptr || view.settings == nullptr)
+        return;
+
+    const gps::GpsState& g = *view.gps;
+    double lat = 0;
+    double lon = 0;
+    gps::NmeaToDegrees(g.latitude, g.northSouth, g.longitude, g.eastWest, &lat, &lon);
+    static const char* const kUnits[] = {"km/h", "MPH", "kts"};
+    const std::uint32_t units = view.settings->units <= 2 ? view.settings->units : 0;
+    const QStringList lines = {
+        view.linkRunning
+            ? (view.fixValid ? QStringLiteral("GPS: 定位") : QStringLiteral("GPS: 搜索中"))
+            : QStringLiteral("GPS: 关闭"),
+        QStringLiteral("%1 %2").arg(shell::CurrentSpeed(g, units), 0, 'f', 1).arg(kUnits[units]),
+        QStringLiteral("%1, %2").arg(lat, 0, 'f', 5).arg(lon, 0, 'f', 5),
+        QStringLiteral("UTC %1  %2")
+            .arg(QString::fromLatin1(g.utcTime), QString::fromLatin1(g.date)),
+        QStringLiteral("卫星 %1 / %2")
+            .arg(QString::fromLatin1(g.satellitesUsed), QString::fromLatin1(g.satellitesInView)),
+    };
+    f.setPixelSize(b);
+    f.setBold(false);
+    p.setFont(f);
+    p.setPen(Qt::black);
+    int y = r.top() + b * 5;
+    for (const QString& line : lines) {
+        p.drawText(QRect(r.left(), y, r.width(), b * 3 / 2), Qt::AlignCenter, line);
+        y += b * 3 / 2;
+    }
+    if (view.settings->speedAlarmOn != 0) {
+        p.setPen(QColor(200, 30, 30));
+        p.drawText(
+            QRect(r.left(), y + b, r.width(), b * 3 / 2), Qt::AlignCenter,
+            QStringLiteral("警报 %1 %2").arg(view.settings->speedAlarmLimit).arg(kUnits[units]));
+    }
+}
+
+// ---- input ----
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+    std::optional<Key> key;
+    const int k = event->key();
+    if (k >= Qt::Key_0 && k <= Qt::Key_9)
+        key = static_cast<Key>(static_cast<int>(Key::Digit0) + (k - Qt::Key_0));
+    switch (k) {
+        case Qt::Key_Asterisk:
+        case Qt::Key_F8:
+            key = Key::Star;
+            break;
+        case Qt::Key_Left:
+            key = Key::Left;
+            break;
+        case Qt::Key_Right:
+            key = Key::Right;
+            break;
+        case Qt::Key_Up:
+            key = Key::Up;
+            break;
+        case Qt::Key_Down:
+            key = Key::Down;
+            break;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            key = Key::Return;
+            break;
+        case Qt::Key_Escape:
+            key = Key::Escape;
+            break;
+        case Qt::Key_Backspace:
+        case Qt::Key_Back:
+            key = Key::Back;
+            break;
+        default:
+            break;
+    }
+    if (!key) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    shell_.OnKeyDown(*key);
+}
+
+void MainWindow::mousePressEvent(QMouseEvent* event) {
+    const QPoint pos = event->position().toPoint();
+    if (pos.y() >= height() - barHeight_) {
+        OpenDropDown(pos.x() < width() / 2);
+        return;
+    }
+    // Taps on the screens belong to the map and its buttons.
+}
+
+void MainWindow::PopulateMenu(QMenu* menu, const shell::MenuEntry& entry) {
+    QActionGroup* group = nullptr;
+    for (const shell::MenuEntry& e : entry.items) {
+        if (e.IsSubmenu()) {
+            group = nullptr;
+            PopulateMenu(menu->addMenu(QString::fromUtf8(e.text.c_str())), e);
+            continue;
+        }
+        // Qt shows the shortcut after a tab at the right edge, as the
+        // handheld did.
+        QAction* a = menu->addAction(QString::fromUtf8(e.text.c_str()));
+        a->setEnabled(e.enabled);
+        if (e.checkable) {
+            a->setCheckable(true);
+            a->setChecked(e.checked);
+            if (e.radio) {
+                if (group == nullptr)
+                    group = new QActionGroup(menu);
+                group->addAction(a);
+            } else {
+                group = nullptr;
+            }
+        } else {
+            group = nullptr;
+        }
+        const int id = e.id;
+        connect(
+            a, &QAction::triggered, this, [this, id] { shell_.OnCommand(id); },
+            Qt::QueuedConnection);
+    }
+}
+
+QMenu* MainWindow::OpenDropDown(bool viewMenu) {
+    // Rebuilt on every opening: start/stop text, marks and greying follow
+    // the state of this moment.
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QFont f = menu->font();
+    f.setPixelSize(std::max(9, barHeight_ * 2 / 5));  // readable at the screen's density
+    menu->setFont(f);
+    PopulateMenu(menu, viewMenu ? shell_.BuildViewMenu() : shell_.BuildMainMenu());
+    const QSize hint = menu->sizeHint();
+    const int x = viewMenu ? 0 : width() - hint.width();
+    const QPoint at = mapToGlobal(QPoint(std::max(0, x), height() - barHeight_ - hint.height()));
+    connect(menu, &QMenu::aboutToHide, menu, &QMenu::close);
+    menu->popup(at);
+    return menu;
+}
+
+}  // namespace satwalk::app

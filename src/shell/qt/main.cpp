@@ -1,0 +1,267 @@
+// satwalk: the GPS display window.
+//
+//   satwalk [--options PATH] [--size WxH] [--dpi N] [--port PATH]
+//           [--replay [FILE] [--replay-rate X]] [--script FILE] [--single-instance]
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "CommandIds.h"
+#include "MainWindow.h"
+#include "QtPlatform.h"
+#include "ScriptRunner.h"
+#include "Settings.h"
+#include "StateJson.h"
+#include "Strings.h"
+
+#include "AppLink.h"
+#include "ReplayReceiver.h"
+
+namespace {
+
+using namespace satwalk;
+
+constexpr const char* kUsage =
+    "usage: satwalk [OPTIONS]\n"
+    "  --options PATH        the options file (default: the XDG config folder)\n"
+    "  --size WxH            client size above the soft-key bar (default 480x640)\n"
+    "  --dpi N               screen density (default 192; 96 selects the small set)\n"
+    "  --port PATH           a device that stands for the configured receiver port\n"
+    "  --replay [FILE]       play FILE (default: the demo drive) as the receiver\n"
+    "  --replay-rate X       replay speed, epochs per second (default 1)\n"
+    "  --script FILE         run a script (works with -platform offscreen)\n"
+    "  --single-instance     take part in the one-copy rule in script mode too\n";
+
+struct Arguments {
+    QString optionsPath;
+    QSize size{480, 640};
+    int dpi = 192;
+    QString port;
+    bool replay = false;
+    QString replayFile;
+    double replayRate = 1.0;
+    QString script;
+    bool singleInstance = false;
+};
+
+std::optional<Arguments> ParseArguments(const QStringList& args) {
+    Arguments a;
+    for (int i = 1; i < args.size(); ++i) {
+        const QString& arg = args[i];
+        auto value = [&](QString& out) {
+            if (i + 1 >= args.size())
+                return false;
+            out = args[++i];
+            return true;
+        };
+        QString v;
+        if (arg == "--options") {
+            if (!value(a.optionsPath))
+                return std::nullopt;
+        } else if (arg == "--size") {
+            if (!value(v))
+                return std::nullopt;
+            const QStringList wh = v.split(QLatin1Char('x'));
+            bool okW = false;
+            bool okH = false;
+            if (wh.size() != 2)
+                return std::nullopt;
+            a.size = QSize(wh[0].toInt(&okW), wh[1].toInt(&okH));
+            if (!okW || !okH || a.size.width() < 16 || a.size.height() < 16 ||
+                a.size.width() > 8192 || a.size.height() > 8192) {
+                return std::nullopt;
+            }
+        } else if (arg == "--dpi") {
+            bool ok = false;
+            if (!value(v))
+                return std::nullopt;
+            a.dpi = v.toInt(&ok);
+            if (!ok || a.dpi < 48 || a.dpi > 960)
+                return std::nullopt;
+        } else if (arg == "--port") {
+            if (!value(a.port))
+                return std::nullopt;
+        } else if (arg == "--replay") {
+            a.replay = true;
+            if (i + 1 < args.size() && !args[i + 1].startsWith("--"))
+                a.replayFile = args[++i];
+        } else if (arg == "--replay-rate") {
+            bool ok = false;
+            if (!value(v))
+                return std::nullopt;
+            a.replayRate = v.toDouble(&ok);
+            if (!ok || !(a.replayRate > 0) || a.replayRate > 1000)
+                return std::nullopt;
+        } else if (arg == "--script") {
+            if (!value(a.script))
+                return std::nullopt;
+        } else if (arg == "--single-instance") {
+            a.singleInstance = true;
+        } else {
+            return std::nullopt;
+        }
+    }
+    return a;
+}
+
+// Where the bundled data lives: beside an installed program, else the
+// source tree the program was built from.
+QString DataFile(const QString& name) {
+    if (const char* dir = std::getenv("SATWALK_DATA_DIR"))
+        return QDir(dir).filePath(name);
+    const QString installed =
+        QDir(QCoreApplication::applicationDirPath()).filePath("../share/satwalk/" + name);
+    if (QFileInfo::exists(installed))
+        return installed;
+    return QDir(SATWALK_SOURCE_RESOURCES).filePath(name);
+}
+
+// Milliseconds since this process started, for the start-up figure.
+long long MillisecondsSinceProcessStart() {
+    std::ifstream stat("/proc/self/stat");
+    std::string all((std::istreambuf_iterator<char>(stat)), {});
+    const std::size_t close = all.rfind(')');
+    if (close == std::string::npos)
+        return -1;
+    std::istringstream rest(all.substr(close + 2));
+    std::string field;
+    unsigned long long startTicks = 0;
+    for (int i = 3; i <= 22 && rest >> field; ++i) {
+        if (i == 22)
+            startTicks = std::stoull(field);
+    }
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    const long hz = sysconf(_SC_CLK_TCK);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1000000 -
+           static_cast<long long>(startTicks * 1000ULL / static_cast<unsigned long long>(hz));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("satwalk");
+    QApplication::setApplicationVersion(SATWALK_VERSION);
+
+    const QStringList rawArgs = QApplication::arguments();
+    if (rawArgs.contains("--help") || rawArgs.contains("-h")) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    const std::optional<Arguments> parsed = ParseArguments(rawArgs);
+    if (!parsed) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+    const Arguments& args = *parsed;
+    const bool scriptMode = !args.script.isEmpty();
+
+    // One copy at a time: a second start brings the first forward.
+    const char* instanceEnv = std::getenv("SATWALK_INSTANCE_NAME");
+    app::SingleInstance instance(instanceEnv != nullptr ? QString(instanceEnv)
+                                                        : QStringLiteral("Orvane_Satwalk"));
+    if (!scriptMode || args.singleInstance) {
+        if (instance.AskRunningCopy())
+            return 0;
+        instance.Listen();
+    }
+
+    // Options, before anything is shown.
+    QString optionsPath = args.optionsPath;
+    if (optionsPath.isEmpty()) {
+        const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
+        QDir().mkpath(dir);
+        optionsPath = QDir(dir).filePath("options");
+    }
+    shell::ProgramSettings settings;
+    shell::OptionsStore options(optionsPath.toStdString());
+    options.LoadOptions(settings);
+
+    // Storage root and the My GPS folders.
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    settings.storageRoot = shell::ResolveStorageRoot(settings.storageRoot, documents.toStdString());
+    const shell::StorageFolders folders = shell::MakeStorageFolders(settings.storageRoot);
+    shell::PrepareStorageFolders(folders);
+
+    app::AppLink link;
+    link.SetNmeaFolder(folders.nmea);
+    link.SetRecordNmea(settings.recordNmea != 0);
+    std::unique_ptr<link::ReplayReceiver> replay;
+    if (args.replay) {
+        replay = std::make_unique<link::ReplayReceiver>();
+        const QString file =
+            args.replayFile.isEmpty() ? DataFile("demo/demo-drive.nmea") : args.replayFile;
+        if (!replay->Open() || !replay->LoadFile(file.toStdString()) ||
+            !replay->Start({args.replayRate, true})) {
+            std::fprintf(stderr, "satwalk: cannot replay %s: %s\n", qPrintable(file),
+                         replay->error().c_str());
+            return 1;
+        }
+        link.SetOverridePath(replay->slavePath());
+    } else if (!args.port.isEmpty()) {
+        link.SetOverridePath(args.port.toStdString());
+    }
+
+    app::QtAlarmSound sound(DataFile("alarm.wav"));
+    app::IdleInhibitor inhibitor;
+    app::MainWindow window(settings, link, sound, &options, args.size, args.dpi);
+    window.SetScriptMode(scriptMode);
+    window.onBacklight = [&inhibitor](bool hold) { inhibitor.Hold(hold); };
+    link.AttachWindow(&window);
+    // A port given for this run stands for the receiver; the saved choice of
+    // receiver is left as it is.
+    window.shell().forceComPort = link.HasOverride();
+    QObject::connect(&instance, &app::SingleInstance::raiseRequested, &window, [&window] {
+        window.showNormal();
+        window.raise();
+        window.activateWindow();
+        window.setProperty("raiseRequests", window.property("raiseRequests").toInt() + 1);
+    });
+
+    auto stateJson = [&] {
+        shell::StateExtras extras;
+        extras.storageRoot = settings.storageRoot;
+        extras.optionsPath = optionsPath.toStdString();
+        extras.messages = window.messages();
+        extras.raiseRequests = window.property("raiseRequests").toInt();
+        return shell::BuildStateJson(window.shell(), extras);
+    };
+    app::ScriptRunner runner(window, stateJson);
+    if (scriptMode && !runner.Load(args.script))
+        return 2;
+
+    const bool reportTiming = std::getenv("SATWALK_REPORT_STARTUP") != nullptr;
+    window.onFirstFrame = [&] {
+        if (reportTiming) {
+            std::fprintf(stderr, "satwalk: first frame %lld ms after process start\n",
+                         MillisecondsSinceProcessStart());
+        }
+        if (settings.backlightAlwaysOn != 0)
+            inhibitor.Hold(true);
+        if (args.replay)
+            window.shell().OnCommand(shell::cmd::kStartGps);
+        if (scriptMode)
+            runner.Start();
+    };
+    window.show();
+
+    int code = QApplication::exec();
+    if (scriptMode && code == 0)
+        code = runner.exitCode();
+    link.Shutdown();
+    inhibitor.Hold(false);
+    return code;
+}

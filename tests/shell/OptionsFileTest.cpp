@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "OptionsRecord.h"
+#include "Settings.h"
+
+namespace satwalk::shell {
+namespace {
+
+namespace fs = std::filesystem;
+
+class OptionsFileTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() /
+               ("satwalk-options-" + std::to_string(::getpid()) + "-" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(dir_);
+        fs::create_directories(dir_);
+        path_ = (dir_ / "options").string();
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    std::vector<std::uint8_t> ReadAll() const {
+        std::ifstream in(path_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    void WriteAll(const std::vector<std::uint8_t>& bytes) const {
+        std::ofstream out(path_, std::ios::binary);
+        out.write(reinterpret_cast<const char*>(bytes.data()),
+                  static_cast<std::streamsize>(bytes.size()));
+    }
+    static std::uint32_t Word(const std::vector<std::uint8_t>& b, std::size_t at) {
+        return b[at] | (b[at + 1] << 8) | (b[at + 2] << 16) | (std::uint32_t{b[at + 3]} << 24);
+    }
+
+    fs::path dir_;
+    std::string path_;
+};
+
+TEST_F(OptionsFileTest, FirstStartKeepsBuiltInValues) {
+    ProgramSettings s;
+    OptionsStore store(path_);
+    EXPECT_FALSE(store.LoadOptions(s));
+    EXPECT_EQ(s.speedAlarmOn, 0u);
+    EXPECT_EQ(s.trackIntervalMs, 10000u);
+    EXPECT_EQ(s.showMap + s.showTrack + s.showReferencePoints + s.showPoi, 4u);
+    EXPECT_EQ(s.bluetoothReceiver, 1u);
+    EXPECT_FALSE(s.receiverConfigured);
+    EXPECT_EQ(s.backlightAlwaysOn, 1u);
+    EXPECT_FALSE(fs::exists(path_)) << "loading never creates the file";
+}
+
+TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
+    std::vector<std::uint8_t> bytes(100, 0);
+    bytes[44] = 2;   // units: nautical
+    bytes[36] = 90;  // alarm limit
+    WriteAll(bytes);
+    ProgramSettings s;
+    OptionsStore store(path_);
+    ASSERT_TRUE(store.LoadOptions(s));
+    EXPECT_EQ(s.units, 2u);
+    EXPECT_EQ(s.speedAlarmLimit, 90u);
+    EXPECT_EQ(s.showMap, 0u) << "taken from the file";
+    EXPECT_EQ(s.trackIntervalMs, 10000u) << "zero in the file is no valid period";
+    // Past byte 100 the record defaults stand: the alarm switch is on.
+    EXPECT_EQ(s.backlightAlwaysOn, 1u);
+    EXPECT_EQ(store.record().backlightAlwaysOn, 1u);
+    EXPECT_EQ(store.record().speedAlarmOn, 0u) << "offset 40 lies inside the 100 bytes";
+}
+
+TEST_F(OptionsFileTest, AlarmChoiceIsWrittenAtItsOffsetsAndReservedBytesKept) {
+    std::vector<std::uint8_t> bytes(kOptionsRecordSize, 0);
+    for (std::size_t i = 48; i < 60; ++i) bytes[i] = static_cast<std::uint8_t>(0xA0 + i);
+    bytes[572] = 0x5A;
+    bytes[3719] = 0xC3;
+    WriteAll(bytes);
+
+    ProgramSettings s;
+    OptionsStore store(path_);
+    ASSERT_TRUE(store.LoadOptions(s));
+    s.speedAlarmLimit = 80;
+    s.speedAlarmOn = 1;
+    ASSERT_TRUE(store.SaveOptions(s));
+
+    const std::vector<std::uint8_t> out = ReadAll();
+    ASSERT_EQ(out.size(), kOptionsRecordSize);
+    EXPECT_EQ(Word(out, 36), 80u);
+    EXPECT_EQ(Word(out, 40), 1u);
+    for (std::size_t i = 48; i < 60; ++i) EXPECT_EQ(out[i], bytes[i]) << "reserved byte " << i;
+    EXPECT_EQ(out[572], 0x5A);
+    EXPECT_EQ(out[3719], 0xC3);
+}
+
+TEST_F(OptionsFileTest, OverwritesInPlaceWithoutTruncating) {
+    std::vector<std::uint8_t> bytes(kOptionsRecordSize + 50, 0x11);
+    WriteAll(bytes);
+    ProgramSettings s;
+    OptionsStore store(path_);
+    store.LoadOptions(s);
+    ASSERT_TRUE(store.SaveOptions(s));
+    const auto out = ReadAll();
+    ASSERT_EQ(out.size(), kOptionsRecordSize + 50);
+    EXPECT_EQ(out[kOptionsRecordSize + 10], 0x11);
+}
+
+TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
+    ProgramSettings s;
+    s.storageRoot = "/media/卡/My Documents";
+    s.recentMaps[2] = "/home/u/maps/城市.png";
+    s.bluetoothName = "GPS-1";
+    s.bluetoothAddress = 0x0011223344556677ull;
+    OptionsStore store(path_);
+    store.LoadOptions(s);  // no file: built-in values
+    ASSERT_TRUE(store.SaveOptions(s));
+    const auto out = ReadAll();
+    ASSERT_EQ(out.size(), kOptionsRecordSize);
+    EXPECT_EQ(Word(out, 32), 10000u);
+    EXPECT_EQ(Word(out, 40), 0u);
+    EXPECT_EQ(Word(out, 576), 0x44556677u);
+    EXPECT_EQ(Word(out, 580), 0x00112233u);
+    EXPECT_EQ(out[60], 'G');
+    EXPECT_EQ(out[61], 0);
+
+    ProgramSettings back;
+    OptionsStore again(path_);
+    ASSERT_TRUE(again.LoadOptions(back));
+    EXPECT_EQ(back.storageRoot, s.storageRoot);
+    EXPECT_EQ(back.recentMaps[2], s.recentMaps[2]);
+    EXPECT_TRUE(back.receiverConfigured);
+}
+
+TEST(OptionsRecordTest, OddValuesAreMadeSane) {
+    struct Case {
+        std::size_t offset;
+        std::uint32_t value;
+        std::uint32_t ProgramSettings::*field;
+        std::uint32_t expected;
+    };
+    const Case cases[] = {
+        {44, 7, &ProgramSettings::units, 0},
+        {20, 6, &ProgramSettings::baudIndex, 0},
+        {32, 15000, &ProgramSettings::trackIntervalMs, 10000},
+        {32, 60000, &ProgramSettings::trackIntervalMs, 60000},
+        {0, 0xFFFFFFFF, &ProgramSettings::showMap, 1},
+        {36, 55, &ProgramSettings::speedAlarmLimit, 55},
+    };
+    for (const Case& c : cases) {
+        OptionsRecord r{};
+        SetOptionDefaults(r);
+        std::memcpy(reinterpret_cast<std::uint8_t*>(&r) + c.offset, &c.value, 4);
+        ProgramSettings s;
+        SettingsFromRecord(r, s);
+        EXPECT_EQ(s.*c.field, c.expected) << "offset " << c.offset << " value " << c.value;
+    }
+}
+
+TEST(OptionsRecordTest, PathWithoutTerminatorIsCutAtItsSlot) {
+    OptionsRecord r{};
+    SetOptionDefaults(r);
+    for (char16_t& c : r.storageLocation) c = u'x';
+    for (char16_t& c : r.recentMaps[0]) c = u'y';
+    ProgramSettings s;
+    SettingsFromRecord(r, s);
+    EXPECT_EQ(s.storageRoot, std::string(kPathChars, 'x'));
+    // Written back, the slot keeps room for its terminator.
+    RecordFromSettings(s, r);
+    EXPECT_EQ(r.storageLocation[kPathChars - 1], 0);
+    EXPECT_EQ(r.storageLocation[kPathChars - 2], u'x');
+}
+
+TEST(StorageTest, FallsBackToDocumentsAndBuildsTheTree) {
+    const fs::path base =
+        fs::temp_directory_path() / ("satwalk-storage-" + std::to_string(::getpid()));
+    fs::remove_all(base);
+    const std::string docs = (base / "Documents").string();
+    // A root on a volume that is gone cannot be created.
+    const std::string root = ResolveStorageRoot("/proc/no-such-card/My Documents", docs + "/");
+    EXPECT_EQ(root, docs);
+    const StorageFolders f = MakeStorageFolders(root);
+    PrepareStorageFolders(f);
+    EXPECT_TRUE(fs::is_directory(f.referencePoints));
+    EXPECT_TRUE(fs::is_directory(f.trackLog));
+    EXPECT_TRUE(fs::is_directory(base / "Documents/My GPS/NMEA0183"));
+
+    // A file where the base folder should be: nothing is created.
+    const StorageFolders g = MakeStorageFolders((base / "other").string());
+    fs::create_directories(g.root);
+    std::ofstream(g.base) << "x";
+    PrepareStorageFolders(g);
+    EXPECT_FALSE(fs::exists(g.trackLog));
+    fs::remove_all(base);
+}
+
+}  // namespace
+}  // namespace satwalk::shell
