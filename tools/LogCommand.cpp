@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -131,7 +132,10 @@ int RunLog(int argc, char** argv) {
     for (const int s : {SIGINT, SIGTERM, SIGHUP, SIGUSR1}) sigaddset(&signals, s);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
-    link::ReceiverLink receiver;
+    // The link is torn down explicitly before the sink: a reader still inside
+    // OnGpsData (a stalled standard output) must finish before the sink goes.
+    auto owned = std::make_unique<link::ReceiverLink>();
+    link::ReceiverLink& receiver = *owned;
     PrintingSink sink(receiver);
     link::ThreadTimer timer([&receiver] { link::LinkTimerProc(receiver); },
                             std::chrono::milliseconds(1000));
@@ -174,6 +178,8 @@ int RunLog(int argc, char** argv) {
         line += "null";
     }
     line += "}\n";
+    timer.Stop();
+    owned.reset();  // waits for the reader to end
     WriteAll(line);
     return 0;
 }

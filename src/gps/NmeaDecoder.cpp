@@ -4,6 +4,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 #include <ctime>
 
 namespace satwalk::gps {
@@ -90,10 +91,13 @@ class FieldWalker {
         if (done_)
             return false;
         begin = p_;
-        const void* comma = std::memchr(p_, ',', static_cast<std::size_t>(end_ - p_));
-        if (comma) {
-            stop = static_cast<const char*>(comma);
-            p_ = stop + 1;
+        // Fields are short: a plain loop beats a library call per field.
+        const char* q = p_;
+        while (q < end_ && *q != ',')
+            ++q;
+        if (q < end_) {
+            stop = q;
+            p_ = q + 1;
         } else {
             stop = end_;
             p_ = end_;
@@ -173,6 +177,38 @@ bool IsLeap(int y) {
 int DaysInMonth(int y, int m) {
     static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     return m == 2 && IsLeap(y) ? 29 : kDays[m - 1];
+}
+
+}  // namespace
+
+namespace {
+
+// Orders the first `count` rows by numeric PRN with an exchange sort: for
+// each i, every later row j with a smaller number is swapped in. The numbers
+// and the permutation are sorted side by side, and the 21-byte rows are
+// moved once at the end; equal numbers end in the same order as swapping
+// the rows themselves would leave them.
+void SortByPrn(SatelliteRecord* rows, int count) {
+    if (count <= 0)
+        return;
+    int number[kSatelliteRows];
+    int order[kSatelliteRows];
+    for (int i = 0; i < count; ++i) {
+        number[i] = TextToInt(rows[i].prn);
+        order[i] = i;
+    }
+    for (int i = 0; i < count; ++i) {
+        for (int j = i; j < count; ++j) {
+            if (number[i] > number[j]) {
+                std::swap(number[i], number[j]);
+                std::swap(order[i], order[j]);
+            }
+        }
+    }
+    SatelliteRecord sorted[kSatelliteRows];
+    for (int i = 0; i < count; ++i)
+        sorted[i] = rows[order[i]];
+    std::memcpy(rows, sorted, sizeof(SatelliteRecord) * static_cast<std::size_t>(count));
 }
 
 }  // namespace
@@ -353,7 +389,9 @@ void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* e
         CopyField(state.satellitesInView, b, e);
     a.countParsed = 1;
 
-    // Fields 4 on: groups of PRN, elevation, azimuth, SNR.
+    // Fields 4 on: groups of PRN, elevation, azimuth, SNR. The count in view
+    // cannot change for the rest of this sentence.
+    const int inView = TextToInt(state.satellitesInView);
     for (int k = 0; walk.Next(b, e); k = (k + 1) % 4) {
         SatelliteRecord* row = a.recordIndex < static_cast<std::uint32_t>(kSatelliteRows)
                                    ? &state.satellites[a.recordIndex]
@@ -375,19 +413,8 @@ void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* e
                 if (row)
                     CopyField(row->snr, b, e);
                 ++a.recordIndex;
-                const int inView = TextToInt(state.satellitesInView);
                 if (a.recordIndex == static_cast<std::uint32_t>(inView)) {
-                    const int count = inView < kSatelliteRows ? inView : kSatelliteRows;
-                    for (int i = 0; i < count; ++i) {
-                        for (int j = i; j < count; ++j) {
-                            if (TextToInt(state.satellites[i].prn) >
-                                TextToInt(state.satellites[j].prn)) {
-                                const SatelliteRecord t = state.satellites[i];
-                                state.satellites[i] = state.satellites[j];
-                                state.satellites[j] = t;
-                            }
-                        }
-                    }
+                    SortByPrn(state.satellites, inView < kSatelliteRows ? inView : kSatelliteRows);
                     a.Reset();
                 }
                 break;
@@ -510,10 +537,8 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
             const char* h = p + 1;
             int n = 0;
             while (n < 6) {
-                if (h == end) {  // cut at the end of the batch: lost
-                    std::memset(state.header, 0, sizeof state.header);
+                if (h == end)  // cut at the end of the batch: lost
                     return;
-                }
                 if (*h == '$') {  // a new sentence begins inside the header
                     p = h;
                     goto sentence;
@@ -528,10 +553,8 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
 
             unsigned sum = SeedOf(kind);
             const char* star = ChecksumScan(h, end, sum);
-            if (star == end) {
-                std::memset(state.header, 0, sizeof state.header);
+            if (star == end)  // cut before its checksum: lost
                 return;
-            }
             if (*star == '$') {
                 p = star;
                 goto sentence;

@@ -159,31 +159,37 @@ bool ReplayReceiver::WriteEpoch(std::string_view bytes) {
 }
 
 void ReplayReceiver::Play(Options options) {
-    const std::vector<std::string_view> epochs = SplitEpochs(log_);
-    const auto interval = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-        std::chrono::duration<double>(1.0 / options.rate));
-    auto next = std::chrono::steady_clock::now();
-    bool more = !epochs.empty();
-    while (more) {
-        for (const std::string_view epoch : epochs) {
-            {
-                std::unique_lock<std::mutex> g(mutex_);
-                if (wake_.wait_until(g, next, [this] { return stop_; }))
-                    return;
+    // Plays the epochs; false when stopped or the terminal failed.
+    const auto playAll = [&]() -> bool {
+        const std::vector<std::string_view> epochs = SplitEpochs(log_);
+        const auto interval = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+            std::chrono::duration<double>(1.0 / options.rate));
+        auto next = std::chrono::steady_clock::now();
+        bool more = !epochs.empty();
+        while (more) {
+            for (const std::string_view epoch : epochs) {
+                {
+                    std::unique_lock<std::mutex> g(mutex_);
+                    if (wake_.wait_until(g, next, [this] { return stop_; }))
+                        return false;
+                }
+                if (!WriteEpoch(epoch))
+                    return false;
+                ++epochs_;
+                next += interval;
             }
-            if (!WriteEpoch(epoch))
-                return;
-            ++epochs_;
-            next += interval;
+            more = options.loop;
         }
-        more = options.loop;
-    }
-    {
         // Time for the last epoch to be read and decoded (at least one and a
-        // half watchdog ticks), then done.
+        // half watchdog ticks).
         const auto hold = std::max(next, std::chrono::steady_clock::now() + 1500ms);
         std::unique_lock<std::mutex> g(mutex_);
         wake_.wait_until(g, hold, [this] { return stop_; });
+        return true;
+    };
+    playAll();
+    {
+        std::lock_guard<std::mutex> g(mutex_);
         finished_ = true;
     }
     wake_.notify_all();

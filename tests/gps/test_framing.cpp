@@ -87,7 +87,13 @@ TEST(ParseNmeaBuffer, Framing) {
         d.Feed(c.batch);
         EXPECT_STREQ(d.state.utcTime, c.utcTime) << c.name;
         EXPECT_STREQ(d.state.satellitesUsed, c.satellitesUsed) << c.name;
-        EXPECT_EQ(d.state.header[0], '\0') << c.name;
+        // A sentence cut by the end of the batch leaves its header as scratch;
+        // every sentence that reached its checksum clears it.
+        const std::string name = c.name;
+        const char* header = name == "cut before '*'"          ? "GPRMC,"
+                             : name == "header cut at the end" ? "GPG"
+                                                               : "";
+        EXPECT_STREQ(d.state.header, header) << c.name;
     }
 }
 

@@ -96,6 +96,13 @@ TEST(ParseGsv, Assembly) {
         {"count is the last field", {Sentence("GPGSV,1,1,00")}, V(12), "00", true},
         {"fields stop early", {Sentence("GPGSV,1")}, V(12), "", true},
         {"no fields", {Sentence("GPGSV,")}, V(12), "", false},
+        // Message "0" starts four rows before the table; with a count of -1
+        // the index wraps onto it after three satellites.
+        {"negative count reached by a wrapped index",
+         {Sentence("GPGSV,1,0,-1,1,2,3,4,5,6,7,8,9,10,11,12")},
+         V(12),
+         "-1",
+         false},
     };
     for (const auto& c : cases) {
         Decoder d;
