@@ -72,6 +72,15 @@ void AppendJsonString(std::string& out, std::string_view text) {
     const auto* p = reinterpret_cast<const unsigned char*>(text.data());
     const auto* end = p + text.size();
     while (p < end) {
+        // Plain printable ASCII, by far the usual case, goes over in one run.
+        const auto* run = p;
+        while (run < end && *run >= 0x20 && *run < 0x7F && *run != '"' && *run != '\\') ++run;
+        if (run != p) {
+            out.append(reinterpret_cast<const char*>(p), static_cast<std::size_t>(run - p));
+            p = run;
+            if (p == end)
+                break;
+        }
         const unsigned char c = *p;
         if (c >= 0x20 && c < 0x7F) {
             if (c == '"' || c == '\\')

@@ -4,8 +4,8 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
 #include <ctime>
+#include <utility>
 
 namespace satwalk::gps {
 
@@ -93,8 +93,7 @@ class FieldWalker {
         begin = p_;
         // Fields are short: a plain loop beats a library call per field.
         const char* q = p_;
-        while (q < end_ && *q != ',')
-            ++q;
+        while (q < end_ && *q != ',') ++q;
         if (q < end_) {
             stop = q;
             p_ = q + 1;
@@ -103,6 +102,32 @@ class FieldWalker {
             p_ = end_;
             done_ = true;
         }
+        return true;
+    }
+
+    // Copies the next field into a text of N bytes (NUL included), keeping
+    // the first N-1 characters and zeroing the rest, in one pass over the
+    // field; false when the sentence had already ended.
+    template <std::size_t N>
+    bool NextInto(char (&dst)[N]) {
+        if (done_)
+            return false;
+        const char* q = p_;
+        std::size_t n = 0;
+        while (q < end_ && *q != ',' && n < N - 1) dst[n++] = *q++;
+        std::memset(dst + n, 0, N - n);
+        while (q < end_ && *q != ',') ++q;
+        Advance(q);
+        return true;
+    }
+
+    // Steps over the next field; false when the sentence had already ended.
+    bool Skip() {
+        if (done_)
+            return false;
+        const char* q = p_;
+        while (q < end_ && *q != ',') ++q;
+        Advance(q);
         return true;
     }
 
@@ -115,6 +140,15 @@ class FieldWalker {
     }
 
   private:
+    void Advance(const char* stop) {
+        if (stop < end_) {
+            p_ = stop + 1;
+        } else {
+            p_ = end_;
+            done_ = true;
+        }
+    }
+
     const char* p_;
     const char* end_;
     bool done_ = false;
@@ -206,8 +240,7 @@ void SortByPrn(SatelliteRecord* rows, int count) {
         }
     }
     SatelliteRecord sorted[kSatelliteRows];
-    for (int i = 0; i < count; ++i)
-        sorted[i] = rows[order[i]];
+    for (int i = 0; i < count; ++i) sorted[i] = rows[order[i]];
     std::memcpy(rows, sorted, sizeof(SatelliteRecord) * static_cast<std::size_t>(count));
 }
 
@@ -392,34 +425,34 @@ void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* e
     // Fields 4 on: groups of PRN, elevation, azimuth, SNR. The count in view
     // cannot change for the rest of this sentence.
     const int inView = TextToInt(state.satellitesInView);
-    for (int k = 0; walk.Next(b, e); k = (k + 1) % 4) {
+    for (int k = 0;; k = (k + 1) % 4) {
         SatelliteRecord* row = a.recordIndex < static_cast<std::uint32_t>(kSatelliteRows)
                                    ? &state.satellites[a.recordIndex]
                                    : nullptr;
+        bool more;
         switch (k) {
             case 0:
-                if (row)
-                    CopyField(row->prn, b, e);
+                more = row ? walk.NextInto(row->prn) : walk.Skip();
                 break;
             case 1:
-                if (row)
-                    CopyField(row->elevation, b, e);
+                more = row ? walk.NextInto(row->elevation) : walk.Skip();
                 break;
             case 2:
-                if (row)
-                    CopyField(row->azimuth, b, e);
+                more = row ? walk.NextInto(row->azimuth) : walk.Skip();
                 break;
-            default: {
-                if (row)
-                    CopyField(row->snr, b, e);
+            default:
+                more = row ? walk.NextInto(row->snr) : walk.Skip();
+                if (!more)
+                    break;
                 ++a.recordIndex;
                 if (a.recordIndex == static_cast<std::uint32_t>(inView)) {
                     SortByPrn(state.satellites, inView < kSatelliteRows ? inView : kSatelliteRows);
                     a.Reset();
                 }
                 break;
-            }
         }
+        if (!more)
+            return;
     }
 }
 
