@@ -40,6 +40,7 @@ class ShellUi {
     // and its twelve rows filled from the current fix.
     virtual void ShowSatelliteDialog(bool show) = 0;
     virtual void FillSatelliteDialog() = 0;
+
   protected:
     ~ShellUi() = default;
 };

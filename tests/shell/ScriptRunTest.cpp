@@ -243,7 +243,8 @@ TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
         Path("replaced.json") + "\n";
     const char* const keys[] = {"1", "2", "6", "7", "4"};
     for (const char* key : keys)
-        script += std::string("key ") + key + "\nsnapshot " + Path(std::string("screen-") + key + ".png") + "\n";
+        script += std::string("key ") + key + "\nsnapshot " +
+                  Path(std::string("screen-") + key + ".png") + "\n";
     script += "quit\n";
     WriteScript(script);
     ASSERT_EQ(Run("--replay '" SATWALK_TEST_DATA "/speed-run.nmea' --replay-rate 5"), 0)
@@ -257,8 +258,9 @@ TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
     const std::string open = Read("open.json");
     EXPECT_TRUE(Has(open, "\"fixValid\":true")) << open;
     EXPECT_TRUE(Has(open, "\"currentScreen\":-1,")) << open;
-    EXPECT_TRUE(Has(open, "\"satelliteDialogRows\":[[\"03\",\"45\",\"120\",\"42\"],"
-                          "[\"06\",\"30\",\"200\",\"38\"],"))
+    EXPECT_TRUE(Has(open,
+                    "\"satelliteDialogRows\":[[\"03\",\"45\",\"120\",\"42\"],"
+                    "[\"06\",\"30\",\"200\",\"38\"],"))
         << open;
     EXPECT_TRUE(Has(open, "[\"25\",\"50\",\"015\",\"40\"],[\"-\",\"-\",\"-\",\"-\"],")) << open;
 
@@ -285,4 +287,3 @@ TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
 }
 
 }  // namespace
-

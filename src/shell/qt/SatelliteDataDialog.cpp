@@ -49,12 +49,13 @@ SatelliteDataDialog::SatelliteDataDialog(MainWindow& main, int b)
     t->horizontalHeader()->setFont(headerFont);
     t->setShowGrid(true);
     t->setAlternatingRowColors(true);
-    t->setStyleSheet(QStringLiteral("QTableWidget { gridline-color: rgb(200,208,220);"
-                                    " alternate-background-color: rgb(238,244,252);"
-                                    " background: white; color: black; }"
-                                    "QHeaderView::section { background: rgb(214,233,250);"
-                                    " color: rgb(34,89,172); border: 0px;"
-                                    " border-bottom: 1px solid rgb(160,180,210); }"));
+    t->setStyleSheet(
+        QStringLiteral("QTableWidget { gridline-color: rgb(200,208,220);"
+                       " alternate-background-color: rgb(238,244,252);"
+                       " background: white; color: black; }"
+                       "QHeaderView::section { background: rgb(214,233,250);"
+                       " color: rgb(34,89,172); border: 0px;"
+                       " border-bottom: 1px solid rgb(160,180,210); }"));
 
     // All twelve rows are always in view: the rows share the height and
     // the text follows the row height (see resizeEvent).
@@ -67,8 +68,7 @@ SatelliteDataDialog::SatelliteDataDialog(MainWindow& main, int b)
     ok->setFont(font);
     ok->setFocusPolicy(Qt::NoFocus);
     ok->setMinimumWidth(3 * b);
-    connect(ok, &QPushButton::clicked, this,
-            [this] { main_.shell().OnSatelliteDialogClosed(); });
+    connect(ok, &QPushButton::clicked, this, [this] { main_.shell().OnSatelliteDialogClosed(); });
 
     // Title on the left, the OK button on the right, the table below.
     auto* layout = new QVBoxLayout(this);
