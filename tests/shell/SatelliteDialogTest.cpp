@@ -40,7 +40,8 @@ TEST_F(SatelliteDialogTest, OpensByCommandOrKeyAndStandsInForTheScreen) {
         EXPECT_TRUE(ui.satelliteDialogShown);
         EXPECT_EQ(ui.satelliteFills, 1) << "filled as it opens";
 
-        const MenuEntry* entry = FindMenuEntry(shell.BuildViewMenu(), cmd::kSatelliteData);
+        const MenuEntry view = shell.BuildViewMenu();
+        const MenuEntry* entry = FindMenuEntry(view, cmd::kSatelliteData);
         ASSERT_NE(entry, nullptr);
         EXPECT_TRUE(entry->enabled);
         EXPECT_TRUE(entry->checked);
