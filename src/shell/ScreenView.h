@@ -7,6 +7,10 @@
 #include "GpsState.h"
 #include "Settings.h"
 
+namespace satwalk::screens {
+struct ScreenContext;
+}
+
 namespace satwalk::shell {
 
 struct ScreenView {
@@ -14,6 +18,7 @@ struct ScreenView {
     int top = 0;
     int right = 0;
     int bottom = 0;
+    int dpi = 192;
     int baseTextHeight = 30;
     int currentScreen = 0;
     const gps::GpsState* gps = nullptr;
@@ -29,5 +34,11 @@ struct ScreenView {
 inline int BaseTextHeightForDpi(int dpi) {
     return (15 * dpi + 48) / 96;
 }
+
+// Copies what the window knows into the screens' context before a paint:
+// units, speed alarm, link and fix state, blink phase, recording, clock,
+// map, current screen, and the position in degrees while there is a fix
+// (the last one is kept otherwise). Layout and bitmaps are left alone.
+void SyncScreenContext(const ScreenView& view, screens::ScreenContext& ctx);
 
 }  // namespace satwalk::shell

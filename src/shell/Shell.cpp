@@ -49,7 +49,36 @@ void Shell::Message(const std::string& text, MessageIcon icon) {
 }
 
 void Shell::SetScreen(int screen) {
+    // A screen chosen while the satellite data dialog is open takes its
+    // place: the dialog goes.
+    CloseSatelliteDialog();
     currentScreen = screen;
+    ui_.Repaint();
+}
+
+void Shell::OpenSatelliteDialog() {
+    if (satelliteDialogOpen)
+        return;
+    screenBeforeDialog = currentScreen;
+    currentScreen = kScreenSatelliteData;
+    satelliteDialogOpen = true;
+    ui_.ShowSatelliteDialog(true);
+    ui_.FillSatelliteDialog();
+    ui_.Repaint();
+}
+
+void Shell::CloseSatelliteDialog() {
+    if (!satelliteDialogOpen)
+        return;
+    satelliteDialogOpen = false;
+    ui_.ShowSatelliteDialog(false);
+}
+
+void Shell::OnSatelliteDialogClosed() {
+    if (!satelliteDialogOpen)
+        return;
+    CloseSatelliteDialog();
+    currentScreen = screenBeforeDialog;
     ui_.Repaint();
 }
 
@@ -86,6 +115,9 @@ void Shell::OnCommand(int id) {
             return;
         case cmd::kSkyPlot:
             SetScreen(kScreenSkyPlot);
+            return;
+        case cmd::kSatelliteData:
+            OpenSatelliteDialog();
             return;
         case cmd::kCompass:
             SetScreen(kScreenCompass);
@@ -212,6 +244,7 @@ void Shell::Exit() {
         ReportLoss(reason);
     }
     alarm_.Silence();
+    CloseSatelliteDialog();
     if (settings_.backlightAlwaysOn != 0)
         ui_.SetBacklightHold(false);
     exited = true;
@@ -281,6 +314,8 @@ void Shell::OnGpsData() {
     alarm_.CheckSpeedAlarm(CurrentSpeed(state, settings_.units), settings_.speedAlarmOn != 0,
                            settings_.speedAlarmLimit, link_.Running());
     ui_.Repaint();
+    if (satelliteDialogOpen)
+        ui_.FillSatelliteDialog();
 }
 
 void Shell::OnGpsTime() {
@@ -358,8 +393,7 @@ MenuEntry Shell::BuildViewMenu() const {
     map.push_back(Check(cmd::kShowTrack, "显示轨迹", settings_.showTrack != 0));
     map.push_back(Check(cmd::kShowPoi, "显示 POI", settings_.showPoi != 0));
 
-    MenuEntry satData = Radio(cmd::kSatelliteData, "卫星数据\t[3]", s == -1);
-    satData.enabled = HasHandler(cmd::kSatelliteData);
+    MenuEntry satData = Radio(cmd::kSatelliteData, "卫星数据\t[3]", s == kScreenSatelliteData);
 
     return Sub(
         LoadString(kStrView),

@@ -36,6 +36,11 @@ class ShellUi {
     virtual bool StartClockTimer() = 0;  // (re)starts the 1-second clock
     virtual void SetBacklightHold(bool hold) = 0;
     virtual void CloseWindow() = 0;  // the end of a confirmed exit
+    // The satellite data dialog: shown over the screen area or taken away,
+    // and its twelve rows filled from the current fix.
+    virtual void ShowSatelliteDialog(bool show) = 0;
+    virtual void FillSatelliteDialog() = 0;
+
   protected:
     ~ShellUi() = default;
 };
@@ -87,6 +92,7 @@ inline constexpr int kScreenSkyPlot = 1;
 inline constexpr int kScreenCompass = 2;
 inline constexpr int kScreenSpeedometer = 3;
 inline constexpr int kScreenMap = 4;
+inline constexpr int kScreenSatelliteData = -1;
 
 const char* ScreenName(int screen);
 
@@ -107,6 +113,9 @@ class Shell {
     void OnGpsTime();    // WM_GPS_TIME
     void OnClockTick();  // timer 1028: one second more on the fix clock
     void OnBlinkTick();
+    // The user closed the satellite data dialog (its own button or key):
+    // the screen it stood in for comes back.
+    void OnSatelliteDialogClosed();
 
     // The two drop-downs as they are at this moment.
     MenuEntry BuildViewMenu() const;
@@ -118,7 +127,10 @@ class Shell {
     const LinkControl& link() const { return link_; }
     const SpeedAlarm& alarm() const { return alarm_; }
 
+    // -1 while the satellite data dialog is shown in the screen's place.
     int currentScreen = kScreenGpsInfo;
+    bool satelliteDialogOpen = false;
+    int screenBeforeDialog = kScreenGpsInfo;
     bool fixTimeKnown = false;
     bool blinkPhase = false;
     bool mapLoaded = false;
@@ -134,6 +146,8 @@ class Shell {
     void StopGps();
     void Exit();
     void SetScreen(int screen);
+    void OpenSatelliteDialog();
+    void CloseSatelliteDialog();
     void ReportLoss(int reason);
     void Message(const std::string& text, MessageIcon icon);
 

@@ -35,6 +35,7 @@ std::string BuildStateJson(const Shell& shell, const StateExtras& extras) {
     const LinkControl& link = shell.link();
     std::string out = "{";
     Int(out, "currentScreen", shell.currentScreen);
+    Bool(out, "satelliteDialogOpen", shell.satelliteDialogOpen);
     Bool(out, "linkRunning", link.Running());
     Bool(out, "fixValid", link.FixValid());
     Int(out, "units", s.units);
@@ -55,6 +56,20 @@ std::string BuildStateJson(const Shell& shell, const StateExtras& extras) {
     Text(out, "storageRoot", extras.storageRoot);
     Text(out, "optionsPath", extras.optionsPath);
     Int(out, "raiseRequests", extras.raiseRequests);
+    Member(out, "satelliteDialogRows");
+    out += '[';
+    for (std::size_t i = 0; i < extras.satelliteDialogRows.size(); ++i) {
+        if (i > 0)
+            out += ',';
+        out += '[';
+        for (std::size_t c = 0; c < 4; ++c) {
+            if (c > 0)
+                out += ',';
+            gps::AppendJsonString(out, extras.satelliteDialogRows[i][c]);
+        }
+        out += ']';
+    }
+    out += ']';
     Member(out, "gps");
     out += '{';
     gps::AppendGpsJsonMembers(out, link.Gps(), shell.fixTimeKnown);

@@ -53,6 +53,8 @@ class FakeUi : public ShellUi {
     bool StartClockTimer() override { return clockStarts++, true; }
     void SetBacklightHold(bool hold) override { backlight = hold; }
     void CloseWindow() override { closed = true; }
+    void ShowSatelliteDialog(bool show) override { satelliteDialogShown = show; }
+    void FillSatelliteDialog() override { ++satelliteFills; }
 
     std::vector<std::pair<std::string, MessageIcon>> messages;
     bool answerYes = true;
@@ -63,6 +65,8 @@ class FakeUi : public ShellUi {
     int clockStarts = 0;
     bool backlight = true;
     bool closed = false;
+    bool satelliteDialogShown = false;
+    int satelliteFills = 0;
 };
 
 class FakeLink : public LinkControl {

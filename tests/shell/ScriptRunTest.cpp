@@ -1,6 +1,8 @@
 // The program end to end: scripts run offscreen against the real window.
 #include <gtest/gtest.h>
 
+#include <QImage>
+
 #include <sys/wait.h>
 
 #include <chrono>
@@ -10,6 +12,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -157,6 +160,130 @@ TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
     first.join();
     EXPECT_NE(Read("state.json").find("\"raiseRequests\":1"), std::string::npos)
         << Read("state.json");
+}
+
+// Taps on the tool strip's tabs in both orientations and both sets: each
+// tab runs its screen's command; the loaded-map tab does nothing while no
+// map is loaded.
+TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
+    struct Variant {
+        const char* size;
+        int dpi;
+        int x0, y0, dx, dy;  // centre of tab 0 and the step to the next
+    };
+    // Portrait 480 x 640, 192 dpi: 74-pixel tiles from x 5 every 79 pixels,
+    // 55 pixels below the top of the 129-pixel strip. Landscape 320 x 240,
+    // 96 dpi: 27-pixel tiles every 28 pixels from y 15 + (240 - 168 - 15) / 2.
+    const Variant variants[] = {{"480x640", 192, 5 + 37, 640 - 129 + 55 + 37, 79, 0},
+                                {"320x240", 96, 13, 43 + 13, 0, 28}};
+    const int expected[6] = {0, 4, 4, 2, 3, 1};
+    for (const Variant& v : variants) {
+        std::string script = "key 7\n";
+        for (int tab = 0; tab < 6; ++tab) {
+            script += "tap " + std::to_string(v.x0 + tab * v.dx) + " " +
+                      std::to_string(v.y0 + tab * v.dy) + "\nstate " +
+                      Path("tab" + std::to_string(tab) + ".json") + "\n";
+        }
+        // Between two tabs and above the strip nothing happens.
+        script += "tap " + std::to_string(v.x0 + v.dx / 2 + 20 * (v.dx == 0)) + " " +
+                  std::to_string(v.y0 - v.dy / 2 - 60 * (v.dy == 0)) + "\nstate " +
+                  Path("miss.json") + "\nquit\n";
+        WriteScript(script);
+        ASSERT_EQ(Run(std::string("--size ") + v.size + " --dpi " + std::to_string(v.dpi)), 0)
+            << Read("stderr.txt");
+        for (int tab = 0; tab < 6; ++tab) {
+            const std::string state = Read("tab" + std::to_string(tab) + ".json");
+            EXPECT_NE(state.find("\"currentScreen\":" + std::to_string(expected[tab]) + ","),
+                      std::string::npos)
+                << v.size << " tab " << tab << "\n"
+                << state;
+        }
+        EXPECT_NE(Read("miss.json").find("\"currentScreen\":1,"), std::string::npos)
+            << v.size << "\n"
+            << Read("miss.json");
+    }
+}
+
+// Share of pixels that are not white, sampled on a grid.
+double InkShare(const QImage& image) {
+    int ink = 0, all = 0;
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3, ++all) {
+            if ((image.pixel(x, y) & 0xFFFFFFu) != 0xFFFFFFu)
+                ++ink;
+        }
+    }
+    return all > 0 ? static_cast<double>(ink) / all : 0.0;
+}
+
+// The satellite data dialog against a replayed receiver: opened before the
+// first batch it shows blanks, the batches that follow reach it and fill
+// its rows, the current screen is -1 while it is shown, and closing it
+// brings the screen back. Every screen is snapshotted on the way.
+TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
+    std::string script =
+        "key 3\n"
+        "state " +
+        Path("blank.json") +
+        "\n"
+        "wait 2300\n"
+        "state " +
+        Path("open.json") +
+        "\n"
+        "snapshot " +
+        Path("screen-dialog.png") +
+        "\n"
+        "key escape\n"
+        "state " +
+        Path("closed.json") +
+        "\n"
+        "key 3\n"
+        "key 6\n"
+        "state " +
+        Path("replaced.json") + "\n";
+    const char* const keys[] = {"1", "2", "6", "7", "4"};
+    for (const char* key : keys)
+        script += std::string("key ") + key + "\nsnapshot " +
+                  Path(std::string("screen-") + key + ".png") + "\n";
+    script += "quit\n";
+    WriteScript(script);
+    ASSERT_EQ(Run("--replay '" SATWALK_TEST_DATA "/speed-run.nmea' --replay-rate 5"), 0)
+        << Read("stderr.txt");
+
+    const std::string blank = Read("blank.json");
+    EXPECT_TRUE(Has(blank, "\"currentScreen\":-1,")) << blank;
+    EXPECT_TRUE(Has(blank, "\"satelliteDialogOpen\":true")) << blank;
+    EXPECT_TRUE(Has(blank, "\"satelliteDialogRows\":[[\"-\",\"-\",\"-\",\"-\"],")) << blank;
+
+    const std::string open = Read("open.json");
+    EXPECT_TRUE(Has(open, "\"fixValid\":true")) << open;
+    EXPECT_TRUE(Has(open, "\"currentScreen\":-1,")) << open;
+    EXPECT_TRUE(Has(open,
+                    "\"satelliteDialogRows\":[[\"03\",\"45\",\"120\",\"42\"],"
+                    "[\"06\",\"30\",\"200\",\"38\"],"))
+        << open;
+    EXPECT_TRUE(Has(open, "[\"25\",\"50\",\"015\",\"40\"],[\"-\",\"-\",\"-\",\"-\"],")) << open;
+
+    const std::string closed = Read("closed.json");
+    EXPECT_TRUE(Has(closed, "\"currentScreen\":0,")) << closed;
+    EXPECT_TRUE(Has(closed, "\"satelliteDialogOpen\":false")) << closed;
+    EXPECT_TRUE(Has(closed, "\"satelliteDialogRows\":[]")) << closed;
+    EXPECT_TRUE(Has(Read("replaced.json"), "\"currentScreen\":2,")) << Read("replaced.json");
+
+    // Each screen: the window's size (480 x 640 above a 52-pixel soft-key
+    // bar at 192 dpi), well inked, and different from the others.
+    std::vector<QImage> shots;
+    for (const char* name : {"1", "2", "6", "7", "4", "dialog"}) {
+        const QImage image(QString::fromStdString(Path(std::string("screen-") + name + ".png")));
+        ASSERT_FALSE(image.isNull()) << name;
+        EXPECT_EQ(image.width(), 480) << name;
+        EXPECT_EQ(image.height(), 640 + 52) << name;
+        const double ink = InkShare(image);
+        EXPECT_GT(ink, 0.12) << name;
+        EXPECT_LT(ink, 0.9) << name;
+        for (const QImage& other : shots) EXPECT_NE(image, other) << name;
+        shots.push_back(image);
+    }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "CommandIds.h"
 #include "MainWindow.h"
+#include "SatelliteDataDialog.h"
 
 namespace satwalk::app {
 
@@ -67,23 +68,37 @@ bool AppLink::Start() {
     return watchdog_.isActive();
 }
 
+namespace {
+
+// The reader waits until the window (or the dialog) has handled the call.
+template <typename Target>
+void Deliver(Target* target, void (Target::*handler)()) {
+    QMetaObject::invokeMethod(target, handler,
+                              QThread::currentThread() == target->thread()
+                                  ? Qt::DirectConnection
+                                  : Qt::BlockingQueuedConnection);
+}
+
+}  // namespace
+
+// The dialog is hidden, never destroyed, while the window lives, so a call
+// already on its way to it still arrives.
 void AppLink::OnGpsData() {
     if (window_ == nullptr || closing_ || link_.stopRequested)
         return;
-    // The reader waits until the window has handled the batch.
-    QMetaObject::invokeMethod(window_, &MainWindow::HandleGpsData,
-                              QThread::currentThread() == window_->thread()
-                                  ? Qt::DirectConnection
-                                  : Qt::BlockingQueuedConnection);
+    if (SatelliteDataDialog* dialog = dialog_.load())
+        Deliver(dialog, &SatelliteDataDialog::HandleGpsData);
+    else
+        Deliver(window_, &MainWindow::HandleGpsData);
 }
 
 void AppLink::OnGpsTime() {
     if (window_ == nullptr || closing_ || link_.stopRequested)
         return;
-    QMetaObject::invokeMethod(window_, &MainWindow::HandleGpsTime,
-                              QThread::currentThread() == window_->thread()
-                                  ? Qt::DirectConnection
-                                  : Qt::BlockingQueuedConnection);
+    if (SatelliteDataDialog* dialog = dialog_.load())
+        Deliver(dialog, &SatelliteDataDialog::HandleGpsTime);
+    else
+        Deliver(window_, &MainWindow::HandleGpsTime);
 }
 
 void AppLink::OnStopCommand() {

@@ -17,6 +17,7 @@
 namespace satwalk::app {
 
 class MainWindow;
+class SatelliteDataDialog;
 
 class AppLink : public QObject,
                 public shell::LinkControl,
@@ -27,6 +28,9 @@ class AppLink : public QObject,
     ~AppLink() override;
 
     void AttachWindow(MainWindow* window) { window_ = window; }
+    // While the satellite data dialog is open the receiver's messages go to
+    // it (null when it closes).
+    void SetDialog(SatelliteDataDialog* dialog) { dialog_.store(dialog); }
     // A device that stands for the configured port for this run (--port,
     // --replay).
     void SetOverridePath(std::string path) { overridePath_ = std::move(path); }
@@ -64,6 +68,7 @@ class AppLink : public QObject,
     link::PortMap portMap_;
     std::string overridePath_;
     MainWindow* window_ = nullptr;
+    std::atomic<SatelliteDataDialog*> dialog_{nullptr};
     QTimer watchdog_;  // id 1
     std::atomic<bool> closing_{false};
 };

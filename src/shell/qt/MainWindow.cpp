@@ -11,7 +11,7 @@
 #include <cstdio>
 
 #include "CommandIds.h"
-#include "NmeaDecoder.h"
+#include "SatelliteDataDialog.h"
 #include "Strings.h"
 
 namespace satwalk::app {
@@ -42,12 +42,24 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     });
 }
 
+void MainWindow::SetScreenPainter(ScreenPainter* painter) {
+    painter_ = painter;
+    if (painter_ != nullptr)
+        painter_->Layout(CurrentView());
+}
+
+QRect MainWindow::ScreenArea() const {
+    return QRect(0, 0, width(), std::max(1, height() - barHeight_));
+}
+
 shell::ScreenView MainWindow::CurrentView() const {
     shell::ScreenView v;
-    v.left = 0;
-    v.top = 0;
-    v.right = width();
-    v.bottom = height() - barHeight_;
+    const QRect area = ScreenArea();
+    v.left = area.left();
+    v.top = area.top();
+    v.right = area.right() + 1;
+    v.bottom = area.bottom() + 1;
+    v.dpi = dpi_;
     v.baseTextHeight = shell::BaseTextHeightForDpi(dpi_);
     v.currentScreen = shell_.currentScreen;
     v.gps = &shell_.link().Gps();
@@ -140,6 +152,36 @@ void MainWindow::CloseWindow() {
     QApplication::quit();
 }
 
+void MainWindow::ShowSatelliteDialog(bool show) {
+    if (show) {
+        if (dialog_ == nullptr)
+            dialog_ = new SatelliteDataDialog(*this, shell::BaseTextHeightForDpi(dpi_));
+        dialog_->setGeometry(ScreenArea());
+        dialog_->show();
+        dialog_->raise();
+        dialog_->setFocus();
+        satelliteDataWindow_ = dialog_;
+    } else {
+        satelliteDataWindow_ = nullptr;
+        if (dialog_ != nullptr)
+            dialog_->hide();
+        setFocus();
+    }
+    if (onSatelliteDialog)
+        onSatelliteDialog(satelliteDataWindow_);
+}
+
+void MainWindow::FillSatelliteDialog() {
+    if (satelliteDataWindow_ != nullptr)
+        satelliteDataWindow_->Fill(shell_.link().Gps());
+}
+
+QWidget* MainWindow::KeyTarget() {
+    if (satelliteDataWindow_ != nullptr)
+        return satelliteDataWindow_;
+    return this;
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     // Closing the window is the exit command, with its confirmation.
     if (closing_) {
@@ -157,11 +199,10 @@ void MainWindow::PaintScreenImage() {
     const QSize size(std::max(1, view.right - view.left), std::max(1, view.bottom - view.top));
     if (screenImage_.size() != size)
         screenImage_ = QImage(size, QImage::Format_RGB32);
-    QPainter p(&screenImage_);
-    if (painter_) {
-        painter_(p, view);
+    if (painter_ != nullptr) {
+        painter_->Paint(screenImage_, view);
     } else {
-        PaintPlaceholderScreen(p, view);
+        screenImage_.fill(Qt::white);
     }
 }
 
@@ -199,61 +240,21 @@ void MainWindow::paintEvent(QPaintEvent*) {
 }
 
 void MainWindow::resizeEvent(QResizeEvent*) {
+    if (painter_ != nullptr)
+        painter_->Layout(CurrentView());
+    if (dialog_ != nullptr)
+        dialog_->setGeometry(ScreenArea());
     update();
-}
-
-void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view) {
-    const QRect r(view.left, view.top, view.right - view.left, view.bottom - view.top);
-    p.fillRect(r, Qt::white);
-    const int b = view.baseTextHeight;
-    QFont f;
-    f.setPixelSize(b * 3 / 2);
-    f.setBold(true);
-    p.setFont(f);
-    p.setPen(QColor(22, 118, 201));
-    const char* name = shell::ScreenName(view.currentScreen);
-    p.drawText(QRect(r.left(), r.top() + b, r.width(), b * 3), Qt::AlignCenter,
-               QString::fromUtf8(name));
-    if (view.gps == nullptr || view.settings == nullptr)
-        return;
-
-    const gps::GpsState& g = *view.gps;
-    double lat = 0;
-    double lon = 0;
-    gps::NmeaToDegrees(g.latitude, g.northSouth, g.longitude, g.eastWest, &lat, &lon);
-    static const char* const kUnits[] = {"km/h", "MPH", "kts"};
-    const std::uint32_t units = view.settings->units <= 2 ? view.settings->units : 0;
-    const QStringList lines = {
-        view.linkRunning
-            ? (view.fixValid ? QStringLiteral("GPS: 定位") : QStringLiteral("GPS: 搜索中"))
-            : QStringLiteral("GPS: 关闭"),
-        QStringLiteral("%1 %2").arg(shell::CurrentSpeed(g, units), 0, 'f', 1).arg(kUnits[units]),
-        QStringLiteral("%1, %2").arg(lat, 0, 'f', 5).arg(lon, 0, 'f', 5),
-        QStringLiteral("UTC %1  %2")
-            .arg(QString::fromLatin1(g.utcTime), QString::fromLatin1(g.date)),
-        QStringLiteral("卫星 %1 / %2")
-            .arg(QString::fromLatin1(g.satellitesUsed), QString::fromLatin1(g.satellitesInView)),
-    };
-    f.setPixelSize(b);
-    f.setBold(false);
-    p.setFont(f);
-    p.setPen(Qt::black);
-    int y = r.top() + b * 5;
-    for (const QString& line : lines) {
-        p.drawText(QRect(r.left(), y, r.width(), b * 3 / 2), Qt::AlignCenter, line);
-        y += b * 3 / 2;
-    }
-    if (view.settings->speedAlarmOn != 0) {
-        p.setPen(QColor(200, 30, 30));
-        p.drawText(
-            QRect(r.left(), y + b, r.width(), b * 3 / 2), Qt::AlignCenter,
-            QStringLiteral("警报 %1 %2").arg(view.settings->speedAlarmLimit).arg(kUnits[units]));
-    }
 }
 
 // ---- input ----
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
+    if (!HandleKeyEvent(event))
+        QWidget::keyPressEvent(event);
+}
+
+bool MainWindow::HandleKeyEvent(QKeyEvent* event) {
     std::optional<Key> key;
     const int k = event->key();
     if (k >= Qt::Key_0 && k <= Qt::Key_9)
@@ -289,11 +290,10 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
         default:
             break;
     }
-    if (!key) {
-        QWidget::keyPressEvent(event);
-        return;
-    }
+    if (!key)
+        return false;
     shell_.OnKeyDown(*key);
+    return true;
 }
 
 void MainWindow::mousePressEvent(QMouseEvent* event) {
@@ -302,7 +302,12 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
         OpenDropDown(pos.x() < width() / 2);
         return;
     }
-    // Taps on the screens belong to the map and its buttons.
+    // The tool strip's tabs take a tap first; the rest of the screen
+    // belongs to the map and its buttons.
+    if (painter_ != nullptr) {
+        if (const int id = painter_->TabCommandAt(pos.x(), pos.y()); id != 0)
+            shell_.OnCommand(id);
+    }
 }
 
 void MainWindow::PopulateMenu(QMenu* menu, const shell::MenuEntry& entry) {

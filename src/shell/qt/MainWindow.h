@@ -16,23 +16,49 @@
 #include "StateJson.h"
 
 class QMenu;
+class QKeyEvent;
 
 namespace satwalk::app {
+
+class SatelliteDataDialog;
+
+// What paints the screens into the window's off-screen image, which covers
+// the screen area (the client area less the soft-key bar).
+class ScreenPainter {
+  public:
+    // The screen area was made or changed its size.
+    virtual void Layout(const shell::ScreenView& view) = 0;
+    // Paints the whole screen area, tool strip included.
+    virtual void Paint(QImage& image, const shell::ScreenView& view) = 0;
+    // The command of the tool-strip tab under (x, y), or 0.
+    virtual int TabCommandAt(int x, int y) const = 0;
+
+  protected:
+    ~ScreenPainter() = default;
+};
 
 class MainWindow : public QWidget, public shell::ShellUi {
     Q_OBJECT
   public:
-    // Paints one screen into the off-screen image. The image covers the
-    // screen area only; view gives its rectangle and what is shown.
-    using ScreenPainter = std::function<void(QPainter&, const shell::ScreenView&)>;
-
     MainWindow(shell::ProgramSettings& settings, shell::LinkControl& link, shell::AlarmSound& sound,
                shell::OptionsStore* options, QSize clientSize, int dpi);
 
     shell::Shell& shell() { return shell_; }
-    void SetScreenPainter(ScreenPainter painter) { painter_ = std::move(painter); }
+    // The painter outlives the window; without one the screen area is white.
+    void SetScreenPainter(ScreenPainter* painter);
     shell::ScreenView CurrentView() const;
     int softKeyBarHeight() const { return barHeight_; }
+
+    // The hardware keys, for this window and the satellite data dialog.
+    // False when the key is not one of the program's.
+    bool HandleKeyEvent(QKeyEvent* event);
+    // Where keys go: the satellite data dialog while it is open.
+    QWidget* KeyTarget();
+    // The satellite data dialog while it is open, else null.
+    SatelliteDataDialog* satelliteDataWindow() const { return satelliteDataWindow_; }
+    // Told when the dialog opens (with it) and closes (with null), so that
+    // the receiver's messages go to it while it is open.
+    std::function<void(SatelliteDataDialog*)> onSatelliteDialog;
 
     // Script mode: message boxes never block; each is logged, printed on
     // standard error and answered (`answer` chooses the next reply).
@@ -67,6 +93,8 @@ class MainWindow : public QWidget, public shell::ShellUi {
     bool StartClockTimer() override;
     void SetBacklightHold(bool hold) override;
     void CloseWindow() override;
+    void ShowSatelliteDialog(bool show) override;
+    void FillSatelliteDialog() override;
 
   protected:
     void paintEvent(QPaintEvent*) override;
@@ -79,9 +107,12 @@ class MainWindow : public QWidget, public shell::ShellUi {
     void PaintScreenImage();
     void PaintSoftKeyBar(QPainter& p);
     void PopulateMenu(QMenu* menu, const shell::MenuEntry& entry);
+    QRect ScreenArea() const;
 
     shell::Shell shell_;
-    ScreenPainter painter_;
+    ScreenPainter* painter_ = nullptr;
+    SatelliteDataDialog* dialog_ = nullptr;               // made on first opening
+    SatelliteDataDialog* satelliteDataWindow_ = nullptr;  // the dialog while open
     QImage screenImage_;
     int dpi_;
     int barHeight_;
@@ -94,9 +125,5 @@ class MainWindow : public QWidget, public shell::ShellUi {
     QTimer clockTimer_;  // 1028
     QTimer trackTimer_;  // 1027
 };
-
-// The stand-in screen until the instrument screens slot in: white, with the
-// screen's name and the main readings.
-void PaintPlaceholderScreen(QPainter& p, const shell::ScreenView& view);
 
 }  // namespace satwalk::app

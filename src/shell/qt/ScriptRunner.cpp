@@ -111,10 +111,12 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         if (words.size() < 2 || !ParseKey(words[1].toLower(), key, text)) {
             return Fail(QStringLiteral("unknown key")), false;
         }
+        // To the satellite data dialog while it is open, as a real key.
+        QWidget* target = window_.KeyTarget();
         QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
-        QApplication::sendEvent(&window_, &down);
+        QApplication::sendEvent(target, &down);
         QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
-        QApplication::sendEvent(&window_, &up);
+        QApplication::sendEvent(target, &up);
     } else if (verb == QLatin1String("tap") || verb == QLatin1String("press") ||
                verb == QLatin1String("move") || verb == QLatin1String("release")) {
         int x = 0;

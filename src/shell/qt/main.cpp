@@ -21,6 +21,8 @@
 #include "CommandIds.h"
 #include "MainWindow.h"
 #include "QtPlatform.h"
+#include "SatelliteDataDialog.h"
+#include "ScreenAdapter.h"
 #include "ScriptRunner.h"
 #include "Settings.h"
 #include "StateJson.h"
@@ -217,8 +219,21 @@ int main(int argc, char** argv) {
 
     app::QtAlarmSound sound(DataFile("alarm.wav"));
     app::IdleInhibitor inhibitor;
+    app::ScreenAdapter screens;
     app::MainWindow window(settings, link, sound, &options, args.size, args.dpi);
     window.SetScriptMode(scriptMode);
+    // The screen bitmaps of the density's set; without them the window
+    // cannot be made and start-up ends.
+    screens::BitmapId failedBitmap{};
+    if (!screens.LoadBitmaps(args.dpi, &failedBitmap)) {
+        window.ShowMessage(screens::InitializationFailedMessage(failedBitmap),
+                           shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        return 0;
+    }
+    window.SetScreenPainter(&screens);
+    window.onSatelliteDialog = [&link](app::SatelliteDataDialog* dialog) {
+        link.SetDialog(dialog);
+    };
     window.onBacklight = [&inhibitor](bool hold) { inhibitor.Hold(hold); };
     link.AttachWindow(&window);
     // A port given for this run stands for the receiver; the saved choice of
@@ -237,6 +252,15 @@ int main(int argc, char** argv) {
         extras.optionsPath = optionsPath.toStdString();
         extras.messages = window.messages();
         extras.raiseRequests = window.property("raiseRequests").toInt();
+        if (const app::SatelliteDataDialog* dialog = window.satelliteDataWindow()) {
+            for (int row = 0; row < gps::kSatelliteRows; ++row) {
+                const QStringList texts = dialog->RowTexts(row);
+                std::array<std::string, 4> cells;
+                for (int c = 0; c < 4 && c < texts.size(); ++c)
+                    cells[static_cast<std::size_t>(c)] = texts[c].toStdString();
+                extras.satelliteDialogRows.push_back(cells);
+            }
+        }
         return shell::BuildStateJson(window.shell(), extras);
     };
     app::ScriptRunner runner(window, stateJson);
