@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds="${1:-30}"
-log="${2:-tests/shell/data/speed-run.nmea}"
+log="${2:-resources/demo/demo-drive.nmea}"
 app=build/default/satwalk
 [ -x "$app" ] || { echo "build first: cmake --build --preset default --target satwalk"; exit 2; }
 work="$(mktemp -d)"
