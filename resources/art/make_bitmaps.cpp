@@ -412,10 +412,37 @@ QImage World(int w, int h, const std::vector<std::vector<QPointF>>& land) {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     for (const auto& ring : land) {
-        QPolygonF poly;
-        for (const QPointF& ll : ring) poly << map(ll);
-        path.addPolygon(poly);
-        path.closeSubpath();
+        // A ring that crosses the 180th meridian (Chukotka, Fiji) is made
+        // continuous first, then drawn once more a world to the side, so no
+        // edge runs the width of the map.
+        std::vector<QPointF> unwrapped;
+        double shift = 0;
+        double low = 0;
+        double high = 0;
+        for (const QPointF& ll : ring) {
+            if (!unwrapped.empty()) {
+                const double step = ll.x() + shift - unwrapped.back().x();
+                if (step > 180)
+                    shift -= 360;
+                else if (step < -180)
+                    shift += 360;
+            }
+            unwrapped.emplace_back(ll.x() + shift, ll.y());
+            low =
+                unwrapped.size() == 1 ? unwrapped.back().x() : std::min(low, unwrapped.back().x());
+            high =
+                unwrapped.size() == 1 ? unwrapped.back().x() : std::max(high, unwrapped.back().x());
+        }
+        for (const double world : {0.0, -360.0, 360.0}) {
+            if (world < 0 && high <= 180)
+                continue;
+            if (world > 0 && low >= -180)
+                continue;
+            QPolygonF poly;
+            for (const QPointF& ll : unwrapped) poly << map(QPointF(ll.x() + world, ll.y()));
+            path.addPolygon(poly);
+            path.closeSubpath();
+        }
     }
     p.setPen(QPen(QColor(86, 130, 60), ss * 0.6));
     p.setBrush(QColor(128, 178, 96));

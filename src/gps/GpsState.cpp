@@ -53,4 +53,28 @@ void GpsState::ClearAllBlocks() {
     ClearRange(this, kRmcBegin, kGsvEnd);
 }
 
+void GpsState::TerminateTexts() {
+    const auto end = [](auto& text) { text[sizeof text - 1] = '\0'; };
+    end(header);
+    end(utcTime);
+    end(date);
+    end(latitude);
+    end(longitude);
+    end(speedKnots);
+    end(course);
+    end(satellitesUsed);
+    end(altitude);
+    end(geoidSeparation);
+    end(hdop);
+    end(pdop);
+    end(vdop);
+    end(satellitesInView);
+    for (SatelliteRecord& r : satellites) {
+        end(r.prn);
+        end(r.elevation);
+        end(r.azimuth);
+        end(r.snr);
+    }
+}
+
 }  // namespace satwalk::gps

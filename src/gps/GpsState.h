@@ -69,6 +69,11 @@ struct GpsState {
     // What the stop-GPS command does: all four blocks emptied, the fix time
     // and its sync request left alone.
     void ClearAllBlocks();
+
+    // Forces a NUL into the last byte of every text. The decoder always
+    // leaves them terminated; a reader that takes a record from elsewhere
+    // (or a copy made while the decoder writes) calls this before parsing.
+    void TerminateTexts();
 };
 
 }  // namespace satwalk::gps

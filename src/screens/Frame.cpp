@@ -280,7 +280,7 @@ void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const GpsState& gps, in
             const int y = cy - Trunc(std::cos(az) * d);
             const int snr = TextToInt(sat.snr);
             const Rect box{x - dot, y - dot, x + dot, y + dot};
-            if (snr == 0) {
+            if (snr <= 0) {
                 canvas.Ellipse(box, Pen{kBlack, 1}, Brush{kWhite});
             } else {
                 canvas.Ellipse(box, kNullPen, Brush{SnrColour(snr)});
@@ -407,14 +407,16 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
                                Rect{0, 0, p.w, p.h}, Point{ox, stripTop}, kStripKey);
         DrawTabHighlight(canvas, ctx);
         if (hi) {
+            // The readouts sit on their tabs wherever the strip is centred
+            // (at the set's own width, ox is 0).
             DrawCourseArrow(canvas, gps, 22, ox + 280, s.bottom - 29, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps, Rect{322, stripTop + 55, 396, s.bottom - 3}, b - 3,
-                             false);
+            DrawSpeedReadout(canvas, ctx, gps,
+                             Rect{ox + 322, stripTop + 55, ox + 396, s.bottom - 3}, b - 3, false);
             DrawMiniSkyPlot(canvas, ctx, gps, 30, ox + 438, stripTop + 91, b / 4);
         } else {
-            DrawCourseArrow(canvas, gps, 12, 140, s.bottom - 17, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps, Rect{163, s.bottom - 37, 200, s.bottom - 3}, b - 2,
-                             false);
+            DrawCourseArrow(canvas, gps, 12, ox + 140, s.bottom - 17, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps,
+                             Rect{ox + 163, s.bottom - 37, ox + 200, s.bottom - 3}, b - 2, false);
             DrawMiniSkyPlot(canvas, ctx, gps, 17, ox + 220, stripTop + 45, b / 3);
         }
     } else {
@@ -453,7 +455,11 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
 
 // ---- dispatch and taps ------------------------------------------------------------
 
-void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& fix) {
+    // Paint from a copy whose texts are surely terminated: the screens parse
+    // them, and the record may come from anywhere.
+    GpsState gps = fix;
+    gps.TerminateTexts();
     switch (ctx.currentScreen) {
         case kScreenGpsInfo:
             PaintGpsInfoScreen(canvas, ctx, gps);

@@ -45,11 +45,15 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
 
     canvas.FillRect(canvas.Bounds(), kWhite);
 
-    // Position block.
+    // Position block, from the fix as it stands: empty texts read as 0.
+    double latitude = 0;
+    double longitude = 0;
+    satwalk::gps::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest,
+                                &latitude, &longitude);
     Font old = CreateScreenFont(canvas, (8 * b) / 7, 700);
-    const std::string lat = FormatLatitude(ctx.latitude);
+    const std::string lat = FormatLatitude(latitude);
     const int h1 = TextAt(canvas, lat, left + m + g, top + g, kBlack).height;
-    TextAt(canvas, FormatLongitude(ctx.longitude), left + m + g, top + g + h1, kBlack);
+    TextAt(canvas, FormatLongitude(longitude), left + m + g, top + g + h1, kBlack);
     ReleaseScreenFont(canvas, old);
 
     canvas.Line(Point{left + m, top + 2 * h1 + (2 * b) / 5 - 1},
@@ -99,8 +103,8 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     canvas.StretchBlit(world, Rect{0, 0, world.width, world.height},
                        Rect{left + m, R + m, left + m + W, R + m + H});
     if (ctx.linkRunning && ctx.fixValid) {
-        const int x = std::clamp(Trunc((ctx.longitude / 360.0 + 0.5) * W), 0, W);
-        const int y = std::clamp(Trunc(H * 0.5 - H * ctx.latitude * 0.00625), 0, H);
+        const int x = std::clamp(Trunc((longitude / 360.0 + 0.5) * W), 0, W);
+        const int y = std::clamp(Trunc(H * 0.5 - H * latitude * 0.00625), 0, H);
         canvas.Ellipse(CircleBox(left + m + x, R + m + y, g), kNullPen, Brush{Rgb(255, 0, 0)});
     }
 

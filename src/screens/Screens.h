@@ -134,8 +134,8 @@ void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);
 void DrawRecordingIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);
 int StatusIconSize(const ScreenContext& ctx);
 
-// Colour of a signal-to-noise ratio; white for 0 (and for anything outside
-// 1..99).
+// Colour of a signal-to-noise ratio: white for 0 or less (no signal), the
+// strongest class for anything above 99.
 Colour SnrColour(int snr);
 
 double SpeedInDisplayUnit(const gps::GpsState& gps, int unitSystem);

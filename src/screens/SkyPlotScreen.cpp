@@ -139,7 +139,7 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
             const int y = cy - Trunc(std::cos(az) * d);
             const int snr = TextToInt(sat.snr);
             Colour textColour = kWhite;
-            if (snr == 0) {
+            if (snr <= 0) {
                 canvas.Ellipse(CircleBox(x, y, disc), Pen{kBlack, 1}, Brush{kWhite});
                 textColour = kBlack;
             } else {

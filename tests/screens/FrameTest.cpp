@@ -155,6 +155,26 @@ TEST(ToolStrip, FramePlacesStripAndInstruments) {
     ASSERT_NE(canvas.FindText("km/h"), nullptr);
 }
 
+TEST(ToolStrip, PortraitInstrumentsFollowTheCentredStrip) {
+    // In a window wider than the set's strip, the strip is centred and the
+    // course arrow and speed readout stay on their own tabs.
+    for (const int width : {480, 600}) {
+        const test::Variant wide{"wide-portrait-hi", width, 640, 192};
+        ScreenContext ctx = MakeContext(wide);
+        RecordingCanvas canvas(ctx.frame);
+        gps::GpsState g;
+        DrawScreenFrame(canvas, ctx, g);
+        const int ox = (width - 480) / 2;
+        const auto arrows = canvas.OfKind(K::Polygon);
+        ASSERT_EQ(arrows.size(), 2u) << width;
+        EXPECT_EQ(arrows[0].points[2].x, ox + 280) << width;  // course 0: tip above centre
+        const CanvasCall* speed = canvas.FindText("0.0");
+        ASSERT_NE(speed, nullptr);
+        EXPECT_GE(speed->rect.left, ox + 322) << width;
+        EXPECT_LE(speed->rect.right, ox + 396) << width;
+    }
+}
+
 TEST(TabTaps, TapsMapToScreenCommands) {
     for (const auto& v : test::kAllVariants) {
         ScreenContext ctx = MakeContext(v);

@@ -2,6 +2,8 @@
 // that place what they draw, and their texts.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include <cmath>
 
 #include "TestSupport.h"
@@ -64,17 +66,25 @@ TEST(GpsInfoScreen, ZeroedFixShowsItsPlaceholders) {
 
 TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
     struct Case {
-        double lat, lon;
+        const char* lat;
+        char ns;
+        const char* lon;
+        char ew;
         int x, y;  // offset inside the 182 × 104 thumbnail
     };
-    const Case cases[] = {
-        {0, 0, 91, 52}, {85, 180, 182, 0}, {-85, -180, 0, 104}, {40, 90, 136, 26}};
+    const Case cases[] = {{"0000.0000", 'N', "00000.0000", 'E', 91, 52},
+                          {"8500.0000", 'N', "18000.0000", 'E', 182, 0},
+                          {"8500.0000", 'S', "18000.0000", 'W', 0, 104},
+                          {"4000.0000", 'N', "09000.0000", 'E', 136, 26}};
     for (const Case& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
-        ctx.latitude = c.lat;
-        ctx.longitude = c.lon;
+        gps::GpsState fix;
+        std::snprintf(fix.latitude, sizeof fix.latitude, "%s", c.lat);
+        std::snprintf(fix.longitude, sizeof fix.longitude, "%s", c.lon);
+        fix.northSouth = c.ns;
+        fix.eastWest = c.ew;
         RecordingCanvas canvas(ctx.frame);
-        PaintGpsInfoScreen(canvas, ctx, gps::GpsState{});
+        PaintGpsInfoScreen(canvas, ctx, fix);
         const auto thumb = canvas.OfKind(K::StretchBlit);
         ASSERT_EQ(thumb.size(), 1u);
         EXPECT_EQ(thumb[0].dst.Width(), 182);
@@ -86,7 +96,7 @@ TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
         ASSERT_NE(dot, nullptr);
         EXPECT_EQ(dot->rect, (Rect{thumb[0].dst.left + c.x - 6, thumb[0].dst.top + c.y - 6,
                                    thumb[0].dst.left + c.x + 6, thumb[0].dst.top + c.y + 6}))
-            << c.lat << "," << c.lon;
+            << c.lat << c.ns << "," << c.lon << c.ew;
     }
 }
 
