@@ -1,6 +1,7 @@
 #include "OptionsRecord.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -26,6 +27,15 @@ void SetOptionDefaults(OptionsRecord& record) {
     record.backlightAlwaysOn = 1;
 }
 
+namespace {
+
+bool IsRegularFile(int fd) {
+    struct stat st {};
+    return ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+}
+
+}  // namespace
+
 void ReadOptionsBytes(std::span<const std::uint8_t> bytes, OptionsRecord& record) {
     const std::size_t n = bytes.size() < sizeof record ? bytes.size() : sizeof record;
     if (n > 0)
@@ -35,13 +45,19 @@ void ReadOptionsBytes(std::span<const std::uint8_t> bytes, OptionsRecord& record
 int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts,
                     std::chrono::milliseconds retryDelay) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        // Non-blocking, so that a FIFO at the path cannot hang start-up; only
+        // a regular file is an options file.
+        const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         if (fd < 0) {
             if (errno == ENOENT || errno == ENOTDIR)
                 return 0;
             if (attempt + 1 < attempts)
                 std::this_thread::sleep_for(retryDelay);
             continue;
+        }
+        if (!IsRegularFile(fd)) {
+            ::close(fd);
+            return 0;
         }
         std::uint8_t buffer[kOptionsRecordSize];
         std::size_t got = 0;
@@ -63,11 +79,15 @@ int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts
 int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int attempts,
                      std::chrono::milliseconds retryDelay) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+        const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644);
         if (fd < 0) {
             if (attempt + 1 < attempts)
                 std::this_thread::sleep_for(retryDelay);
             continue;
+        }
+        if (!IsRegularFile(fd)) {
+            ::close(fd);
+            return 0;
         }
         const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
         std::size_t done = 0;

@@ -104,7 +104,9 @@ std::string ResolveStorageRoot(const std::string& configured, const std::string&
     std::error_code ec;
     const std::string docs = DropTrailingSlash(documents);
     fs::create_directories(docs, ec);
-    if (configured.empty())
+    // Only an absolute path names a place; anything else would land wherever
+    // the program happened to be started.
+    if (configured.empty() || configured[0] != '/')
         return docs;
     const std::string root = DropTrailingSlash(configured);
     if (fs::exists(root, ec))

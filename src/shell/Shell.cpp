@@ -172,6 +172,10 @@ void Shell::OnCommand(int id) {
 }
 
 void Shell::StartGps() {
+    // The menu and key 0 only offer a start while stopped; a start sent
+    // anyway (a script) must not reopen the port under a running reader.
+    if (link_.Running())
+        return;
     ui_.Repaint();
     if (settings_.bluetoothReceiver != 0 && !forceComPort) {
         if (settings_.bluetoothAddress == 0) {

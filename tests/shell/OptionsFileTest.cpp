@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -56,6 +58,26 @@ TEST_F(OptionsFileTest, FirstStartKeepsBuiltInValues) {
     EXPECT_FALSE(s.receiverConfigured);
     EXPECT_EQ(s.backlightAlwaysOn, 1u);
     EXPECT_FALSE(fs::exists(path_)) << "loading never creates the file";
+}
+
+TEST_F(OptionsFileTest, OnlyARegularFileIsAnOptionsFile) {
+    // A folder or a FIFO at the path: built-in values, no hang, no save.
+    const struct {
+        const char* name;
+        int (*make)(const char*);
+    } cases[] = {
+        {"folder", [](const char* p) { return ::mkdir(p, 0755); }},
+        {"fifo", [](const char* p) { return ::mkfifo(p, 0644); }},
+    };
+    for (const auto& c : cases) {
+        fs::remove_all(path_);
+        ASSERT_EQ(c.make(path_.c_str()), 0) << c.name;
+        ProgramSettings s;
+        OptionsStore store(path_);
+        EXPECT_FALSE(store.LoadOptions(s)) << c.name;
+        EXPECT_EQ(s.speedAlarmOn, 0u) << c.name;
+        EXPECT_FALSE(store.SaveOptions(s)) << c.name;
+    }
 }
 
 TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
@@ -184,6 +206,8 @@ TEST(StorageTest, FallsBackToDocumentsAndBuildsTheTree) {
     // A root on a volume that is gone cannot be created.
     const std::string root = ResolveStorageRoot("/proc/no-such-card/My Documents", docs + "/");
     EXPECT_EQ(root, docs);
+    // A relative path names no place.
+    EXPECT_EQ(ResolveStorageRoot("relative/root", docs), docs);
     const StorageFolders f = MakeStorageFolders(root);
     PrepareStorageFolders(f);
     EXPECT_TRUE(fs::is_directory(f.referencePoints));

@@ -99,6 +99,7 @@ TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
         "state " +
         Path("early.json") +
         "\n"
+        "command 40011\n"  // a second start while running changes nothing
         "wait 5000\n"
         "state " +
         Path("fast.json") +
@@ -123,6 +124,7 @@ TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
 
     const std::string fast = Read("fast.json");
     EXPECT_TRUE(Has(fast, "\"alarmPlaying\":true")) << fast;
+    EXPECT_FALSE(Has(fast, "0x08200a")) << "no start failure: " << fast;
     EXPECT_TRUE(Has(fast, "\"messages\":[]")) << fast;
 
     const std::string stopped = Read("stopped.json");
