@@ -40,37 +40,59 @@ void* CountedAlignedAlloc(std::size_t size, std::align_val_t align) {
 }  // namespace
 
 void* operator new(std::size_t size) {
-    if (void* p = CountedAlloc(size)) return p;
+    if (void* p = CountedAlloc(size))
+        return p;
     throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) {
-    if (void* p = CountedAlloc(size)) return p;
+    if (void* p = CountedAlloc(size))
+        return p;
     throw std::bad_alloc();
 }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return CountedAlloc(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return CountedAlloc(size);
+}
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return CountedAlloc(size);
 }
 void* operator new(std::size_t size, std::align_val_t align) {
-    if (void* p = CountedAlignedAlloc(size, align)) return p;
+    if (void* p = CountedAlignedAlloc(size, align))
+        return p;
     throw std::bad_alloc();
 }
 void* operator new[](std::size_t size, std::align_val_t align) {
-    if (void* p = CountedAlignedAlloc(size, align)) return p;
+    if (void* p = CountedAlignedAlloc(size, align))
+        return p;
     throw std::bad_alloc();
 }
 // The replacement deletes hand back what the replacement news took from
 // malloc; GCC cannot see that pairing once they are inlined.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
-void operator delete(void* p, std::align_val_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::align_val_t) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t, std::align_val_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t, std::align_val_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::align_val_t) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, std::align_val_t) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t, std::align_val_t) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t, std::align_val_t) noexcept {
+    std::free(p);
+}
 #pragma GCC diagnostic pop
 
 namespace {
@@ -79,7 +101,7 @@ using satwalk::gps::GpsState;
 using satwalk::gps::GsvAssembly;
 using satwalk::gps::ParseNmeaBuffer;
 
-constexpr std::size_t kBatchBytes = 2047;  // the link's accumulation buffer less its NUL
+constexpr std::size_t kBatchBytes = 2047;   // the link's accumulation buffer less its NUL
 constexpr unsigned kSyncEveryBatches = 10;  // the watchdog asks for a time sync every 10th tick
 
 std::string ReadDemoLog() {
@@ -107,7 +129,11 @@ std::string Checksummed(const std::string& body) {
 // on their own, rarely, so that most bytes are really decoded.
 void AppendBinaryFrame(std::string& out, std::mt19937& rng) {
     const std::size_t length = 257 + rng() % 99;  // two non-zero length bytes
-    std::string frame = {'\xB5', '\x62', '\x01', '\x07', static_cast<char>(length & 0xFF),
+    std::string frame = {'\xB5',
+                         '\x62',
+                         '\x01',
+                         '\x07',
+                         static_cast<char>(length & 0xFF),
                          static_cast<char>(length >> 8)};
     for (std::size_t i = 0; i < length; ++i) frame += static_cast<char>(1 + rng() % 255);
     unsigned char a = 0, b = 0;
@@ -144,13 +170,15 @@ std::string MixedCorpus(const std::string& clean) {
             std::string lower = line;
             const std::size_t star = lower.rfind('*');
             for (std::size_t i = star + 1; star != std::string::npos && i < lower.size(); ++i)
-                if (lower[i] >= 'A' && lower[i] <= 'F') lower[i] = static_cast<char>(lower[i] + 32);
+                if (lower[i] >= 'A' && lower[i] <= 'F')
+                    lower[i] = static_cast<char>(lower[i] + 32);
             out += lower;
         } else if (roll < 130) {
             // Another talker (GLONASS, BeiDou, combined): skipped whole.
             std::string other = line;
             static const char* const kTalkers[] = {"GN", "GL", "BD"};
-            if (other.size() > 3) other.replace(1, 2, kTalkers[rng() % 3]);
+            if (other.size() > 3)
+                other.replace(1, 2, kTalkers[rng() % 3]);
             out += other;
         } else if (roll < 160) {
             // Cut short by a lost byte run: no '*', no line end.
@@ -211,7 +239,7 @@ const Corpus& NoisyCorpus() {
 }
 
 class SyncCounter final : public satwalk::gps::TimeSyncSink {
-public:
+  public:
     void OnGpsTime() override { ++count; }
     unsigned long count = 0;
 };
@@ -222,13 +250,15 @@ void RunDecoder(benchmark::State& state, const Corpus& corpus) {
     SyncCounter sink;
     // Warm up outside the timed loop: the first time-zone lookup of the C
     // library loads its data.
-    for (const std::string_view batch : corpus.batches) ParseNmeaBuffer(gps, assembly, batch, &sink);
+    for (const std::string_view batch : corpus.batches)
+        ParseNmeaBuffer(gps, assembly, batch, &sink);
 
     unsigned batchNumber = 0;
     const unsigned long allocationsBefore = gAllocations.load();
     for (auto _ : state) {
         for (const std::string_view batch : corpus.batches) {
-            if (++batchNumber % kSyncEveryBatches == 0) gps.timeSyncPending = 1;
+            if (++batchNumber % kSyncEveryBatches == 0)
+                gps.timeSyncPending = 1;
             ParseNmeaBuffer(gps, assembly, batch, &sink);
         }
         benchmark::DoNotOptimize(gps);
@@ -236,18 +266,24 @@ void RunDecoder(benchmark::State& state, const Corpus& corpus) {
     }
     const unsigned long allocations = gAllocations.load() - allocationsBefore;
 
-    const auto bytes = static_cast<double>(state.iterations()) *
-                       static_cast<double>(corpus.decodedBytes);
+    const auto bytes =
+        static_cast<double>(state.iterations()) * static_cast<double>(corpus.decodedBytes);
     state.SetBytesProcessed(static_cast<std::int64_t>(bytes));
     state.counters["MB/s"] = benchmark::Counter(bytes / 1e6, benchmark::Counter::kIsRate);
     state.counters["allocations"] = static_cast<double>(allocations);
     state.counters["corpusKB"] = static_cast<double>(corpus.bytes.size()) / 1e3;
-    if (allocations != 0) state.SkipWithError("the decoder allocated memory");
-    if (sink.count == 0) state.SkipWithError("no time sync: the corpus decoded nothing");
+    if (allocations != 0)
+        state.SkipWithError("the decoder allocated memory");
+    if (sink.count == 0)
+        state.SkipWithError("no time sync: the corpus decoded nothing");
 }
 
-void BM_DecodeMixed(benchmark::State& state) { RunDecoder(state, NoisyCorpus()); }
-void BM_DecodeClean(benchmark::State& state) { RunDecoder(state, CleanCorpus()); }
+void BM_DecodeMixed(benchmark::State& state) {
+    RunDecoder(state, NoisyCorpus());
+}
+void BM_DecodeClean(benchmark::State& state) {
+    RunDecoder(state, CleanCorpus());
+}
 
 BENCHMARK(BM_DecodeMixed)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_DecodeClean)->Unit(benchmark::kMicrosecond);
