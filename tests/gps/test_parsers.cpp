@@ -13,7 +13,6 @@ namespace {
 
 using testing::Decoder;
 using testing::Sentence;
-using testing::Xor;
 
 struct RmcCase {
     const char* body;
@@ -63,13 +62,6 @@ TEST(ParseRmc, Fields) {
         EXPECT_STREQ(s.course, c.course);
         EXPECT_STREQ(s.date, c.date);
     }
-}
-
-TEST(ParseRmc, EmptyVoidSentenceHasChecksum53) {
-    EXPECT_EQ(Xor("GPRMC,,V,,,,,,,,,,N"), 0x53u);
-    Decoder d;
-    d.Feed("$GPRMC,,V,,,,,,,,,,N*53\r\n");
-    EXPECT_EQ(d.state.status, 'V');
 }
 
 struct GgaCase {

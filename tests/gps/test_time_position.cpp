@@ -15,28 +15,11 @@ namespace {
 using testing::Decoder;
 using testing::Sentence;
 
-// Sets TZ for the life of the object.
-class ScopedTimeZone {
-  public:
-    explicit ScopedTimeZone(const char* tz) {
-        if (const char* old = std::getenv("TZ"))
-            saved_ = old, hadOld_ = true;
-        setenv("TZ", tz, 1);
-        tzset();
-    }
-    ~ScopedTimeZone() {
-        if (hadOld_) {
-            setenv("TZ", saved_.c_str(), 1);
-        } else {
-            unsetenv("TZ");
-        }
-        tzset();
-    }
-
-  private:
-    std::string saved_;
-    bool hadOld_ = false;
-};
+// Each test that reads local time sets the zone it needs.
+void UseTimeZone(const char* tz) {
+    setenv("TZ", tz, 1);
+    tzset();
+}
 
 struct TimeCase {
     const char* tz;
@@ -61,7 +44,7 @@ TEST(FixTimeToFileTime, LocalTimeThroughTheTimeZone) {
         {"UTC0", "321326", "120000.000", ""},
     };
     for (const auto& c : cases) {
-        ScopedTimeZone tz(c.tz);
+        UseTimeZone(c.tz);
         GpsState s;
         s.fixTimeLocal = 12345;
         FixTimeToFileTime(s, c.date, c.utcTime);
@@ -75,7 +58,7 @@ TEST(FixTimeToFileTime, LocalTimeThroughTheTimeZone) {
 }
 
 TEST(TimeSync, OnlyTheFirstGoodRmcAfterARequest) {
-    ScopedTimeZone tz("UTC0");
+    UseTimeZone("UTC0");
     Decoder d;
     const std::string first = Sentence("GPRMC,010203.000,V,,,,,,,160526,,");
     const std::string second = Sentence("GPRMC,010204.000,A,3015.1234,N,12009.5000,E,0,0,160526,,");
@@ -96,7 +79,8 @@ TEST(TimeSync, OnlyTheFirstGoodRmcAfterARequest) {
 TEST(TimeSync, EmptyDateStillSyncs) {
     Decoder d;
     d.state.fixTimeLocal = 99;
-    d.Feed(Sentence("GPRMC,,V,,,,,,,,,,N"));
+    d.Feed("$GPRMC,,V,,,,,,,,,,N*53\r\n");  // the receiver's empty void sentence
+    EXPECT_EQ(d.state.status, 'V');
     EXPECT_EQ(d.sink.calls, 1);
     EXPECT_EQ(d.state.timeSyncPending, 0u);
     EXPECT_EQ(d.state.fixTimeLocal, 0u);
