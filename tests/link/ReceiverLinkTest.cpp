@@ -87,6 +87,8 @@ TEST_F(LinkTest, RequestsATimeSyncEveryTenthTick) {
     EXPECT_EQ(sink.syncs(), expected);
 }
 
+// Neither the link nor the decoder (which keeps a cut sentence's header)
+// pieces the two halves together.
 TEST_F(LinkTest, SentenceStraddlingTwoDecodesIsLost) {
     const std::string cut = Rmc("3112.0002");
     Feed(Rmc("3112.0001") + cut.substr(0, 20));
@@ -147,16 +149,6 @@ TEST_F(LinkTest, ThirtySilentTicksEndTheLinkWithReasonTwo) {
     EXPECT_EQ(link.portFd, -1);
     LinkTimerProc(link);  // a late tick of a stopped link does nothing
     EXPECT_EQ(sink.stopCommands, 1);
-}
-
-TEST_F(LinkTest, FarEndHangingUpEndsTheLinkWithReasonOne) {
-    Feed(Rmc("3112.0001"));
-    TickAndDecode();
-    receiver.HangUp();
-    ASSERT_TRUE(WaitFor([&] { return link.deviceGone.load(); }));
-    LinkTimerProc(link);
-    EXPECT_EQ(sink.stopCommands, 1);
-    EXPECT_EQ(sink.stopResult, kLossDeviceGone);
 }
 
 TEST_F(LinkTest, GiveUpWithoutAnOwnerStopStillClosesTheLink) {
@@ -280,17 +272,6 @@ TEST(OpenPortTest, SetsTheLineUpForEveryOfferedRate) {
                                                          : B57600)
                 << baud;
         }
-    }
-}
-
-TEST(OpenPortTest, TheSamePortCanBeOpenedAgainAfterAStop) {
-    FakeReceiver pty;
-    ReceiverLink link;
-    link.devicePath = pty.path();
-    for (int round = 0; round < 2; ++round) {
-        ASSERT_EQ(OpenPort(link), 1) << round << " " << link.lastErrorCode;
-        ASSERT_EQ(StartLink(link), 1) << round;
-        EXPECT_EQ(StopLink(link), kLossNone);
     }
 }
 

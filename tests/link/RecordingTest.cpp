@@ -48,8 +48,6 @@ class RecordingTest : public ::testing::Test {
 };
 
 TEST(NmeaLogPathTest, NamesTheFileAfterTheLocalStartTime) {
-    const char* savedTz = std::getenv("TZ");
-    const std::string restore = savedTz ? savedTz : "";
     struct Case {
         const char* tz;
         std::time_t now;
@@ -71,11 +69,6 @@ TEST(NmeaLogPathTest, NamesTheFileAfterTheLocalStartTime) {
         MakeNmeaLogPath(link, c.now);
         EXPECT_STREQ(link.nmeaLogPath, c.expected) << c.tz << " " << c.now;
     }
-    if (savedTz)
-        setenv("TZ", restore.c_str(), 1);
-    else
-        unsetenv("TZ");
-    tzset();
 }
 
 TEST_F(RecordingTest, RecordsTheBytesExactlyAsRead) {
