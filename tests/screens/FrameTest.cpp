@@ -1,5 +1,5 @@
-// The frame: layout formulas, tool-strip tiles, alarm cells, tab taps and
-// the small instruments shared by every screen.
+// The frame: layout formulas, tool-strip tiles, alarm cells and the small
+// instruments shared by every screen.
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
@@ -175,24 +175,6 @@ TEST(ToolStrip, PortraitInstrumentsFollowTheCentredStrip) {
     }
 }
 
-TEST(TabTaps, TapsMapToScreenCommands) {
-    for (const auto& v : test::kAllVariants) {
-        ScreenContext ctx = MakeContext(v);
-        static constexpr int kCommands[6] = {40059, 40029, 40030, 40016, 40015, 40013};
-        for (int tab = 0; tab < 6; ++tab) {
-            const Rect r = TabRect(ctx, tab);
-            const int cx = (r.left + r.right) / 2, cy = (r.top + r.bottom) / 2;
-            ctx.mapLoaded = true;
-            EXPECT_EQ(HitTestTab(ctx, cx, cy), kCommands[tab]) << v.name << " tab " << tab;
-            EXPECT_EQ(HitTestTab(ctx, r.left, r.top), kCommands[tab]);
-            EXPECT_EQ(HitTestTab(ctx, r.right - 1, r.bottom - 1), kCommands[tab]);
-            ctx.mapLoaded = false;
-            EXPECT_EQ(HitTestTab(ctx, cx, cy), tab == 2 ? 0 : kCommands[tab]);
-        }
-        EXPECT_EQ(HitTestTab(ctx, ctx.screen.left + ctx.screen.Width() / 2, ctx.screen.top + 5), 0);
-    }
-}
-
 TEST(CourseArrow, PointsForNorthAndEast) {
     const ArrowPoints n = CourseArrowPoints(0.0, 22, 100, 100, 15);
     EXPECT_EQ(n.tail, (Point{100, 122}));
@@ -299,10 +281,7 @@ TEST(StatusIcons, FramesByLinkFixBlinkAndRecording) {
     EXPECT_EQ(frameOf(recorder), 3);
 }
 
-TEST(Bitmaps, SizesAndFailureMessages) {
-    EXPECT_EQ(BitmapSize(BitmapId::ToolStripPortrait, true), (Size{480, 129}));
-    EXPECT_EQ(BitmapSize(BitmapId::ToolStripPortrait, false), (Size{240, 66}));
-    EXPECT_EQ(BitmapSize(BitmapId::AlarmStrip, false), (Size{21, 169}));
+TEST(Bitmaps, FailureMessages) {
     EXPECT_EQ(InitializationFailedMessage(BitmapId::StatusIcons),
               "Initialization failed: 0x08200a15\n\nThe program will now exit.");
     EXPECT_EQ(BitmapFailureCode(BitmapId::MapOverlay), "0x08200a28");

@@ -50,10 +50,6 @@ TEST(QtScreens, BitmapsOfBothSetsLoadWithTheirSizes) {
             EXPECT_EQ(img.height(), want.height) << BitmapFileName(id, hi);
         }
     }
-    ScreenBitmaps missing;
-    BitmapId failed{};
-    EXPECT_FALSE(missing.Load(true, QStringLiteral("/nonexistent"), &failed) &&
-                 QImage(":/satwalk/bitmaps/status-icons-hi.png").isNull());
 }
 
 TEST(QtScreens, EveryScreenPaintsItsWholeBitmap) {
