@@ -40,7 +40,7 @@ class FakeUi : public ShellUi {
             return answerYes ? MessageAnswer::Yes : MessageAnswer::No;
         return MessageAnswer::Ok;
     }
-    void Repaint() override { ++repaints; }
+    void Repaint() override {}
     void StartBlinkTimer() override { blinkRunning = true; }
     void StopBlinkTimer() override { blinkRunning = false; }
     bool StartTrackTimer(std::uint32_t periodMs) override {
@@ -58,7 +58,6 @@ class FakeUi : public ShellUi {
 
     std::vector<std::pair<std::string, MessageIcon>> messages;
     bool answerYes = true;
-    int repaints = 0;
     bool blinkRunning = false;
     bool trackRunning = false;
     std::uint32_t trackPeriod = 0;

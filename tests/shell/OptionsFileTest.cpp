@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -47,19 +48,6 @@ class OptionsFileTest : public ::testing::Test {
     std::string path_;
 };
 
-TEST_F(OptionsFileTest, FirstStartKeepsBuiltInValues) {
-    ProgramSettings s;
-    OptionsStore store(path_);
-    EXPECT_FALSE(store.LoadOptions(s));
-    EXPECT_EQ(s.speedAlarmOn, 0u);
-    EXPECT_EQ(s.trackIntervalMs, 10000u);
-    EXPECT_EQ(s.showMap + s.showTrack + s.showReferencePoints + s.showPoi, 4u);
-    EXPECT_EQ(s.bluetoothReceiver, 1u);
-    EXPECT_FALSE(s.receiverConfigured);
-    EXPECT_EQ(s.backlightAlwaysOn, 1u);
-    EXPECT_FALSE(fs::exists(path_)) << "loading never creates the file";
-}
-
 TEST_F(OptionsFileTest, OnlyARegularFileIsAnOptionsFile) {
     // A folder or a FIFO at the path: built-in values, no hang, no save.
     const struct {
@@ -98,8 +86,10 @@ TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
     EXPECT_EQ(store.record().speedAlarmOn, 0u) << "offset 40 lies inside the 100 bytes";
 }
 
-TEST_F(OptionsFileTest, AlarmChoiceIsWrittenAtItsOffsetsAndReservedBytesKept) {
-    std::vector<std::uint8_t> bytes(kOptionsRecordSize, 0);
+TEST_F(OptionsFileTest, AlarmChoiceIsWrittenInPlaceAtItsOffsetsAndOtherBytesKept) {
+    // A file longer than the record is overwritten in place, not truncated.
+    std::vector<std::uint8_t> bytes(kOptionsRecordSize + 50, 0x11);
+    std::fill_n(bytes.begin(), kOptionsRecordSize, 0);
     for (std::size_t i = 48; i < 60; ++i) bytes[i] = static_cast<std::uint8_t>(0xA0 + i);
     bytes[572] = 0x5A;
     bytes[3719] = 0xC3;
@@ -113,24 +103,13 @@ TEST_F(OptionsFileTest, AlarmChoiceIsWrittenAtItsOffsetsAndReservedBytesKept) {
     ASSERT_TRUE(store.SaveOptions(s));
 
     const std::vector<std::uint8_t> out = ReadAll();
-    ASSERT_EQ(out.size(), kOptionsRecordSize);
+    ASSERT_EQ(out.size(), kOptionsRecordSize + 50);
+    EXPECT_EQ(out[kOptionsRecordSize + 10], 0x11);
     EXPECT_EQ(Word(out, 36), 80u);
     EXPECT_EQ(Word(out, 40), 1u);
     for (std::size_t i = 48; i < 60; ++i) EXPECT_EQ(out[i], bytes[i]) << "reserved byte " << i;
     EXPECT_EQ(out[572], 0x5A);
     EXPECT_EQ(out[3719], 0xC3);
-}
-
-TEST_F(OptionsFileTest, OverwritesInPlaceWithoutTruncating) {
-    std::vector<std::uint8_t> bytes(kOptionsRecordSize + 50, 0x11);
-    WriteAll(bytes);
-    ProgramSettings s;
-    OptionsStore store(path_);
-    store.LoadOptions(s);
-    ASSERT_TRUE(store.SaveOptions(s));
-    const auto out = ReadAll();
-    ASSERT_EQ(out.size(), kOptionsRecordSize + 50);
-    EXPECT_EQ(out[kOptionsRecordSize + 10], 0x11);
 }
 
 TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
@@ -140,7 +119,9 @@ TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
     s.bluetoothName = "GPS-1";
     s.bluetoothAddress = 0x0011223344556677ull;
     OptionsStore store(path_);
-    store.LoadOptions(s);  // no file: built-in values
+    EXPECT_FALSE(store.LoadOptions(s)) << "no file: built-in values";
+    EXPECT_FALSE(fs::exists(path_)) << "loading never creates the file";
+    EXPECT_FALSE(s.receiverConfigured);
     ASSERT_TRUE(store.SaveOptions(s));
     const auto out = ReadAll();
     ASSERT_EQ(out.size(), kOptionsRecordSize);

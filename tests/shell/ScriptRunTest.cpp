@@ -31,7 +31,13 @@ class ScriptRunTest : public ::testing::Test {
 
     std::string Path(const std::string& name) const { return (dir_ / name).string(); }
 
-    void WriteScript(const std::string& text) const { std::ofstream(Path("script.txt")) << text; }
+    // Writes the script with every "@/" standing for the test's folder.
+    void WriteScript(std::string text) const {
+        const std::string dir = dir_.string();
+        for (auto at = text.find("@/"); at != std::string::npos; at = text.find("@/", at + 1))
+            text.replace(at, 1, dir);
+        std::ofstream(Path("script.txt")) << text;
+    }
 
     std::string Command(const std::string& extra = {}) const {
         return "env QT_QPA_PLATFORM=offscreen HOME='" + Path("home") + "' XDG_CONFIG_HOME='" +
@@ -51,87 +57,54 @@ class ScriptRunTest : public ::testing::Test {
         return {std::istreambuf_iterator<char>(in), {}};
     }
 
+    // Every part is somewhere in the named output file.
+    void ExpectHas(const std::string& name, std::initializer_list<std::string> parts) const {
+        const std::string text = Read(name);
+        for (const std::string& part : parts)
+            EXPECT_NE(text.find(part), std::string::npos) << name << ": " << part << "\n" << text;
+    }
+
     fs::path dir_;
 };
 
 TEST_F(ScriptRunTest, CommandsKeysSnapshotsAndState) {
     WriteScript(
         "# screens, units and the alarm\n"
-        "key 7\n"
-        "key right\n"
-        "key right\n"
-        "command 40019\n"
-        "command 40058\n"
-        "snapshot " +
-        Path("speedometer.png") +
-        "\n"
+        "key 7\nkey right\nkey right\ncommand 40019\ncommand 40058\n"
+        "snapshot @/speedometer.png\n"
         "command 40011\n"
-        "answer no\n"
-        "command 40003\n"
-        "state " +
-        Path("state.json") +
-        "\n"
-        "quit\n");
+        "answer no\ncommand 40003\n"
+        "state @/state.json\nquit\n");
     ASSERT_EQ(Run(), 0) << Read("stderr.txt");
-    const std::string state = Read("state.json");
-    for (const char* member :
-         {"\"currentScreen\":3", "\"speedAlarmOn\":true", "\"speedAlarmLimit\":60", "\"units\":2",
-          "\"trackIntervalMs\":60000", "\"linkRunning\":false", "\"alarmPlaying\":false",
-          "\"icon\":\"information\"", "\"icon\":\"question\"", "\"gps\":{",
-          "请首先在GPS设置中配置GPS接收机。", "您确定要退出程序？", "/home/Documents\""}) {
-        EXPECT_NE(state.find(member), std::string::npos) << member << "\n" << state;
-    }
+    ExpectHas(
+        "state.json",
+        {"\"currentScreen\":3", "\"speedAlarmOn\":true", "\"speedAlarmLimit\":60", "\"units\":2",
+         "\"trackIntervalMs\":60000", "\"linkRunning\":false", "\"alarmPlaying\":false",
+         "\"icon\":\"information\"", "\"icon\":\"question\"", "\"gps\":{",
+         "请首先在GPS设置中配置GPS接收机。", "您确定要退出程序？", "/home/Documents\""});
     EXPECT_GT(fs::file_size(Path("speedometer.png")), 1000u);
     EXPECT_TRUE(fs::is_directory(Path("home/Documents/My GPS/Track Log")));
     EXPECT_FALSE(fs::exists(Path("options"))) << "neither a refused exit nor quit saves";
-}
-
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
 }
 
 // A receiver replayed through a pseudo-terminal: the fix arrives, the speed
 // climbs 1 knot a second past the 50 km/h alarm, and stopping ends it all.
 TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
     WriteScript(
-        "command 40045\n"
-        "wait 2200\n"
-        "state " +
-        Path("early.json") +
-        "\n"
+        "command 40045\nwait 2200\nstate @/early.json\n"
         "command 40011\n"  // a second start while running changes nothing
-        "wait 5000\n"
-        "state " +
-        Path("fast.json") +
-        "\n"
-        "snapshot " +
-        Path("fast.png") +
-        "\n"
-        "key 0\n"
-        "state " +
-        Path("stopped.json") +
-        "\n"
-        "quit\n");
+        "wait 5000\nstate @/fast.json\n"
+        "key 0\nstate @/stopped.json\nquit\n");
     ASSERT_EQ(Run("--replay '" SATWALK_TEST_DATA "/speed-run.nmea' --replay-rate 5"), 0)
         << Read("stderr.txt");
-    const std::string early = Read("early.json");
-    EXPECT_TRUE(Has(early, "\"linkRunning\":true")) << early;
-    EXPECT_TRUE(Has(early, "\"fixValid\":true")) << early;
-    EXPECT_TRUE(Has(early, "\"fixTimeKnown\":true")) << early;
-    EXPECT_TRUE(Has(early, "\"alarmPlaying\":false")) << early;
-    EXPECT_TRUE(Has(early, "\"latitude\":\"2232.1000\"")) << early;
-    EXPECT_TRUE(Has(early, "\"bluetoothReceiver\":true")) << "the replay leaves the settings alone";
-
-    const std::string fast = Read("fast.json");
-    EXPECT_TRUE(Has(fast, "\"alarmPlaying\":true")) << fast;
-    EXPECT_FALSE(Has(fast, "0x08200a")) << "no start failure: " << fast;
-    EXPECT_TRUE(Has(fast, "\"messages\":[]")) << fast;
-
-    const std::string stopped = Read("stopped.json");
-    EXPECT_TRUE(Has(stopped, "\"linkRunning\":false")) << stopped;
-    EXPECT_TRUE(Has(stopped, "\"alarmPlaying\":false")) << stopped;
-    EXPECT_TRUE(Has(stopped, "\"latitude\":\"\"")) << stopped;
-    EXPECT_TRUE(Has(stopped, "\"fixTimeLocal\":null")) << stopped;
+    ExpectHas("early.json",
+              {"\"linkRunning\":true", "\"fixValid\":true", "\"fixTimeKnown\":true",
+               "\"alarmPlaying\":false", "\"latitude\":\"2232.1000\"",
+               "\"bluetoothReceiver\":true"});  // the replay leaves the settings alone
+    // No message box: the second start raised no failure.
+    ExpectHas("fast.json", {"\"alarmPlaying\":true", "\"messages\":[]"});
+    ExpectHas("stopped.json", {"\"linkRunning\":false", "\"alarmPlaying\":false",
+                               "\"latitude\":\"\"", "\"fixTimeLocal\":null"});
 }
 
 TEST_F(ScriptRunTest, ConfirmedExitSavesTheOptions) {
@@ -150,7 +123,7 @@ TEST_F(ScriptRunTest, BadLineFails) {
 }
 
 TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
-    WriteScript("wait 1500\nstate " + Path("state.json") + "\nquit\n");
+    WriteScript("wait 1500\nstate @/state.json\nquit\n");
     std::thread first([this] { EXPECT_EQ(Run("--single-instance"), 0); });
     std::this_thread::sleep_for(std::chrono::milliseconds(700));
     const auto started = std::chrono::steady_clock::now();
@@ -160,8 +133,7 @@ TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
     EXPECT_EQ(std::system(second.c_str()), 0);
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(1));
     first.join();
-    EXPECT_NE(Read("state.json").find("\"raiseRequests\":1"), std::string::npos)
-        << Read("state.json");
+    ExpectHas("state.json", {"\"raiseRequests\":1"});
 }
 
 // Taps on the tool strip's tabs in both orientations and both sets: each
@@ -183,26 +155,22 @@ TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
         std::string script = "key 7\n";
         for (int tab = 0; tab < 6; ++tab) {
             script += "tap " + std::to_string(v.x0 + tab * v.dx) + " " +
-                      std::to_string(v.y0 + tab * v.dy) + "\nstate " +
-                      Path("tab" + std::to_string(tab) + ".json") + "\n";
+                      std::to_string(v.y0 + tab * v.dy) + "\nstate @/tab" + std::to_string(tab) +
+                      ".json\n";
         }
         // Between two tabs and above the strip nothing happens.
         script += "tap " + std::to_string(v.x0 + v.dx / 2 + 20 * (v.dx == 0)) + " " +
-                  std::to_string(v.y0 - v.dy / 2 - 60 * (v.dy == 0)) + "\nstate " +
-                  Path("miss.json") + "\nquit\n";
+                  std::to_string(v.y0 - v.dy / 2 - 60 * (v.dy == 0)) +
+                  "\nstate @/miss.json\nquit\n";
         WriteScript(script);
         ASSERT_EQ(Run(std::string("--size ") + v.size + " --dpi " + std::to_string(v.dpi)), 0)
             << Read("stderr.txt");
+        SCOPED_TRACE(v.size);
         for (int tab = 0; tab < 6; ++tab) {
-            const std::string state = Read("tab" + std::to_string(tab) + ".json");
-            EXPECT_NE(state.find("\"currentScreen\":" + std::to_string(expected[tab]) + ","),
-                      std::string::npos)
-                << v.size << " tab " << tab << "\n"
-                << state;
+            ExpectHas("tab" + std::to_string(tab) + ".json",
+                      {"\"currentScreen\":" + std::to_string(expected[tab]) + ","});
         }
-        EXPECT_NE(Read("miss.json").find("\"currentScreen\":1,"), std::string::npos)
-            << v.size << "\n"
-            << Read("miss.json");
+        ExpectHas("miss.json", {"\"currentScreen\":1,"});
     }
 }
 
@@ -224,53 +192,27 @@ double InkShare(const QImage& image) {
 // brings the screen back. Every screen is snapshotted on the way.
 TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
     std::string script =
-        "key 3\n"
-        "state " +
-        Path("blank.json") +
-        "\n"
-        "wait 2300\n"
-        "state " +
-        Path("open.json") +
-        "\n"
-        "snapshot " +
-        Path("screen-dialog.png") +
-        "\n"
-        "key escape\n"
-        "state " +
-        Path("closed.json") +
-        "\n"
-        "key 3\n"
-        "key 6\n"
-        "state " +
-        Path("replaced.json") + "\n";
+        "key 3\nstate @/blank.json\n"
+        "wait 2300\nstate @/open.json\nsnapshot @/screen-dialog.png\n"
+        "key escape\nstate @/closed.json\n"
+        "key 3\nkey 6\nstate @/replaced.json\n";
     const char* const keys[] = {"1", "2", "6", "7", "4"};
     for (const char* key : keys)
-        script += std::string("key ") + key + "\nsnapshot " +
-                  Path(std::string("screen-") + key + ".png") + "\n";
+        script += std::string("key ") + key + "\nsnapshot @/screen-" + key + ".png\n";
     script += "quit\n";
     WriteScript(script);
     ASSERT_EQ(Run("--replay '" SATWALK_TEST_DATA "/speed-run.nmea' --replay-rate 5"), 0)
         << Read("stderr.txt");
 
-    const std::string blank = Read("blank.json");
-    EXPECT_TRUE(Has(blank, "\"currentScreen\":-1,")) << blank;
-    EXPECT_TRUE(Has(blank, "\"satelliteDialogOpen\":true")) << blank;
-    EXPECT_TRUE(Has(blank, "\"satelliteDialogRows\":[[\"-\",\"-\",\"-\",\"-\"],")) << blank;
-
-    const std::string open = Read("open.json");
-    EXPECT_TRUE(Has(open, "\"fixValid\":true")) << open;
-    EXPECT_TRUE(Has(open, "\"currentScreen\":-1,")) << open;
-    EXPECT_TRUE(Has(open,
-                    "\"satelliteDialogRows\":[[\"03\",\"45\",\"120\",\"42\"],"
-                    "[\"06\",\"30\",\"200\",\"38\"],"))
-        << open;
-    EXPECT_TRUE(Has(open, "[\"25\",\"50\",\"015\",\"40\"],[\"-\",\"-\",\"-\",\"-\"],")) << open;
-
-    const std::string closed = Read("closed.json");
-    EXPECT_TRUE(Has(closed, "\"currentScreen\":0,")) << closed;
-    EXPECT_TRUE(Has(closed, "\"satelliteDialogOpen\":false")) << closed;
-    EXPECT_TRUE(Has(closed, "\"satelliteDialogRows\":[]")) << closed;
-    EXPECT_TRUE(Has(Read("replaced.json"), "\"currentScreen\":2,")) << Read("replaced.json");
+    ExpectHas("blank.json", {"\"currentScreen\":-1,", "\"satelliteDialogOpen\":true",
+                             "\"satelliteDialogRows\":[[\"-\",\"-\",\"-\",\"-\"],"});
+    ExpectHas("open.json", {"\"fixValid\":true", "\"currentScreen\":-1,",
+                            "\"satelliteDialogRows\":[[\"03\",\"45\",\"120\",\"42\"],"
+                            "[\"06\",\"30\",\"200\",\"38\"],",
+                            "[\"25\",\"50\",\"015\",\"40\"],[\"-\",\"-\",\"-\",\"-\"],"});
+    ExpectHas("closed.json", {"\"currentScreen\":0,", "\"satelliteDialogOpen\":false",
+                              "\"satelliteDialogRows\":[]"});
+    ExpectHas("replaced.json", {"\"currentScreen\":2,"});
 
     // Each screen: the window's size (480 x 640 above a 52-pixel soft-key
     // bar at 192 dpi), well inked, and different from the others.

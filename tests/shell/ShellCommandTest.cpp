@@ -1,11 +1,13 @@
+// The shell's rules through its commands and keys, with the window, the
+// link and the sound faked, and what the window hands to the screens.
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 
 #include "CommandIds.h"
 #include "FakeShellParts.h"
+#include "ScreenView.h"
+#include "Screens.h"
 #include "Shell.h"
 #include "Strings.h"
 
@@ -31,7 +33,7 @@ class ShellTest : public ::testing::Test {
     Shell shell;
 };
 
-TEST_F(ShellTest, ScreenCommandsAndKeys) {
+TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     struct Case {
         int command;
         Key key;
@@ -45,17 +47,31 @@ TEST_F(ShellTest, ScreenCommandsAndKeys) {
         {cmd::kGpsInfo, Key::Digit1, kScreenGpsInfo},
     };
     for (const Case& c : cases) {
-        shell.currentScreen = -5;
-        shell.OnCommand(c.command);
-        EXPECT_EQ(shell.currentScreen, c.screen) << c.command;
-        shell.currentScreen = -5;
-        shell.OnKeyDown(c.key);
-        EXPECT_EQ(shell.currentScreen, c.screen) << c.command;
+        for (const bool dialog : {false, true}) {
+            for (const bool byKey : {false, true}) {
+                shell.currentScreen = -5;
+                if (dialog)
+                    shell.OnCommand(cmd::kSatelliteData);
+                if (byKey)
+                    shell.OnKeyDown(c.key);
+                else
+                    shell.OnCommand(c.command);
+                EXPECT_EQ(shell.currentScreen, c.screen) << c.command << " " << dialog << byKey;
+                EXPECT_FALSE(shell.satelliteDialogOpen) << c.command;
+                EXPECT_FALSE(ui.satelliteDialogShown) << c.command;
+            }
+        }
     }
-    // Key 5 and 40030 need a loaded map.
+    // Without a loaded map, 40030 and key 5 do nothing, so the dialog stays.
+    shell.OnCommand(cmd::kSatelliteData);
     shell.OnCommand(cmd::kLoadedMap);
     shell.OnKeyDown(Key::Digit5);
-    EXPECT_EQ(shell.currentScreen, kScreenGpsInfo);
+    EXPECT_TRUE(shell.satelliteDialogOpen);
+    EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
+    // Settings change underneath it.
+    shell.OnCommand(cmd::kNautical);
+    EXPECT_EQ(settings.units, 2u);
+    EXPECT_TRUE(shell.satelliteDialogOpen);
 }
 
 TEST_F(ShellTest, SettingCommands) {
@@ -91,9 +107,15 @@ TEST_F(ShellTest, KeyZeroStartsThenStops) {
     shell.OnCommand(cmd::kTrack10s + 1);
     EXPECT_EQ(ui.trackPeriod, 20000u);
 
+    shell.OnCommand(cmd::kAlarm50);
+    SetSpeed("60");
+    shell.OnGpsData();
+    ASSERT_TRUE(sound.looping);
     std::strcpy(link.gps.latitude, "2232.1234");
     shell.OnKeyDown(Key::Digit0);
     EXPECT_FALSE(link.running);
+    EXPECT_FALSE(sound.looping) << "stopping silences the alarm";
+    EXPECT_FALSE(shell.alarm().playing());
     EXPECT_FALSE(ui.blinkRunning);
     EXPECT_FALSE(ui.trackRunning);
     EXPECT_STREQ(link.gps.latitude, "") << "the fix blocks are cleared";
@@ -197,17 +219,6 @@ TEST_F(ShellTest, AlarmFollowsTheSpeed) {
     EXPECT_EQ(sound.playCalls, 2) << "a running alarm is not restarted";
 }
 
-TEST_F(ShellTest, StopGpsSilencesTheAlarm) {
-    shell.OnCommand(cmd::kStartGps);
-    shell.OnCommand(cmd::kAlarm50);
-    SetSpeed("60");
-    shell.OnGpsData();
-    ASSERT_TRUE(sound.looping);
-    shell.OnCommand(cmd::kStopGps);
-    EXPECT_FALSE(sound.looping);
-    EXPECT_FALSE(shell.alarm().playing());
-}
-
 TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     FakeSound sound;
     sound.failing = true;
@@ -231,40 +242,22 @@ TEST(SpeedAlarmTest, OffOrStoppedSilencesButKeepsTheFlag) {
     EXPECT_FALSE(alarm.playing());
 }
 
-TEST(CurrentSpeedTest, Factors) {
-    gps::GpsState g;
-    std::strcpy(g.speedKnots, "10");
-    EXPECT_DOUBLE_EQ(CurrentSpeed(g, 0), 18.5);
-    EXPECT_DOUBLE_EQ(CurrentSpeed(g, 1), 11.52);
-    EXPECT_DOUBLE_EQ(CurrentSpeed(g, 2), 10.0);
-}
-
-TEST_F(ShellTest, ExitSavesOnlyOnYes) {
-    namespace fs = std::filesystem;
-    const fs::path path =
-        fs::temp_directory_path() / ("satwalk-exit-" + std::to_string(::getpid()));
-    fs::remove(path);
-    OptionsStore store(path.string());
-    store.LoadOptions(settings);
-    Shell sh(settings, link, ui, sound, &store);
-    sh.OnCommand(cmd::kStartGps);
-
+// Saving only on a confirmed exit is checked end to end (ScriptRunTest).
+TEST_F(ShellTest, ConfirmedExitStopsAndClosesEverything) {
+    shell.OnCommand(cmd::kStartGps);
+    shell.OnCommand(cmd::kSatelliteData);
     ui.answerYes = false;
-    sh.OnCommand(cmd::kExit);
-    EXPECT_FALSE(fs::exists(path));
+    shell.OnCommand(cmd::kExit);
     EXPECT_FALSE(ui.closed);
     EXPECT_TRUE(link.running);
-    EXPECT_EQ(ui.messages.back().second, MessageIcon::Question);
-    EXPECT_EQ(ui.messages.back().first, LoadString(kStrConfirmExit));
+    EXPECT_TRUE(ui.satelliteDialogShown);
 
     ui.answerYes = true;
-    sh.OnCommand(cmd::kExit);
-    EXPECT_TRUE(fs::exists(path));
-    EXPECT_EQ(fs::file_size(path), kOptionsRecordSize);
+    shell.OnCommand(cmd::kExit);
     EXPECT_TRUE(ui.closed);
     EXPECT_FALSE(link.running);
+    EXPECT_FALSE(ui.satelliteDialogShown);
     EXPECT_FALSE(ui.backlight) << "the backlight hold is released";
-    fs::remove(path);
 }
 
 TEST_F(ShellTest, MenuStateAfterStartAndStop) {
@@ -316,38 +309,45 @@ TEST_F(ShellTest, MenuMarks) {
     EXPECT_TRUE(FindMenuEntry(shell.BuildMainMenu(), cmd::kLoadMap)->enabled);
 }
 
-TEST_F(ShellTest, MenuTexts) {
-    const std::string view = DescribeMenu(shell.BuildViewMenu());
-    const std::string menu = DescribeMenu(shell.BuildMainMenu());
-    for (const char* text :
-         {"视图 >", "40059 GPS 信息\t[1]", "卫星 >", "40013 卫星图\t[2]", "40014 卫星数据\t[3]",
-          "40029 世界地图\t[4]", "40031 显示载入地图", "40053 显示参照点", "40032 显示轨迹",
-          "40033 显示 POI", "40016 指南针\t[6]", "40015 时速\t[7]"}) {
-        EXPECT_NE(view.find(text), std::string::npos) << text;
+TEST_F(ShellTest, SatelliteDialogOpensByCommandOrKeyInPlaceOfTheScreen) {
+    for (bool byKey : {false, true}) {
+        shell.currentScreen = kScreenCompass;
+        if (byKey)
+            shell.OnKeyDown(Key::Digit3);
+        else
+            shell.OnCommand(cmd::kSatelliteData);
+        EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
+        EXPECT_TRUE(shell.satelliteDialogOpen);
+        EXPECT_TRUE(ui.satelliteDialogShown);
+        EXPECT_EQ(ui.satelliteFills, 1) << "filled as it opens";
+
+        const MenuEntry view = shell.BuildViewMenu();
+        const MenuEntry* entry = FindMenuEntry(view, cmd::kSatelliteData);
+        ASSERT_NE(entry, nullptr);
+        EXPECT_TRUE(entry->enabled);
+        EXPECT_TRUE(entry->checked);
+
+        // Opening again changes nothing: closing still goes back to the compass.
+        shell.OnKeyDown(Key::Digit3);
+        EXPECT_EQ(ui.satelliteFills, 1);
+        shell.OnSatelliteDialogClosed();
+        EXPECT_EQ(shell.currentScreen, kScreenCompass);
+        EXPECT_FALSE(shell.satelliteDialogOpen);
+        EXPECT_FALSE(ui.satelliteDialogShown);
+        ui.satelliteFills = 0;
     }
-    for (const char* text : {"菜单 >",
-                             "40043 GPS 设置\t[*]",
-                             "最近载入地图 >",
-                             "40038 设置参照点 5",
-                             "POI >",
-                             "40042 导入 POI",
-                             "40068 全部删除",
-                             "40058 间隔 60s",
-                             "40039 保存轨迹记录",
-                             "40040 查看轨迹记录",
-                             "时速警报 >",
-                             "40044 关闭",
-                             "40052 120",
-                             "40017 米制",
-                             "40018 英制",
-                             "40019 海里",
-                             "40197 选项",
-                             "帮助 >",
-                             "40201 用户手册",
-                             "40006 关于",
-                             "40003 退出"}) {
-        EXPECT_NE(menu.find(text), std::string::npos) << text;
-    }
+}
+
+TEST_F(ShellTest, SatelliteDialogFilledOnEveryBatchOnlyWhileOpen) {
+    shell.OnGpsData();
+    EXPECT_EQ(ui.satelliteFills, 0);
+    shell.OnCommand(cmd::kSatelliteData);
+    shell.OnGpsData();
+    shell.OnGpsData();
+    EXPECT_EQ(ui.satelliteFills, 3);
+    shell.OnSatelliteDialogClosed();
+    shell.OnGpsData();
+    EXPECT_EQ(ui.satelliteFills, 3);
 }
 
 TEST_F(ShellTest, BlinkAndClock) {
@@ -366,6 +366,51 @@ TEST_F(ShellTest, BlinkAndClock) {
     EXPECT_EQ(link.gps.fixTimeLocal, 100 + gps::kFileTimeTicksPerSecond);
     shell.OnCommand(cmd::kStopGps);
     EXPECT_FALSE(shell.fixTimeKnown);
+}
+
+TEST(ScreenSyncTest, CopiesTheWindowStateIntoTheContext) {
+    gps::GpsState g;
+    std::strcpy(g.latitude, "3014.7487");
+    g.northSouth = 'S';
+    std::strcpy(g.longitude, "12009.7660");
+    g.eastWest = 'E';
+    ProgramSettings s;
+    s.units = 2;
+    s.speedAlarmOn = 1;
+    s.speedAlarmLimit = 110;
+    s.recordNmea = 1;
+
+    ScreenView v;
+    v.gps = &g;
+    v.settings = &s;
+    v.currentScreen = kScreenSatelliteData;
+    v.linkRunning = v.fixValid = v.fixTimeKnown = v.blinkPhase = v.mapLoaded = true;
+
+    screens::ScreenContext ctx;
+    ctx.frame = screens::Rect{0, 0, 480, 640};
+    SyncScreenContext(v, ctx);
+    EXPECT_EQ(ctx.currentScreen, -1);
+    EXPECT_EQ(ctx.unitSystem, screens::kNautical);
+    EXPECT_TRUE(ctx.speedAlarmOn);
+    EXPECT_EQ(ctx.speedAlarmLimit, 110);
+    EXPECT_TRUE(ctx.recording && ctx.linkRunning && ctx.fixValid && ctx.fixTimeKnown &&
+                ctx.blinkPhase && ctx.mapLoaded);
+    EXPECT_NEAR(ctx.latitude, -(30 + 14.7487 / 60), 1e-9);
+    EXPECT_NEAR(ctx.longitude, 120 + 9.766 / 60, 1e-9);
+    EXPECT_EQ(ctx.frame.Width(), 480) << "the layout is not the sync's business";
+
+    // Without a fix the last position stays; an absurd unit reads as metric.
+    v.fixValid = false;
+    s.units = 7;
+    s.speedAlarmOn = 0;
+    s.recordNmea = 0;
+    std::strcpy(g.latitude, "0000.0000");
+    SyncScreenContext(v, ctx);
+    EXPECT_NEAR(ctx.latitude, -(30 + 14.7487 / 60), 1e-9);
+    EXPECT_EQ(ctx.unitSystem, screens::kMetric);
+    EXPECT_FALSE(ctx.speedAlarmOn);
+    EXPECT_FALSE(ctx.recording);
+    EXPECT_FALSE(ctx.fixValid);
 }
 
 }  // namespace
