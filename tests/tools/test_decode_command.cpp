@@ -41,19 +41,14 @@ class DecodeCommand : public ::testing::Test {
         std::ofstream f(path_, std::ios::binary);
         // Four epochs of two lines, 70 to 75 bytes a line.
         for (int i = 0; i < 4; ++i) {
-            f << "$GPRMC,01020" << i << ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,*"
-              << Checksum(i) << "\r\n";
-            f << "$GPVTG,090.0,T,,M,010.0,N,018.5,K,A*0D\r\n";
+            const std::string rmc = "GPRMC,01020" + std::to_string(i) +
+                                    ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,";
+            unsigned x = 0;
+            for (char c : rmc) x ^= static_cast<unsigned char>(c);
+            char sum[3];
+            std::snprintf(sum, sizeof sum, "%02X", x);
+            f << "$" << rmc << "*" << sum << "\r\n$GPVTG,090.0,T,,M,010.0,N,018.5,K,A*0D\r\n";
         }
-    }
-    static std::string Checksum(int i) {
-        const std::string body = "GPRMC,01020" + std::to_string(i) +
-                                 ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,";
-        unsigned x = 0;
-        for (char c : body) x ^= static_cast<unsigned char>(c);
-        char buf[3];
-        std::snprintf(buf, sizeof buf, "%02X", x);
-        return buf;
     }
     std::string path_;
 };
