@@ -1,11 +1,21 @@
 // Pseudo-terminal receivers and a recording sink for the link tests.
 #pragma once
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <mutex>
+#include <sstream>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "ReceiverLink.h"
@@ -13,18 +23,45 @@
 namespace satwalk::link::test {
 
 // "$<body>*HH\r\n" with the right checksum.
-std::string Sentence(const std::string& body);
+inline std::string Sentence(const std::string& body) {
+    unsigned sum = 0;
+    for (const char c : body) sum ^= static_cast<unsigned char>(c);
+    char tail[8];
+    std::snprintf(tail, sizeof tail, "*%02X\r\n", sum);
+    return "$" + body + tail;
+}
+
 // An RMC with the given latitude minutes text ("3112.0001") and time.
-std::string Rmc(const std::string& latitude, const std::string& time = "120000.00");
+inline std::string Rmc(const std::string& latitude, const std::string& time = "120000.00") {
+    return Sentence("GPRMC," + time + ",A," + latitude + ",N,12128.0000,E,10.5,90.0,150307,,,A");
+}
 
 // The far end of a port: the master side of a pseudo-terminal.
 class FakeReceiver {
   public:
-    FakeReceiver();
-    ~FakeReceiver();
+    FakeReceiver() {
+        master_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        char name[128];
+        if (master_ < 0 || ::grantpt(master_) != 0 || ::unlockpt(master_) != 0 ||
+            ::ptsname_r(master_, name, sizeof name) != 0)
+            std::abort();
+        path_ = name;
+    }
+    ~FakeReceiver() { HangUp(); }
     const std::string& path() const { return path_; }
-    void Send(const std::string& bytes);
-    void HangUp();
+    void Send(const std::string& bytes) {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t n = ::write(master_, bytes.data() + done, bytes.size() - done);
+            if (n <= 0)
+                std::abort();
+            done += static_cast<std::size_t>(n);
+        }
+    }
+    void HangUp() {
+        if (master_ >= 0)
+            ::close(master_);
+        master_ = -1;
+    }
 
   private:
     int master_ = -1;
@@ -32,21 +69,60 @@ class FakeReceiver {
 };
 
 // Polls `done` every millisecond for up to `limit`.
-bool WaitFor(const std::function<bool()>& done,
-             std::chrono::milliseconds limit = std::chrono::milliseconds(3000));
+inline bool WaitFor(const std::function<bool()>& done,
+                    std::chrono::milliseconds limit = std::chrono::milliseconds(3000)) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!done()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
 
 // Counts what the link delivers and keeps the latitude of every batch.
 class RecordingSink final : public LinkSink {
   public:
     explicit RecordingSink(ReceiverLink& l) : link(l) {}
-    void OnGpsData() override;
-    void OnGpsTime() override;
-    void OnStopCommand() override;
+    void OnGpsData() override {
+        if (onData)
+            onData();
+        {
+            std::lock_guard<std::mutex> g(mutex_);
+            latitudes_.emplace_back(link.gps.latitude);
+            syncs_.push_back(std::exchange(syncPending_, false));
+        }
+        changed_.notify_all();
+    }
+    void OnGpsTime() override {
+        std::lock_guard<std::mutex> g(mutex_);
+        syncPending_ = true;
+    }
+    void OnStopCommand() override {
+        ++stopCommands;
+        if (stopInsideTick)
+            stopResult = StopLink(link);
+    }
 
-    std::size_t batches();
-    std::string latitude(std::size_t batch);  // from 0
-    std::vector<bool> syncs();                // per batch: a time sync came first
-    bool WaitBatches(std::size_t n);
+    std::size_t batches() {
+        std::lock_guard<std::mutex> g(mutex_);
+        return latitudes_.size();
+    }
+    // The latitude of a batch (from 0).
+    std::string latitude(std::size_t batch) {
+        std::lock_guard<std::mutex> g(mutex_);
+        return batch < latitudes_.size() ? latitudes_[batch] : "<none>";
+    }
+    // Per batch: a time sync came first.
+    std::vector<bool> syncs() {
+        std::lock_guard<std::mutex> g(mutex_);
+        return syncs_;
+    }
+    bool WaitBatches(std::size_t n) {
+        std::unique_lock<std::mutex> g(mutex_);
+        return changed_.wait_for(g, std::chrono::seconds(3),
+                                 [&] { return latitudes_.size() >= n; });
+    }
 
     ReceiverLink& link;
     bool stopInsideTick = true;  // call StopLink from the stop command
@@ -63,10 +139,34 @@ class RecordingSink final : public LinkSink {
 };
 
 // Reads a whole file; "" when missing.
-std::string ReadFile(const std::string& path);
+inline std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
 // A fresh empty folder under the temporary directory.
-std::string MakeTempDir();
+inline std::string MakeTempDir() {
+    const char* base = std::getenv("TMPDIR");
+    std::string pattern = std::string(base ? base : "/tmp") + "/satwalk-link-XXXXXX";
+    if (::mkdtemp(pattern.data()) == nullptr)
+        std::abort();
+    return pattern;
+}
+
 // Names of the entries of a folder.
-std::vector<std::string> ListDir(const std::string& path);
+inline std::vector<std::string> ListDir(const std::string& path) {
+    std::vector<std::string> names;
+    if (DIR* d = ::opendir(path.c_str())) {
+        while (const dirent* e = ::readdir(d)) {
+            const std::string name = e->d_name;
+            if (name != "." && name != "..")
+                names.push_back(name);
+        }
+        ::closedir(d);
+    }
+    return names;
+}
 
 }  // namespace satwalk::link::test
