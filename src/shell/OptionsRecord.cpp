@@ -42,71 +42,76 @@ void ReadOptionsBytes(std::span<const std::uint8_t> bytes, OptionsRecord& record
         std::memcpy(&record, bytes.data(), n);
 }
 
-int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts,
+namespace {
+
+// Opens the options file, retrying a failed open `attempts` times
+// `retryDelay` apart. Non-blocking, so that a FIFO at the path cannot hang
+// start-up or exit; only a regular file is an options file. Returns the
+// descriptor, or -1 when there is no such file, it is not a regular file,
+// or every attempt failed.
+int OpenOptionsFile(const std::string& path, int flags, int attempts,
                     std::chrono::milliseconds retryDelay) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        // Non-blocking, so that a FIFO at the path cannot hang start-up; only
-        // a regular file is an options file.
-        const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        const int fd = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0644);
         if (fd < 0) {
             if (errno == ENOENT || errno == ENOTDIR)
-                return 0;
+                return -1;
             if (attempt + 1 < attempts)
                 std::this_thread::sleep_for(retryDelay);
             continue;
         }
         if (!IsRegularFile(fd)) {
             ::close(fd);
-            return 0;
+            return -1;
         }
-        std::uint8_t buffer[kOptionsRecordSize];
-        std::size_t got = 0;
-        while (got < sizeof buffer) {
-            const ssize_t r = ::read(fd, buffer + got, sizeof buffer - got);
-            if (r < 0 && errno == EINTR)
-                continue;
-            if (r <= 0)
-                break;
-            got += static_cast<std::size_t>(r);
-        }
-        ::close(fd);
-        ReadOptionsBytes(std::span<const std::uint8_t>(buffer, got), record);
-        return 1;
+        return fd;
     }
-    return 0;
+    return -1;
+}
+
+}  // namespace
+
+int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts,
+                    std::chrono::milliseconds retryDelay) {
+    const int fd = OpenOptionsFile(path, O_RDONLY, attempts, retryDelay);
+    if (fd < 0)
+        return 0;
+    std::uint8_t buffer[kOptionsRecordSize];
+    std::size_t got = 0;
+    while (got < sizeof buffer) {
+        const ssize_t r = ::read(fd, buffer + got, sizeof buffer - got);
+        if (r < 0 && errno == EINTR)
+            continue;
+        if (r <= 0)
+            break;
+        got += static_cast<std::size_t>(r);
+    }
+    ::close(fd);
+    ReadOptionsBytes(std::span<const std::uint8_t>(buffer, got), record);
+    return 1;
 }
 
 int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int attempts,
                      std::chrono::milliseconds retryDelay) {
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644);
-        if (fd < 0) {
-            if (attempt + 1 < attempts)
-                std::this_thread::sleep_for(retryDelay);
+    const int fd = OpenOptionsFile(path, O_WRONLY | O_CREAT, attempts, retryDelay);
+    if (fd < 0)
+        return 0;
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
+    std::size_t done = 0;
+    bool ok = true;
+    while (done < sizeof record) {
+        const ssize_t w = ::write(fd, bytes + done, sizeof record - done);
+        if (w < 0 && errno == EINTR)
             continue;
-        }
-        if (!IsRegularFile(fd)) {
-            ::close(fd);
-            return 0;
-        }
-        const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
-        std::size_t done = 0;
-        bool ok = true;
-        while (done < sizeof record) {
-            const ssize_t w = ::write(fd, bytes + done, sizeof record - done);
-            if (w < 0 && errno == EINTR)
-                continue;
-            if (w <= 0) {
-                ok = false;
-                break;
-            }
-            done += static_cast<std::size_t>(w);
-        }
-        if (::close(fd) != 0)
+        if (w <= 0) {
             ok = false;
-        return ok ? 1 : 0;
+            break;
+        }
+        done += static_cast<std::size_t>(w);
     }
-    return 0;
+    if (::close(fd) != 0)
+        ok = false;
+    return ok ? 1 : 0;
 }
 
 std::string WideSlotToUtf8(const char16_t* slot, std::size_t chars) {
