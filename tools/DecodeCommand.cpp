@@ -38,7 +38,9 @@ bool ParseCount(std::string_view text, unsigned long& out) {
     return r.ec == std::errc() && r.ptr == text.data() + text.size() && out > 0;
 }
 
-bool WriteAll(int fd, const std::string& data) {
+}  // namespace
+
+bool WriteAll(int fd, std::string_view data) {
     const char* p = data.data();
     std::size_t left = data.size();
     while (left > 0) {
@@ -48,13 +50,13 @@ bool WriteAll(int fd, const std::string& data) {
                 continue;
             return false;
         }
+        if (n == 0)
+            return false;
         p += n;
         left -= static_cast<std::size_t>(n);
     }
     return true;
 }
-
-}  // namespace
 
 int RunDecode(int argc, char** argv) {
     unsigned long batchSize = 2047;

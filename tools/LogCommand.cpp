@@ -33,20 +33,6 @@ constexpr const char* kUsage =
     "  --record DIR  record the raw stream into DIR as the program does\n"
     "  --seconds S   stop after S seconds\n";
 
-void WriteAll(const std::string& data) {
-    const char* p = data.data();
-    std::size_t left = data.size();
-    while (left > 0) {
-        const ssize_t n = ::write(STDOUT_FILENO, p, left);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return;
-        p += n;
-        left -= static_cast<std::size_t>(n);
-    }
-}
-
 // Prints each batch; hands the stop command back to the main thread.
 class PrintingSink final : public link::LinkSink {
   public:
@@ -62,7 +48,7 @@ class PrintingSink final : public link::LinkSink {
         out_ += synced_ ? "true," : "false,";
         gps::AppendGpsJsonMembers(out_, link_.gps, timeKnown_);
         out_ += "}\n";
-        WriteAll(out_);
+        WriteAll(STDOUT_FILENO, out_);
         synced_ = false;
     }
 
@@ -180,7 +166,7 @@ int RunLog(int argc, char** argv) {
     line += "}\n";
     timer.Stop();
     owned.reset();  // waits for the reader to end
-    WriteAll(line);
+    WriteAll(STDOUT_FILENO, line);
     return 0;
 }
 

@@ -2,7 +2,13 @@
 // and returns the process exit status.
 #pragma once
 
+#include <string_view>
+
 namespace satwalk::tools {
+
+// Writes all of `data` to `fd`, through interrupted and partial writes;
+// false when the descriptor refuses it.
+bool WriteAll(int fd, std::string_view data);
 
 int RunDecode(int argc, char** argv);
 int RunReplay(int argc, char** argv);
