@@ -41,10 +41,10 @@ void BM_PaintScreen(benchmark::State& state) {
     const int w = hi ? 480 : 240, h = hi ? 640 : 320;
     ScreenContext ctx;
     PrepareScreenContext(ctx, landscape ? h : w, landscape ? w : h, hi ? 192 : 96, bitmaps);
-    ctx.currentScreen = screen;
-    ctx.linkRunning = ctx.fixValid = true;
-    ctx.speedAlarmOn = true;
-    ctx.speedAlarmLimit = 80;
+    ctx.display.currentScreen = screen;
+    ctx.display.linkRunning = ctx.display.fixValid = true;
+    ctx.display.speedAlarmOn = true;
+    ctx.display.speedAlarmLimit = 80;
     const gps::GpsState g = BusyFix();
     QImage image;
     RenderCurrentScreen(image, ctx, g, bitmaps);  // warm the font and key caches

@@ -67,7 +67,7 @@ int main(int argc, char** argv) {
         return 2;
     ScreenContext ctx;
     PrepareScreenContext(ctx, 480, 640, 192, bitmaps);
-    ctx.linkRunning = true;
+    ctx.display.linkRunning = true;
     gps::GpsState g;
     gps::GsvAssembly a;
     QImage image;
@@ -77,12 +77,12 @@ int main(int argc, char** argv) {
         if (i % 4 == 0)
             gps::ParseNmeaBuffer(g, a, batches[static_cast<std::size_t>(i / 4) % batches.size()],
                                  nullptr);
-        ctx.currentScreen = static_cast<int>(i % 4);
-        ctx.fixValid = g.status == 'A';
-        ctx.blinkPhase = (i / 4) % 2 != 0;
-        ctx.speedAlarmOn = (i / 400) % 2 != 0;
-        ctx.speedAlarmLimit = 50 + 10 * static_cast<int>((i / 100) % 8);
-        ctx.unitSystem = static_cast<int>((i / 1000) % 3);
+        ctx.display.currentScreen = static_cast<int>(i % 4);
+        ctx.display.fixValid = g.status == 'A';
+        ctx.display.blinkPhase = (i / 4) % 2 != 0;
+        ctx.display.speedAlarmOn = (i / 400) % 2 != 0;
+        ctx.display.speedAlarmLimit = 50 + 10 * static_cast<int>((i / 100) % 8);
+        ctx.display.unitSystem = static_cast<int>((i / 1000) % 3);
         RenderCurrentScreen(image, ctx, g, bitmaps);
         if (i == 2000)
             warm = ResidentKb();

@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "GpsJson.h"
+#include "Json.h"
 #include "ReceiverLink.h"
 #include "ThreadTimer.h"
 #include "ToolCommands.h"
@@ -159,7 +160,7 @@ int RunLog(int argc, char** argv) {
     line += std::to_string(reason);
     line += ",\"message\":";
     if (const char* message = link::LinkLossMessage(reason)) {
-        gps::AppendJsonString(line, message);
+        common::AppendJsonString(line, message);
     } else {
         line += "null";
     }

@@ -118,21 +118,21 @@ int main(int argc, char** argv) {
         }
         ScreenContext ctx;
         PrepareScreenContext(ctx, v.w, v.h, v.dpi, bitmaps);
-        ctx.unitSystem = units;
-        ctx.speedAlarmOn = alarm != 0;
-        ctx.speedAlarmLimit = alarm != 0 ? alarm : 50;
-        ctx.compassOrientation = northUp ? 1 : 0;
-        ctx.linkRunning = !linkDown;
-        ctx.fixValid = ctx.linkRunning && gps.status == 'A';
-        ctx.blinkPhase = true;
-        ctx.recording = recording;
-        ctx.fixTimeKnown = sync.synced;
-        gps::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest, &ctx.latitude,
-                           &ctx.longitude);
+        ctx.display.unitSystem = units;
+        ctx.display.speedAlarmOn = alarm != 0;
+        ctx.display.speedAlarmLimit = alarm != 0 ? alarm : 50;
+        ctx.display.compassOrientation = northUp ? 1 : 0;
+        ctx.display.linkRunning = !linkDown;
+        ctx.display.fixValid = ctx.display.linkRunning && gps.status == 'A';
+        ctx.display.blinkPhase = true;
+        ctx.display.recording = recording;
+        ctx.display.fixTimeKnown = sync.synced;
+        common::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest,
+                              &ctx.display.latitude, &ctx.display.longitude);
         QImage image;
         for (const char* p = screensArg.c_str(); *p;) {
             const int screen = std::atoi(p);
-            ctx.currentScreen = screen;
+            ctx.display.currentScreen = screen;
             RenderCurrentScreen(image, ctx, gps, bitmaps);
             const char* name = screen >= 0 && screen <= 4 ? kScreenNames[screen] : "blank";
             const QString file =

@@ -3,19 +3,10 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "GpsState.h"
 
 namespace satwalk::gps {
-
-// Appends `text` as a JSON string (quotes included). Valid UTF-8 passes
-// through; any other byte, and every control character, becomes \u00XX.
-void AppendJsonString(std::string& out, std::string_view text);
-
-// Appends a double in its shortest exact form ("-0" for negative zero);
-// non-finite values become null.
-void AppendJsonNumber(std::string& out, double value);
 
 // Appends the members of the fix (no braces): every text field by name, the
 // 12 satellite rows, latitudeDegrees, longitudeDegrees, fixValid and

@@ -7,7 +7,12 @@
 
 #include <cstdint>
 
+#include "FixText.h"
+
 namespace satwalk::gps {
+
+using common::FileTime;
+using common::kFileTimeTicksPerSecond;
 
 // One row of the satellite table (21 bytes of text).
 struct SatelliteRecord {
@@ -19,10 +24,6 @@ struct SatelliteRecord {
 static_assert(sizeof(SatelliteRecord) == 21);
 
 inline constexpr int kSatelliteRows = 12;
-
-// 100 ns ticks since 1601-01-01, the unit of the fix time stamp.
-using FileTime = std::uint64_t;
-inline constexpr FileTime kFileTimeTicksPerSecond = 10'000'000;
 
 struct GpsState {
     char header[7];  // scratch: header of the sentence being decoded

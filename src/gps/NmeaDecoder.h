@@ -10,10 +10,6 @@
 
 namespace satwalk::gps {
 
-// Window messages of the link, kept for whoever forwards them.
-inline constexpr unsigned kWmGpsData = 1025;  // WM_USER + 1
-inline constexpr unsigned kWmGpsTime = 1029;  // WM_USER + 5
-
 // The state of a GSV cycle that is being put together, kept between
 // batches (the satellite table arrives over several sentences).
 struct GsvAssembly {
@@ -56,22 +52,5 @@ void ParseGsv(GpsState& state, GsvAssembly& assembly, const char* fields, const 
 // the system time zone. A date-time that is not a real calendar moment
 // stores 0.
 void FixTimeToFileTime(GpsState& state, const char* date, const char* utcTime);
-
-// Position texts with hemisphere letters to signed decimal degrees, north
-// and east positive. Always returns 1.
-int NmeaToDegrees(const char* latitudeText, char northSouth, const char* longitudeText,
-                  char eastWest, double* latitude, double* longitude);
-
-// The same numeric conversions the screens use on the texts: leading-digits
-// integer and decimal values, as the C library's atoi and atof read them,
-// but independent of the process locale.
-int TextToInt(const char* text);
-double TextToDouble(const char* text);
-
-// Local calendar fields of a FILETIME (no time-zone conversion).
-struct CalendarTime {
-    int year, month, day, hour, minute, second, millisecond;
-};
-CalendarTime FileTimeToCalendar(FileTime time);
 
 }  // namespace satwalk::gps

@@ -14,6 +14,7 @@
 #include <cstring>
 
 #include "PortNames.h"
+#include "Strings.h"
 #include "TtyBaud.h"
 
 namespace satwalk::link {
@@ -50,7 +51,7 @@ speed_t BaudConstant(std::uint32_t rate) {
 }
 
 bool IsOfferedBaud(std::uint32_t rate) {
-    for (const std::uint32_t r : kBaudRates) {
+    for (const std::uint32_t r : common::kBaudRates) {
         if (r == rate)
             return true;
     }
@@ -148,7 +149,7 @@ int OpenPort(ReceiverLink& link) {
     // Non-blocking, so that a port without carrier does not hold the open.
     const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0)
-        return FailOpen(link, -1, kErrOpen);
+        return FailOpen(link, -1, common::err::kPortOpen);
 
     // A tty that is still being set up by the kernel may refuse for a moment;
     // something that is not a tty never becomes one, so that is not retried.
@@ -166,12 +167,12 @@ int OpenPort(ReceiverLink& link) {
         }
     }
     if (!haveState)
-        return FailOpen(link, fd, kErrGetState);
+        return FailOpen(link, fd, common::err::kPortGetState);
     ::ioctl(fd, TIOCEXCL);  // no sharing; ignored where unsupported
 
     // Line settings: raw 8-bit input, the frame, XON/XOFF, no handshake.
     if (!IsOfferedBaud(link.baudRate))
-        return FailOpen(link, fd, kErrSetState);
+        return FailOpen(link, fd, common::err::kPortSetState);
     const speed_t speed = BaudConstant(link.baudRate);
     tio.c_iflag &= ~static_cast<tcflag_t>(IGNBRK | BRKINT | PARMRK | ISTRIP | INLCR | IGNCR |
                                           ICRNL | IXANY | INPCK);
@@ -204,7 +205,7 @@ int OpenPort(ReceiverLink& link) {
     ::cfsetispeed(&tio, frameSpeed);
     ::cfsetospeed(&tio, frameSpeed);
     if (::tcsetattr(fd, TCSANOW, &tio) != 0)
-        return FailOpen(link, fd, kErrSetState);
+        return FailOpen(link, fd, common::err::kPortSetState);
     // DTR and RTS dropped; a pseudo-terminal has no modem lines to drop.
     const int lines = TIOCM_DTR | TIOCM_RTS;
     ::ioctl(fd, TIOCMBIC, &lines);
@@ -213,18 +214,18 @@ int OpenPort(ReceiverLink& link) {
     tio.c_cc[VMIN] = 0;
     tio.c_cc[VTIME] = 0;
     if (::tcsetattr(fd, TCSANOW, &tio) != 0)
-        return FailOpen(link, fd, kErrTimeouts);
+        return FailOpen(link, fd, common::err::kPortTimeouts);
     if (speed == B0 && !SetArbitraryBaud(fd, link.baudRate)) {
-        return FailOpen(link, fd, kErrSetState);
+        return FailOpen(link, fd, common::err::kPortSetState);
     }
 
     // Reads never wait, whatever the open left behind.
     const int flags = ::fcntl(fd, F_GETFL);
     if (flags < 0 || ::fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0) {
-        return FailOpen(link, fd, kErrQueues);
+        return FailOpen(link, fd, common::err::kPortQueues);
     }
     if (::tcflush(fd, TCIOFLUSH) != 0)
-        return FailOpen(link, fd, kErrPurge);
+        return FailOpen(link, fd, common::err::kPortPurge);
 
     link.portFd = fd;
     link.portOpen = true;
@@ -240,14 +241,14 @@ int StartLink(ReceiverLink& link) {
 
     if (link.timer != nullptr && !link.timer->Start()) {
         ClosePortFd(link);
-        link.lastErrorCode = kErrTimer;
+        link.lastErrorCode = common::err::kLinkTimer;
         return 0;
     }
     const auto failThread = [&link] {
         if (link.timer != nullptr)
             link.timer->Stop();
         ClosePortFd(link);
-        link.lastErrorCode = kErrThread;
+        link.lastErrorCode = common::err::kReaderStart;
         return 0;
     };
     {
@@ -314,7 +315,7 @@ std::uint32_t StopLink(ReceiverLink& link) {
             // The reader is held up in its handler; it ends by itself once
             // that returns, as it finds stopRequested set.
             link.reader.detach();
-            link.lastErrorCode = kErrThreadClose;
+            link.lastErrorCode = common::err::kReaderClose;
         }
     }
     ClosePortFd(link);
@@ -324,6 +325,10 @@ std::uint32_t StopLink(ReceiverLink& link) {
     link.running = false;
     link.fixValid = false;
     return link.linkLossReason;
+}
+
+void ClearFixBlocks(ReceiverLink& link) {
+    link.gps.ClearAllBlocks();
 }
 
 void ReaderThread(ReceiverLink& link) {
@@ -490,10 +495,9 @@ void AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
 const char* LinkLossMessage(std::uint32_t reason) {
     switch (reason) {
         case kLossDeviceGone:
-            return "与GPS接收机连接断开！\n\n请检查GPS接收机状态并确定其在有效的范围内。";
+            return common::LoadString(common::kStrConnectionLost);
         case kLossTimeout:
-            return "接收GPS数据超时！\n\nGPS接收机也许出现故障需要重新启动。\n\n"
-                   "注意: 如果程序停止响应，请关闭GPS接收机，程序将恢复正常。";
+            return common::LoadString(common::kStrDataTimeout);
         default:
             return nullptr;
     }

@@ -25,13 +25,12 @@
 #include <string>
 #include <thread>
 
+#include "BaudRates.h"
+#include "ErrorCodes.h"
 #include "GpsState.h"
 #include "NmeaDecoder.h"
 
 namespace satwalk::link {
-
-// The stop-GPS command the watchdog sends when it gives up the link.
-inline constexpr unsigned kStopGpsCommand = 40012;
 
 // Why the link ended (linkLossReason).
 inline constexpr std::uint32_t kLossNone = 0;
@@ -44,20 +43,6 @@ inline constexpr std::uint32_t kTimeSyncEveryTicks = 10;
 inline constexpr std::size_t kBufferSize = 2048;  // accumulation buffer, NUL included
 inline constexpr std::size_t kReadSize = 1024;    // one read from the port
 inline constexpr int kStopWaitMs = 1000;          // bound on waiting for the reader
-
-// The baud rates a receiver can be set to, in the order the settings offer them.
-inline constexpr std::uint32_t kBaudRates[] = {4800, 9600, 14400, 19200, 38400, 57600};
-
-// Error codes kept as text in lastErrorCode.
-inline constexpr const char* kErrOpen = "0x08200a06";         // the port cannot be opened
-inline constexpr const char* kErrGetState = "0x08200a07";     // not a tty / settings unreadable
-inline constexpr const char* kErrSetState = "0x08200a08";     // line settings refused
-inline constexpr const char* kErrTimeouts = "0x08200a09";     // read timing (VMIN/VTIME) refused
-inline constexpr const char* kErrQueues = "0x08200a0b";       // non-blocking reads refused
-inline constexpr const char* kErrPurge = "0x08200a0c";        // flushing the queues failed
-inline constexpr const char* kErrTimer = "0x08200a0d";        // the watchdog cannot be started
-inline constexpr const char* kErrThread = "0x08200a0e";       // the reader cannot be started
-inline constexpr const char* kErrThreadClose = "0x08200a0f";  // the reader did not end in time
 
 // How the link reaches its owner. Every call is synchronous.
 class LinkSink {
@@ -107,7 +92,7 @@ struct ReceiverLink {
     std::string portName;                  // "COM%d:" of the configured port, for display
     std::string devicePath;                // the tty actually opened (see PortNames.h); when
                                            // empty, portName resolves through the default map
-    std::uint32_t baudRate = 38400;        // one of kBaudRates
+    std::uint32_t baudRate = 38400;        // one of common::kBaudRates
     std::uint32_t byteSize = 8;            // data bits (5..8)
     std::uint32_t parity = 0;              // 0 none, 1 odd, 2 even
     std::uint32_t stopBits = 0;            // 0 one, 2 two (1, "1.5", is taken as two)
@@ -178,6 +163,11 @@ int StartLink(ReceiverLink& link);
 // owner clears its own fix-time-known flag and alarm afterwards.
 std::uint32_t StopLink(ReceiverLink& link);
 
+// Empties the four blocks of link.gps (the stop-GPS command); the fix time
+// and its sync request stay. Owner's thread, while the link is stopped: the
+// reader has ended, or is held in its handler and decodes nothing more.
+void ClearFixBlocks(ReceiverLink& link);
+
 // The reader thread's procedure (StartLink runs it).
 void ReaderThread(ReceiverLink& link);
 
@@ -197,8 +187,8 @@ void MakeNmeaLogPath(ReceiverLink& link, std::time_t now);
 // silent; at most this batch is lost.
 void AppendNmeaBatch(const char* path, const char* data, std::size_t length);
 
-// The message the program shows for a loss reason (strings 40096 and 40097,
-// UTF-8), or null for kLossNone.
+// The message the program shows for a loss reason (from the string table),
+// or null for kLossNone.
 const char* LinkLossMessage(std::uint32_t reason);
 
 }  // namespace satwalk::link

@@ -78,24 +78,30 @@ enum TextFlag : unsigned {
     kTextBottom = 8,
 };
 
-// Which of the loaded bitmaps a handle names.
-enum class BitmapId : int {
-    StatusIcons = 0,
-    SmallSymbol,
-    World,
-    SquareSymbol,
-    MapOverlay,
-    ToolStripPortrait,
-    ToolStripLandscape,
-    AlarmStrip,
-    Markers,
-    Count
+// Names a bitmap the canvas can draw. The program's own set has the first
+// kBuiltInBitmapCount values, named below; bitmaps loaded while the program
+// runs (map images, POI icons) are numbered after them by whoever loads them.
+struct BitmapId {
+    int value = 0;
+
+    static const BitmapId StatusIcons, SmallSymbol, World, SquareSymbol, MapOverlay,
+        ToolStripPortrait, ToolStripLandscape, AlarmStrip, Markers;
+    friend constexpr bool operator==(BitmapId, BitmapId) = default;
 };
-inline constexpr int kBitmapCount = static_cast<int>(BitmapId::Count);
+inline constexpr BitmapId BitmapId::StatusIcons{0};
+inline constexpr BitmapId BitmapId::SmallSymbol{1};
+inline constexpr BitmapId BitmapId::World{2};
+inline constexpr BitmapId BitmapId::SquareSymbol{3};
+inline constexpr BitmapId BitmapId::MapOverlay{4};
+inline constexpr BitmapId BitmapId::ToolStripPortrait{5};
+inline constexpr BitmapId BitmapId::ToolStripLandscape{6};
+inline constexpr BitmapId BitmapId::AlarmStrip{7};
+inline constexpr BitmapId BitmapId::Markers{8};
+inline constexpr int kBuiltInBitmapCount = 9;
 
 // A handle to a bitmap the canvas knows; width and height are its pixel size.
 struct Bitmap {
-    BitmapId id = BitmapId::StatusIcons;
+    BitmapId id;
     int width = 0;
     int height = 0;
 };

@@ -5,14 +5,14 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "NmeaDecoder.h"
+#include "FixText.h"
 #include "ScreenDraw.h"
-#include "ScreenText.h"
+#include "Strings.h"
 
 namespace satwalk::screens {
 
+using common::TextToDouble;
 using gps::GpsState;
-using gps::TextToDouble;
 
 void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegrees, Pen pen) {
     const double a = SaneDegrees(angleDegrees) * kPi / 180.0;
@@ -39,7 +39,7 @@ void DrawDialTicks(Canvas& canvas, int cx, int cy, const DialTicks& t) {
 void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps) {
     const int b = ctx.baseTextHeight;
     const int R = ctx.dials.compassRadius, cx = ctx.dials.compassX, cy = ctx.dials.compassY;
-    const bool northUp = ctx.compassOrientation == 1;
+    const bool northUp = ctx.display.compassOrientation == 1;
     const double course = SaneDegrees(TextToDouble(gps.course));
     // Reduced to 0..360 so that no angle of the lists reaches the red start.
     double turn = northUp ? 0.0 : std::fmod(course, 360.0);
@@ -103,7 +103,7 @@ void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     const int b = ctx.baseTextHeight;
     const int left = ctx.screen.left, top = ctx.screen.top;
     const int right = ctx.screen.right, bottom = ctx.screen.bottom;
-    const int u = ctx.unitSystem;
+    const int u = ctx.display.unitSystem;
 
     canvas.FillRect(canvas.Bounds(), kWhite);
     DrawCompassRose(canvas, ctx, gps);
@@ -112,14 +112,14 @@ void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     Font old = CreateScreenFont(canvas, (4 * b) / 5, 400);
     {
         const Colour grey = Rgb(130, 131, 133);
-        std::snprintf(line, sizeof line, "%s %0.2f %s", text::kSpeed, SpeedInDisplayUnit(gps, u),
-                      SpeedUnitName(u));
+        std::snprintf(line, sizeof line, "%s %0.2f %s", common::LoadString(common::kStrSpeed),
+                      SpeedInDisplayUnit(gps, u), SpeedUnitName(u));
         Size s = canvas.MeasureText(line);
         const int yb = bottom - b / 5;
         canvas.DrawText(line, Rect{left + b / 3 - 1, yb - s.height, left + b / 3 + s.width + 1, yb},
                         kTextLeft | kTextBottom, grey);
         std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
-                      text::kAltitude, AltitudeInDisplayUnit(gps, u));
+                      common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(gps, u));
         s = canvas.MeasureText(line);
         canvas.DrawText(line,
                         Rect{right - b / 3 + 1 - s.width - 2, yb - s.height, right - b / 3 + 1, yb},

@@ -5,21 +5,18 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "NmeaDecoder.h"
-#include "ScreenText.h"
+#include "ErrorCodes.h"
+#include "FixText.h"
 #include "Screens.h"
+#include "Strings.h"
 
 namespace satwalk::screens {
 
+using common::TextToDouble;
+using common::TextToInt;
 using gps::GpsState;
-using gps::TextToDouble;
-using gps::TextToInt;
 
 // ---- set-up -------------------------------------------------------------
-
-int BaseTextHeightForDpi(int dpi) {
-    return (15 * dpi + 48) / 96;
-}
 
 Orientation OrientationOf(Rect s) {
     return s.Width() <= s.Height() ? Orientation::Portrait : Orientation::Landscape;
@@ -78,19 +75,29 @@ struct BitmapInfo {
 };
 
 constexpr BitmapInfo kBitmaps[] = {
-    {BitmapId::StatusIcons, {288, 32}, {153, 17}, "status-icons", "0x08200a15"},
-    {BitmapId::SmallSymbol, {44, 30}, {32, 22}, "symbol-small", "0x08200a16"},
-    {BitmapId::World, {118, 67}, {91, 52}, "world", "0x08200a17"},
-    {BitmapId::SquareSymbol, {32, 32}, {23, 23}, "symbol-square", "0x08200a18"},
-    {BitmapId::MapOverlay, {30, 200}, {16, 101}, "map-overlay", "0x08200a28"},
-    {BitmapId::ToolStripPortrait, {480, 129}, {240, 66}, "toolstrip-portrait", "0x08200a28"},
-    {BitmapId::ToolStripLandscape, {52, 332}, {28, 168}, "toolstrip-landscape", "0x08200a29"},
-    {BitmapId::AlarmStrip, {42, 337}, {21, 169}, "alarm-strip", "0x08200a2a"},
+    {BitmapId::StatusIcons, {288, 32}, {153, 17}, "status-icons", common::err::kBitmapStatusIcons},
+    {BitmapId::SmallSymbol, {44, 30}, {32, 22}, "symbol-small", common::err::kBitmapSmallSymbol},
+    {BitmapId::World, {118, 67}, {91, 52}, "world", common::err::kBitmapWorld},
+    {BitmapId::SquareSymbol, {32, 32}, {23, 23}, "symbol-square", common::err::kBitmapSquareSymbol},
+    {BitmapId::MapOverlay, {30, 200}, {16, 101}, "map-overlay", common::err::kBitmapToolStrip},
+    {BitmapId::ToolStripPortrait,
+     {480, 129},
+     {240, 66},
+     "toolstrip-portrait",
+     common::err::kBitmapToolStrip},
+    {BitmapId::ToolStripLandscape,
+     {52, 332},
+     {28, 168},
+     "toolstrip-landscape",
+     common::err::kBitmapToolStripLandscape},
+    {BitmapId::AlarmStrip, {42, 337}, {21, 169}, "alarm-strip", common::err::kBitmapAlarmStrip},
     {BitmapId::Markers, {60, 20}, {33, 11}, "markers", ""},
 };
 
+static_assert(std::size(kBitmaps) == kBuiltInBitmapCount);
+
 const BitmapInfo& InfoOf(BitmapId id) {
-    return kBitmaps[static_cast<int>(id)];
+    return kBitmaps[id.value];
 }
 
 }  // namespace
@@ -112,8 +119,8 @@ std::string InitializationFailedMessage(BitmapId id) {
 }
 
 void AssignBitmapHandles(ScreenContext& ctx) {
-    for (int i = 0; i < kBitmapCount; ++i) {
-        const auto id = static_cast<BitmapId>(i);
+    for (int i = 0; i < kBuiltInBitmapCount; ++i) {
+        const BitmapId id{i};
         const Size s = BitmapSize(id, ctx.HighResolution());
         ctx.bitmaps[i] = Bitmap{id, s.width, s.height};
     }
@@ -132,17 +139,11 @@ void ReleaseScreenFont(Canvas& canvas, Font previous) {
 }
 
 double SpeedInDisplayUnit(const GpsState& gps, int unitSystem) {
-    const double knots = TextToDouble(gps.speedKnots);
-    if (unitSystem == kMetric)
-        return knots * 1.85;
-    if (unitSystem == kImperial)
-        return knots * 1.152;
-    return knots;
+    return common::SpeedInUnit(TextToDouble(gps.speedKnots), unitSystem);
 }
 
 double AltitudeInDisplayUnit(const GpsState& gps, int unitSystem) {
-    const double metres = TextToDouble(gps.altitude);
-    return (unitSystem == kImperial || unitSystem == kNautical) ? metres * 3.28 : metres;
+    return common::HeightInUnit(TextToDouble(gps.altitude), unitSystem);
 }
 
 Colour SnrColour(int snr) {
@@ -181,22 +182,22 @@ namespace {
 
 void DrawStatusFrame(Canvas& canvas, const ScreenContext& ctx, int frame, int x, int y) {
     const int s = StatusIconSize(ctx);
-    canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::StatusIcons)],
+    canvas.TransparentBlit(ctx.bitmaps[BitmapId::StatusIcons.value],
                            Rect{frame * s, 0, frame * s + s, s}, Point{x, y}, kMagenta);
 }
 
 }  // namespace
 
 void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y) {
-    if (!ctx.linkRunning) {
+    if (!ctx.display.linkRunning) {
         DrawStatusFrame(canvas, ctx, 1, x, y);
-    } else if (ctx.fixValid || ctx.blinkPhase) {
+    } else if (ctx.display.fixValid || ctx.display.blinkPhase) {
         DrawStatusFrame(canvas, ctx, 0, x, y);
     }
 }
 
 void DrawRecordingIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y) {
-    DrawStatusFrame(canvas, ctx, ctx.recording ? 2 : 3, x, y);
+    DrawStatusFrame(canvas, ctx, ctx.display.recording ? 2 : 3, x, y);
 }
 
 // ---- course arrow -------------------------------------------------------------
@@ -242,12 +243,12 @@ void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const GpsState& 
     const bool hi = ctx.HighResolution();
     const Font old = CreateScreenFont(canvas, fontHeight, (landscape && !hi) ? 400 : 700);
     char line[64];
-    std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(gps, ctx.unitSystem));
+    std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(gps, ctx.display.unitSystem));
     const int dx = hi ? 4 : 2, dy = hi ? 3 : 1, dr = hi ? 3 : 1, db = hi ? 6 : 3;
     const int mid = box.top + (box.bottom - box.top) / 2;
     canvas.DrawText(line, Rect{box.left + dx, box.top + dy, box.right - dr, mid},
                     kTextCenter | kTextVCenter, kBlack);
-    canvas.DrawText(SpeedUnitName(ctx.unitSystem),
+    canvas.DrawText(SpeedUnitName(ctx.display.unitSystem),
                     Rect{box.left + dx, mid, box.right - dr, box.bottom - db},
                     kTextCenter | kTextVCenter, kBlack);
     ReleaseScreenFont(canvas, old);
@@ -297,11 +298,11 @@ namespace {
 
 // Tool-strip tile of the current screen, or -1.
 int TabOfScreen(const ScreenContext& ctx) {
-    switch (ctx.currentScreen) {
+    switch (ctx.display.currentScreen) {
         case kScreenGpsInfo:
             return 0;
         case kScreenMap:
-            return ctx.mapLoaded ? 2 : 1;
+            return ctx.display.mapLoaded ? 2 : 1;
         case kScreenCompass:
             return 3;
         case kScreenSpeedometer:
@@ -362,20 +363,20 @@ void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx) {
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int sx = p.srcX0 + tab * p.pitch;
-        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
+        canvas.Blit(ctx.bitmaps[BitmapId::ToolStripPortrait.value],
                     Rect{sx, p.srcY, sx + p.tile, p.srcY + p.tile}, Point{dst.left, dst.top});
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
         const int sy = tab * l.pitch;
-        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripLandscape)],
+        canvas.Blit(ctx.bitmaps[BitmapId::ToolStripLandscape.value],
                     Rect{0, sy, l.tile, sy + l.tile}, Point{dst.left, dst.top});
     }
 }
 
 void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
-    if (!ctx.speedAlarmOn)
+    if (!ctx.display.speedAlarmOn)
         return;
-    const int k = AlarmCellIndex(ctx.speedAlarmLimit);
+    const int k = AlarmCellIndex(ctx.display.speedAlarmLimit);
     const bool hi = ctx.HighResolution();
     const int b = ctx.baseTextHeight;
     const Rect& s = ctx.frame;
@@ -383,14 +384,13 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int cw = hi ? 59 : 30, chh = hi ? 46 : 23;
         const int sx = (hi ? 5 : 1) + cw * k;
-        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
-                    Rect{sx, 0, sx + cw, chh},
+        canvas.Blit(ctx.bitmaps[BitmapId::ToolStripPortrait.value], Rect{sx, 0, sx + cw, chh},
                     Point{((s.right - s.left) - p.w) / 2 + sx, s.bottom - p.h});
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
         const int x = s.right - b / 5 - l.alarmW;
         const int top = b + (s.bottom - l.alarmH - s.top - b) / 2;
-        canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::AlarmStrip)],
+        canvas.Blit(ctx.bitmaps[BitmapId::AlarmStrip.value],
                     Rect{0, l.cell * k, l.alarmW, l.cell * k + l.cell}, Point{x, top + l.cell * k});
     }
 }
@@ -403,8 +403,8 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int ox = (s.right - p.w - s.left) / 2;
         const int stripTop = s.bottom - p.h;
-        canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
-                               Rect{0, 0, p.w, p.h}, Point{ox, stripTop}, kStripKey);
+        canvas.TransparentBlit(ctx.bitmaps[BitmapId::ToolStripPortrait.value], Rect{0, 0, p.w, p.h},
+                               Point{ox, stripTop}, kStripKey);
         DrawTabHighlight(canvas, ctx);
         if (hi) {
             // The readouts sit on their tabs wherever the strip is centred
@@ -422,7 +422,7 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
         const int y0 = LandscapeStripTop(ctx, l.h);
-        canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripLandscape)],
+        canvas.TransparentBlit(ctx.bitmaps[BitmapId::ToolStripLandscape.value],
                                Rect{0, 0, l.w, l.h}, Point{0, y0}, kStripKey);
         DrawTabHighlight(canvas, ctx);
         if (hi) {
@@ -438,18 +438,18 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
         }
         const int ax = s.right - b / 5 - l.alarmW;
         const int ay = b + (s.bottom - l.alarmH - s.top - b) / 2;
-        canvas.TransparentBlit(ctx.bitmaps[static_cast<int>(BitmapId::AlarmStrip)],
+        canvas.TransparentBlit(ctx.bitmaps[BitmapId::AlarmStrip.value],
                                Rect{0, 0, l.alarmW, l.alarmH}, Point{ax, ay}, kStripKey);
     }
     DrawAlarmCell(canvas, ctx);
-    if (ctx.currentScreen == kScreenMap) {
-        const Bitmap& overlay = ctx.bitmaps[static_cast<int>(BitmapId::MapOverlay)];
+    if (ctx.display.currentScreen == kScreenMap) {
+        const Bitmap& overlay = ctx.bitmaps[BitmapId::MapOverlay.value];
         const Rect& v = ctx.mapView.view;
-        canvas.TransparentBlit(
-            overlay, Rect{0, 0, overlay.width, overlay.height},
-            Point{v.right - b / 3 - ctx.mapView.m + 1,
-                  v.top + (4 * b) / 3 + b / 6 + b / 5 + ctx.mapView.m + ctx.mapView.n},
-            kMagenta);
+        canvas.TransparentBlit(overlay, Rect{0, 0, overlay.width, overlay.height},
+                               Point{v.right - b / 3 - ctx.mapView.overlayInset + 1,
+                                     v.top + (4 * b) / 3 + b / 6 + b / 5 +
+                                         ctx.mapView.overlayInset + ctx.mapView.overlayDrop},
+                               kMagenta);
     }
 }
 
@@ -460,7 +460,7 @@ void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& fix)
     // them, and the record may come from anywhere.
     GpsState gps = fix;
     gps.TerminateTexts();
-    switch (ctx.currentScreen) {
+    switch (ctx.display.currentScreen) {
         case kScreenGpsInfo:
             PaintGpsInfoScreen(canvas, ctx, gps);
             break;
@@ -488,17 +488,12 @@ void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& fix)
 }
 
 int HitTestTab(const ScreenContext& ctx, int x, int y) {
-    static constexpr int kCommands[6] = {40059, 40029, 40030, 40016, 40015, 40013};
     for (int tab = 0; tab < 6; ++tab) {
         const Rect r = TabRect(ctx, tab);
-        if (x >= r.left && x < r.right && y >= r.top && y < r.bottom) {
-            // The loaded-map tab only answers when there is a loaded map.
-            if (tab == 2 && !ctx.mapLoaded)
-                return 0;
-            return kCommands[tab];
-        }
+        if (x >= r.left && x < r.right && y >= r.top && y < r.bottom)
+            return tab;
     }
-    return 0;
+    return -1;
 }
 
 // ---- shared text formats -------------------------------------------------------
@@ -511,7 +506,7 @@ std::string FormatAngle(const char* pattern, char hemisphere, double value) {
     const int whole = static_cast<int>(v);
     const double minutes = (v - whole) * 60.0;
     char out[96];
-    std::snprintf(out, sizeof out, pattern, hemisphere, whole, text::kDegree, minutes);
+    std::snprintf(out, sizeof out, pattern, hemisphere, whole, common::kDegreeSign, minutes);
     return out;
 }
 
@@ -534,7 +529,8 @@ std::string FormatAltitudeSpeedLine(double altitude, double speed, int unitSyste
                           : unitSystem == kImperial ? "%s %0.2f ft  %s %0.2f MPH"
                                                     : "%s %0.2f ft  %s %0.2f kts";
     char out[160];
-    std::snprintf(out, sizeof out, pattern, text::kAltitude, altitude, text::kSpeed, speed);
+    std::snprintf(out, sizeof out, pattern, common::LoadString(common::kStrAltitude), altitude,
+                  common::LoadString(common::kStrSpeed), speed);
     return out;
 }
 
@@ -548,21 +544,23 @@ std::string FormatFixMode(char fixMode) {
 
 std::string FormatCourse(double course) {
     char out[96];
-    std::snprintf(out, sizeof out, "%s %0.2f%s", text::kCourse, course, text::kDegree);
+    std::snprintf(out, sizeof out, "%s %0.2f%s", common::LoadString(common::kStrCourse), course,
+                  common::kDegreeSign);
     return out;
 }
 
 std::string FormatSatellites(int used, int inView) {
     char out[64];
-    std::snprintf(out, sizeof out, "%s %d/%d", text::kSatellites, used, inView);
+    std::snprintf(out, sizeof out, "%s %d/%d", common::LoadString(common::kStrSatellites), used,
+                  inView);
     return out;
 }
 
 std::string FormatDateTime(const ScreenContext& ctx, const GpsState& gps) {
-    if (!(ctx.linkRunning && ctx.fixTimeKnown && gps.fixTimeLocal != 0)) {
+    if (!(ctx.display.linkRunning && ctx.display.fixTimeKnown && gps.fixTimeLocal != 0)) {
         return "- - / - - / - -    - - : - - : - -";
     }
-    const gps::CalendarTime t = gps::FileTimeToCalendar(gps.fixTimeLocal);
+    const common::CalendarTime t = common::FileTimeToCalendar(gps.fixTimeLocal);
     char out[64];
     // Short date and time in the Simplified Chinese convention.
     std::snprintf(out, sizeof out, "%d/%d/%d  %d:%02d:%02d", t.year, t.month, t.day, t.hour,

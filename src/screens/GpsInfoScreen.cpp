@@ -3,14 +3,14 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "NmeaDecoder.h"
+#include "FixText.h"
 #include "ScreenDraw.h"
 
 namespace satwalk::screens {
 
+using common::TextToDouble;
+using common::TextToInt;
 using gps::GpsState;
-using gps::TextToDouble;
-using gps::TextToInt;
 
 void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps, int x,
                     int baselineY) {
@@ -22,7 +22,7 @@ void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const GpsState& gp
         const int bx = x + pw / 2 + (i * b) / 3;
         Colour colour = kBlack;
         int height = b / 10;
-        if (ctx.linkRunning) {
+        if (ctx.display.linkRunning) {
             const int snr = TextToInt(gps.satellites[i].snr);
             if (snr <= 0) {
                 height = u;
@@ -41,15 +41,15 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     const int left = ctx.screen.left, top = ctx.screen.top;
     const int right = ctx.screen.right, bottom = ctx.screen.bottom;
     const int m = b / 3, g = b / 5;
-    const int u = ctx.unitSystem;
+    const int u = ctx.display.unitSystem;
 
     canvas.FillRect(canvas.Bounds(), kWhite);
 
     // Position block, from the fix as it stands: empty texts read as 0.
     double latitude = 0;
     double longitude = 0;
-    satwalk::gps::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest,
-                                &latitude, &longitude);
+    common::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest, &latitude,
+                          &longitude);
     Font old = CreateScreenFont(canvas, (8 * b) / 7, 700);
     const std::string lat = FormatLatitude(latitude);
     const int h1 = TextAt(canvas, lat, left + m + g, top + g, kBlack).height;
@@ -99,10 +99,10 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     // World thumbnail and the position dot.
     const int W = (91 * ctx.dpi + 48) / 96;
     const int H = (52 * ctx.dpi + 48) / 96;
-    const Bitmap& world = ctx.bitmaps[static_cast<int>(BitmapId::World)];
+    const Bitmap& world = ctx.bitmaps[BitmapId::World.value];
     canvas.StretchBlit(world, Rect{0, 0, world.width, world.height},
                        Rect{left + m, R + m, left + m + W, R + m + H});
-    if (ctx.linkRunning && ctx.fixValid) {
+    if (ctx.display.linkRunning && ctx.display.fixValid) {
         const int x = std::clamp(Trunc((longitude / 360.0 + 0.5) * W), 0, W);
         const int y = std::clamp(Trunc(H * 0.5 - H * latitude * 0.00625), 0, H);
         canvas.Ellipse(CircleBox(left + m + x, R + m + y, g), kNullPen, Brush{Rgb(255, 0, 0)});

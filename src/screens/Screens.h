@@ -7,19 +7,20 @@
 #include <string>
 
 #include "Canvas.h"
+#include "DisplayState.h"
 #include "GpsState.h"
+#include "ScreenIds.h"
 
 namespace satwalk::screens {
 
-enum Screen : int {
-    kScreenGpsInfo = 0,
-    kScreenSkyPlot = 1,
-    kScreenCompass = 2,
-    kScreenSpeedometer = 3,
-    kScreenMap = 4,
-};
-
-enum UnitSystem : int { kMetric = 0, kImperial = 1, kNautical = 2 };
+using common::kImperial;
+using common::kMetric;
+using common::kNautical;
+using common::kScreenCompass;
+using common::kScreenGpsInfo;
+using common::kScreenMap;
+using common::kScreenSkyPlot;
+using common::kScreenSpeedometer;
 
 enum class Orientation { Portrait, Landscape };
 
@@ -29,16 +30,18 @@ struct DialLayout {
     int speedRadius = 0, speedX = 0, speedY = 0;
 };
 
-// Geometry of the map view that the map subsystem owns and the frame reads
-// to place the map overlay strip (its two layout values m and n).
+// Where the map screen's view lies and how its button strip (the map
+// overlay) is placed: `overlayInset` from the view's right edge, moved down
+// by `overlayInset + overlayDrop` below its usual top.
 struct MapViewLayout {
     Rect view;
-    int m = 0;
-    int n = 0;
+    int overlayInset = 0;
+    int overlayDrop = 0;
 };
 
-// What the main window owns and the screens read. The toggles are the only
-// values the screens write.
+// The screens' layout, kept by the window across paints, and the display
+// state they show. The drawing-order toggles are the only values the screens
+// write.
 struct ScreenContext {
     // The off-screen bitmap: the client area less the menu bar. The tool
     // strip is drawn against it and its orientation decides the layout.
@@ -50,29 +53,18 @@ struct ScreenContext {
     Orientation orientation = Orientation::Portrait;
     int dpi = 192;            // logical pixels per inch
     int baseTextHeight = 30;  // (15 × dpi + 48) / 96
-    int currentScreen = kScreenGpsInfo;
-    int unitSystem = kMetric;
-    bool speedAlarmOn = false;
-    int speedAlarmLimit = 50;  // 50, 60, ... 120 in the display unit
-    bool linkRunning = false;
-    bool fixValid = false;
-    bool blinkPhase = false;    // flipped by the blink timer while no fix
-    bool recording = false;     // NMEA recording on
-    bool fixTimeKnown = false;  // a WM_GPS_TIME has synchronised the clock
-    bool mapLoaded = false;
-    int compassOrientation = 0;  // 1 north-up, anything else course-up
-    double latitude = 0.0;       // signed degrees, north positive
-    double longitude = 0.0;      // signed degrees, east positive
+    DisplayState display;
     DialLayout dials;
     MapViewLayout mapView;
-    Bitmap bitmaps[kBitmapCount]{};
+    Bitmap bitmaps[kBuiltInBitmapCount]{};  // the program's own set
 
     // Drawing-order toggles kept across paints.
     int skyPlotToggle = 0;
     int miniSkyToggle = 0;
 
-    // Hooks of the map subsystem; empty until it provides them.
+    // Paints the map screen (the frame included); set by the map.
     std::function<void(Canvas&, ScreenContext&, const gps::GpsState&)> paintMapScreen;
+    // Drawn over the compass and the speedometer when set; set by the map.
     std::function<void(Canvas&, ScreenContext&)> drawMapOverlay;
 
     bool HighResolution() const { return baseTextHeight != 15; }
@@ -80,7 +72,7 @@ struct ScreenContext {
 
 // ---- set-up -------------------------------------------------------------
 
-int BaseTextHeightForDpi(int dpi);
+using common::BaseTextHeightForDpi;
 // Sets frame, orientation, screen and dials for a new client area (window
 // created, resized or rotated). `canvas` provides text measurement.
 void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client);
@@ -178,9 +170,8 @@ const char* SpeedUnitName(int unitSystem);
 
 // ---- taps ---------------------------------------------------------------
 
-// The command of the tab under a tap at (x, y) on the tool strip, or 0 when
-// the tap is not on a tab: 40059 GPS information, 40029 world map, 40030
-// loaded map, 40016 compass, 40015 speedometer, 40013 sky plot.
+// The tab (0..5 in strip order: GPS information, world map, loaded map,
+// compass, speedometer, sky plot) under a tap at (x, y), or -1.
 int HitTestTab(const ScreenContext& ctx, int x, int y);
 // The rectangle of tab k (0..5, tool-strip order) on the screen.
 Rect TabRect(const ScreenContext& ctx, int tab);

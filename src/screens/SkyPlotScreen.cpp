@@ -4,14 +4,14 @@
 #include <cstring>
 
 #include "Arith.h"
-#include "NmeaDecoder.h"
+#include "FixText.h"
 #include "ScreenDraw.h"
 
 namespace satwalk::screens {
 
+using common::TextToDouble;
+using common::TextToInt;
 using gps::GpsState;
-using gps::TextToDouble;
-using gps::TextToInt;
 
 namespace {
 

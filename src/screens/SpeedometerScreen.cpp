@@ -4,14 +4,14 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "NmeaDecoder.h"
+#include "FixText.h"
 #include "ScreenDraw.h"
-#include "ScreenText.h"
+#include "Strings.h"
 
 namespace satwalk::screens {
 
+using common::TextToDouble;
 using gps::GpsState;
-using gps::TextToDouble;
 
 namespace {
 
@@ -27,10 +27,10 @@ constexpr Scale kMileScale{160, {"0", "40", "80", "120", "160"}, 1.5};
 
 // Angle on the tick ring where the red zone starts.
 double SpeedRedZoneStart(const ScreenContext& ctx) {
-    if (!ctx.speedAlarmOn)
+    if (!ctx.display.speedAlarmOn)
         return 720.0;
-    const Scale& sc = ctx.unitSystem == kMetric ? kMetricScale : kMileScale;
-    return 240.0 + sc.redFactor * ctx.speedAlarmLimit;
+    const Scale& sc = ctx.display.unitSystem == kMetric ? kMetricScale : kMileScale;
+    return 240.0 + sc.redFactor * ctx.display.speedAlarmLimit;
 }
 
 // Needle triangle: tip, then the two base corners.
@@ -51,7 +51,7 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     const int b = ctx.baseTextHeight;
     const int left = ctx.screen.left, top = ctx.screen.top, right = ctx.screen.right;
     const int R = ctx.dials.speedRadius, cx = ctx.dials.speedX, cy = ctx.dials.speedY;
-    const int u = ctx.unitSystem;
+    const int u = ctx.display.unitSystem;
     const Scale& sc = u == kMetric ? kMetricScale : kMileScale;
     const double speed = SpeedInDisplayUnit(gps, u);
 
@@ -107,7 +107,7 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     {
         const Colour grey = Rgb(130, 131, 133);
         std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
-                      text::kAltitude, AltitudeInDisplayUnit(gps, u));
+                      common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(gps, u));
         const Size sa = canvas.MeasureText(line);
         const int yb = cy + R;
         canvas.DrawText(line, Rect{right - b / 3 - sa.width, yb - sa.height, right - b / 3, yb},
@@ -137,13 +137,13 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
         const Colour grey = Rgb(100, 101, 103);
         const Colour blue = Rgb(22, 118, 201);
         char setting[64];
-        if (ctx.speedAlarmOn) {
-            std::snprintf(setting, sizeof setting, " %d %s ", ctx.speedAlarmLimit,
+        if (ctx.display.speedAlarmOn) {
+            std::snprintf(setting, sizeof setting, " %d %s ", ctx.display.speedAlarmLimit,
                           SpeedUnitName(u));
         } else {
-            std::snprintf(setting, sizeof setting, " %s ", text::kOff);
+            std::snprintf(setting, sizeof setting, " %s ", common::LoadString(common::kStrOff));
         }
-        const std::string label = std::string(text::kAlarm) + " ";
+        const std::string label = std::string(common::LoadString(common::kStrAlarm)) + " ";
         const int rowTop = numberTop + sn.height + su.height + b / 3;
         int x = left + b / 2;
         const Size sl = TextAt(canvas, label, x, rowTop, grey);

@@ -31,7 +31,7 @@ void SettingsFromRecord(const OptionsRecord& r, ProgramSettings& s) {
     s.showReferencePoints = Flag(r.showReferencePoints);
     s.showPoi = Flag(r.showPoi);
     s.bluetoothReceiver = Flag(r.bluetoothReceiver);
-    s.baudIndex = r.baudIndex < std::size(kBaudRates) ? r.baudIndex : builtIn.baudIndex;
+    s.baudIndex = r.baudIndex < std::size(common::kBaudRates) ? r.baudIndex : builtIn.baudIndex;
     s.comPort = r.comPort <= 255 ? r.comPort : builtIn.comPort;
     s.autoBluetooth = Flag(r.autoBluetooth);
     s.trackLogOn = Flag(r.trackLogOn);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "BaudRates.h"
 #include "OptionsRecord.h"
 
 namespace satwalk::shell {
@@ -36,7 +37,6 @@ struct ProgramSettings {
     std::array<std::string, kRecentMapSlots> recentMaps;
 };
 
-inline constexpr std::uint32_t kBaudRates[] = {4800, 9600, 14400, 19200, 38400, 57600};
 inline constexpr std::uint32_t kTrackIntervals[] = {10000, 20000, 30000, 60000};
 inline constexpr std::uint32_t kAlarmLimits[] = {50, 60, 70, 80, 90, 100, 110, 120};
 

@@ -1,9 +1,64 @@
 #include "Shell.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "BaudRates.h"
 #include "CommandIds.h"
+#include "ErrorCodes.h"
+#include "FixText.h"
 #include "Strings.h"
 
 namespace satwalk::shell {
+
+namespace {
+
+using common::FormatString;
+using common::LoadString;
+
+// Commands that show a screen.
+struct ScreenCommand {
+    int id;
+    int screen;
+};
+constexpr ScreenCommand kScreenCommands[] = {
+    {cmd::kGpsInfo, kScreenGpsInfo}, {cmd::kSkyPlot, kScreenSkyPlot},
+    {cmd::kCompass, kScreenCompass}, {cmd::kSpeedometer, kScreenSpeedometer},
+    {cmd::kWorldMap, kScreenMap},
+};
+
+// Commands that flip a setting on or off.
+struct ToggleCommand {
+    int id;
+    std::uint32_t ProgramSettings::*flag;
+};
+constexpr ToggleCommand kToggleCommands[] = {
+    {cmd::kShowMap, &ProgramSettings::showMap},
+    {cmd::kShowReferencePoints, &ProgramSettings::showReferencePoints},
+    {cmd::kShowTrack, &ProgramSettings::showTrack},
+    {cmd::kShowPoi, &ProgramSettings::showPoi},
+};
+
+// The hardware keys: the command each sends, and when.
+enum class When { Always, Stopped, Running, MapLoaded };
+struct KeyCommand {
+    Key key;
+    int id;
+    When when;
+};
+constexpr KeyCommand kKeyCommands[] = {
+    {Key::Digit0, cmd::kStartGps, When::Stopped},     {Key::Digit0, cmd::kStopGps, When::Running},
+    {Key::Digit1, cmd::kGpsInfo, When::Always},       {Key::Digit2, cmd::kSkyPlot, When::Always},
+    {Key::Digit3, cmd::kSatelliteData, When::Always}, {Key::Digit4, cmd::kWorldMap, When::Always},
+    {Key::Digit5, cmd::kLoadedMap, When::MapLoaded},  {Key::Digit6, cmd::kCompass, When::Always},
+    {Key::Digit7, cmd::kSpeedometer, When::Always},   {Key::Star, cmd::kGpsSettings, When::Stopped},
+};
+
+// The tool strip's tabs in strip order.
+constexpr int kTabCommands[] = {cmd::kGpsInfo, cmd::kWorldMap,    cmd::kLoadedMap,
+                                cmd::kCompass, cmd::kSpeedometer, cmd::kSkyPlot};
+
+}  // namespace
 
 const char* MessageIconName(MessageIcon icon) {
     switch (icon) {
@@ -19,156 +74,113 @@ const char* MessageIconName(MessageIcon icon) {
     return "information";
 }
 
-const char* ScreenName(int screen) {
-    switch (screen) {
-        case kScreenGpsInfo:
-            return "GPS 信息";
-        case kScreenSkyPlot:
-            return "卫星图";
-        case kScreenCompass:
-            return "指南针";
-        case kScreenSpeedometer:
-            return "时速";
-        case kScreenMap:
-            return "世界地图";
-        default:
-            return "";
-    }
-}
-
 Shell::Shell(ProgramSettings& settings, LinkControl& link, ShellUi& ui, AlarmSound& sound,
              OptionsStore* options)
-    : settings_(settings), link_(link), ui_(ui), alarm_(sound), options_(options) {}
+    : settings_(settings), link_(link), ui_(ui), alarm_(sound), options_(options) {
+    RegisterOwnCommands();
+    RefreshDisplay();
+}
 
-void Shell::RegisterCommand(int id, CommandHandler handler) {
-    handlers_[id] = std::move(handler);
+void Shell::RegisterCommand(int id, std::function<void(int id)> handler) {
+    features_.AddCommand(id, Command{std::move(handler), {}});
+}
+
+void Shell::RegisterOwnCommands() {
+    for (const ScreenCommand& c : kScreenCommands) {
+        RegisterCommand(c.id, [this, screen = c.screen](int) { ChooseScreen(screen); });
+    }
+    for (const ToggleCommand& c : kToggleCommands) {
+        RegisterCommand(c.id, [this, flag = c.flag](int) {
+            settings_.*flag ^= 1u;
+            Repaint();
+        });
+    }
+    for (int id = cmd::kMetric; id <= cmd::kNautical; ++id) {
+        RegisterCommand(id, [this](int unit) {
+            settings_.units = static_cast<std::uint32_t>(unit - cmd::kMetric);
+            Repaint();
+        });
+    }
+    for (int i = 0; i < static_cast<int>(std::size(kAlarmLimits)); ++i) {
+        RegisterCommand(cmd::kAlarm50 + i, [this, i](int) {
+            settings_.speedAlarmLimit = kAlarmLimits[i];
+            settings_.speedAlarmOn = 1;
+            Repaint();
+        });
+    }
+    RegisterCommand(cmd::kAlarmOff, [this](int) {
+        settings_.speedAlarmOn = 0;
+        Repaint();
+    });
+    for (int i = 0; i < static_cast<int>(std::size(kTrackIntervals)); ++i) {
+        RegisterCommand(cmd::kTrack10s + i, [this, i](int) {
+            settings_.trackIntervalMs = kTrackIntervals[i];
+            if (ui_.TrackTimerRunning()) {
+                ui_.StopTrackTimer();
+                if (!ui_.StartTrackTimer(settings_.trackIntervalMs)) {
+                    Message(std::string("Create Track Timer failed: ") + common::err::kTrackTimer +
+                                "\n\nPress OK to continue...",
+                            MessageIcon::Error);
+                }
+            }
+        });
+    }
+    RegisterCommand(cmd::kLoadedMap, [this](int) {
+        if (mapLoaded)
+            ChooseScreen(kScreenMap);
+    });
+    RegisterCommand(cmd::kExit, [this](int) { Exit(); });
+    RegisterCommand(cmd::kStartGps, [this](int) { StartGps(); });
+    RegisterCommand(cmd::kStopGps, [this](int) { StopGps(); });
+    RegisterCommand(cmd::kAbout, [this](int) {
+        Message(std::string(LoadString(common::kStrCaption)) + " " + version +
+                    "\nGPS 显示与记录 (GPS display and logging)",
+                MessageIcon::Information);
+    });
 }
 
 void Shell::Message(const std::string& text, MessageIcon icon) {
     ui_.ShowMessage(text, icon, MessageButtons::Ok);
 }
 
-void Shell::SetScreen(int screen) {
-    // A screen chosen while the satellite data dialog is open takes its
-    // place: the dialog goes.
-    CloseSatelliteDialog();
+void Shell::RefreshDisplay() {
+    screens::DisplayState& d = display_;
+    d.currentScreen = currentScreen;
+    d.linkRunning = link_.Running();
+    d.fixValid = link_.FixValid();
+    d.blinkPhase = blinkPhase;
+    d.fixTimeKnown = fixTimeKnown;
+    d.mapLoaded = mapLoaded;
+    d.unitSystem = settings_.units <= 2 ? static_cast<int>(settings_.units) : common::kMetric;
+    d.speedAlarmOn = settings_.speedAlarmOn != 0;
+    d.speedAlarmLimit = static_cast<int>(settings_.speedAlarmLimit);
+    d.recording = settings_.recordNmea != 0;
+    // Without a fix the last position stays.
+    if (d.linkRunning && d.fixValid) {
+        common::NmeaToDegrees(fix_.latitude, fix_.northSouth, fix_.longitude, fix_.eastWest,
+                              &d.latitude, &d.longitude);
+    }
+}
+
+void Shell::Repaint() {
+    RefreshDisplay();
+    ui_.Repaint();
+}
+
+void Shell::ChooseScreen(int screen) {
+    features_.NotifyScreenChosen();
     currentScreen = screen;
-    ui_.Repaint();
-}
-
-void Shell::OpenSatelliteDialog() {
-    if (satelliteDialogOpen)
-        return;
-    screenBeforeDialog = currentScreen;
-    currentScreen = kScreenSatelliteData;
-    satelliteDialogOpen = true;
-    ui_.ShowSatelliteDialog(true);
-    ui_.FillSatelliteDialog();
-    ui_.Repaint();
-}
-
-void Shell::CloseSatelliteDialog() {
-    if (!satelliteDialogOpen)
-        return;
-    satelliteDialogOpen = false;
-    ui_.ShowSatelliteDialog(false);
-}
-
-void Shell::OnSatelliteDialogClosed() {
-    if (!satelliteDialogOpen)
-        return;
-    CloseSatelliteDialog();
-    currentScreen = screenBeforeDialog;
-    ui_.Repaint();
+    Repaint();
 }
 
 void Shell::OnCommand(int id) {
-    if (id >= cmd::kAlarm50 && id <= cmd::kAlarm50 + 7) {
-        settings_.speedAlarmLimit = kAlarmLimits[id - cmd::kAlarm50];
-        settings_.speedAlarmOn = 1;
-        ui_.Repaint();
-        return;
-    }
-    if (id >= cmd::kTrack10s && id <= cmd::kTrack10s + 3) {
-        settings_.trackIntervalMs = kTrackIntervals[id - cmd::kTrack10s];
-        if (ui_.TrackTimerRunning()) {
-            ui_.StopTrackTimer();
-            if (!ui_.StartTrackTimer(settings_.trackIntervalMs)) {
-                Message("Create Track Timer failed: 0x08200a13\n\nPress OK to continue...",
-                        MessageIcon::Error);
-            }
-        }
-        return;
-    }
-    switch (id) {
-        case cmd::kExit:
-            Exit();
-            return;
-        case cmd::kStartGps:
-            StartGps();
-            return;
-        case cmd::kStopGps:
-            StopGps();
-            return;
-        case cmd::kGpsInfo:
-            SetScreen(kScreenGpsInfo);
-            return;
-        case cmd::kSkyPlot:
-            SetScreen(kScreenSkyPlot);
-            return;
-        case cmd::kSatelliteData:
-            OpenSatelliteDialog();
-            return;
-        case cmd::kCompass:
-            SetScreen(kScreenCompass);
-            return;
-        case cmd::kSpeedometer:
-            SetScreen(kScreenSpeedometer);
-            return;
-        case cmd::kWorldMap:
-            SetScreen(kScreenMap);
-            return;
-        case cmd::kLoadedMap:
-            if (mapLoaded)
-                SetScreen(kScreenMap);
-            return;
-        case cmd::kShowMap:
-            settings_.showMap ^= 1u;
-            ui_.Repaint();
-            return;
-        case cmd::kShowReferencePoints:
-            settings_.showReferencePoints ^= 1u;
-            ui_.Repaint();
-            return;
-        case cmd::kShowTrack:
-            settings_.showTrack ^= 1u;
-            ui_.Repaint();
-            return;
-        case cmd::kShowPoi:
-            settings_.showPoi ^= 1u;
-            ui_.Repaint();
-            return;
-        case cmd::kMetric:
-        case cmd::kImperial:
-        case cmd::kNautical:
-            settings_.units = static_cast<std::uint32_t>(id - cmd::kMetric);
-            ui_.Repaint();
-            return;
-        case cmd::kAlarmOff:
-            settings_.speedAlarmOn = 0;
-            ui_.Repaint();
-            return;
-        case cmd::kAbout:
-            Message(std::string(LoadString(kStrCaption)) + " " + version +
-                        "\nGPS 显示与记录 (GPS display and logging)",
-                    MessageIcon::Information);
-            return;
-        default:
-            break;
-    }
-    const auto it = handlers_.find(id);
-    if (it != handlers_.end())
-        it->second(id);
+    if (const Command* command = features_.FindCommand(id); command != nullptr && command->run)
+        command->run(id);
+}
+
+void Shell::OnTabTapped(int tab) {
+    if (tab >= 0 && tab < static_cast<int>(std::size(kTabCommands)))
+        OnCommand(kTabCommands[tab]);
 }
 
 void Shell::StartGps() {
@@ -176,31 +188,32 @@ void Shell::StartGps() {
     // anyway (a script) must not reopen the port under a running reader.
     if (link_.Running())
         return;
-    ui_.Repaint();
+    Repaint();
     if (settings_.bluetoothReceiver != 0 && !forceComPort) {
         if (settings_.bluetoothAddress == 0) {
-            Message(LoadString(kStrConfigureReceiverFirst), MessageIcon::Information);
+            Message(LoadString(common::kStrConfigureReceiverFirst), MessageIcon::Information);
             return;
         }
         if (!link_.RegisterBluetoothPort(settings_.bluetoothAddress)) {
-            Message(FormatString(LoadString(kStrBluetoothPortFailed), link_.LastErrorCode()),
-                    MessageIcon::Error);
+            Message(
+                FormatString(LoadString(common::kStrBluetoothPortFailed), link_.LastErrorCode()),
+                MessageIcon::Error);
             return;
         }
     } else {
         link_.SetComPort(settings_.comPort);
     }
-    const std::uint32_t baud = settings_.baudIndex < std::size(kBaudRates)
-                                   ? kBaudRates[settings_.baudIndex]
-                                   : kBaudRates[0];
+    const std::uint32_t baud = settings_.baudIndex < std::size(common::kBaudRates)
+                                   ? common::kBaudRates[settings_.baudIndex]
+                                   : common::kBaudRates[0];
     link_.SetBaudRate(baud);
     if (!link_.OpenPort()) {
-        Message(FormatString(LoadString(kStrCannotConnect), link_.LastErrorCode()),
+        Message(FormatString(LoadString(common::kStrCannotConnect), link_.LastErrorCode()),
                 MessageIcon::Information);
         return;
     }
     if (!link_.StartLink()) {
-        Message(FormatString(LoadString(kStrStartLinkFailed), link_.LastErrorCode()),
+        Message(FormatString(LoadString(common::kStrStartLinkFailed), link_.LastErrorCode()),
                 MessageIcon::Error);
         return;
     }
@@ -208,18 +221,18 @@ void Shell::StartGps() {
     settings_.showTrack = 1;
     ui_.StopTrackTimer();
     if (!ui_.StartTrackTimer(settings_.trackIntervalMs)) {
-        Message(
-            FormatString("Create Track Timer failed:%s\n\nPress OK to continue...", " 0x08200a13"),
-            MessageIcon::Error);
+        Message(FormatString("Create Track Timer failed:%s\n\nPress OK to continue...",
+                             std::string(" ") + common::err::kTrackTimer),
+                MessageIcon::Error);
     }
-    ui_.Repaint();
+    Repaint();
 }
 
 void Shell::ReportLoss(int reason) {
     if (reason == 1)
-        Message(LoadString(kStrConnectionLost), MessageIcon::Error);
+        Message(LoadString(common::kStrConnectionLost), MessageIcon::Error);
     if (reason == 2)
-        Message(LoadString(kStrDataTimeout), MessageIcon::Error);
+        Message(LoadString(common::kStrDataTimeout), MessageIcon::Error);
 }
 
 void Shell::StopGps() {
@@ -229,13 +242,15 @@ void Shell::StopGps() {
     fixTimeKnown = false;
     alarm_.Silence();
     ReportLoss(reason);
-    link_.Gps().ClearAllBlocks();
-    ui_.Repaint();
+    // The reader has ended: the link's fix and the copy are emptied alike.
+    link_.ClearFixBlocks();
+    fix_.ClearAllBlocks();
+    Repaint();
 }
 
 void Shell::Exit() {
-    const MessageAnswer answer =
-        ui_.ShowMessage(LoadString(kStrConfirmExit), MessageIcon::Question, MessageButtons::YesNo);
+    const MessageAnswer answer = ui_.ShowMessage(LoadString(common::kStrConfirmExit),
+                                                 MessageIcon::Question, MessageButtons::YesNo);
     if (answer != MessageAnswer::Yes)
         return;
     if (options_ != nullptr)
@@ -248,7 +263,7 @@ void Shell::Exit() {
         ReportLoss(reason);
     }
     alarm_.Silence();
-    CloseSatelliteDialog();
+    features_.NotifyExit();
     if (settings_.backlightAlwaysOn != 0)
         ui_.SetBacklightHold(false);
     exited = true;
@@ -256,90 +271,76 @@ void Shell::Exit() {
 }
 
 void Shell::OnKeyDown(Key key) {
-    switch (key) {
-        case Key::Digit0:
-            OnCommand(link_.Running() ? cmd::kStopGps : cmd::kStartGps);
-            return;
-        case Key::Digit1:
-            OnCommand(cmd::kGpsInfo);
-            return;
-        case Key::Digit2:
-            OnCommand(cmd::kSkyPlot);
-            return;
-        case Key::Digit3:
-            OnCommand(cmd::kSatelliteData);
-            return;
-        case Key::Digit4:
-            OnCommand(cmd::kWorldMap);
-            return;
-        case Key::Digit5:
-            if (mapLoaded)
-                OnCommand(cmd::kLoadedMap);
-            return;
-        case Key::Digit6:
-            OnCommand(cmd::kCompass);
-            return;
-        case Key::Digit7:
-            OnCommand(cmd::kSpeedometer);
-            return;
-        case Key::Star:
-            if (!link_.Running())
-                OnCommand(cmd::kGpsSettings);
-            return;
-        case Key::Left:
-        case Key::Right: {
-            if (currentScreen != kScreenSpeedometer)
-                return;
-            // Steps: off, 50, 60, ... 120 as positions 0..8.
-            int step = 0;
-            if (settings_.speedAlarmOn != 0) {
-                step = 1;
-                for (int k = 0; k < 8; ++k) {
-                    if (kAlarmLimits[k] == settings_.speedAlarmLimit)
-                        step = k + 1;
-                }
-            }
-            step += key == Key::Right ? 1 : -1;
-            if (step < 0)
-                step = 0;
-            if (step > 8)
-                step = 8;
-            OnCommand(step == 0 ? cmd::kAlarmOff : cmd::kAlarm50 + step - 1);
+    if (key == Key::Left || key == Key::Right) {
+        if (currentScreen == kScreenSpeedometer)
+            StepAlarm(key == Key::Right ? 1 : -1);
+        return;
+    }
+    const bool running = link_.Running();
+    for (const KeyCommand& k : kKeyCommands) {
+        if (k.key != key)
+            continue;
+        const bool now = k.when == When::Always || (k.when == When::Stopped && !running) ||
+                         (k.when == When::Running && running) ||
+                         (k.when == When::MapLoaded && mapLoaded);
+        if (now) {
+            OnCommand(k.id);
             return;
         }
-        default:
-            return;
     }
 }
 
+void Shell::StepAlarm(int direction) {
+    // Steps: off, 50, 60, ... 120 as positions 0..8.
+    constexpr int kLastStep = static_cast<int>(std::size(kAlarmLimits));
+    int step = 0;
+    if (settings_.speedAlarmOn != 0) {
+        step = 1;
+        for (int k = 0; k < kLastStep; ++k) {
+            if (kAlarmLimits[k] == settings_.speedAlarmLimit)
+                step = k + 1;
+        }
+    }
+    step = std::clamp(step + direction, 0, kLastStep);
+    OnCommand(step == 0 ? cmd::kAlarmOff : cmd::kAlarm50 + step - 1);
+}
+
 void Shell::OnGpsData() {
-    gps::GpsState& state = link_.Gps();
+    // The reader waits until this returns: the one moment the link's fix
+    // holds still. The clock keeps its own count between time syncs.
+    const common::FileTime clock = fix_.fixTimeLocal;
+    fix_ = link_.Gps();
+    fix_.TerminateTexts();
+    if (!timeSyncedThisBatch_)
+        fix_.fixTimeLocal = clock;
+    timeSyncedThisBatch_ = false;
     // The map takes the position here once it exists.
-    alarm_.CheckSpeedAlarm(CurrentSpeed(state, settings_.units), settings_.speedAlarmOn != 0,
+    alarm_.CheckSpeedAlarm(CurrentSpeed(fix_, settings_.units), settings_.speedAlarmOn != 0,
                            settings_.speedAlarmLimit, link_.Running());
-    ui_.Repaint();
-    if (satelliteDialogOpen)
-        ui_.FillSatelliteDialog();
+    Repaint();
+    features_.NotifyGpsData();
 }
 
 void Shell::OnGpsTime() {
     if (!ui_.StartClockTimer()) {
-        Message("Create Time Timer failed: 0x08200a21\n\nPress OK to continue...",
+        Message(std::string("Create Time Timer failed: ") + common::err::kClockTimer +
+                    "\n\nPress OK to continue...",
                 MessageIcon::Error);
     }
     fixTimeKnown = true;
+    timeSyncedThisBatch_ = true;
 }
 
 void Shell::OnClockTick() {
-    link_.Gps().fixTimeLocal += gps::kFileTimeTicksPerSecond;
+    fix_.fixTimeLocal += gps::kFileTimeTicksPerSecond;
     if (currentScreen == kScreenGpsInfo)
-        ui_.Repaint();
+        Repaint();
 }
 
 void Shell::OnBlinkTick() {
     if (link_.Running() && !link_.FixValid()) {
         blinkPhase = !blinkPhase;
-        ui_.Repaint();
+        Repaint();
     }
 }
 
@@ -399,12 +400,12 @@ MenuEntry Shell::BuildViewMenu() const {
 
     MenuEntry satData = Radio(cmd::kSatelliteData, "卫星数据\t[3]", s == kScreenSatelliteData);
 
-    return Sub(
-        LoadString(kStrView),
-        {Radio(cmd::kGpsInfo, "GPS 信息\t[1]", s == kScreenGpsInfo),
-         Sub("卫星", {Radio(cmd::kSkyPlot, "卫星图\t[2]", s == kScreenSkyPlot), satData}),
-         Sub("地图", std::move(map)), Radio(cmd::kCompass, "指南针\t[6]", s == kScreenCompass),
-         Radio(cmd::kSpeedometer, "时速\t[7]", s == kScreenSpeedometer)});
+    return Decorated(
+        Sub(LoadString(common::kStrView),
+            {Radio(cmd::kGpsInfo, "GPS 信息\t[1]", s == kScreenGpsInfo),
+             Sub("卫星", {Radio(cmd::kSkyPlot, "卫星图\t[2]", s == kScreenSkyPlot), satData}),
+             Sub("地图", std::move(map)), Radio(cmd::kCompass, "指南针\t[6]", s == kScreenCompass),
+             Radio(cmd::kSpeedometer, "时速\t[7]", s == kScreenSpeedometer)}));
 }
 
 MenuEntry Shell::BuildMainMenu() const {
@@ -450,10 +451,10 @@ MenuEntry Shell::BuildMainMenu() const {
     if (running)
         settingsEntry.enabled = false;
 
-    return Sub(
-        LoadString(kStrMenu),
-        {running ? Item(cmd::kStopGps, LoadString(kStrStopGps))
-                 : Item(cmd::kStartGps, LoadString(kStrStartGps)),
+    return Decorated(Sub(
+        LoadString(common::kStrMenu),
+        {running ? Item(cmd::kStopGps, LoadString(common::kStrStopGps))
+                 : Item(cmd::kStartGps, LoadString(common::kStrStartGps)),
          settingsEntry, Sub("地图", std::move(map)),
          Sub("POI", {later(cmd::kImportPoi, "导入 POI"), later(cmd::kDeleteAllPoi, "全部删除")}),
          Sub("轨迹", std::move(track)), Sub("时速警报", std::move(alarm)),
@@ -462,7 +463,24 @@ MenuEntry Shell::BuildMainMenu() const {
                       Radio(cmd::kNautical, "海里", settings_.units == 2)}),
          later(cmd::kOptions, "选项"),
          Sub("帮助", {later(cmd::kUserManual, "用户手册"), Item(cmd::kAbout, "关于")}),
-         Item(cmd::kExit, "退出")});
+         Item(cmd::kExit, "退出")}));
+}
+
+MenuEntry Shell::Decorated(MenuEntry entry) const {
+    for (MenuEntry& item : entry.items) item = Decorated(std::move(item));
+    if (entry.IsSubmenu())
+        return entry;
+    // A feature's own view of its entry: greyed, checked, or named anew.
+    const Command* command = features_.FindCommand(entry.id);
+    if (command == nullptr || !command->state)
+        return entry;
+    const EntryState state = command->state(entry.id);
+    entry.enabled = entry.enabled && state.enabled;
+    if (entry.checkable)
+        entry.checked = state.checked;
+    if (!state.text.empty())
+        entry.text = state.text;
+    return entry;
 }
 
 const MenuEntry* FindMenuEntry(const MenuEntry& root, int id) {

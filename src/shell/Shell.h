@@ -6,11 +6,13 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <string>
 
+#include "DisplayState.h"
+#include "Features.h"
 #include "GpsState.h"
 #include "MenuModel.h"
+#include "ScreenIds.h"
 #include "Settings.h"
 #include "SpeedAlarm.h"
 
@@ -36,10 +38,6 @@ class ShellUi {
     virtual bool StartClockTimer() = 0;  // (re)starts the 1-second clock
     virtual void SetBacklightHold(bool hold) = 0;
     virtual void CloseWindow() = 0;  // the end of a confirmed exit
-    // The satellite data dialog: shown over the screen area or taken away,
-    // and its twelve rows filled from the current fix.
-    virtual void ShowSatelliteDialog(bool show) = 0;
-    virtual void FillSatelliteDialog() = 0;
 
   protected:
     ~ShellUi() = default;
@@ -59,8 +57,13 @@ class LinkControl {
     virtual bool Running() const = 0;
     virtual bool FixValid() const = 0;
     virtual std::string LastErrorCode() const = 0;
-    virtual gps::GpsState& Gps() = 0;
-    const gps::GpsState& Gps() const { return const_cast<LinkControl*>(this)->Gps(); }
+    // The link's own fix, which the reader thread decodes into. Read only
+    // while the reader waits for the shell (inside OnGpsData and OnGpsTime)
+    // or while the link is stopped; everything else reads the shell's copy.
+    virtual const gps::GpsState& Gps() const = 0;
+    // Empties the four blocks of the link's fix (the stop command); the fix
+    // time and its sync request stay. Only while the link is stopped.
+    virtual void ClearFixBlocks() = 0;
 
   protected:
     ~LinkControl() = default;
@@ -87,50 +90,62 @@ enum class Key {
     Back
 };
 
-inline constexpr int kScreenGpsInfo = 0;
-inline constexpr int kScreenSkyPlot = 1;
-inline constexpr int kScreenCompass = 2;
-inline constexpr int kScreenSpeedometer = 3;
-inline constexpr int kScreenMap = 4;
-inline constexpr int kScreenSatelliteData = -1;
-
-const char* ScreenName(int screen);
+using common::kScreenCompass;
+using common::kScreenGpsInfo;
+using common::kScreenMap;
+using common::kScreenSatelliteData;
+using common::kScreenSkyPlot;
+using common::kScreenSpeedometer;
 
 class Shell {
   public:
     Shell(ProgramSettings& settings, LinkControl& link, ShellUi& ui, AlarmSound& sound,
           OptionsStore* options);
 
-    // Commands of later parts (dialogs, maps, tracks, POIs) slot in here;
-    // an id without a handler is greyed in the menus and does nothing.
-    using CommandHandler = std::function<void(int id)>;
-    void RegisterCommand(int id, CommandHandler handler);
-    bool HasHandler(int id) const { return handlers_.count(id) != 0; }
+    // Where features register their commands, state sections and script
+    // steps; the shell's own commands are registered here too. A command id
+    // without a handler is greyed in the menus and does nothing.
+    FeatureRegistry& features() { return features_; }
+    const FeatureRegistry& features() const { return features_; }
+    void RegisterCommand(int id, std::function<void(int id)> handler);
+    bool HasHandler(int id) const { return features_.FindCommand(id) != nullptr; }
 
     void OnCommand(int id);
     void OnKeyDown(Key key);
-    void OnGpsData();    // WM_GPS_DATA
-    void OnGpsTime();    // WM_GPS_TIME
+    // A tap on tab `tab` (0..5, tool-strip order) of the tool strip.
+    void OnTabTapped(int tab);
+    // WM_GPS_DATA: called while the reader thread waits, so the shell takes
+    // its copy of the link's fix here.
+    void OnGpsData();
+    void OnGpsTime();    // WM_GPS_TIME, also while the reader waits
     void OnClockTick();  // timer 1028: one second more on the fix clock
     void OnBlinkTick();
-    // The user closed the satellite data dialog (its own button or key):
-    // the screen it stood in for comes back.
-    void OnSatelliteDialogClosed();
+
+    // A screen chosen by a command, a key or a tab: whatever stands in the
+    // screen area (the satellite data dialog) goes first.
+    void ChooseScreen(int screen);
+    // Rebuilds the display state from the shell and repaints the window.
+    void Repaint();
+
+    // The user-interface thread's copy of the fix: what the screens, the
+    // dialogs and the state dump read.
+    const gps::GpsState& fix() const { return fix_; }
+    // What the screens show, rebuilt by every Repaint.
+    const screens::DisplayState& display() const { return display_; }
 
     // The two drop-downs as they are at this moment.
     MenuEntry BuildViewMenu() const;
     MenuEntry BuildMainMenu() const;
 
+    ShellUi& ui() { return ui_; }
     ProgramSettings& settings() { return settings_; }
     const ProgramSettings& settings() const { return settings_; }
     LinkControl& link() { return link_; }
     const LinkControl& link() const { return link_; }
     const SpeedAlarm& alarm() const { return alarm_; }
 
-    // -1 while the satellite data dialog is shown in the screen's place.
+    // kScreenSatelliteData while a dialog stands in the screen's place.
     int currentScreen = kScreenGpsInfo;
-    bool satelliteDialogOpen = false;
-    int screenBeforeDialog = kScreenGpsInfo;
     bool fixTimeKnown = false;
     bool blinkPhase = false;
     bool mapLoaded = false;
@@ -142,21 +157,25 @@ class Shell {
     std::string version = "0";
 
   private:
+    void RegisterOwnCommands();
     void StartGps();
     void StopGps();
     void Exit();
-    void SetScreen(int screen);
-    void OpenSatelliteDialog();
-    void CloseSatelliteDialog();
+    void StepAlarm(int direction);
     void ReportLoss(int reason);
     void Message(const std::string& text, MessageIcon icon);
+    void RefreshDisplay();
+    MenuEntry Decorated(MenuEntry entry) const;
 
     ProgramSettings& settings_;
     LinkControl& link_;
     ShellUi& ui_;
     SpeedAlarm alarm_;
     OptionsStore* options_;
-    std::map<int, CommandHandler> handlers_;
+    FeatureRegistry features_;
+    gps::GpsState fix_;
+    bool timeSyncedThisBatch_ = false;
+    screens::DisplayState display_;
 };
 
 }  // namespace satwalk::shell

@@ -1,19 +1,11 @@
 #include "SpeedAlarm.h"
 
-#include "NmeaDecoder.h"
+#include "FixText.h"
 
 namespace satwalk::shell {
 
 double CurrentSpeed(const gps::GpsState& state, std::uint32_t units) {
-    const double knots = gps::TextToDouble(state.speedKnots);
-    switch (units) {
-        case 0:
-            return knots * 1.85;
-        case 1:
-            return knots * 1.152;
-        default:
-            return knots;
-    }
+    return common::SpeedInUnit(common::TextToDouble(state.speedKnots), static_cast<int>(units));
 }
 
 bool SpeedAlarm::Retry(bool (AlarmSound::*call)()) {

@@ -1,7 +1,6 @@
 // The program's state as one JSON object, for script runs and tests.
 #pragma once
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -19,11 +18,9 @@ struct StateExtras {
     std::string optionsPath;
     std::vector<LoggedMessage> messages;
     int raiseRequests = 0;  // second starts that asked this copy forward
-    // The satellite data dialog's rows as shown (PRN, elevation, azimuth,
-    // SNR) while it is open.
-    std::vector<std::array<std::string, 4>> satelliteDialogRows;
 };
 
+// The shell's members, then each feature's section, then the messages.
 std::string BuildStateJson(const Shell& shell, const StateExtras& extras);
 
 }  // namespace satwalk::shell

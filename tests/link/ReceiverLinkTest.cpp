@@ -199,7 +199,7 @@ TEST_F(LinkTest, StopNeverWaitsMoreThanItsBoundForABusyHandler) {
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_LT(waited, 1500ms);
     EXPECT_GE(waited, 900ms);
-    EXPECT_EQ(link.lastErrorCode, kErrThreadClose);
+    EXPECT_EQ(link.lastErrorCode, common::err::kReaderClose);
     held.unlock();
     ASSERT_TRUE(sink.WaitBatches(1));
 
@@ -229,11 +229,11 @@ TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
     const std::string file = dir + "/plain";
     std::ofstream(file) << "not a tty";
     const OpenFailure cases[] = {
-        {"missing device", dir + "/ttyUSB9", 9600, kErrOpen},
-        {"a folder", dir, 9600, kErrOpen},
-        {"a plain file", file, 9600, kErrGetState},
-        {"a character device that is not a tty", "/dev/null", 9600, kErrGetState},
-        {"a baud rate not offered", pty.path(), 12345, kErrSetState},
+        {"missing device", dir + "/ttyUSB9", 9600, common::err::kPortOpen},
+        {"a folder", dir, 9600, common::err::kPortOpen},
+        {"a plain file", file, 9600, common::err::kPortGetState},
+        {"a character device that is not a tty", "/dev/null", 9600, common::err::kPortGetState},
+        {"a baud rate not offered", pty.path(), 12345, common::err::kPortSetState},
     };
     for (const OpenFailure& c : cases) {
         ReceiverLink link;
@@ -249,7 +249,7 @@ TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
 }
 
 TEST(OpenPortTest, SetsTheLineUpForEveryOfferedRate) {
-    for (const std::uint32_t baud : kBaudRates) {
+    for (const std::uint32_t baud : common::kBaudRates) {
         FakeReceiver pty;
         ReceiverLink link;
         link.devicePath = pty.path();

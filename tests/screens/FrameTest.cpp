@@ -69,8 +69,8 @@ TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
     };
     for (const TabCase& c : cases) {
         ScreenContext ctx = MakeContext(c.variant);
-        ctx.currentScreen = c.screen;
-        ctx.mapLoaded = c.mapLoaded;
+        ctx.display.currentScreen = c.screen;
+        ctx.display.mapLoaded = c.mapLoaded;
         RecordingCanvas canvas(ctx.frame);
         DrawTabHighlight(canvas, ctx);
         ASSERT_EQ(canvas.Calls().size(), 1u) << c.variant.name << " screen " << c.screen;
@@ -87,7 +87,7 @@ TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
 TEST(ToolStrip, ScreenOutsideTheRangeLightsNothingAndPaintsWhite) {
     for (int screen : {-1, 5, 99}) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
-        ctx.currentScreen = screen;
+        ctx.display.currentScreen = screen;
         RecordingCanvas canvas(ctx.frame);
         PaintCurrentScreen(canvas, ctx, gps::GpsState{});
         ASSERT_EQ(canvas.Calls().size(), 1u);
@@ -115,8 +115,8 @@ TEST(ToolStrip, AlarmCellOfTheThreshold) {
     };
     for (const AlarmCase& c : cases) {
         ScreenContext ctx = MakeContext(c.variant);
-        ctx.speedAlarmOn = true;
-        ctx.speedAlarmLimit = c.limit;
+        ctx.display.speedAlarmOn = true;
+        ctx.display.speedAlarmLimit = c.limit;
         RecordingCanvas canvas(ctx.frame);
         DrawAlarmCell(canvas, ctx);
         ASSERT_EQ(canvas.Calls().size(), 1u);
@@ -125,7 +125,7 @@ TEST(ToolStrip, AlarmCellOfTheThreshold) {
         EXPECT_EQ(canvas.Calls()[0].to, c.dst) << c.variant.name << " " << c.limit;
     }
     ScreenContext off = MakeContext(test::kPortraitHi);
-    off.speedAlarmOn = false;
+    off.display.speedAlarmOn = false;
     RecordingCanvas canvas(off.frame);
     DrawAlarmCell(canvas, off);
     EXPECT_TRUE(canvas.Calls().empty());
@@ -265,19 +265,19 @@ TEST(StatusIcons, FramesByLinkFixBlinkAndRecording) {
     };
     const auto receiver = [&](RecordingCanvas& c) { DrawReceiverIcon(c, ctx, 0, 0); };
     const auto recorder = [&](RecordingCanvas& c) { DrawRecordingIcon(c, ctx, 0, 0); };
-    ctx.linkRunning = false;
+    ctx.display.linkRunning = false;
     EXPECT_EQ(frameOf(receiver), 1);
-    ctx.linkRunning = true;
-    ctx.fixValid = true;
+    ctx.display.linkRunning = true;
+    ctx.display.fixValid = true;
     EXPECT_EQ(frameOf(receiver), 0);
-    ctx.fixValid = false;
-    ctx.blinkPhase = true;
+    ctx.display.fixValid = false;
+    ctx.display.blinkPhase = true;
     EXPECT_EQ(frameOf(receiver), 0);
-    ctx.blinkPhase = false;
+    ctx.display.blinkPhase = false;
     EXPECT_EQ(frameOf(receiver), -1);
-    ctx.recording = true;
+    ctx.display.recording = true;
     EXPECT_EQ(frameOf(recorder), 2);
-    ctx.recording = false;
+    ctx.display.recording = false;
     EXPECT_EQ(frameOf(recorder), 3);
 }
 

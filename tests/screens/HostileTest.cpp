@@ -51,13 +51,13 @@ TEST(HostileFix, EveryScreenPaintsWithSaneGeometry) {
             for (int screen = -1; screen <= 4; ++screen) {
                 for (int units = 0; units < 3; ++units) {
                     ScreenContext ctx = MakeContext(v);
-                    ctx.currentScreen = screen;
-                    ctx.unitSystem = units;
-                    ctx.speedAlarmOn = true;
-                    ctx.speedAlarmLimit = 12345;
-                    ctx.fixTimeKnown = true;
-                    ctx.latitude = 1e300;
-                    ctx.longitude = -1e300;
+                    ctx.display.currentScreen = screen;
+                    ctx.display.unitSystem = units;
+                    ctx.display.speedAlarmOn = true;
+                    ctx.display.speedAlarmLimit = 12345;
+                    ctx.display.fixTimeKnown = true;
+                    ctx.display.latitude = 1e300;
+                    ctx.display.longitude = -1e300;
                     RecordingCanvas canvas(ctx.frame);
                     PaintCurrentScreen(canvas, ctx, g);
                     for (const CanvasCall& c : canvas.Calls()) {
@@ -81,7 +81,7 @@ TEST(HostileFix, TinyAndDegenerateScreens) {
         RecordingCanvas canvas(client);
         UpdateScreenLayout(canvas, ctx, client);
         for (int screen = 0; screen <= 4; ++screen) {
-            ctx.currentScreen = screen;
+            ctx.display.currentScreen = screen;
             PaintCurrentScreen(canvas, ctx, Absurd());
         }
         SUCCEED();

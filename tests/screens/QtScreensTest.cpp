@@ -42,8 +42,8 @@ gps::GpsState DriveFix() {
 
 TEST(QtScreens, BitmapsOfBothSetsLoadWithTheirSizes) {
     for (bool hi : {true, false}) {
-        for (int i = 0; i < kBitmapCount; ++i) {
-            const auto id = static_cast<BitmapId>(i);
+        for (int i = 0; i < kBuiltInBitmapCount; ++i) {
+            const BitmapId id{i};
             const QImage& img = Bitmaps(hi).Image(id);
             const Size want = BitmapSize(id, hi);
             EXPECT_EQ(img.width(), want.width) << BitmapFileName(id, hi);
@@ -59,11 +59,11 @@ TEST(QtScreens, EveryScreenPaintsItsWholeBitmap) {
         const bool hi = v.dpi != 96;
         ScreenContext ctx;
         PrepareScreenContext(ctx, v.width, v.height, v.dpi, Bitmaps(hi));
-        ctx.linkRunning = ctx.fixValid = true;
-        ctx.speedAlarmOn = true;
-        ctx.speedAlarmLimit = 70;
+        ctx.display.linkRunning = ctx.display.fixValid = true;
+        ctx.display.speedAlarmOn = true;
+        ctx.display.speedAlarmLimit = 70;
         for (int screen = 0; screen <= 3; ++screen) {
-            ctx.currentScreen = screen;
+            ctx.display.currentScreen = screen;
             QImage image;
             RenderCurrentScreen(image, ctx, g, Bitmaps(hi));
             ASSERT_EQ(image.width(), v.width);
@@ -108,13 +108,14 @@ TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
     strip.setPixel(1, 0, qRgb(10, 20, 30));
     strip.setPixel(2, 0, qRgb(214, 233, 250));
     strip.setPixel(3, 0, qRgb(214, 233, 251));
-    bitmaps.Set(BitmapId::ToolStripPortrait, strip);
+    // A bitmap loaded at run time, numbered after the program's own.
+    const BitmapId added = bitmaps.Add(strip);
+    EXPECT_EQ(added.value, kBuiltInBitmapCount);
     QImage target(6, 2, QImage::Format_RGB32);
     target.fill(qRgb(255, 255, 255));
     {
         QtCanvas canvas(target, bitmaps);
-        canvas.TransparentBlit(Bitmap{BitmapId::ToolStripPortrait, 4, 1}, Rect{0, 0, 4, 1},
-                               Point{1, 1}, kStripKey);
+        canvas.TransparentBlit(Bitmap{added, 4, 1}, Rect{0, 0, 4, 1}, Point{1, 1}, kStripKey);
         // Nothing lands outside the bitmap.
         canvas.FillRect(Rect{-50, -50, 500, 0}, kBlack);
     }

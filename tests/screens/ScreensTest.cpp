@@ -30,11 +30,11 @@ TEST(SignalBars, HeightsAndColoursBySnr) {
         EXPECT_EQ(bars[i].from, (Point{103 + 10 * i, 400})) << i;
         EXPECT_EQ(bars[i].to, (Point{103 + 10 * i, 400 - heights[i]})) << i;
         EXPECT_EQ(bars[i].pen.width, 7);
-        const int snr = gps::TextToInt(snrs[i]);
+        const int snr = common::TextToInt(snrs[i]);
         EXPECT_EQ(bars[i].pen.colour, snr == 0 ? kBlack : SnrColour(snr)) << i;
     }
 
-    ctx.linkRunning = false;
+    ctx.display.linkRunning = false;
     canvas.Clear();
     DrawSignalBars(canvas, ctx, g, 100, 400);
     for (const auto& bar : canvas.OfKind(K::Line)) {
@@ -45,8 +45,8 @@ TEST(SignalBars, HeightsAndColoursBySnr) {
 
 TEST(GpsInfoScreen, ZeroedFixShowsItsPlaceholders) {
     ScreenContext ctx = MakeContext(test::kPortraitHi);
-    ctx.linkRunning = false;
-    ctx.fixValid = false;
+    ctx.display.linkRunning = false;
+    ctx.display.fixValid = false;
     gps::GpsState g;
     RecordingCanvas canvas(ctx.frame);
     PaintGpsInfoScreen(canvas, ctx, g);
@@ -195,7 +195,7 @@ TEST(CompassScreen, LettersTurnWithTheCourseInCourseUpOnly) {
     };
     for (const LetterCase& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
-        ctx.compassOrientation = c.orientation;
+        ctx.display.compassOrientation = c.orientation;
         gps::GpsState g;
         SET_FIELD(g.course, c.course);
         RecordingCanvas canvas(ctx.frame);
@@ -220,7 +220,7 @@ TEST(CompassScreen, NoTickIsEverRed) {
     for (const char* course : {"0", "359.9", "-99999", "999999", "1e300"}) {
         for (int mode : {0, 1}) {
             ScreenContext ctx = MakeContext(test::kPortraitHi);
-            ctx.compassOrientation = mode;
+            ctx.display.compassOrientation = mode;
             gps::GpsState g;
             SET_FIELD(g.course, course);
             RecordingCanvas canvas(ctx.frame);
@@ -236,7 +236,7 @@ TEST(CompassScreen, NoTickIsEverRed) {
 
 TEST(CompassScreen, TextsInTheUnits) {
     ScreenContext ctx = MakeContext(test::kPortraitHi);
-    ctx.unitSystem = kNautical;
+    ctx.display.unitSystem = kNautical;
     gps::GpsState g;
     SET_FIELD(g.speedKnots, "12.5");
     SET_FIELD(g.altitude, "100");
@@ -292,9 +292,9 @@ TEST(Speedometer, RedTicksFromTheThreshold) {
     };
     for (const RedCase& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
-        ctx.unitSystem = c.units;
-        ctx.speedAlarmOn = c.on;
-        ctx.speedAlarmLimit = c.limit;
+        ctx.display.unitSystem = c.units;
+        ctx.display.speedAlarmOn = c.on;
+        ctx.display.speedAlarmLimit = c.limit;
         RecordingCanvas canvas(ctx.frame);
         PaintSpeedometerScreen(canvas, ctx, gps::GpsState{});
         double lowest = 1e9;
@@ -328,9 +328,9 @@ TEST(Speedometer, LabelsUnitsAndAlarmText) {
                           {kNautical, false, "160", "kts", " 关闭 "}};
     for (const Case& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
-        ctx.unitSystem = c.units;
-        ctx.speedAlarmOn = c.on;
-        ctx.speedAlarmLimit = 80;
+        ctx.display.unitSystem = c.units;
+        ctx.display.speedAlarmOn = c.on;
+        ctx.display.speedAlarmLimit = 80;
         RecordingCanvas canvas(ctx.frame);
         PaintSpeedometerScreen(canvas, ctx, gps::GpsState{});
         EXPECT_NE(canvas.FindText(c.last), nullptr) << c.unit;

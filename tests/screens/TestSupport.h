@@ -44,8 +44,8 @@ inline ScreenContext MakeContext(const Variant& v) {
     AssignBitmapHandles(ctx);
     RecordingCanvas measure(Rect{0, 0, v.width, v.height});
     UpdateScreenLayout(measure, ctx, Rect{0, 0, v.width, v.height});
-    ctx.linkRunning = true;
-    ctx.fixValid = true;
+    ctx.display.linkRunning = true;
+    ctx.display.fixValid = true;
     return ctx;
 }
 

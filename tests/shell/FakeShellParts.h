@@ -1,10 +1,13 @@
 // Test doubles for the window side, the link and the sound.
 #pragma once
 
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "ErrorCodes.h"
+#include "SatelliteDataFeature.h"
 #include "Shell.h"
 
 namespace satwalk::shell::testing {
@@ -53,8 +56,6 @@ class FakeUi : public ShellUi {
     bool StartClockTimer() override { return clockStarts++, true; }
     void SetBacklightHold(bool hold) override { backlight = hold; }
     void CloseWindow() override { closed = true; }
-    void ShowSatelliteDialog(bool show) override { satelliteDialogShown = show; }
-    void FillSatelliteDialog() override { ++satelliteFills; }
 
     std::vector<std::pair<std::string, MessageIcon>> messages;
     bool answerYes = true;
@@ -64,14 +65,23 @@ class FakeUi : public ShellUi {
     int clockStarts = 0;
     bool backlight = true;
     bool closed = false;
-    bool satelliteDialogShown = false;
-    int satelliteFills = 0;
+};
+
+class FakeSatelliteView : public SatelliteDataView {
+  public:
+    void Show(bool show) override { shown = show; }
+    void Fill(const gps::GpsState&) override { ++fills; }
+    std::vector<std::array<std::string, 4>> Rows() const override {
+        return {{"01", "2", "3", "4"}};
+    }
+    bool shown = false;
+    int fills = 0;
 };
 
 class FakeLink : public LinkControl {
   public:
     bool RegisterBluetoothPort(std::uint64_t) override {
-        error = "0x08200a10";
+        error = common::err::kBluetoothPort;
         return registerOk;
     }
     void SetComPort(std::uint32_t p) override { comPort = p; }
@@ -79,7 +89,7 @@ class FakeLink : public LinkControl {
     bool OpenPort() override {
         ++opens;
         if (!openOk)
-            error = "0x08200a06";
+            error = common::err::kPortOpen;
         return openOk;
     }
     bool StartLink() override {
@@ -94,7 +104,8 @@ class FakeLink : public LinkControl {
     bool Running() const override { return running; }
     bool FixValid() const override { return fixValid; }
     std::string LastErrorCode() const override { return error; }
-    gps::GpsState& Gps() override { return gps; }
+    const gps::GpsState& Gps() const override { return gps; }
+    void ClearFixBlocks() override { gps.ClearAllBlocks(); }
 
     bool registerOk = false;
     bool openOk = true;

@@ -6,23 +6,27 @@
 
 #include "CommandIds.h"
 #include "FakeShellParts.h"
-#include "ScreenView.h"
-#include "Screens.h"
+#include "SatelliteDataFeature.h"
 #include "Shell.h"
+#include "StateJson.h"
 #include "Strings.h"
 
 namespace satwalk::shell {
 namespace {
 
+using common::FormatString;
+using common::LoadString;
 using testing::FakeLink;
+using testing::FakeSatelliteView;
 using testing::FakeSound;
 using testing::FakeUi;
 
 class ShellTest : public ::testing::Test {
   protected:
-    ShellTest() : shell(settings, link, ui, sound, nullptr) {
+    ShellTest() : shell(settings, link, ui, sound, nullptr), satelliteData(shell, satelliteView) {
         settings.bluetoothReceiver = 0;
         settings.comPort = 3;
+        shell.features().Add(satelliteData);
     }
     void SetSpeed(const char* knots) { std::strcpy(link.gps.speedKnots, knots); }
 
@@ -31,6 +35,8 @@ class ShellTest : public ::testing::Test {
     FakeUi ui;
     FakeSound sound;
     Shell shell;
+    FakeSatelliteView satelliteView;
+    SatelliteDataFeature satelliteData;
 };
 
 TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
@@ -57,8 +63,8 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
                 else
                     shell.OnCommand(c.command);
                 EXPECT_EQ(shell.currentScreen, c.screen) << c.command << " " << dialog << byKey;
-                EXPECT_FALSE(shell.satelliteDialogOpen) << c.command;
-                EXPECT_FALSE(ui.satelliteDialogShown) << c.command;
+                EXPECT_FALSE(satelliteData.open()) << c.command;
+                EXPECT_FALSE(satelliteView.shown) << c.command;
             }
         }
     }
@@ -66,12 +72,12 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     shell.OnCommand(cmd::kSatelliteData);
     shell.OnCommand(cmd::kLoadedMap);
     shell.OnKeyDown(Key::Digit5);
-    EXPECT_TRUE(shell.satelliteDialogOpen);
+    EXPECT_TRUE(satelliteData.open());
     EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
     // Settings change underneath it.
     shell.OnCommand(cmd::kNautical);
     EXPECT_EQ(settings.units, 2u);
-    EXPECT_TRUE(shell.satelliteDialogOpen);
+    EXPECT_TRUE(satelliteData.open());
 }
 
 TEST_F(ShellTest, SettingCommands) {
@@ -132,9 +138,9 @@ TEST_F(ShellTest, StartGpsFailures) {
         int opens;
     };
     const Case cases[] = {
-        {1, 0, true, kStrConfigureReceiverFirst, MessageIcon::Information, 0},
-        {1, 42, true, kStrBluetoothPortFailed, MessageIcon::Error, 0},
-        {0, 0, false, kStrCannotConnect, MessageIcon::Information, 1},
+        {1, 0, true, common::kStrConfigureReceiverFirst, MessageIcon::Information, 0},
+        {1, 42, true, common::kStrBluetoothPortFailed, MessageIcon::Error, 0},
+        {0, 0, false, common::kStrCannotConnect, MessageIcon::Information, 1},
     };
     for (const Case& c : cases) {
         FakeLink l;
@@ -163,7 +169,7 @@ TEST_F(ShellTest, StopReportsLossReason) {
         shell.OnCommand(cmd::kStopGps);
         ASSERT_EQ(ui.messages.size(), 1u);
         EXPECT_EQ(ui.messages[0].first,
-                  LoadString(reason == 1 ? kStrConnectionLost : kStrDataTimeout));
+                  LoadString(reason == 1 ? common::kStrConnectionLost : common::kStrDataTimeout));
         EXPECT_EQ(ui.messages[0].second, MessageIcon::Error);
     }
 }
@@ -250,13 +256,13 @@ TEST_F(ShellTest, ConfirmedExitStopsAndClosesEverything) {
     shell.OnCommand(cmd::kExit);
     EXPECT_FALSE(ui.closed);
     EXPECT_TRUE(link.running);
-    EXPECT_TRUE(ui.satelliteDialogShown);
+    EXPECT_TRUE(satelliteView.shown);
 
     ui.answerYes = true;
     shell.OnCommand(cmd::kExit);
     EXPECT_TRUE(ui.closed);
     EXPECT_FALSE(link.running);
-    EXPECT_FALSE(ui.satelliteDialogShown);
+    EXPECT_FALSE(satelliteView.shown);
     EXPECT_FALSE(ui.backlight) << "the backlight hold is released";
 }
 
@@ -317,9 +323,9 @@ TEST_F(ShellTest, SatelliteDialogOpensByCommandOrKeyInPlaceOfTheScreen) {
         else
             shell.OnCommand(cmd::kSatelliteData);
         EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
-        EXPECT_TRUE(shell.satelliteDialogOpen);
-        EXPECT_TRUE(ui.satelliteDialogShown);
-        EXPECT_EQ(ui.satelliteFills, 1) << "filled as it opens";
+        EXPECT_TRUE(satelliteData.open());
+        EXPECT_TRUE(satelliteView.shown);
+        EXPECT_EQ(satelliteView.fills, 1) << "filled as it opens";
 
         const MenuEntry view = shell.BuildViewMenu();
         const MenuEntry* entry = FindMenuEntry(view, cmd::kSatelliteData);
@@ -329,25 +335,25 @@ TEST_F(ShellTest, SatelliteDialogOpensByCommandOrKeyInPlaceOfTheScreen) {
 
         // Opening again changes nothing: closing still goes back to the compass.
         shell.OnKeyDown(Key::Digit3);
-        EXPECT_EQ(ui.satelliteFills, 1);
-        shell.OnSatelliteDialogClosed();
+        EXPECT_EQ(satelliteView.fills, 1);
+        satelliteData.OnClosedByUser();
         EXPECT_EQ(shell.currentScreen, kScreenCompass);
-        EXPECT_FALSE(shell.satelliteDialogOpen);
-        EXPECT_FALSE(ui.satelliteDialogShown);
-        ui.satelliteFills = 0;
+        EXPECT_FALSE(satelliteData.open());
+        EXPECT_FALSE(satelliteView.shown);
+        satelliteView.fills = 0;
     }
 }
 
 TEST_F(ShellTest, SatelliteDialogFilledOnEveryBatchOnlyWhileOpen) {
     shell.OnGpsData();
-    EXPECT_EQ(ui.satelliteFills, 0);
+    EXPECT_EQ(satelliteView.fills, 0);
     shell.OnCommand(cmd::kSatelliteData);
     shell.OnGpsData();
     shell.OnGpsData();
-    EXPECT_EQ(ui.satelliteFills, 3);
-    shell.OnSatelliteDialogClosed();
+    EXPECT_EQ(satelliteView.fills, 3);
+    satelliteData.OnClosedByUser();
     shell.OnGpsData();
-    EXPECT_EQ(ui.satelliteFills, 3);
+    EXPECT_EQ(satelliteView.fills, 3);
 }
 
 TEST_F(ShellTest, BlinkAndClock) {
@@ -358,59 +364,96 @@ TEST_F(ShellTest, BlinkAndClock) {
     shell.OnBlinkTick();
     EXPECT_TRUE(shell.blinkPhase) << "no blinking with a valid fix";
 
+    // A time sync takes the link's fix time; the clock then counts on the
+    // shell's copy, which later batches without a sync leave alone.
+    link.gps.fixTimeLocal = 100;
     shell.OnGpsTime();
+    shell.OnGpsData();
     EXPECT_TRUE(shell.fixTimeKnown);
     EXPECT_EQ(ui.clockStarts, 1);
-    link.gps.fixTimeLocal = 100;
     shell.OnClockTick();
-    EXPECT_EQ(link.gps.fixTimeLocal, 100 + gps::kFileTimeTicksPerSecond);
+    shell.OnGpsData();
+    EXPECT_EQ(shell.fix().fixTimeLocal, 100 + gps::kFileTimeTicksPerSecond);
+    EXPECT_EQ(link.gps.fixTimeLocal, 100u) << "the link's fix is not the clock's";
+    link.gps.fixTimeLocal = 500;
+    shell.OnGpsTime();
+    shell.OnGpsData();
+    EXPECT_EQ(shell.fix().fixTimeLocal, 500u);
     shell.OnCommand(cmd::kStopGps);
     EXPECT_FALSE(shell.fixTimeKnown);
 }
 
-TEST(ScreenSyncTest, CopiesTheWindowStateIntoTheContext) {
-    gps::GpsState g;
-    std::strcpy(g.latitude, "3014.7487");
-    g.northSouth = 'S';
-    std::strcpy(g.longitude, "12009.7660");
-    g.eastWest = 'E';
-    ProgramSettings s;
-    s.units = 2;
-    s.speedAlarmOn = 1;
-    s.speedAlarmLimit = 110;
-    s.recordNmea = 1;
+TEST_F(ShellTest, DisplayStateFollowsTheShell) {
+    std::strcpy(link.gps.latitude, "3014.7487");
+    link.gps.northSouth = 'S';
+    std::strcpy(link.gps.longitude, "12009.7660");
+    link.gps.eastWest = 'E';
+    settings.recordNmea = 1;
+    shell.OnCommand(cmd::kAlarm50 + 6);
+    shell.OnCommand(cmd::kNautical);
+    shell.OnCommand(cmd::kStartGps);
+    link.fixValid = true;
+    shell.OnGpsTime();
+    shell.OnGpsData();
+    shell.OnCommand(cmd::kSatelliteData);
 
-    ScreenView v;
-    v.gps = &g;
-    v.settings = &s;
-    v.currentScreen = kScreenSatelliteData;
-    v.linkRunning = v.fixValid = v.fixTimeKnown = v.blinkPhase = v.mapLoaded = true;
-
-    screens::ScreenContext ctx;
-    ctx.frame = screens::Rect{0, 0, 480, 640};
-    SyncScreenContext(v, ctx);
-    EXPECT_EQ(ctx.currentScreen, -1);
-    EXPECT_EQ(ctx.unitSystem, screens::kNautical);
-    EXPECT_TRUE(ctx.speedAlarmOn);
-    EXPECT_EQ(ctx.speedAlarmLimit, 110);
-    EXPECT_TRUE(ctx.recording && ctx.linkRunning && ctx.fixValid && ctx.fixTimeKnown &&
-                ctx.blinkPhase && ctx.mapLoaded);
-    EXPECT_NEAR(ctx.latitude, -(30 + 14.7487 / 60), 1e-9);
-    EXPECT_NEAR(ctx.longitude, 120 + 9.766 / 60, 1e-9);
-    EXPECT_EQ(ctx.frame.Width(), 480) << "the layout is not the sync's business";
+    const screens::DisplayState& d = shell.display();
+    EXPECT_EQ(d.currentScreen, -1);
+    EXPECT_EQ(d.unitSystem, common::kNautical);
+    EXPECT_TRUE(d.speedAlarmOn);
+    EXPECT_EQ(d.speedAlarmLimit, 110);
+    EXPECT_TRUE(d.recording && d.linkRunning && d.fixValid && d.fixTimeKnown);
+    EXPECT_NEAR(d.latitude, -(30 + 14.7487 / 60), 1e-9);
+    EXPECT_NEAR(d.longitude, 120 + 9.766 / 60, 1e-9);
 
     // Without a fix the last position stays; an absurd unit reads as metric.
-    v.fixValid = false;
-    s.units = 7;
-    s.speedAlarmOn = 0;
-    s.recordNmea = 0;
-    std::strcpy(g.latitude, "0000.0000");
-    SyncScreenContext(v, ctx);
-    EXPECT_NEAR(ctx.latitude, -(30 + 14.7487 / 60), 1e-9);
-    EXPECT_EQ(ctx.unitSystem, screens::kMetric);
-    EXPECT_FALSE(ctx.speedAlarmOn);
-    EXPECT_FALSE(ctx.recording);
-    EXPECT_FALSE(ctx.fixValid);
+    link.fixValid = false;
+    settings.units = 7;
+    std::strcpy(link.gps.latitude, "0000.0000");
+    shell.OnGpsData();
+    EXPECT_NEAR(d.latitude, -(30 + 14.7487 / 60), 1e-9);
+    EXPECT_EQ(d.unitSystem, common::kMetric);
+    EXPECT_FALSE(d.fixValid);
+}
+
+TEST_F(ShellTest, FeaturesPlugInCommandsMenuStatesAndStateSections) {
+    struct Probe final : Feature {
+        int runs = 0;
+        bool checked = false;
+        void Register(FeatureRegistry& registry) override {
+            registry.AddCommand(cmd::kShowPoi, Command{[this](int) { ++runs; },
+                                                       [this](int) {
+                                                           return EntryState{true, checked, "POI!"};
+                                                       }});
+            registry.AddStateSection([this](common::JsonMembers& m) { m.Int("probeRuns", runs); });
+            registry.AddScriptStep(
+                "probe", [this](const std::vector<std::string>& words, std::string& error) {
+                    runs += static_cast<int>(words.size());
+                    error = "never";
+                    return !words.empty();
+                });
+        }
+    } probe;
+    shell.features().Add(probe);
+
+    shell.OnCommand(cmd::kShowPoi);
+    EXPECT_EQ(probe.runs, 1);
+    EXPECT_EQ(settings.showPoi, 1u) << "the feature's command replaced the shell's";
+    probe.checked = true;
+    const MenuEntry* entry = FindMenuEntry(shell.BuildViewMenu(), cmd::kShowPoi);
+    ASSERT_NE(entry, nullptr);
+    EXPECT_TRUE(entry->checked);
+    EXPECT_EQ(entry->text, "POI!");
+
+    const ScriptStep* step = shell.features().FindScriptStep("probe");
+    ASSERT_NE(step, nullptr);
+    std::string error;
+    EXPECT_TRUE((*step)({"a", "b"}, error));
+    EXPECT_EQ(shell.features().FindScriptStep("nothing"), nullptr);
+
+    const std::string json = BuildStateJson(shell, StateExtras{});
+    EXPECT_NE(json.find("\"probeRuns\":3,"), std::string::npos) << json;
+    EXPECT_NE(json.find("\"satelliteDialogRows\":[]"), std::string::npos) << json;
 }
 
 }  // namespace

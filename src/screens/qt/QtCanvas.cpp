@@ -77,8 +77,8 @@ QString ScreenFontFamily() {
 // ---- bitmaps --------------------------------------------------------------
 
 bool ScreenBitmaps::Load(bool hi, const QString& folder, BitmapId* failedId) {
-    for (int i = 0; i < kBitmapCount; ++i) {
-        const auto id = static_cast<BitmapId>(i);
+    for (int i = 0; i < kBuiltInBitmapCount; ++i) {
+        const BitmapId id{i};
         const QString name = QString::fromStdString(BitmapFileName(id, hi)) + ".png";
         QImage image(":/satwalk/bitmaps/" + name);
         if (image.isNull() && !folder.isEmpty())
@@ -94,16 +94,35 @@ bool ScreenBitmaps::Load(bool hi, const QString& folder, BitmapId* failedId) {
     return true;
 }
 
+const QImage& ScreenBitmaps::Image(BitmapId id) const {
+    static const QImage kNone;
+    if (id.value < 0 || id.value >= static_cast<int>(entries_.size()))
+        return kNone;
+    return entries_[static_cast<std::size_t>(id.value)].image;
+}
+
 void ScreenBitmaps::Set(BitmapId id, QImage image) {
-    const int i = static_cast<int>(id);
-    images_[i] = image.convertToFormat(QImage::Format_RGB32);
-    keyed_[i] = QImage();
+    if (id.value < 0)
+        return;
+    if (id.value >= static_cast<int>(entries_.size()))
+        entries_.resize(static_cast<std::size_t>(id.value) + 1);
+    Entry& e = entries_[static_cast<std::size_t>(id.value)];
+    e.image = image.convertToFormat(QImage::Format_RGB32);
+    e.keyed = QImage();
+}
+
+BitmapId ScreenBitmaps::Add(QImage image) {
+    const BitmapId id{static_cast<int>(entries_.size())};
+    Set(id, std::move(image));
+    return id;
 }
 
 const QImage& ScreenBitmaps::Keyed(BitmapId id, Colour key) const {
-    const int i = static_cast<int>(id);
-    if (keyed_[i].isNull() || !(keyedWith_[i] == key)) {
-        QImage out = images_[i].convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (id.value < 0 || id.value >= static_cast<int>(entries_.size()))
+        return Image(id);
+    Entry& e = entries_[static_cast<std::size_t>(id.value)];
+    if (e.keyed.isNull() || !(e.keyedWith == key)) {
+        QImage out = e.image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
         const QRgb k = qRgb(key.r, key.g, key.b);
         for (int y = 0; y < out.height(); ++y) {
             auto* line = reinterpret_cast<QRgb*>(out.scanLine(y));
@@ -111,10 +130,10 @@ const QImage& ScreenBitmaps::Keyed(BitmapId id, Colour key) const {
                 if ((line[x] | 0xFF000000u) == k)
                     line[x] = 0;
         }
-        keyed_[i] = std::move(out);
-        keyedWith_[i] = key;
+        e.keyed = std::move(out);
+        e.keyedWith = key;
     }
-    return keyed_[i];
+    return e.keyed;
 }
 
 // ---- canvas ------------------------------------------------------------------

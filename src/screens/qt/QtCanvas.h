@@ -6,33 +6,40 @@
 #include <QImage>
 #include <QPainter>
 #include <QString>
-#include <array>
 #include <string>
+#include <vector>
 
 #include "Canvas.h"
 #include "Screens.h"
 
 namespace satwalk::screens {
 
-// The bitmaps of one pixel set, as loaded at window creation, with their
-// colour-keyed variants prepared once.
+// The bitmaps a canvas draws: the program's own set of one pixel density,
+// loaded at window creation, and any bitmap added while the program runs
+// (map images, POI icons). Colour-keyed variants are prepared once.
 class ScreenBitmaps {
   public:
-    // Loads every bitmap of the set from the program's resources, falling
-    // back to `folder` (the bitmaps folder of the source tree) when a file is
-    // missing there. On failure returns false and sets `failedId` to the first
-    // bitmap that could not be loaded or has the wrong size.
+    // Loads every bitmap of the program's own set from its resources,
+    // falling back to `folder` (the bitmaps folder of the source tree) when a
+    // file is missing there. On failure returns false and sets `failedId` to
+    // the first bitmap that could not be loaded or has the wrong size.
     bool Load(bool highResolution, const QString& folder, BitmapId* failedId);
 
-    const QImage& Image(BitmapId id) const { return images_[static_cast<int>(id)]; }
+    // A null image for an id that names nothing.
+    const QImage& Image(BitmapId id) const;
     // The bitmap with pixels of `key` made transparent (computed on first use).
     const QImage& Keyed(BitmapId id, Colour key) const;
     void Set(BitmapId id, QImage image);
+    // Adds a bitmap after every one known so far and returns its id.
+    BitmapId Add(QImage image);
 
   private:
-    std::array<QImage, kBitmapCount> images_;
-    mutable std::array<QImage, kBitmapCount> keyed_;
-    mutable std::array<Colour, kBitmapCount> keyedWith_{};
+    struct Entry {
+        QImage image;
+        QImage keyed;
+        Colour keyedWith;
+    };
+    mutable std::vector<Entry> entries_ = std::vector<Entry>(kBuiltInBitmapCount);
 };
 
 // The face every screen font uses: a Simplified Chinese system face.

@@ -9,21 +9,15 @@
 
 #include <algorithm>
 
-#include "MainWindow.h"
 #include "QtCanvas.h"
 #include "SatelliteTable.h"
+#include "Shell.h"
 #include "Strings.h"
 
-namespace satwalk::app {
+namespace satwalk::shell::qt {
 
-namespace {
-
-constexpr int kStrOk = 40005;
-
-}  // namespace
-
-SatelliteDataDialog::SatelliteDataDialog(MainWindow& main, int b)
-    : QWidget(&main), main_(main), table_(new screens::SatelliteDataTable(this)) {
+SatelliteDataDialog::SatelliteDataDialog(QWidget* parent, int b)
+    : QWidget(parent), table_(new screens::SatelliteDataTable(this)) {
     setAutoFillBackground(true);
     QPalette pal = palette();
     pal.setColor(QPalette::Window, Qt::white);
@@ -64,11 +58,14 @@ SatelliteDataDialog::SatelliteDataDialog(MainWindow& main, int b)
     t->verticalHeader()->setMinimumSectionSize(1);
     t->horizontalHeader()->setMinimumSectionSize(1);
 
-    auto* ok = new QPushButton(QString::fromUtf8(shell::LoadString(kStrOk)), this);
+    auto* ok = new QPushButton(QString::fromUtf8(common::LoadString(common::kStrOk)), this);
     ok->setFont(font);
     ok->setFocusPolicy(Qt::NoFocus);
     ok->setMinimumWidth(3 * b);
-    connect(ok, &QPushButton::clicked, this, [this] { main_.shell().OnSatelliteDialogClosed(); });
+    connect(ok, &QPushButton::clicked, this, [this] {
+        if (onClose)
+            onClose();
+    });
 
     // Title on the left, the OK button on the right, the table below.
     auto* layout = new QVBoxLayout(this);
@@ -110,23 +107,81 @@ QStringList SatelliteDataDialog::RowTexts(int row) const {
     return texts;
 }
 
-void SatelliteDataDialog::HandleGpsData() {
-    main_.HandleGpsData();
-}
-
-void SatelliteDataDialog::HandleGpsTime() {
-    main_.HandleGpsTime();
-}
-
 void SatelliteDataDialog::keyPressEvent(QKeyEvent* event) {
     // Escape and Back close the dialog; every other key is the main window's.
     if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Back ||
         event->key() == Qt::Key_Backspace) {
-        main_.shell().OnSatelliteDialogClosed();
+        if (onClose)
+            onClose();
         return;
     }
-    if (!main_.HandleKeyEvent(event))
+    if (!onKey || !onKey(event))
         QWidget::keyPressEvent(event);
 }
 
-}  // namespace satwalk::app
+namespace {
+
+// The dialog as the feature sees it.
+class DialogView final : public SatelliteDataView {
+  public:
+    explicit DialogView(ScreenAreaHost& host) : host_(host) {}
+
+    std::function<void()> onClose;
+
+    void Show(bool show) override {
+        if (show && dialog_ == nullptr) {
+            dialog_ = new SatelliteDataDialog(host_.HostWidget(), host_.BaseTextHeight());
+            dialog_->onClose = [this] { onClose(); };
+            dialog_->onKey = [this](QKeyEvent* event) { return host_.HandleProgramKey(event); };
+        }
+        if (dialog_ != nullptr)
+            host_.SetScreenAreaWidget(show ? dialog_ : nullptr);
+        shown_ = show;
+    }
+    void Fill(const gps::GpsState& fix) override {
+        if (shown_)
+            dialog_->Fill(fix);
+    }
+    std::vector<std::array<std::string, 4>> Rows() const override {
+        std::vector<std::array<std::string, 4>> rows;
+        if (!shown_)
+            return rows;
+        for (int row = 0; row < gps::kSatelliteRows; ++row) {
+            const QStringList texts = dialog_->RowTexts(row);
+            std::array<std::string, 4> cells;
+            for (int c = 0; c < 4 && c < texts.size(); ++c)
+                cells[static_cast<std::size_t>(c)] = texts[c].toStdString();
+            rows.push_back(cells);
+        }
+        return rows;
+    }
+
+  private:
+    ScreenAreaHost& host_;
+    SatelliteDataDialog* dialog_ = nullptr;  // owned by the window, hidden when closed
+    bool shown_ = false;
+};
+
+class SatelliteDataDialogFeature final : public Feature {
+  public:
+    SatelliteDataDialogFeature(Shell& shell, ScreenAreaHost& host)
+        : view_(host), feature_(shell, view_) {
+        view_.onClose = [this] { feature_.OnClosedByUser(); };
+    }
+    void Register(FeatureRegistry& registry) override { feature_.Register(registry); }
+    void OnGpsData() override { feature_.OnGpsData(); }
+    void OnScreenChosen() override { feature_.OnScreenChosen(); }
+    void OnExit() override { feature_.OnExit(); }
+
+  private:
+    DialogView view_;
+    SatelliteDataFeature feature_;
+};
+
+}  // namespace
+
+std::unique_ptr<Feature> MakeSatelliteDataFeature(Shell& shell, ScreenAreaHost& host) {
+    return std::make_unique<SatelliteDataDialogFeature>(shell, host);
+}
+
+}  // namespace satwalk::shell::qt

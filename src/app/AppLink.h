@@ -1,6 +1,8 @@
 // The receiver link as the window drives it: the shell's LinkControl over
 // the link's ReceiverLink, its watchdog on a QTimer, and its data and time
-// notifications turned into blocking calls on the window's thread.
+// notifications turned into blocking calls on the window's thread: the
+// reader waits while the shell copies the fix, so the user-interface thread
+// never reads the link's fix while it is being decoded.
 #pragma once
 
 #include <QObject>
@@ -17,7 +19,6 @@
 namespace satwalk::app {
 
 class MainWindow;
-class SatelliteDataDialog;
 
 class AppLink : public QObject,
                 public shell::LinkControl,
@@ -28,9 +29,6 @@ class AppLink : public QObject,
     ~AppLink() override;
 
     void AttachWindow(MainWindow* window) { window_ = window; }
-    // While the satellite data dialog is open the receiver's messages go to
-    // it (null when it closes).
-    void SetDialog(SatelliteDataDialog* dialog) { dialog_.store(dialog); }
     // A device that stands for the configured port for this run (--port,
     // --replay).
     void SetOverridePath(std::string path) { overridePath_ = std::move(path); }
@@ -52,7 +50,8 @@ class AppLink : public QObject,
     bool Running() const override { return link_.running; }
     bool FixValid() const override { return link_.fixValid; }
     std::string LastErrorCode() const override { return link_.lastErrorCode; }
-    gps::GpsState& Gps() override { return link_.gps; }
+    const gps::GpsState& Gps() const override { return link_.gps; }
+    void ClearFixBlocks() override { link::ClearFixBlocks(link_); }
 
     // link::LinkSink (reader thread, except OnStopCommand)
     void OnGpsData() override;
@@ -68,7 +67,6 @@ class AppLink : public QObject,
     link::PortMap portMap_;
     std::string overridePath_;
     MainWindow* window_ = nullptr;
-    std::atomic<SatelliteDataDialog*> dialog_{nullptr};
     QTimer watchdog_;  // id 1
     std::atomic<bool> closing_{false};
 };

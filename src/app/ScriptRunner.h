@@ -8,6 +8,7 @@
 //   snapshot FILE.png     the window as painted, soft-key bar included
 //   state FILE.json       the program's state
 //   quit                  ends at once, without confirmation or saving
+//   VERB WORDS...         a step a feature registered
 //
 // '#' starts a comment. The script ends the program after its last line.
 #pragma once

@@ -6,8 +6,8 @@
 #include <QThread>
 
 #include "CommandIds.h"
+#include "ErrorCodes.h"
 #include "MainWindow.h"
-#include "SatelliteDataDialog.h"
 
 namespace satwalk::app {
 
@@ -41,7 +41,7 @@ void AppLink::Shutdown() {
 
 bool AppLink::RegisterBluetoothPort(std::uint64_t) {
     // Binding a Bluetooth receiver arrives with the Bluetooth search.
-    link_.lastErrorCode = "0x08200a10";
+    link_.lastErrorCode = common::err::kBluetoothPort;
     return false;
 }
 
@@ -70,7 +70,7 @@ bool AppLink::Start() {
 
 namespace {
 
-// The reader waits until the window (or the dialog) has handled the call.
+// The reader waits until the window has handled the call.
 template <typename Target>
 void Deliver(Target* target, void (Target::*handler)()) {
     QMetaObject::invokeMethod(target, handler,
@@ -81,24 +81,16 @@ void Deliver(Target* target, void (Target::*handler)()) {
 
 }  // namespace
 
-// The dialog is hidden, never destroyed, while the window lives, so a call
-// already on its way to it still arrives.
 void AppLink::OnGpsData() {
     if (window_ == nullptr || closing_ || link_.stopRequested)
         return;
-    if (SatelliteDataDialog* dialog = dialog_.load())
-        Deliver(dialog, &SatelliteDataDialog::HandleGpsData);
-    else
-        Deliver(window_, &MainWindow::HandleGpsData);
+    Deliver(window_, &MainWindow::HandleGpsData);
 }
 
 void AppLink::OnGpsTime() {
     if (window_ == nullptr || closing_ || link_.stopRequested)
         return;
-    if (SatelliteDataDialog* dialog = dialog_.load())
-        Deliver(dialog, &SatelliteDataDialog::HandleGpsTime);
-    else
-        Deliver(window_, &MainWindow::HandleGpsTime);
+    Deliver(window_, &MainWindow::HandleGpsTime);
 }
 
 void AppLink::OnStopCommand() {

@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-#include "ScreenView.h"
+#include "ScreenAreaHost.h"
 #include "Shell.h"
 #include "StateJson.h"
 
@@ -20,24 +20,23 @@ class QKeyEvent;
 
 namespace satwalk::app {
 
-class SatelliteDataDialog;
-
 // What paints the screens into the window's off-screen image, which covers
 // the screen area (the client area less the soft-key bar).
 class ScreenPainter {
   public:
     // The screen area was made or changed its size.
-    virtual void Layout(const shell::ScreenView& view) = 0;
+    virtual void Layout(QSize screenArea, int dpi) = 0;
     // Paints the whole screen area, tool strip included.
-    virtual void Paint(QImage& image, const shell::ScreenView& view) = 0;
-    // The command of the tool-strip tab under (x, y), or 0.
-    virtual int TabCommandAt(int x, int y) const = 0;
+    virtual void Paint(QImage& image, const screens::DisplayState& display,
+                       const gps::GpsState& fix) = 0;
+    // The tool-strip tab under (x, y), or -1.
+    virtual int TabAt(int x, int y) const = 0;
 
   protected:
     ~ScreenPainter() = default;
 };
 
-class MainWindow : public QWidget, public shell::ShellUi {
+class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::ScreenAreaHost {
     Q_OBJECT
   public:
     MainWindow(shell::ProgramSettings& settings, shell::LinkControl& link, shell::AlarmSound& sound,
@@ -46,19 +45,10 @@ class MainWindow : public QWidget, public shell::ShellUi {
     shell::Shell& shell() { return shell_; }
     // The painter outlives the window; without one the screen area is white.
     void SetScreenPainter(ScreenPainter* painter);
-    shell::ScreenView CurrentView() const;
     int softKeyBarHeight() const { return barHeight_; }
 
-    // The hardware keys, for this window and the satellite data dialog.
-    // False when the key is not one of the program's.
-    bool HandleKeyEvent(QKeyEvent* event);
-    // Where keys go: the satellite data dialog while it is open.
+    // Where keys go: a dialog standing in the screen's place, else the window.
     QWidget* KeyTarget();
-    // The satellite data dialog while it is open, else null.
-    SatelliteDataDialog* satelliteDataWindow() const { return satelliteDataWindow_; }
-    // Told when the dialog opens (with it) and closes (with null), so that
-    // the receiver's messages go to it while it is open.
-    std::function<void(SatelliteDataDialog*)> onSatelliteDialog;
 
     // Script mode: message boxes never block; each is logged, printed on
     // standard error and answered (`answer` chooses the next reply).
@@ -77,6 +67,7 @@ class MainWindow : public QWidget, public shell::ShellUi {
     std::function<void()> onTrackTick;
 
   public slots:
+    // The receiver's messages, called while the reader thread waits.
     void HandleGpsData();  // WM_GPS_DATA
     void HandleGpsTime();  // WM_GPS_TIME
 
@@ -93,8 +84,12 @@ class MainWindow : public QWidget, public shell::ShellUi {
     bool StartClockTimer() override;
     void SetBacklightHold(bool hold) override;
     void CloseWindow() override;
-    void ShowSatelliteDialog(bool show) override;
-    void FillSatelliteDialog() override;
+
+    // shell::qt::ScreenAreaHost
+    QWidget* HostWidget() override { return this; }
+    int BaseTextHeight() const override { return common::BaseTextHeightForDpi(dpi_); }
+    void SetScreenAreaWidget(QWidget* widget) override;
+    bool HandleProgramKey(QKeyEvent* event) override;
 
   protected:
     void paintEvent(QPaintEvent*) override;
@@ -111,8 +106,7 @@ class MainWindow : public QWidget, public shell::ShellUi {
 
     shell::Shell shell_;
     ScreenPainter* painter_ = nullptr;
-    SatelliteDataDialog* dialog_ = nullptr;               // made on first opening
-    SatelliteDataDialog* satelliteDataWindow_ = nullptr;  // the dialog while open
+    QWidget* screenAreaWidget_ = nullptr;  // a dialog in the screen's place
     QImage screenImage_;
     int dpi_;
     int barHeight_;

@@ -111,7 +111,7 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         if (words.size() < 2 || !ParseKey(words[1].toLower(), key, text)) {
             return Fail(QStringLiteral("unknown key")), false;
         }
-        // To the satellite data dialog while it is open, as a real key.
+        // To a dialog in the screen's place while one is open, as a real key.
         QWidget* target = window_.KeyTarget();
         QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
         QApplication::sendEvent(target, &down);
@@ -172,6 +172,13 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
     } else if (verb == QLatin1String("quit")) {
         QApplication::exit(exitCode_);
         return false;
+    } else if (const shell::ScriptStep* step =
+                   window_.shell().features().FindScriptStep(verb.toStdString())) {
+        std::vector<std::string> args;
+        for (qsizetype i = 1; i < words.size(); ++i) args.push_back(words[i].toStdString());
+        std::string error;
+        if (!(*step)(args, error))
+            return Fail(QString::fromStdString(error)), false;
     } else {
         return Fail(QStringLiteral("unknown line: ") + line), false;
     }

@@ -11,7 +11,6 @@
 #include <cstdio>
 
 #include "CommandIds.h"
-#include "SatelliteDataDialog.h"
 #include "Strings.h"
 
 namespace satwalk::app {
@@ -25,7 +24,7 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
                        shell::AlarmSound& sound, shell::OptionsStore* options, QSize clientSize,
                        int dpi)
     : shell_(settings, link, *this, sound, options), dpi_(dpi) {
-    setWindowTitle(QString::fromUtf8(shell::LoadString(shell::kStrCaption)));
+    setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     barHeight_ = (26 * dpi + 48) / 96;
@@ -45,31 +44,11 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
 void MainWindow::SetScreenPainter(ScreenPainter* painter) {
     painter_ = painter;
     if (painter_ != nullptr)
-        painter_->Layout(CurrentView());
+        painter_->Layout(ScreenArea().size(), dpi_);
 }
 
 QRect MainWindow::ScreenArea() const {
     return QRect(0, 0, width(), std::max(1, height() - barHeight_));
-}
-
-shell::ScreenView MainWindow::CurrentView() const {
-    shell::ScreenView v;
-    const QRect area = ScreenArea();
-    v.left = area.left();
-    v.top = area.top();
-    v.right = area.right() + 1;
-    v.bottom = area.bottom() + 1;
-    v.dpi = dpi_;
-    v.baseTextHeight = shell::BaseTextHeightForDpi(dpi_);
-    v.currentScreen = shell_.currentScreen;
-    v.gps = &shell_.link().Gps();
-    v.settings = &shell_.settings();
-    v.linkRunning = shell_.link().Running();
-    v.fixValid = shell_.link().FixValid();
-    v.fixTimeKnown = shell_.fixTimeKnown;
-    v.blinkPhase = shell_.blinkPhase;
-    v.mapLoaded = shell_.mapLoaded;
-    return v;
 }
 
 // ---- receiver messages ----
@@ -98,7 +77,7 @@ MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
         return answer;
     }
     QMessageBox box(this);
-    box.setWindowTitle(QString::fromUtf8(shell::LoadString(shell::kStrCaption)));
+    box.setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
     box.setText(QString::fromUtf8(text.c_str()));
     switch (icon) {
         case MessageIcon::Error:
@@ -152,33 +131,23 @@ void MainWindow::CloseWindow() {
     QApplication::quit();
 }
 
-void MainWindow::ShowSatelliteDialog(bool show) {
-    if (show) {
-        if (dialog_ == nullptr)
-            dialog_ = new SatelliteDataDialog(*this, shell::BaseTextHeightForDpi(dpi_));
-        dialog_->setGeometry(ScreenArea());
-        dialog_->show();
-        dialog_->raise();
-        dialog_->setFocus();
-        satelliteDataWindow_ = dialog_;
+void MainWindow::SetScreenAreaWidget(QWidget* widget) {
+    if (screenAreaWidget_ != nullptr && screenAreaWidget_ != widget)
+        screenAreaWidget_->hide();
+    screenAreaWidget_ = widget;
+    if (widget != nullptr) {
+        widget->setGeometry(ScreenArea());
+        widget->show();
+        widget->raise();
+        widget->setFocus();
     } else {
-        satelliteDataWindow_ = nullptr;
-        if (dialog_ != nullptr)
-            dialog_->hide();
         setFocus();
     }
-    if (onSatelliteDialog)
-        onSatelliteDialog(satelliteDataWindow_);
-}
-
-void MainWindow::FillSatelliteDialog() {
-    if (satelliteDataWindow_ != nullptr)
-        satelliteDataWindow_->Fill(shell_.link().Gps());
 }
 
 QWidget* MainWindow::KeyTarget() {
-    if (satelliteDataWindow_ != nullptr)
-        return satelliteDataWindow_;
+    if (screenAreaWidget_ != nullptr)
+        return screenAreaWidget_;
     return this;
 }
 
@@ -195,12 +164,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 // ---- painting ----
 
 void MainWindow::PaintScreenImage() {
-    const shell::ScreenView view = CurrentView();
-    const QSize size(std::max(1, view.right - view.left), std::max(1, view.bottom - view.top));
+    const QSize size = ScreenArea().size();
     if (screenImage_.size() != size)
         screenImage_ = QImage(size, QImage::Format_RGB32);
     if (painter_ != nullptr) {
-        painter_->Paint(screenImage_, view);
+        painter_->Paint(screenImage_, shell_.display(), shell_.fix());
     } else {
         screenImage_.fill(Qt::white);
     }
@@ -221,9 +189,9 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
     p.setFont(f);
     p.setPen(Qt::white);
     p.drawText(QRect(0, top, width() / 2, barHeight_), Qt::AlignCenter,
-               QString::fromUtf8(shell::LoadString(shell::kStrView)));
+               QString::fromUtf8(common::LoadString(common::kStrView)));
     p.drawText(QRect(width() / 2, top, width() - width() / 2, barHeight_), Qt::AlignCenter,
-               QString::fromUtf8(shell::LoadString(shell::kStrMenu)));
+               QString::fromUtf8(common::LoadString(common::kStrMenu)));
 }
 
 void MainWindow::paintEvent(QPaintEvent*) {
@@ -241,54 +209,42 @@ void MainWindow::paintEvent(QPaintEvent*) {
 
 void MainWindow::resizeEvent(QResizeEvent*) {
     if (painter_ != nullptr)
-        painter_->Layout(CurrentView());
-    if (dialog_ != nullptr)
-        dialog_->setGeometry(ScreenArea());
+        painter_->Layout(ScreenArea().size(), dpi_);
+    if (screenAreaWidget_ != nullptr)
+        screenAreaWidget_->setGeometry(ScreenArea());
     update();
 }
 
 // ---- input ----
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
-    if (!HandleKeyEvent(event))
+    if (!HandleProgramKey(event))
         QWidget::keyPressEvent(event);
 }
 
-bool MainWindow::HandleKeyEvent(QKeyEvent* event) {
+namespace {
+
+// Qt's keys for the handheld's hardware keys; 0 to 9 follow their digits.
+constexpr struct {
+    int qtKey;
+    Key key;
+} kKeyMap[] = {
+    {Qt::Key_Asterisk, Key::Star},  {Qt::Key_F8, Key::Star},      {Qt::Key_Left, Key::Left},
+    {Qt::Key_Right, Key::Right},    {Qt::Key_Up, Key::Up},        {Qt::Key_Down, Key::Down},
+    {Qt::Key_Return, Key::Return},  {Qt::Key_Enter, Key::Return}, {Qt::Key_Escape, Key::Escape},
+    {Qt::Key_Backspace, Key::Back}, {Qt::Key_Back, Key::Back},
+};
+
+}  // namespace
+
+bool MainWindow::HandleProgramKey(QKeyEvent* event) {
     std::optional<Key> key;
     const int k = event->key();
     if (k >= Qt::Key_0 && k <= Qt::Key_9)
         key = static_cast<Key>(static_cast<int>(Key::Digit0) + (k - Qt::Key_0));
-    switch (k) {
-        case Qt::Key_Asterisk:
-        case Qt::Key_F8:
-            key = Key::Star;
-            break;
-        case Qt::Key_Left:
-            key = Key::Left;
-            break;
-        case Qt::Key_Right:
-            key = Key::Right;
-            break;
-        case Qt::Key_Up:
-            key = Key::Up;
-            break;
-        case Qt::Key_Down:
-            key = Key::Down;
-            break;
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            key = Key::Return;
-            break;
-        case Qt::Key_Escape:
-            key = Key::Escape;
-            break;
-        case Qt::Key_Backspace:
-        case Qt::Key_Back:
-            key = Key::Back;
-            break;
-        default:
-            break;
+    for (const auto& entry : kKeyMap) {
+        if (entry.qtKey == k)
+            key = entry.key;
     }
     if (!key)
         return false;
@@ -305,8 +261,8 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
     // The tool strip's tabs take a tap first; the rest of the screen
     // belongs to the map and its buttons.
     if (painter_ != nullptr) {
-        if (const int id = painter_->TabCommandAt(pos.x(), pos.y()); id != 0)
-            shell_.OnCommand(id);
+        if (const int tab = painter_->TabAt(pos.x(), pos.y()); tab >= 0)
+            shell_.OnTabTapped(tab);
     }
 }
 

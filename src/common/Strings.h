@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace satwalk::shell {
+namespace satwalk::common {
 
 // The text of string `id`, or an empty view when the table has no such id.
 const char* LoadString(int id);
@@ -11,6 +11,13 @@ const char* LoadString(int id);
 // Fills the one "%s" of a table string (or of any format) with `argument`.
 std::string FormatString(const char* format, const std::string& argument);
 
+inline constexpr int kStrOk = 40005;
+inline constexpr int kStrAltitude = 40081;
+inline constexpr int kStrSpeed = 40082;
+inline constexpr int kStrCourse = 40083;
+inline constexpr int kStrSatellites = 40084;
+inline constexpr int kStrAlarm = 40088;
+inline constexpr int kStrOff = 40089;
 inline constexpr int kStrCaption = 40208;
 inline constexpr int kStrConfigureReceiverFirst = 40092;
 inline constexpr int kStrBluetoothPortFailed = 40093;
@@ -24,4 +31,7 @@ inline constexpr int kStrStartGps = 40109;
 inline constexpr int kStrMenu = 40077;
 inline constexpr int kStrView = 40078;
 
-}  // namespace satwalk::shell
+// The degree sign (character 176) as UTF-8, drawn after angles.
+inline constexpr const char* kDegreeSign = "\xC2\xB0";
+
+}  // namespace satwalk::common

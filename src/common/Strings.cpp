@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace satwalk::shell {
+namespace satwalk::common {
 
 namespace {
 
@@ -22,7 +22,9 @@ constexpr Entry kStrings[] = {
     {40077, "菜单"},
     {40078, "视图"},
     {40081, "海拔"},
+    {40082, "速度"},
     {40083, "方位角"},
+    {40084, "卫星数"},
     {40088, "警报"},
     {40089, "关闭"},
     {40090, "请设置至少2个参照点！"},
@@ -66,4 +68,4 @@ std::string FormatString(const char* format, const std::string& argument) {
     return out;
 }
 
-}  // namespace satwalk::shell
+}  // namespace satwalk::common

@@ -19,9 +19,9 @@
 #include <sstream>
 
 #include "CommandIds.h"
+#include "FeatureList.h"
 #include "MainWindow.h"
 #include "QtPlatform.h"
-#include "SatelliteDataDialog.h"
 #include "ScreenAdapter.h"
 #include "ScriptRunner.h"
 #include "Settings.h"
@@ -231,9 +231,9 @@ int main(int argc, char** argv) {
         return 0;
     }
     window.SetScreenPainter(&screens);
-    window.onSatelliteDialog = [&link](app::SatelliteDataDialog* dialog) {
-        link.SetDialog(dialog);
-    };
+    const std::vector<std::unique_ptr<shell::Feature>> features =
+        app::MakeFeatures(window, screens);
+    for (const auto& feature : features) window.shell().features().Add(*feature);
     window.onBacklight = [&inhibitor](bool hold) { inhibitor.Hold(hold); };
     link.AttachWindow(&window);
     // A port given for this run stands for the receiver; the saved choice of
@@ -252,15 +252,6 @@ int main(int argc, char** argv) {
         extras.optionsPath = optionsPath.toStdString();
         extras.messages = window.messages();
         extras.raiseRequests = window.property("raiseRequests").toInt();
-        if (const app::SatelliteDataDialog* dialog = window.satelliteDataWindow()) {
-            for (int row = 0; row < gps::kSatelliteRows; ++row) {
-                const QStringList texts = dialog->RowTexts(row);
-                std::array<std::string, 4> cells;
-                for (int c = 0; c < 4 && c < texts.size(); ++c)
-                    cells[static_cast<std::size_t>(c)] = texts[c].toStdString();
-                extras.satelliteDialogRows.push_back(cells);
-            }
-        }
         return shell::BuildStateJson(window.shell(), extras);
     };
     app::ScriptRunner runner(window, stateJson);

@@ -1,0 +1,87 @@
+// The map screen as an ordered list of layers, painted bottom first through
+// the screens' Canvas with one MapView: the world map or the loaded image,
+// then trails, POIs, reference markers, the position, and the overlay. A
+// feature adds its layer at its place in the order; the screen frame is
+// painted over them all.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "GpsState.h"
+#include "MapView.h"
+#include "Screens.h"
+
+namespace satwalk::map {
+
+// The place of a layer in the order; layers of the same place paint in the
+// order they were added.
+enum class LayerOrder {
+    BaseMap,
+    Trails,
+    PointsOfInterest,
+    ReferenceMarkers,
+    Position,
+    Overlay,
+};
+
+class MapLayer {
+  public:
+    virtual ~MapLayer() = default;
+    virtual void Paint(screens::Canvas& canvas, const MapView& view,
+                       const screens::ScreenContext& ctx, const gps::GpsState& fix) = 0;
+};
+
+class MapLayers {
+  public:
+    void Add(LayerOrder order, std::unique_ptr<MapLayer> layer);
+    void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+               const gps::GpsState& fix) const;
+    std::size_t size() const { return layers_.size(); }
+
+  private:
+    struct Entry {
+        LayerOrder order;
+        std::unique_ptr<MapLayer> layer;
+    };
+    std::vector<Entry> layers_;
+};
+
+// The world map fitted into the view, keeping its proportions.
+class WorldMapLayer final : public MapLayer {
+  public:
+    void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+               const gps::GpsState& fix) override;
+};
+
+// The position on the world map as a red dot while there is a fix.
+class WorldPositionLayer final : public MapLayer {
+  public:
+    void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+               const gps::GpsState& fix) override;
+};
+
+// The view of the map screen as the screens' layout and display state have
+// it: the screen rectangle, and the world map fitted into it.
+MapView WorldMapView(const screens::ScreenContext& ctx);
+
+// Places the map's button strip inside the view's right edge (the frame
+// paints it over the map screen).
+void LayoutMapOverlay(screens::ScreenContext& ctx);
+
+// The map screen: its layers, then the frame. Installed as the screens'
+// map painter.
+class MapScreen {
+  public:
+    MapLayers& layers() { return layers_; }
+    void Paint(screens::Canvas& canvas, screens::ScreenContext& ctx, const gps::GpsState& fix);
+
+  private:
+    MapLayers layers_;
+};
+
+// A map screen with the world map and the position dot, as the program
+// starts.
+std::unique_ptr<MapScreen> MakeWorldMapScreen();
+
+}  // namespace satwalk::map

@@ -1,0 +1,48 @@
+#include "Features.h"
+
+namespace satwalk::shell {
+
+void FeatureRegistry::Add(Feature& feature) {
+    features_.push_back(&feature);
+    feature.Register(*this);
+}
+
+void FeatureRegistry::AddCommand(int id, Command command) {
+    commands_[id] = std::move(command);
+}
+
+void FeatureRegistry::AddStateSection(StateSection section) {
+    sections_.push_back(std::move(section));
+}
+
+void FeatureRegistry::AddScriptStep(std::string verb, ScriptStep step) {
+    scriptSteps_[std::move(verb)] = std::move(step);
+}
+
+const Command* FeatureRegistry::FindCommand(int id) const {
+    const auto it = commands_.find(id);
+    return it == commands_.end() ? nullptr : &it->second;
+}
+
+const ScriptStep* FeatureRegistry::FindScriptStep(std::string_view verb) const {
+    const auto it = scriptSteps_.find(verb);
+    return it == scriptSteps_.end() ? nullptr : &it->second;
+}
+
+void FeatureRegistry::WriteStateSections(common::JsonMembers& members) const {
+    for (const StateSection& section : sections_) section(members);
+}
+
+void FeatureRegistry::NotifyGpsData() const {
+    for (Feature* f : features_) f->OnGpsData();
+}
+
+void FeatureRegistry::NotifyScreenChosen() const {
+    for (Feature* f : features_) f->OnScreenChosen();
+}
+
+void FeatureRegistry::NotifyExit() const {
+    for (Feature* f : features_) f->OnExit();
+}
+
+}  // namespace satwalk::shell

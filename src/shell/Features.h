@@ -1,0 +1,88 @@
+// How a feature plugs into the program. At start-up the composition root
+// hands each feature to the shell's FeatureRegistry; the feature registers
+// its commands (with the state of their menu entries), its members of the
+// state dump and its script steps, and is told of the shell's events. A new
+// feature is files in its own folder and one line in src/app.
+//
+// Everything here runs on the user-interface thread.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Json.h"
+
+namespace satwalk::shell {
+
+// How a command's menu entry looks at this moment.
+struct EntryState {
+    bool enabled = true;
+    bool checked = false;
+    std::string text;  // empty: the menu's own text
+};
+
+struct Command {
+    std::function<void(int id)> run;
+    // Empty: enabled, unchecked, with the menu's own text.
+    std::function<EntryState(int id)> state;
+};
+
+// Adds a feature's members to the state dump (an object begun elsewhere).
+using StateSection = std::function<void(common::JsonMembers& members)>;
+
+// One verb of script mode, given the words after it. False, with `error`
+// set, when they are not what it takes.
+using ScriptStep = std::function<bool(const std::vector<std::string>& words, std::string& error)>;
+
+class FeatureRegistry;
+
+class Feature {
+  public:
+    virtual ~Feature() = default;
+
+    // Once, at start-up.
+    virtual void Register(FeatureRegistry& registry) = 0;
+
+    // After each batch of receiver data, once the shell has taken its copy
+    // of the fix and checked the alarm.
+    virtual void OnGpsData() {}
+    // A screen was chosen (menu, key, tab), before it is shown.
+    virtual void OnScreenChosen() {}
+    // A confirmed exit, after the link has stopped and before the window
+    // closes.
+    virtual void OnExit() {}
+};
+
+class FeatureRegistry {
+  public:
+    // Registers `feature` (which outlives the registry) and lets it register
+    // its parts.
+    void Add(Feature& feature);
+
+    // A later command with the same id replaces the earlier one.
+    void AddCommand(int id, Command command);
+    void AddStateSection(StateSection section);
+    void AddScriptStep(std::string verb, ScriptStep step);
+
+    // Null when no one handles `id` (or `verb`).
+    const Command* FindCommand(int id) const;
+    const ScriptStep* FindScriptStep(std::string_view verb) const;
+
+    void WriteStateSections(common::JsonMembers& members) const;
+
+    // Each registered feature in turn.
+    void NotifyGpsData() const;
+    void NotifyScreenChosen() const;
+    void NotifyExit() const;
+
+  private:
+    std::vector<Feature*> features_;
+    std::map<int, Command> commands_;
+    std::vector<StateSection> sections_;
+    std::map<std::string, ScriptStep, std::less<>> scriptSteps_;
+};
+
+}  // namespace satwalk::shell
