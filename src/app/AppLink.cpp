@@ -40,7 +40,7 @@ void AppLink::Shutdown() {
 }
 
 bool AppLink::RegisterBluetoothPort(std::uint64_t) {
-    // Binding a Bluetooth receiver arrives with the Bluetooth search.
+    // No Bluetooth port can be bound here: the receiver is reached by --port.
     link_.lastErrorCode = common::err::kBluetoothPort;
     return false;
 }
@@ -51,12 +51,12 @@ void AppLink::SetComPort(std::uint32_t comPort) {
 }
 
 bool AppLink::OpenPort() {
-    return link::OpenPort(link_) == 1;
+    return link::OpenPort(link_);
 }
 
 bool AppLink::StartLink() {
     closing_ = false;
-    return link::StartLink(link_) == 1;
+    return link::StartLink(link_);
 }
 
 int AppLink::StopLink() {
@@ -68,29 +68,40 @@ bool AppLink::Start() {
     return watchdog_.isActive();
 }
 
-namespace {
-
-// The reader waits until the window has handled the call.
-template <typename Target>
-void Deliver(Target* target, void (Target::*handler)()) {
-    QMetaObject::invokeMethod(target, handler,
-                              QThread::currentThread() == target->thread()
-                                  ? Qt::DirectConnection
-                                  : Qt::BlockingQueuedConnection);
+// The hand-over of the fix: what the reader decoded is published before
+// the call, the handler runs on the window's thread while the reader waits,
+// and what the handler did is seen by the reader after the call. The pair of
+// atomics says so to any thread checker, whatever Qt's queue uses inside.
+void AppLink::Deliver(const char* slot) {
+    handOver_.fetch_add(1, std::memory_order_release);
+    QMetaObject::invokeMethod(
+        this, slot,
+        QThread::currentThread() == thread() ? Qt::DirectConnection : Qt::BlockingQueuedConnection);
+    handOver_.load(std::memory_order_acquire);
 }
 
-}  // namespace
+void AppLink::RunGpsData() {
+    handOver_.load(std::memory_order_acquire);
+    window_->HandleGpsData();
+    handOver_.fetch_add(1, std::memory_order_release);
+}
+
+void AppLink::RunGpsTime() {
+    handOver_.load(std::memory_order_acquire);
+    window_->HandleGpsTime();
+    handOver_.fetch_add(1, std::memory_order_release);
+}
 
 void AppLink::OnGpsData() {
     if (window_ == nullptr || closing_ || link_.stopRequested)
         return;
-    Deliver(window_, &MainWindow::HandleGpsData);
+    Deliver("RunGpsData");
 }
 
 void AppLink::OnGpsTime() {
     if (window_ == nullptr || closing_ || link_.stopRequested)
         return;
-    Deliver(window_, &MainWindow::HandleGpsTime);
+    Deliver("RunGpsTime");
 }
 
 void AppLink::OnStopCommand() {

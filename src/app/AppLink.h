@@ -24,6 +24,7 @@ class AppLink : public QObject,
                 public shell::LinkControl,
                 public link::LinkSink,
                 public link::LinkTimer {
+    Q_OBJECT
   public:
     AppLink();
     ~AppLink() override;
@@ -62,13 +63,22 @@ class AppLink : public QObject,
     bool Start() override;
     void Stop() override { watchdog_.stop(); }
 
+  private slots:
+    // The window's handlers, on its thread, while the reader waits.
+    void RunGpsData();
+    void RunGpsTime();
+
   private:
+    // Calls `slot` (one of the above) on the window's thread and waits.
+    void Deliver(const char* slot);
+
     link::ReceiverLink link_;
     link::PortMap portMap_;
     std::string overridePath_;
     MainWindow* window_ = nullptr;
     QTimer watchdog_;  // id 1
     std::atomic<bool> closing_{false};
+    std::atomic<unsigned> handOver_{0};  // orders the reader's and the handler's work
 };
 
 }  // namespace satwalk::app

@@ -63,7 +63,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     std::function<void()> onFirstFrame;
     // Backlight hold, set by the program.
     std::function<void(bool)> onBacklight;
-    // Track sampling, once the track log exists.
+    // Track sampling (timer 1027).
     std::function<void()> onTrackTick;
 
   public slots:

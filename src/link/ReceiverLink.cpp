@@ -83,11 +83,11 @@ void ClosePortFd(ReceiverLink& link) {
     link.portFd = -1;
 }
 
-int FailOpen(ReceiverLink& link, int fd, const char* code) {
+bool FailOpen(ReceiverLink& link, int fd, const char* code) {
     if (fd >= 0)
         ::close(fd);
     link.lastErrorCode = code;
-    return 0;
+    return false;
 }
 
 // True when a poll of the port reports the device gone.
@@ -108,9 +108,12 @@ void CloseByWatchdog(ReceiverLink& link) {
 // Takes the lock unless the link is stopping meanwhile (the stop may be
 // running inside a tick that holds the lock).
 bool LockUnlessStopping(ReceiverLink& link) {
-    while (!link.lock.try_lock_for(20ms)) {
+    // Polled rather than waited on with a time-out: the lock is held only
+    // for a tick, and a plain try-lock is what every thread checker knows.
+    while (!link.lock.try_lock()) {
         if (link.stopRequested || !link.portOpen)
             return false;
+        std::this_thread::sleep_for(1ms);
     }
     return true;
 }
@@ -141,7 +144,7 @@ ReceiverLink::~ReceiverLink() {
         ::close(wakeFd);
 }
 
-int OpenPort(ReceiverLink& link) {
+bool OpenPort(ReceiverLink& link) {
     ClosePortFd(link);
     const std::string path =
         link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
@@ -232,24 +235,24 @@ int OpenPort(ReceiverLink& link) {
     link.deviceGone = false;
     link.noDataTicks = 0;
     link.linkLossReason = kLossNone;
-    return 1;
+    return true;
 }
 
-int StartLink(ReceiverLink& link) {
+bool StartLink(ReceiverLink& link) {
     if (link.recordNmea)
         MakeNmeaLogPath(link);
 
     if (link.timer != nullptr && !link.timer->Start()) {
         ClosePortFd(link);
         link.lastErrorCode = common::err::kLinkTimer;
-        return 0;
+        return false;
     }
     const auto failThread = [&link] {
         if (link.timer != nullptr)
             link.timer->Stop();
         ClosePortFd(link);
         link.lastErrorCode = common::err::kReaderStart;
-        return 0;
+        return false;
     };
     {
         // A reader left over from a stop that timed out must be gone first.
@@ -289,7 +292,7 @@ int StartLink(ReceiverLink& link) {
                                   [&link] { return link.readerListening || !link.readerActive; });
     }
     link.running = true;
-    return 1;
+    return true;
 }
 
 std::uint32_t StopLink(ReceiverLink& link) {
@@ -431,7 +434,7 @@ void ReaderThread(ReceiverLink& link) {
 void LinkTimerProc(ReceiverLink& link) {
     if (!link.running)
         return;
-    std::lock_guard<std::timed_mutex> g(link.lock);
+    std::lock_guard<std::mutex> g(link.lock);
     link.processPending = true;
     ++link.noDataTicks;
     if (++link.watchdogTicks >= kTimeSyncEveryTicks) {

@@ -131,7 +131,7 @@ struct ReceiverLink {
 
     // Guards noDataTicks and watchdogTicks across a tick and the watchdog's
     // close of the port. Held for the whole of LinkTimerProc.
-    std::timed_mutex lock;
+    std::mutex lock;
 
     // --- Internals of the reader thread ---
     int wakeFd = -1;                           // eventfd the watchdog and StopLink signal
@@ -147,15 +147,15 @@ struct ReceiverLink {
 // Opens the port (devicePath, else portName through the default map) and
 // configures it: raw 8-bit input, the baud rate, byteSize/parity/stopBits,
 // no hardware handshake, DTR and RTS dropped, XON/XOFF both ways, reads that
-// return at once, both queues flushed. Returns 1, or 0 with lastErrorCode set
-// and the port closed.
-int OpenPort(ReceiverLink& link);
+// return at once, both queues flushed. False with lastErrorCode set and the
+// port closed.
+bool OpenPort(ReceiverLink& link);
 
 // Names the recording file (when recordNmea is set), starts the watchdog
 // timer (when one is attached) and the reader thread, and returns once the
 // reader has purged the port and listens (bytes sent from then on are read).
-// Returns 1, or 0 with lastErrorCode set and the port closed.
-int StartLink(ReceiverLink& link);
+// False with lastErrorCode set and the port closed.
+bool StartLink(ReceiverLink& link);
 
 // Stops the timer and the reader (waiting at most 1,000 ms for it), closes
 // the port, resets the tick counters, running and fixValid. Returns

@@ -315,13 +315,13 @@ int TabOfScreen(const ScreenContext& ctx) {
 }
 
 struct PortraitStrip {
-    int w, h, tile, srcY, pitch, srcX0;
+    int width, height, tile, srcY, pitch, srcX0;
 };
 constexpr PortraitStrip kPortraitHi{480, 129, 74, 55, 79, 5};
 constexpr PortraitStrip kPortraitLo{240, 66, 38, 27, 40, 1};
 
 struct LandscapeStrip {
-    int w, h, tile, pitch, alarmW, alarmH, cell;
+    int width, height, tile, pitch, alarmWidth, alarmHeight, cell;
 };
 constexpr LandscapeStrip kLandscapeHi{52, 332, 51, 56, 42, 337, 42};
 constexpr LandscapeStrip kLandscapeLo{28, 168, 27, 28, 21, 169, 21};
@@ -344,13 +344,13 @@ Rect TabRect(const ScreenContext& ctx, int tab) {
     const Rect& s = ctx.frame;
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
-        const int ox = (s.right - p.w - s.left) / 2;
+        const int ox = (s.right - p.width - s.left) / 2;
         const int x = ox + p.srcX0 + tab * p.pitch;
-        const int y = s.bottom - p.h + p.srcY;
+        const int y = s.bottom - p.height + p.srcY;
         return Rect{x, y, x + p.tile, y + p.tile};
     }
     const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
-    const int y = LandscapeStripTop(ctx, l.h) + tab * l.pitch;
+    const int y = LandscapeStripTop(ctx, l.height) + tab * l.pitch;
     return Rect{0, y, l.tile, y + l.tile};
 }
 
@@ -385,13 +385,14 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
         const int cw = hi ? 59 : 30, chh = hi ? 46 : 23;
         const int sx = (hi ? 5 : 1) + cw * k;
         canvas.Blit(ctx.bitmaps[BitmapId::ToolStripPortrait.value], Rect{sx, 0, sx + cw, chh},
-                    Point{((s.right - s.left) - p.w) / 2 + sx, s.bottom - p.h});
+                    Point{((s.right - s.left) - p.width) / 2 + sx, s.bottom - p.height});
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
-        const int x = s.right - b / 5 - l.alarmW;
-        const int top = b + (s.bottom - l.alarmH - s.top - b) / 2;
+        const int x = s.right - b / 5 - l.alarmWidth;
+        const int top = b + (s.bottom - l.alarmHeight - s.top - b) / 2;
         canvas.Blit(ctx.bitmaps[BitmapId::AlarmStrip.value],
-                    Rect{0, l.cell * k, l.alarmW, l.cell * k + l.cell}, Point{x, top + l.cell * k});
+                    Rect{0, l.cell * k, l.alarmWidth, l.cell * k + l.cell},
+                    Point{x, top + l.cell * k});
     }
 }
 
@@ -401,10 +402,10 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
     const Rect& s = ctx.frame;
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
-        const int ox = (s.right - p.w - s.left) / 2;
-        const int stripTop = s.bottom - p.h;
-        canvas.TransparentBlit(ctx.bitmaps[BitmapId::ToolStripPortrait.value], Rect{0, 0, p.w, p.h},
-                               Point{ox, stripTop}, kStripKey);
+        const int ox = (s.right - p.width - s.left) / 2;
+        const int stripTop = s.bottom - p.height;
+        canvas.TransparentBlit(ctx.bitmaps[BitmapId::ToolStripPortrait.value],
+                               Rect{0, 0, p.width, p.height}, Point{ox, stripTop}, kStripKey);
         DrawTabHighlight(canvas, ctx);
         if (hi) {
             // The readouts sit on their tabs wherever the strip is centred
@@ -421,25 +422,25 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
         }
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
-        const int y0 = LandscapeStripTop(ctx, l.h);
+        const int y0 = LandscapeStripTop(ctx, l.height);
         canvas.TransparentBlit(ctx.bitmaps[BitmapId::ToolStripLandscape.value],
-                               Rect{0, 0, l.w, l.h}, Point{0, y0}, kStripKey);
+                               Rect{0, 0, l.width, l.height}, Point{0, y0}, kStripKey);
         DrawTabHighlight(canvas, ctx);
         if (hi) {
-            DrawCourseArrow(canvas, gps, 15, l.w / 2, y0 + 201, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 225, l.w + 1, y0 + 275},
+            DrawCourseArrow(canvas, gps, 15, l.width / 2, y0 + 201, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 225, l.width + 1, y0 + 275},
                              (2 * b) / 3 - 2, true);
             DrawMiniSkyPlot(canvas, ctx, gps, 22, 27, y0 + 305, b / 4);
         } else {
-            DrawCourseArrow(canvas, gps, 8, l.w / 2, y0 + 100, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 113, l.w + 1, y0 + 139},
+            DrawCourseArrow(canvas, gps, 8, l.width / 2, y0 + 100, b / 2);
+            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 113, l.width + 1, y0 + 139},
                              (2 * b) / 3 + 1, true);
             DrawMiniSkyPlot(canvas, ctx, gps, 12, 14, y0 + 153, b / 3);
         }
-        const int ax = s.right - b / 5 - l.alarmW;
-        const int ay = b + (s.bottom - l.alarmH - s.top - b) / 2;
+        const int ax = s.right - b / 5 - l.alarmWidth;
+        const int ay = b + (s.bottom - l.alarmHeight - s.top - b) / 2;
         canvas.TransparentBlit(ctx.bitmaps[BitmapId::AlarmStrip.value],
-                               Rect{0, 0, l.alarmW, l.alarmH}, Point{ax, ay}, kStripKey);
+                               Rect{0, 0, l.alarmWidth, l.alarmHeight}, Point{ax, ay}, kStripKey);
     }
     DrawAlarmCell(canvas, ctx);
     if (ctx.display.currentScreen == kScreenMap) {

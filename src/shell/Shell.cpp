@@ -314,7 +314,6 @@ void Shell::OnGpsData() {
     if (!timeSyncedThisBatch_)
         fix_.fixTimeLocal = clock;
     timeSyncedThisBatch_ = false;
-    // The map takes the position here once it exists.
     alarm_.CheckSpeedAlarm(CurrentSpeed(fix_, settings_.units), settings_.speedAlarmOn != 0,
                            settings_.speedAlarmLimit, link_.Running());
     Repaint();

@@ -84,6 +84,8 @@ inline bool WaitFor(const std::function<bool()>& done,
 class RecordingSink final : public LinkSink {
   public:
     explicit RecordingSink(ReceiverLink& l) : link(l) {}
+    // The reader may be inside a handler: it ends before the sink goes.
+    ~RecordingSink() { StopLink(link); }
     void OnGpsData() override {
         if (onData)
             onData();

@@ -25,8 +25,8 @@ class LinkTest : public ::testing::Test {
         link.devicePath = receiver.path();
         link.baudRate = 9600;
         link.sink = &sink;
-        ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
-        ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+        ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
+        ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
     }
 
     // Sends bytes and waits until the reader holds them (no tick involved).
@@ -107,12 +107,16 @@ TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
         std::snprintf(lat, sizeof lat, "3112.%04d", i);
         burst += Rmc(lat);
     }
+    // Set up with the reader stopped: nothing but the port orders the burst
+    // before the reader's handler.
+    StopLink(link);
     const std::string dir = MakeTempDir();
     link.nmeaFolder = dir;
     link.recordNmea = true;
-    MakeNmeaLogPath(link);
     std::vector<std::string> batches;
     sink.onData = [&] { batches.emplace_back(link.buffer, link.bufferLength); };
+    ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
+    ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
     receiver.Send(burst);
     ASSERT_TRUE(sink.WaitBatches(1)) << "an overflow must decode without a tick";
     // Whatever arrives after the overflow waits for the tick.
@@ -207,8 +211,8 @@ TEST_F(LinkTest, StopNeverWaitsMoreThanItsBoundForABusyHandler) {
     FakeReceiver second;
     link.devicePath = second.path();
     sink.onData = nullptr;
-    ASSERT_EQ(OpenPort(link), 1);
-    ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+    ASSERT_TRUE(OpenPort(link));
+    ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
     second.Send(Rmc("3112.0005"));
     ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
     LinkTimerProc(link);
@@ -240,7 +244,7 @@ TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
         link.devicePath = c.path;
         link.baudRate = c.baud;
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(OpenPort(link), 0) << c.name;
+        EXPECT_FALSE(OpenPort(link)) << c.name;
         EXPECT_EQ(link.lastErrorCode, c.code) << c.name;
         EXPECT_EQ(link.portFd, -1) << c.name;
         EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << c.name << " was retried";
@@ -254,7 +258,7 @@ TEST(OpenPortTest, SetsTheLineUpForEveryOfferedRate) {
         ReceiverLink link;
         link.devicePath = pty.path();
         link.baudRate = baud;
-        ASSERT_EQ(OpenPort(link), 1) << baud << " " << link.lastErrorCode;
+        ASSERT_TRUE(OpenPort(link)) << baud << " " << link.lastErrorCode;
         termios tio{};
         ASSERT_EQ(tcgetattr(link.portFd, &tio), 0);
         EXPECT_EQ(tio.c_cflag & CSIZE, static_cast<tcflag_t>(CS8)) << baud;

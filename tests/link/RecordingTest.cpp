@@ -28,8 +28,8 @@ class RecordingTest : public ::testing::Test {
 
     void Start(FakeReceiver& receiver) {
         link.devicePath = receiver.path();
-        ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
-        ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+        ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
+        ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
     }
 
     // Sends bytes, waits until the reader holds `held` characters, ticks and

@@ -27,8 +27,8 @@ TEST(ReplayReceiverTest, PlaysIntoALinkAndHangsUpAtTheEnd) {
     RecordingSink sink(link);
     link.sink = &sink;
     link.devicePath = replay.slavePath();
-    ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
-    ASSERT_EQ(StartLink(link), 1);
+    ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
+    ASSERT_TRUE(StartLink(link));
 
     replay.SetLog(Rmc("3112.0001") + Rmc("3112.0002") + Rmc("3112.0003"));
     ASSERT_TRUE(replay.Start({50.0, false}));

@@ -440,7 +440,8 @@ TEST_F(ShellTest, FeaturesPlugInCommandsMenuStatesAndStateSections) {
     EXPECT_EQ(probe.runs, 1);
     EXPECT_EQ(settings.showPoi, 1u) << "the feature's command replaced the shell's";
     probe.checked = true;
-    const MenuEntry* entry = FindMenuEntry(shell.BuildViewMenu(), cmd::kShowPoi);
+    const MenuEntry view = shell.BuildViewMenu();
+    const MenuEntry* entry = FindMenuEntry(view, cmd::kShowPoi);
     ASSERT_NE(entry, nullptr);
     EXPECT_TRUE(entry->checked);
     EXPECT_EQ(entry->text, "POI!");
