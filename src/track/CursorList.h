@@ -52,6 +52,11 @@ class CursorList {
     static constexpr std::uint32_t kChunk =
         sizeof(T) * 4 > 16384 ? 4u : static_cast<std::uint32_t>(16384 / sizeof(T));
 
+    // A list never grows past a gigabyte: beyond that, as when memory runs
+    // out, the program ends with kListOutOfMemory rather than being killed.
+    static constexpr std::uint32_t kMaxCount =
+        static_cast<std::uint32_t>((std::size_t{1} << 30) / sizeof(T));
+
     CursorList() = default;
     ~CursorList() { Free(); }
     CursorList(const CursorList& other) { CopyFrom(other); }
@@ -139,7 +144,7 @@ class CursorList {
   private:
     template <typename U>
     std::uint32_t Emplace(U&& element) {
-        if (count_ == UINT32_MAX - 1 || count_ >= static_cast<std::uint32_t>(INT32_MAX))
+        if (count_ >= kMaxCount)
             ReportListFailure(ListFailure::OutOfMemory);
         const std::uint32_t c = count_ / kChunk;
         if (c == chunkCount_)
