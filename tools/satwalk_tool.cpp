@@ -14,7 +14,11 @@ constexpr const char* kUsage =
     "  replay FILE [--rate X] [--loop]\n"
     "      play an NMEA log through a pseudo-terminal at its recorded pace\n"
     "  log --port PATH [--baud N] [--record DIR] [--seconds S]\n"
-    "      run the receiver link on a port, one JSON fix per decoded batch\n";
+    "      run the receiver link on a port, one JSON fix per decoded batch\n"
+    "  track FILE.log [--gpx]\n"
+    "      a track log's points as JSON, or as a GPX 1.1 track\n"
+    "  poi FILE.csv\n"
+    "      a POI file's category and points as the program imports them\n";
 
 struct Command {
     std::string_view name;
@@ -25,6 +29,8 @@ constexpr Command kCommands[] = {
     {"decode", satwalk::tools::RunDecode},
     {"replay", satwalk::tools::RunReplay},
     {"log", satwalk::tools::RunLog},
+    {"track", satwalk::tools::RunTrack},
+    {"poi", satwalk::tools::RunPoi},
 };
 
 }  // namespace
