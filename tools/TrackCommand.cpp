@@ -66,7 +66,8 @@ bool IsCalendarTime(const track::TrackTime& t) {
     return t.year >= 1 && t.month >= 1 && t.month <= 12 && t.day >= 1 &&
            t.day <= kDays[t.month - 1] && t.hour >= 0 && t.hour < 24 && t.minute >= 0 &&
            t.minute < 60 && t.second >= 0 && t.second < 60 &&
-           (t.month != 2 || t.day < 29 || (t.year % 4 == 0 && (t.year % 100 != 0 || t.year % 400 == 0)));
+           (t.month != 2 || t.day < 29 ||
+            (t.year % 4 == 0 && (t.year % 100 != 0 || t.year % 400 == 0)));
 }
 
 // Local time to UTC through the system time zone; the zone's offset is
@@ -74,8 +75,8 @@ bool IsCalendarTime(const track::TrackTime& t) {
 class LocalToUtc {
   public:
     bool Convert(const track::TrackTime& t, std::tm& utc) {
-        const long long localSeconds =
-            DaysFromCivil(t.year, t.month, t.day) * 86400 + t.hour * 3600 + t.minute * 60 + t.second;
+        const long long localSeconds = DaysFromCivil(t.year, t.month, t.day) * 86400 +
+                                       t.hour * 3600 + t.minute * 60 + t.second;
         const long long hourKey = localSeconds / 3600;
         if (hourKey != hourKey_) {
             std::tm local{};
@@ -159,7 +160,8 @@ int RunTrack(int argc, char** argv) {
     if (gpx) {
         out.text +=
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-            "<gpx version=\"1.1\" creator=\"Satwalk\" xmlns=\"http://www.topografix.com/GPX/1/1\">\n"
+            "<gpx version=\"1.1\" creator=\"Satwalk\" "
+            "xmlns=\"http://www.topografix.com/GPX/1/1\">\n"
             "<trk>\n<trkseg>\n";
     } else {
         out.text += "{\"points\":[";

@@ -26,10 +26,8 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"decode", satwalk::tools::RunDecode},
-    {"replay", satwalk::tools::RunReplay},
-    {"log", satwalk::tools::RunLog},
-    {"track", satwalk::tools::RunTrack},
+    {"decode", satwalk::tools::RunDecode}, {"replay", satwalk::tools::RunReplay},
+    {"log", satwalk::tools::RunLog},       {"track", satwalk::tools::RunTrack},
     {"poi", satwalk::tools::RunPoi},
 };
 

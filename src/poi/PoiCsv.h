@@ -31,8 +31,8 @@ namespace satwalk::poi {
 inline constexpr std::size_t kPoiTextBytes = 58;
 
 struct PoiRecord {
-    double latitude = 0;   // signed degrees, column 1
-    double longitude = 0;  // signed degrees, column 0
+    double latitude = 0;            // signed degrees, column 1
+    double longitude = 0;           // signed degrees, column 0
     char name[kPoiTextBytes] = {};  // column 2, UTF-8, NUL-terminated: the label
     char note[kPoiTextBytes] = {};  // column 3, UTF-8, NUL-terminated: kept, not shown
 };

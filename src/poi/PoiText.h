@@ -23,8 +23,8 @@ class Utf8Validator {
 
   private:
     bool valid_ = true;
-    int need_ = 0;               // continuation bytes still due
-    unsigned char low_ = 0x80;   // range of the next continuation byte
+    int need_ = 0;              // continuation bytes still due
+    unsigned char low_ = 0x80;  // range of the next continuation byte
     unsigned char high_ = 0xBF;
 };
 

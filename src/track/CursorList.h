@@ -49,8 +49,9 @@ template <typename T>
 class CursorList {
   public:
     // About 16 KiB a chunk, at least 4 elements.
-    static constexpr std::uint32_t kChunk =
-        sizeof(T) * 4 > 16384 ? 4u : static_cast<std::uint32_t>(16384 / sizeof(T));
+    static constexpr std::uint32_t kChunk = sizeof(T) * 4 > 16384
+                                                ? 4u
+                                                : static_cast<std::uint32_t>(16384 / sizeof(T));
 
     // A list never grows past a gigabyte: beyond that, as when memory runs
     // out, the program ends with kListOutOfMemory rather than being killed.
@@ -91,9 +92,7 @@ class CursorList {
         if (HasCurrent())
             ++index_;
     }
-    bool HasCurrent() const {
-        return index_ >= 0 && static_cast<std::uint32_t>(index_) < count_;
-    }
+    bool HasCurrent() const { return index_ >= 0 && static_cast<std::uint32_t>(index_) < count_; }
     // The element under the cursor; with none the program ends.
     const T& Current() const {
         if (!HasCurrent())
@@ -165,8 +164,8 @@ class CursorList {
             chunks_ = static_cast<T**>(table);
             chunkCapacity_ = capacity;
         }
-        void* chunk = ::operator new(sizeof(T) * kChunk, std::align_val_t{alignof(T)},
-                                     std::nothrow);
+        void* chunk =
+            ::operator new (sizeof(T) * kChunk, std::align_val_t{alignof(T)}, std::nothrow);
         if (chunk == nullptr)
             ReportListFailure(ListFailure::OutOfMemory);
         chunks_[chunkCount_++] = static_cast<T*>(chunk);
@@ -175,7 +174,7 @@ class CursorList {
     void Free() {
         for (std::uint32_t i = 0; i < count_; ++i) At(i).~T();
         for (std::uint32_t c = 0; c < chunkCount_; ++c)
-            ::operator delete(static_cast<void*>(chunks_[c]), std::align_val_t{alignof(T)});
+            ::operator delete (static_cast<void*>(chunks_[c]), std::align_val_t{alignof(T)});
         std::free(static_cast<void*>(chunks_));
         chunks_ = nullptr;
         chunkCount_ = chunkCapacity_ = count_ = 0;

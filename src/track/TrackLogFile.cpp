@@ -55,7 +55,8 @@ namespace {
 // "%f": six decimals, a '.' whatever the locale says.
 void AppendFixed6(std::string& out, double value) {
     char digits[400];
-    const auto r = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
+    const auto r =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 6);
     out.append(digits, r.ec == std::errc() ? r.ptr : digits);
 }
 
@@ -84,11 +85,11 @@ std::string FormatTrackLine(double longitude, double latitude, const TrackTime& 
 TrackWrite AppendTrackLine(const std::string& path, std::string_view line) {
     // Non-blocking so that a FIFO in the track folder cannot hang the
     // program; only a regular file is written.
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK,
-                          0644);
+    const int fd =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
     if (fd < 0)
         return TrackWrite::NotOpened;
-    struct stat st{};
+    struct stat st {};
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         ::close(fd);
         return TrackWrite::NotOpened;
@@ -101,8 +102,8 @@ TrackWrite AppendTrackLine(const std::string& path, std::string_view line) {
     TrackWrite result = end < 0 ? TrackWrite::NotWritten : TrackWrite::Written;
     std::size_t done = 0;
     while (result == TrackWrite::Written && done < line.size()) {
-        const ssize_t n = ::pwrite(fd, line.data() + done, line.size() - done,
-                                   end + static_cast<off_t>(done));
+        const ssize_t n =
+            ::pwrite(fd, line.data() + done, line.size() - done, end + static_cast<off_t>(done));
         if (n > 0)
             done += static_cast<std::size_t>(n);
         else if (n < 0 && errno == EINTR)

@@ -86,7 +86,7 @@ TrackLogResult ReadTrackLog(const std::string& path, const TrackPointSink& onPoi
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (fd < 0)
         return TrackLogResult::OpenFailed;
-    struct stat st{};
+    struct stat st {};
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         ::close(fd);
         return TrackLogResult::OpenFailed;

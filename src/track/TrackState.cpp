@@ -135,8 +135,7 @@ ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::s
         return ViewResult::BeingWritten;
     {
         const std::lock_guard lock(state.trackLock);
-        if (!ReadInto(path, &state.viewedWorldTrail, &state.viewedMapTrail, projections,
-                      progress))
+        if (!ReadInto(path, &state.viewedWorldTrail, &state.viewedMapTrail, projections, progress))
             return ViewResult::OpenFailed;
     }
     state.viewedTrackPath = path;

@@ -42,16 +42,16 @@ inline constexpr const char* kOpenTrackLogFailed = "Open Track Log failed!";
 // already projected onto the two maps (the map code's projections).
 struct TrackSample {
     TrackTime time;
-    bool fixValid = false;          // the link's fixValid
-    double longitude = 0;           // signed degrees
-    double latitude = 0;            // signed degrees
-    std::string_view speedKnots;    // the receiver's texts, written as they are
+    bool fixValid = false;        // the link's fixValid
+    double longitude = 0;         // signed degrees
+    double latitude = 0;          // signed degrees
+    std::string_view speedKnots;  // the receiver's texts, written as they are
     std::string_view course;
     std::string_view altitude;
-    bool worldValid = false;        // the current position converted
-    float worldX = 0, worldY = 0;   // on the world map
-    bool mapValid = false;          // a calibrated map is shown and the position is on it
-    float mapX = 0, mapY = 0;       // image pixels of that map
+    bool worldValid = false;       // the current position converted
+    float worldX = 0, worldY = 0;  // on the world map
+    bool mapValid = false;         // a calibrated map is shown and the position is on it
+    float mapX = 0, mapY = 0;      // image pixels of that map
 };
 
 // A sample's texts and degrees from the fix record (the record must outlive

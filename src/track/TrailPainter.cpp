@@ -114,8 +114,7 @@ void TrailPainter::BuildMarkers(Rect view) {
     for (int y = firstRow; y <= lastRow + 1; ++y) {
         next_.clear();
         std::size_t o = 0;
-        const std::uint8_t* row =
-            y <= lastRow ? &mask_[static_cast<std::size_t>(y) * w] : nullptr;
+        const std::uint8_t* row = y <= lastRow ? &mask_[static_cast<std::size_t>(y) * w] : nullptr;
         for (int x = 0; row != nullptr && x < w;) {
             if (row[x] == 0) {
                 ++x;
