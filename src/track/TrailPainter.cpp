@@ -1,6 +1,7 @@
 #include "TrailPainter.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace satwalk::track {
@@ -24,8 +25,14 @@ int ToPixel(double v) {
 
 }  // namespace
 
+std::span<const Point> TrailPainter::Stroke(std::size_t i) const {
+    const std::uint32_t begin = i == 0 ? 0 : strokeEnds_[i - 1];
+    return std::span<const Point>(strokes_).subspan(begin, strokeEnds_[i] - begin);
+}
+
 std::size_t TrailPainter::MemoryBytes() const {
-    return polyline_.capacity() * sizeof(Point) + markers_.capacity() * sizeof(Rect) +
+    return (polyline_.capacity() + strokes_.capacity()) * sizeof(Point) +
+           strokeEnds_.capacity() * sizeof(std::uint32_t) + markers_.capacity() * sizeof(Rect) +
            mask_.capacity() + (open_.capacity() + next_.capacity()) * sizeof(Rect);
 }
 
@@ -36,8 +43,7 @@ void TrailPainter::Draw(screens::Canvas& canvas, const TrackList& trail,
                !(view_ == view) || penWidth_ != penWidth;
     if (rebuilt_)
         Rebuild(trail, transform, view, penWidth);
-    if (polyline_.size() > 1)
-        canvas.Polyline(polyline_, style.line);
+    for (std::size_t i = 0; i < strokeEnds_.size(); ++i) canvas.Polyline(Stroke(i), style.line);
     for (const Rect& r : markers_) canvas.FillRect(r, style.marker);
 }
 
@@ -85,7 +91,34 @@ void TrailPainter::Rebuild(const TrackList& trail, const TrailTransform& t, Rect
     });
     if (holding)
         polyline_.push_back(held);
+    BuildStrokes(view, penWidth);
     BuildMarkers(view);
+}
+
+void TrailPainter::BuildStrokes(Rect view, int penWidth) {
+    strokes_.clear();
+    strokeEnds_.clear();
+    // How far apart two vertices may be for their markers to hide the line
+    // between them: each marker reaches 3 pixels back and 2 on, and a pen
+    // of width w strays w / 2 from the ideal line.
+    const int reach = penWidth <= 1 ? 4 : penWidth == 2 ? 3 : 0;
+    const auto fullMarker = [&](Point p) {
+        return p.x - kMarkerBefore >= view.left &&
+               p.x - kMarkerBefore + kMarkerSize <= view.right && p.y - kMarkerBefore >= view.top &&
+               p.y - kMarkerBefore + kMarkerSize <= view.bottom;
+    };
+    for (std::size_t i = 1; i < polyline_.size(); ++i) {
+        const Point a = polyline_[i - 1], b = polyline_[i];
+        if (std::abs(b.x - a.x) <= reach && std::abs(b.y - a.y) <= reach && fullMarker(a) &&
+            fullMarker(b))
+            continue;
+        if (strokes_.empty() || !(strokes_.back() == a)) {  // a new piece starts at a
+            strokes_.push_back(a);
+            strokeEnds_.push_back(0);
+        }
+        strokes_.push_back(b);
+        strokeEnds_.back() = static_cast<std::uint32_t>(strokes_.size());
+    }
 }
 
 void TrailPainter::BuildMarkers(Rect view) {

@@ -5,9 +5,12 @@
 // can show instead: points that land on the same pixel as the one before
 // are drawn once, and a stretch of points that all lie beyond one edge of
 // the view (where no segment between them can be seen) is drawn as its
-// first and last point. The markers are gathered into a mask of the view
-// and drawn as the rectangles that cover it. The result is kept and only
-// built again when the trail, the transform or the view changes.
+// first and last point. A segment that the markers of its two ends cover
+// entirely (both ends in the view, at most 4 pixels apart for a thin pen)
+// is left out of the lines, as the markers are drawn over it anyway. The
+// markers are gathered into a mask of the view and drawn as the rectangles
+// that cover it. The result is kept and only built again when the trail,
+// the transform or the view changes.
 #pragma once
 
 #include <cstdint>
@@ -42,8 +45,12 @@ class TrailPainter {
     void Draw(screens::Canvas& canvas, const TrackList& trail, const TrailTransform& transform,
               screens::Rect view, const TrailStyle& style = {});
 
-    // What the last Draw drew, and whether it had to build it.
+    // What the last Draw drew, and whether it had to build it: the
+    // simplified vertices (each gets a marker), the pieces of line drawn,
+    // the marker rectangles.
     std::span<const screens::Point> Polyline() const { return polyline_; }
+    std::size_t StrokeCount() const { return strokeEnds_.size(); }
+    std::span<const screens::Point> Stroke(std::size_t i) const;
     std::span<const screens::Rect> MarkerRects() const { return markers_; }
     bool Rebuilt() const { return rebuilt_; }
     std::size_t MemoryBytes() const;
@@ -51,6 +58,7 @@ class TrailPainter {
   private:
     void Rebuild(const TrackList& trail, const TrailTransform& transform, screens::Rect view,
                  int penWidth);
+    void BuildStrokes(screens::Rect view, int penWidth);
     void BuildMarkers(screens::Rect view);
 
     // The key of the kept result.
@@ -62,6 +70,8 @@ class TrailPainter {
 
     bool rebuilt_ = false;
     std::vector<screens::Point> polyline_;
+    std::vector<screens::Point> strokes_;    // the pieces of line, one after another
+    std::vector<std::uint32_t> strokeEnds_;  // where each piece ends in strokes_
     std::vector<screens::Rect> markers_;
     std::vector<std::uint8_t> mask_;
     std::vector<screens::Rect> open_, next_;

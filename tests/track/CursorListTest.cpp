@@ -15,10 +15,10 @@ using IntList = CursorList<int>;
 
 struct CursorCase {
     const char* name;
-    int count;                  // elements 0, 1, 2, ... appended first
-    std::vector<int> seeks;     // then each of these Seek(i), then
-    int nexts;                  // this many Next()
-    int index;                  // expected cursor position
+    int count;               // elements 0, 1, 2, ... appended first
+    std::vector<int> seeks;  // then each of these Seek(i), then
+    int nexts;               // this many Next()
+    int index;               // expected cursor position
     bool hasCurrent;
 };
 

@@ -33,7 +33,8 @@ TEST(TrackLogFile, NameAndLines) {
         {12.5, -33.25, "0.52", "123.40", "35.2",
          "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"},
         {-0.1234565, 51.5, "", "", "", "-0.123456,51.500000,,20070315 14:25:30,,,\r\n"},
-        {120.15, 30.25, "10.0", "90.0", "", "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"},
+        {120.15, 30.25, "10.0", "90.0", "",
+         "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"},
     };
     // The line is the same whatever the user's locale says about decimals.
     const bool german = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
@@ -84,8 +85,7 @@ TEST(TrackRecording, SamplesGoToTheFileAndTheTrails) {
         const std::string path = state.trackFolder + "/20070315142530.log";
         const std::string text = ReadFile(path);
         EXPECT_EQ(access(path.c_str(), F_OK) == 0, c.fileExists) << c.name;
-        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), static_cast<long>(c.lines))
-            << c.name;
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), static_cast<long>(c.lines)) << c.name;
         EXPECT_EQ(state.liveWorldTrail.Count(), c.worldPoints) << c.name;
         EXPECT_EQ(state.liveMapTrail.Count(), c.mapPoints) << c.name;
     }

@@ -36,7 +36,9 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
          {{1, 1}, {2, 3}},
          {10, 5, -10, 100},
          {{15, 90}, {25, 70}}},
-        {"a pixel is drawn once", {{10, 10}, {10.2f, 10.7f}, {11, 10}, {10.9f, 10.1f}}, identity,
+        {"a pixel is drawn once",
+         {{10, 10}, {10.2f, 10.7f}, {11, 10}, {10.9f, 10.1f}},
+         identity,
          {{10, 10}, {11, 10}, {10, 10}}},
         {"a stretch beyond one edge keeps its ends",
          {{100, 100}, {-50, 10}, {-60, 300}, {-70, 20}, {-80, 500}, {200, 200}},
@@ -56,9 +58,40 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
         TrailPainter painter;
         const TrackList trail = Trail(c.points);
         painter.Draw(canvas, trail, c.transform, kView);
-        const auto lines = canvas.OfKind(CanvasCall::Kind::Polyline);
-        ASSERT_EQ(lines.size(), 1u) << c.name;
-        EXPECT_EQ(lines[0].points, c.polyline) << c.name;
+        const auto vertices = painter.Polyline();
+        EXPECT_EQ(std::vector<Point>(vertices.begin(), vertices.end()), c.polyline) << c.name;
+    }
+}
+
+TEST(TrailPainter, LinesHiddenUnderMarkersAreLeftOut) {
+    struct StrokeCase {
+        const char* name;
+        std::vector<std::pair<float, float>> points;
+        int penWidth;
+        std::vector<std::vector<Point>> strokes;
+    };
+    const StrokeCase cases[] = {
+        {"4 pixels apart: covered", {{100, 100}, {104, 96}}, 1, {}},
+        {"5 pixels apart: drawn", {{100, 100}, {105, 100}}, 1, {{{100, 100}, {105, 100}}}},
+        {"a wide pen shows between close markers",
+         {{100, 100}, {104, 100}},
+         3,
+         {{{100, 100}, {104, 100}}}},
+        {"an end whose marker is clipped", {{1, 100}, {4, 100}}, 1, {{{1, 100}, {4, 100}}}},
+        {"pieces join while they follow on",
+         {{100, 100}, {110, 100}, {120, 100}, {121, 101}, {140, 100}},
+         1,
+         {{{100, 100}, {110, 100}, {120, 100}}, {{121, 101}, {140, 100}}}},
+    };
+    for (const StrokeCase& c : cases) {
+        screens::RecordingCanvas canvas(kView);
+        TrailPainter painter;
+        const TrackList trail = Trail(c.points);
+        painter.Draw(canvas, trail, {}, kView, {{screens::kBlack, c.penWidth}, {255, 0, 0}});
+        std::vector<std::vector<Point>> strokes;
+        for (const CanvasCall& call : canvas.OfKind(CanvasCall::Kind::Polyline))
+            strokes.push_back(call.points);
+        EXPECT_EQ(strokes, c.strokes) << c.name;
     }
 }
 
@@ -108,9 +141,13 @@ TEST(TrailPainter, BuildsAgainOnlyWhenTheTrailOrViewChanges) {
         {"nothing changed", [] {}, {}, kView, false},
         {"view moved", [] {}, moved, kView, true},
         {"view resized", [] {}, moved, Rect{0, 0, 640, 480}, true},
-        {"point appended", [&] { trail.Append(TrackPoint{30, 30, {}}); }, moved,
-         Rect{0, 0, 640, 480}, true},
-        {"cleared and refilled alike", [&] {
+        {"point appended",
+         [&] {
+             trail.Append(TrackPoint{30, 30, {}});
+         },
+         moved, Rect{0, 0, 640, 480}, true},
+        {"cleared and refilled alike",
+         [&] {
              trail.Clear();
              trail = Trail({{10, 10}, {20, 20}, {30, 30}});
          },
