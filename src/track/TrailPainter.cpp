@@ -15,6 +15,7 @@ constexpr int kMarkerBefore = 3;  // a marker covers x − 3 .. x + 2
 constexpr int kMarkerSize = 6;
 constexpr double kFar = 1e8;  // beyond any screen; keeps the int conversion defined
 
+// Truncated toward zero; NaN and far values end at ±kFar.
 int ToPixel(double v) {
     if (!(v > -kFar))  // also NaN
         return static_cast<int>(-kFar);
@@ -135,9 +136,14 @@ void TrailPainter::BuildMarkers(Rect view) {
         const int y1 = std::min(p.y - kMarkerBefore + kMarkerSize - view.top, h);
         if (x0 >= x1 || y0 >= y1)
             continue;
-        for (int y = y0; y < y1; ++y)
-            std::memset(&mask_[static_cast<std::size_t>(y) * w + x0], 1,
-                        static_cast<std::size_t>(x1 - x0));
+        std::uint8_t* row = &mask_[static_cast<std::size_t>(y0) * w + x0];
+        if (x1 - x0 == kMarkerSize) {
+            static constexpr std::uint8_t kSix[kMarkerSize] = {1, 1, 1, 1, 1, 1};
+            for (int y = y0; y < y1; ++y, row += w) std::memcpy(row, kSix, kMarkerSize);
+        } else {
+            for (int y = y0; y < y1; ++y, row += w)
+                std::memset(row, 1, static_cast<std::size_t>(x1 - x0));
+        }
         firstRow = std::min(firstRow, y0);
         lastRow = std::max(lastRow, y1 - 1);
     }
