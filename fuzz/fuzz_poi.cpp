@@ -16,7 +16,8 @@ namespace {
 
 void CheckText(const char (&text)[kPoiTextBytes]) {
     const void* end = std::memchr(text, '\0', kPoiTextBytes);
-    if (end == nullptr || !IsValidUtf8(std::string_view(text, static_cast<const char*>(end) - text)))
+    if (end == nullptr ||
+        !IsValidUtf8(std::string_view(text, static_cast<const char*>(end) - text)))
         std::abort();
 }
 

@@ -4,17 +4,17 @@
 // cell i is the icon of category i, cell 0 that of groups without one. Each
 // icon is a pictogram in white or dark ink on a coloured tile; shapes are
 // drawn without anti-aliasing so that they stay crisp at 16 pixels.
+#include <zlib.h>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPolygon>
-#include <zlib.h>
 
 #include <cstdint>
 #include <cstdio>
-#include <string>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace {
@@ -26,7 +26,7 @@ const QColor kGreen(40, 140, 60), kDarkGreen(20, 90, 40), kYellow(250, 210, 40);
 const QColor kOrange(240, 140, 30), kBrown(130, 80, 40), kPurple(120, 60, 160);
 const QColor kSand(235, 215, 160), kNavy(20, 40, 110), kOlive(100, 110, 50);
 const QColor kLight(215, 220, 225);
-const QColor kPalette[16] = {kWhite, kBlack, kGrey, kBlue,  kSky,   kRed,  kGreen, kDarkGreen,
+const QColor kPalette[16] = {kWhite,  kBlack,  kGrey,  kBlue,   kSky,  kRed,  kGreen, kDarkGreen,
                              kYellow, kOrange, kBrown, kPurple, kSand, kNavy, kOlive, kLight};
 
 using Draw = std::function<void(QPainter&)>;
@@ -234,9 +234,9 @@ const std::vector<Draw>& Icons() {
         [](QPainter& p) {
             Tile(p, kOlive);
             Fill(p, kYellow);
-            p.drawPolygon(QPolygon({QPoint(8, 1), QPoint(10, 6), QPoint(15, 6), QPoint(11, 9),
-                                    QPoint(13, 14), QPoint(8, 11), QPoint(3, 14), QPoint(5, 9),
-                                    QPoint(1, 6), QPoint(6, 6)}));
+            p.drawPolygon(
+                QPolygon({QPoint(8, 1), QPoint(10, 6), QPoint(15, 6), QPoint(11, 9), QPoint(13, 14),
+                          QPoint(8, 11), QPoint(3, 14), QPoint(5, 9), QPoint(1, 6), QPoint(6, 6)}));
         },
         // 17 restaurant: a fork and a knife.
         [](QPainter& p) {
@@ -390,8 +390,8 @@ void Chunk(std::string& png, const char* type, const std::string& data) {
     Put32(png, static_cast<std::uint32_t>(data.size()));
     const std::string body = type + data;
     png += body;
-    Put32(png, static_cast<std::uint32_t>(
-                   crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()))));
+    Put32(png, static_cast<std::uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(body.data()),
+                                                static_cast<uInt>(body.size()))));
 }
 
 // A palette PNG of 4 bits a pixel (Qt writes palette images with 8).
@@ -454,7 +454,8 @@ int main(int argc, char** argv) {
     // Every colour drawn is a palette colour, so the 16-colour image is exact.
     QList<QRgb> table;
     for (const QColor& c : kPalette) table.push_back(c.rgb());
-    const QImage indexed = strip.convertToFormat(QImage::Format_Indexed8, table, Qt::ThresholdDither);
+    const QImage indexed =
+        strip.convertToFormat(QImage::Format_Indexed8, table, Qt::ThresholdDither);
     const QString path = QString::fromLocal8Bit(argv[1]) + "/poi-icons.png";
     if (!WriteFourBitPng(indexed, path)) {
         std::fprintf(stderr, "make_poi_icons: cannot write %s\n", qPrintable(path));

@@ -46,15 +46,13 @@ TEST(PoiCsv, ByteRules) {
         {"blank line: a point at 0, 0", "\r\n", "0,0,,;"},
         {"header behind ';' is skipped", ";lon,lat,name\r\n1,2,A\r\n", "2,1,A,;"},
         {"header without ';' is a point", "lon,lat,name\r\n", "0,0,name,;"},
-        {"a comment's line feed does not end the record",
-         "1,2,Na;comment\r\nme,note\r\n3,4,B\r\n", "2,1,Name,note;4,3,B,;"},
+        {"a comment's line feed does not end the record", "1,2,Na;comment\r\nme,note\r\n3,4,B\r\n",
+         "2,1,Name,note;4,3,B,;"},
         {"a comment ends at a zero byte", "1,2,A;skip\0,x\r\n"s, "2,1,A,x;"},
-        {"a comment running to the end of the file", "1,2,A\r\n3,4,B;no end",
-         "2,1,A,;4,3,B,;"},
+        {"a comment running to the end of the file", "1,2,A\r\n3,4,B;no end", "2,1,A,;4,3,B,;"},
         {"a bare line feed loses the last field", "1,2,A\n", "2,1,,;"},
         {"last line without a line feed goes to name", "1,2,A\r\n3,4,B", "2,1,A,;4,3,B,;"},
-        {"... or to note once a fourth column was seen", "1,2,A,n\r\n3,4,B,m",
-         "2,1,A,n;4,3,B,m;"},
+        {"... or to note once a fourth column was seen", "1,2,A,n\r\n3,4,B,m", "2,1,A,n;4,3,B,m;"},
         {"quotes are dropped", "\"1\",\"2\",\"A, B\"\r\n", "2,1,A, B;"},
         {"'@' ends a field", "1@2@A@n\r\n", "2,1,A,n;"},
         {"missing columns", "1\r\n1,2\r\n", "0,1,,;2,1,,;"},
@@ -90,13 +88,17 @@ TEST(PoiCsv, EightBitTexts) {
         {"GB18030 four-byte character", "1,2,\x81\x30\x81\x30\r\n"s, PoiEncoding::Gb18030,
          "2,1,\xC2\x80,;"},
         // 19 bytes of GB18030 cut a two-byte character in half: the half goes.
-        {"GB18030 cut at 19 bytes", "1,2,A" + gbWestLake + gbWestLake + gbWestLake + gbWestLake +
-                                        gbWestLake + "\r\n",
+        {"GB18030 cut at 19 bytes",
+         "1,2,A" + gbWestLake + gbWestLake + gbWestLake + gbWestLake + gbWestLake + "\r\n",
          PoiEncoding::Gb18030, "2,1,A西湖西湖西湖西湖西,;"},
         {"UTF-8 cut at 19 bytes", "1,2,西湖西湖西湖西湖\r\n", PoiEncoding::Utf8,
          "2,1,西湖西湖西湖,;"},
-        {"bytes that are no character", "1,2,a\xFF" "b\r\n"s, PoiEncoding::Gb18030,
-         "2,1,a\xEF\xBF\xBD" "b,;"},
+        {"bytes that are no character",
+         "1,2,a\xFF"
+         "b\r\n"s,
+         PoiEncoding::Gb18030,
+         "2,1,a\xEF\xBF\xBD"
+         "b,;"},
     };
     for (const auto& c : cases) EXPECT_EQ(Records(c.bytes, c.encoding), c.records) << c.name;
 }

@@ -33,7 +33,8 @@ TEST(PoiCategories, FileNamesChooseTheCategory) {
         {"16392.csv", 23, "Short Tower"},
         {".csv", 0, ""},
         {"Swimming Area But Longer.csv", 0, "Swimming Area But L"},
-        {"加油站加油站加油站加油站加油站加油站加油站.csv", 0, "加油站加油站加油站加油站加油站加油站加"},
+        {"加油站加油站加油站加油站加油站加油站加油站.csv", 0,
+         "加油站加油站加油站加油站加油站加油站加"},
         {"\xBC\xD3\xD3\xCD\xD5\xBE.csv", 0, "加油站"},  // a GB18030 file name
     };
     for (const auto& c : cases) {
@@ -128,7 +129,8 @@ TEST(PoiPainter, IconsCentredLabelsBesideCulledToTheCanvas) {
     EXPECT_TRUE(canvas.OfKind(CanvasCall::Kind::Blit).empty());
     EXPECT_EQ(canvas.OfKind(CanvasCall::Kind::Text).size(), 3u);
     canvas.Clear();
-    DrawPois(canvas, store, [](double, double, double&, double&) { return false; }, &icons);
+    DrawPois(
+        canvas, store, [](double, double, double&, double&) { return false; }, &icons);
     EXPECT_TRUE(canvas.OfKind(CanvasCall::Kind::Text).empty());
 }
 
