@@ -17,7 +17,11 @@ constexpr const char* kUsage =
     "      run the receiver link on a port, one JSON fix per decoded batch\n"
     "  map --rpt FILE --size WxH [--to-geo X,Y]... [--to-image LAT,LON]...\n"
     "      [--northing LAT]... [--view-scale KM] [--scale-bar PX]\n"
-    "      calibrate an image from its reference-point file, as one JSON object\n";
+    "      calibrate an image from its reference-point file, as one JSON object\n"
+    "  track FILE.log [--gpx]\n"
+    "      a track log's points as JSON, or as a GPX 1.1 track\n"
+    "  poi FILE.csv\n"
+    "      a POI file's category and points as the program imports them\n";
 
 struct Command {
     std::string_view name;
@@ -29,6 +33,8 @@ constexpr Command kCommands[] = {
     {"replay", satwalk::tools::RunReplay},
     {"log", satwalk::tools::RunLog},
     {"map", satwalk::tools::RunMap},
+    {"track", satwalk::tools::RunTrack},
+    {"poi", satwalk::tools::RunPoi},
 };
 
 }  // namespace
