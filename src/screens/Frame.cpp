@@ -37,6 +37,14 @@ Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight) {
     return content;
 }
 
+Size MinimumFrameSize(int baseTextHeight) {
+    const bool hi = baseTextHeight != 15;
+    const Size portrait = BitmapSize(BitmapId::ToolStripPortrait, hi);
+    const Size side = BitmapSize(BitmapId::ToolStripLandscape, hi);
+    const Size alarm = BitmapSize(BitmapId::AlarmStrip, hi);
+    return Size{portrait.width, std::max(side.height, alarm.height) + baseTextHeight};
+}
+
 void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client) {
     ctx.frame = client;
     ctx.orientation = OrientationOf(client);
@@ -240,11 +248,22 @@ void DrawArrowAt(Canvas& canvas, double courseDegrees, int size, int cx, int cy,
 void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps, Rect box,
                       int fontHeight, bool landscape) {
     const bool hi = ctx.HighResolution();
-    const Font old = CreateScreenFont(canvas, fontHeight, (landscape && !hi) ? 400 : 700);
+    const int weight = (landscape && !hi) ? 400 : 700;
+    const Font old = CreateScreenFont(canvas, fontHeight, weight);
     char line[64];
     std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(gps, ctx.unitSystem));
     const int dx = hi ? 4 : 2, dy = hi ? 3 : 1, dr = hi ? 3 : 1, db = hi ? 6 : 3;
     const int mid = box.top + (box.bottom - box.top) / 2;
+    // The readout sits on a tab of fixed size: a face wider than the
+    // handheld's (or a speed of four digits) gets a smaller font rather
+    // than running over the tab's edges.
+    const int room = box.right - dr - box.left - dx;
+    for (int h = fontHeight; h > 6; --h) {
+        canvas.SelectFont(Font{h, weight});
+        if (canvas.MeasureText(line).width <= room &&
+            canvas.MeasureText(SpeedUnitName(ctx.unitSystem)).width <= room)
+            break;
+    }
     canvas.DrawText(line, Rect{box.left + dx, box.top + dy, box.right - dr, mid},
                     kTextCenter | kTextVCenter, kBlack);
     canvas.DrawText(SpeedUnitName(ctx.unitSystem),
@@ -383,8 +402,9 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
         const int cw = hi ? 59 : 30, chh = hi ? 46 : 23;
         const int sx = (hi ? 5 : 1) + cw * k;
+        // The last cell of the small set would reach a pixel past the strip.
         canvas.Blit(ctx.bitmaps[static_cast<int>(BitmapId::ToolStripPortrait)],
-                    Rect{sx, 0, sx + cw, chh},
+                    Rect{sx, 0, std::min(sx + cw, p.w), chh},
                     Point{((s.right - s.left) - p.w) / 2 + sx, s.bottom - p.h});
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;

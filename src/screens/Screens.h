@@ -87,6 +87,11 @@ void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client);
 Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight);
 void LayoutDials(Canvas& canvas, ScreenContext& ctx);
 Orientation OrientationOf(Rect screen);
+// The smallest frame in which the tool strips of the set are whole: as wide
+// as the portrait strip, and in landscape as high as the taller side strip
+// below the top margin. The strips are bitmaps of fixed size, so a smaller
+// window would cut them.
+Size MinimumFrameSize(int baseTextHeight);
 
 // Pixel sizes of every bitmap of the two sets, and its load-failure code.
 Size BitmapSize(BitmapId id, bool highResolution);
