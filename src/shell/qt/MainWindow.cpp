@@ -12,6 +12,7 @@
 
 #include "CommandIds.h"
 #include "SatelliteDataDialog.h"
+#include "Screens.h"
 #include "Strings.h"
 
 namespace satwalk::app {
@@ -29,6 +30,10 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     barHeight_ = (26 * dpi + 48) / 96;
+    // The tool strips are bitmaps of fixed size: the window never gets
+    // smaller than they are.
+    const screens::Size least = screens::MinimumFrameSize(shell::BaseTextHeightForDpi(dpi));
+    setMinimumSize(least.width, least.height + barHeight_);
     resize(clientSize.width(), clientSize.height() + barHeight_);
     shell_.version = SATWALK_VERSION;
 
