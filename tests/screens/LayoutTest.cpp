@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TestSupport.h"
@@ -167,16 +168,18 @@ constexpr int kDpis[] = {192, 96};
 constexpr int kScreens[] = {kScreenGpsInfo, kScreenSkyPlot, kScreenCompass, kScreenSpeedometer};
 
 TEST(OddWindowSizes, DrawingsStayInTheirAreasAndTextsApart) {
-    const gps::GpsState fix = DrivingFix();
+    gps::GpsState fix = DrivingFix();
     for (const OddSize size : kOddSizes) {
         for (const int dpi : kDpis) {
             for (const int screen : kScreens) {
-                for (const bool alarmOn : {false, true}) {
+                for (const auto& [alarmOn, course] :
+                     {std::pair{false, "47.5"}, std::pair{true, "135"}, std::pair{true, "290"}}) {
                     const test::Variant v{"odd", size.width, size.height, dpi};
                     ScreenContext ctx = test::MakeContext(v);
                     ctx.currentScreen = screen;
                     ctx.speedAlarmOn = alarmOn;
                     ctx.speedAlarmLimit = 120;
+                    SET_FIELD(fix.course, course);
                     RecordingCanvas canvas(ctx.frame, RecordingCanvas::Metrics::Proportional);
                     PaintCurrentScreen(canvas, ctx, fix);
                     const std::string where =
@@ -187,6 +190,7 @@ TEST(OddWindowSizes, DrawingsStayInTheirAreasAndTextsApart) {
                     ASSERT_LT(frameStart, calls.size()) << where;
 
                     std::vector<const CanvasCall*> texts;
+                    std::vector<Rect> shapes;  // filled polygons: arrows, needles
                     for (std::size_t i = 0; i < calls.size(); ++i) {
                         const CanvasCall& c = calls[i];
                         const Rect e = Extent(c);
@@ -196,6 +200,8 @@ TEST(OddWindowSizes, DrawingsStayInTheirAreasAndTextsApart) {
                         EXPECT_TRUE(Inside(e, area))
                             << where << ": call " << i << " kind " << static_cast<int>(c.kind)
                             << " " << c.text << " at " << e << " outside " << area;
+                        if (c.kind == K::Polygon)
+                            shapes.push_back(e);
                         if (c.kind != K::Text)
                             continue;
                         const Size need = RecordingCanvas::MeasureWith(
@@ -212,6 +218,13 @@ TEST(OddWindowSizes, DrawingsStayInTheirAreasAndTextsApart) {
                         EXPECT_FALSE(LineShowsUnder(calls, i, &crossing))
                             << where << ": \"" << c.text << "\" " << c.rect << " crossed at "
                             << crossing;
+                    }
+                    for (const CanvasCall* t : texts) {
+                        for (const Rect shape : shapes) {
+                            EXPECT_FALSE(Overlap(shape, t->rect))
+                                << where << ": \"" << t->text << "\" " << t->rect
+                                << " meets a shape " << shape;
+                        }
                     }
                 }
             }
