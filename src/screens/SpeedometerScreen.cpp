@@ -130,7 +130,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     old = CreateScreenFont(canvas, numberHeight, 700);
     std::snprintf(line, sizeof line, "%0.2f", speed);
     const int numberTop = top + (4 * b) / 3;
-    const Size sn = TextAt(canvas, line, left + b / 2, numberTop, Rgb(22, 118, 201));
+    const Size sn = TextAt(canvas, line, left + b / 2, numberTop,
+                           ctx.AlarmFlashRed() ? kAlarmRed : Rgb(22, 118, 201));
     ReleaseScreenFont(canvas, old);
     old = CreateScreenFont(canvas, numberHeight / 2, 700);
     const Size su =
