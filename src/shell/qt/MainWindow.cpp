@@ -74,6 +74,8 @@ shell::ScreenView MainWindow::CurrentView() const {
     v.fixTimeKnown = shell_.fixTimeKnown;
     v.blinkPhase = shell_.blinkPhase;
     v.mapLoaded = shell_.mapLoaded;
+    v.speedAlarmShowing = shell_.SpeedAlarmShowing();
+    v.alarmFlashPhase = shell_.alarmFlashPhase;
     return v;
 }
 
@@ -174,6 +176,11 @@ void MainWindow::ShowSatelliteDialog(bool show) {
     }
     if (onSatelliteDialog)
         onSatelliteDialog(satelliteDataWindow_);
+}
+
+void MainWindow::ShowStatus(const std::string& status) {
+    const QString caption = QString::fromUtf8(shell::LoadString(shell::kStrCaption));
+    setWindowTitle(status.empty() ? caption : caption + " - " + QString::fromUtf8(status.c_str()));
 }
 
 void MainWindow::FillSatelliteDialog() {

@@ -95,6 +95,7 @@ class MainWindow : public QWidget, public shell::ShellUi {
     void CloseWindow() override;
     void ShowSatelliteDialog(bool show) override;
     void FillSatelliteDialog() override;
+    void ShowStatus(const std::string& status) override;
 
   protected:
     void paintEvent(QPaintEvent*) override;
