@@ -316,6 +316,13 @@ void Shell::OnKeyDown(Key key) {
     }
 }
 
+void Shell::OnAlarmCellTap(int cell) {
+    if (cell < 0 || cell >= static_cast<int>(std::size(kAlarmLimits)))
+        return;
+    const bool lit = settings_.speedAlarmOn != 0 && settings_.speedAlarmLimit == kAlarmLimits[cell];
+    OnCommand(lit ? cmd::kAlarmOff : cmd::kAlarm50 + cell);
+}
+
 bool Shell::SpeedAlarmShowing() const {
     return alarm_.playing() && settings_.speedAlarmOn != 0 && link_.Running();
 }

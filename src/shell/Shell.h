@@ -119,6 +119,9 @@ class Shell {
     void OnGpsTime();    // WM_GPS_TIME
     void OnClockTick();  // timer 1028: one second more on the fix clock
     void OnBlinkTick();
+    // A tap on alarm cell 0..7 (50..120): sets that limit as the menu's
+    // entries do, or switches the alarm off when it is the lit cell.
+    void OnAlarmCellTap(int cell);
     // The user closed the satellite data dialog (its own button or key):
     // the screen it stood in for comes back.
     void OnSatelliteDialogClosed();

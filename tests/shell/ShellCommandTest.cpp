@@ -260,6 +260,31 @@ TEST_F(ShellTest, AlarmFlashesEverySecondWhileItShows) {
     }
 }
 
+TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
+    struct Case {
+        std::uint32_t on, limit;
+        int cell;
+        std::uint32_t onAfter, limitAfter;
+    };
+    const Case cases[] = {
+        {0, 50, 3, 1, 80},   // off: a cell switches on at its limit
+        {1, 50, 7, 1, 120},  // another cell moves the limit
+        {1, 90, 4, 0, 90},   // the lit cell switches off, the limit stays
+        {0, 90, 4, 1, 90},   // the same cell with the alarm off lights it
+        {1, 55, 0, 1, 50},   // an odd limit lights cell 0 but 50 is not it
+        {1, 70, -1, 1, 70},  // not a cell
+        {1, 70, 8, 1, 70},
+    };
+    for (const Case& c : cases) {
+        settings.speedAlarmOn = c.on;
+        settings.speedAlarmLimit = c.limit;
+        shell.OnAlarmCellTap(c.cell);
+        EXPECT_EQ(settings.speedAlarmOn, c.onAfter) << c.on << " " << c.limit << " " << c.cell;
+        EXPECT_EQ(settings.speedAlarmLimit, c.limitAfter)
+            << c.on << " " << c.limit << " " << c.cell;
+    }
+}
+
 TEST(ShellStatus, FirstSoundFailureIsReportedOnceInTheStatus) {
     for (const bool failing : {false, true}) {
         ProgramSettings s;
