@@ -174,6 +174,35 @@ TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
     }
 }
 
+// Taps on the alarm cells in both orientations and sets: a cell sets its
+// limit, the lit cell switches the alarm off.
+TEST_F(ScriptRunTest, AlarmCellTapsChooseTheLimit) {
+    struct Variant {
+        const char* size;
+        int dpi;
+        int x0, y0, dx, dy;  // centre of the cell of 50 and the step to the next
+    };
+    // Portrait 480 x 640, 192 dpi: 59 x 46 cells from x 5 on top of the
+    // strip. Landscape 320 x 240, 96 dpi: 21 x 21 cells from y 43 in the
+    // column ending b/5 before the right edge.
+    const Variant variants[] = {{"480x640", 192, 5 + 29, 640 - 129 + 23, 59, 0},
+                                {"320x240", 96, 296 + 10, 43 + 10, 0, 21}};
+    for (const Variant& v : variants) {
+        const auto tap = [&](int cell) {
+            return "tap " + std::to_string(v.x0 + cell * v.dx) + " " +
+                   std::to_string(v.y0 + cell * v.dy) + "\n";
+        };
+        WriteScript(tap(3) + "state @/cell80.json\n" + tap(7) + "state @/cell120.json\n" + tap(7) +
+                    "state @/off.json\nquit\n");
+        ASSERT_EQ(Run(std::string("--size ") + v.size + " --dpi " + std::to_string(v.dpi)), 0)
+            << Read("stderr.txt");
+        SCOPED_TRACE(v.size);
+        ExpectHas("cell80.json", {"\"speedAlarmOn\":true", "\"speedAlarmLimit\":80,"});
+        ExpectHas("cell120.json", {"\"speedAlarmOn\":true", "\"speedAlarmLimit\":120,"});
+        ExpectHas("off.json", {"\"speedAlarmOn\":false", "\"speedAlarmLimit\":120,"});
+    }
+}
+
 // Share of pixels that are not white, sampled on a grid.
 double InkShare(const QImage& image) {
     int ink = 0, all = 0;

@@ -314,11 +314,13 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
         OpenDropDown(pos.x() < width() / 2);
         return;
     }
-    // The tool strip's tabs take a tap first; the rest of the screen
-    // belongs to the map and its buttons.
+    // The tool strip's tabs and the alarm cells take a tap first; the rest
+    // of the screen belongs to the map and its buttons.
     if (painter_ != nullptr) {
         if (const int id = painter_->TabCommandAt(pos.x(), pos.y()); id != 0)
             shell_.OnCommand(id);
+        else if (const int cell = painter_->AlarmCellAt(pos.x(), pos.y()); cell >= 0)
+            shell_.OnAlarmCellTap(cell);
     }
 }
 
