@@ -474,7 +474,7 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
         canvas.FillRect(plate, kAlarmRed);
         const std::string number = std::to_string(50 + 10 * k);
         const Font old = canvas.SelectedFont();
-        FitFont(canvas, (2 * ctx.baseTextHeight) / 3, 700, plate.Width() - 2, {number});
+        FitFont(canvas, (3 * ctx.baseTextHeight) / 4, 700, plate.Width() - 2, {number});
         canvas.DrawText(number, plate, kTextCenter | kTextVCenter, kWhite);
         canvas.SelectFont(old);
     }
