@@ -11,6 +11,8 @@ void SyncScreenContext(const ScreenView& view, screens::ScreenContext& ctx) {
     ctx.blinkPhase = view.blinkPhase;
     ctx.fixTimeKnown = view.fixTimeKnown;
     ctx.mapLoaded = view.mapLoaded;
+    ctx.speedAlarmSounding = view.speedAlarmShowing;
+    ctx.alarmFlashPhase = view.alarmFlashPhase;
     if (view.settings != nullptr) {
         const ProgramSettings& s = *view.settings;
         ctx.unitSystem = s.units <= 2 ? static_cast<int>(s.units) : screens::kMetric;

@@ -28,6 +28,8 @@ struct ScreenView {
     bool fixTimeKnown = false;
     bool blinkPhase = false;
     bool mapLoaded = false;
+    bool speedAlarmShowing = false;
+    bool alarmFlashPhase = false;
 };
 
 // (15 x pixels per inch + 48) / 96: 15 at 96 dpi, 30 at 192 dpi.

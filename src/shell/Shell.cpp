@@ -5,6 +5,9 @@
 
 namespace satwalk::shell {
 
+// "The alarm sound cannot play; the alarm shows on the screen."
+const char* const kAlarmSoundFailedStatus = "警报声音无法播放，警报在屏幕上显示";
+
 const char* MessageIconName(MessageIcon icon) {
     switch (icon) {
         case MessageIcon::Error:
@@ -228,6 +231,7 @@ void Shell::StopGps() {
     const int reason = link_.StopLink();
     fixTimeKnown = false;
     alarm_.Silence();
+    alarmFlashPhase = false;
     ReportLoss(reason);
     link_.Gps().ClearAllBlocks();
     ui_.Repaint();
@@ -312,11 +316,30 @@ void Shell::OnKeyDown(Key key) {
     }
 }
 
+void Shell::OnAlarmCellTap(int cell) {
+    if (cell < 0 || cell >= static_cast<int>(std::size(kAlarmLimits)))
+        return;
+    const bool lit = settings_.speedAlarmOn != 0 && settings_.speedAlarmLimit == kAlarmLimits[cell];
+    OnCommand(lit ? cmd::kAlarmOff : cmd::kAlarm50 + cell);
+}
+
+bool Shell::SpeedAlarmShowing() const {
+    return alarm_.playing() && settings_.speedAlarmOn != 0 && link_.Running();
+}
+
 void Shell::OnGpsData() {
     gps::GpsState& state = link_.Gps();
     // The map takes the position here once it exists.
+    const bool wasShowing = SpeedAlarmShowing();
     alarm_.CheckSpeedAlarm(CurrentSpeed(state, settings_.units), settings_.speedAlarmOn != 0,
                            settings_.speedAlarmLimit, link_.Running());
+    // The flash starts red at once and goes with the alarm.
+    if (SpeedAlarmShowing() != wasShowing)
+        alarmFlashPhase = !wasShowing;
+    if (alarm_.soundFailed() && status.empty()) {
+        status = kAlarmSoundFailedStatus;
+        ui_.ShowStatus(status);
+    }
     ui_.Repaint();
     if (satelliteDialogOpen)
         ui_.FillSatelliteDialog();
@@ -337,10 +360,22 @@ void Shell::OnClockTick() {
 }
 
 void Shell::OnBlinkTick() {
+    // The same 1-second timer runs while the link does: it blinks the
+    // receiver icon without a fix and flashes the speed alarm.
+    bool changed = false;
     if (link_.Running() && !link_.FixValid()) {
         blinkPhase = !blinkPhase;
-        ui_.Repaint();
+        changed = true;
     }
+    if (SpeedAlarmShowing()) {
+        alarmFlashPhase = !alarmFlashPhase;
+        changed = true;
+    } else if (alarmFlashPhase) {
+        alarmFlashPhase = false;
+        changed = true;
+    }
+    if (changed)
+        ui_.Repaint();
 }
 
 // ---- menus ----

@@ -40,6 +40,9 @@ class ShellUi {
     // and its twelve rows filled from the current fix.
     virtual void ShowSatelliteDialog(bool show) = 0;
     virtual void FillSatelliteDialog() = 0;
+    // A short status that stays in view without stopping the user (the
+    // window's title); empty clears it.
+    virtual void ShowStatus(const std::string& status) { (void)status; }
 
   protected:
     ~ShellUi() = default;
@@ -96,6 +99,9 @@ inline constexpr int kScreenSatelliteData = -1;
 
 const char* ScreenName(int screen);
 
+// The status shown when the alarm sound fails to play.
+extern const char* const kAlarmSoundFailedStatus;
+
 class Shell {
   public:
     Shell(ProgramSettings& settings, LinkControl& link, ShellUi& ui, AlarmSound& sound,
@@ -113,6 +119,9 @@ class Shell {
     void OnGpsTime();    // WM_GPS_TIME
     void OnClockTick();  // timer 1028: one second more on the fix clock
     void OnBlinkTick();
+    // A tap on alarm cell 0..7 (50..120): sets that limit as the menu's
+    // entries do, or switches the alarm off when it is the lit cell.
+    void OnAlarmCellTap(int cell);
     // The user closed the satellite data dialog (its own button or key):
     // the screen it stood in for comes back.
     void OnSatelliteDialogClosed();
@@ -126,6 +135,9 @@ class Shell {
     LinkControl& link() { return link_; }
     const LinkControl& link() const { return link_; }
     const SpeedAlarm& alarm() const { return alarm_; }
+    // The speed is at or above the limit with the alarm on and the link
+    // running: the screens flash it whether or not the sound plays.
+    bool SpeedAlarmShowing() const;
 
     // -1 while the satellite data dialog is shown in the screen's place.
     int currentScreen = kScreenGpsInfo;
@@ -133,6 +145,11 @@ class Shell {
     int screenBeforeDialog = kScreenGpsInfo;
     bool fixTimeKnown = false;
     bool blinkPhase = false;
+    // Flipped every second while the speed alarm shows; red when set.
+    bool alarmFlashPhase = false;
+    // The window's status line: set once, at the first alarm sound that
+    // could not play.
+    std::string status;
     bool mapLoaded = false;
     std::string mapLabel;
     bool exited = false;

@@ -42,6 +42,10 @@ std::string BuildStateJson(const Shell& shell, const StateExtras& extras) {
     Bool(out, "speedAlarmOn", s.speedAlarmOn != 0);
     Int(out, "speedAlarmLimit", s.speedAlarmLimit);
     Bool(out, "alarmPlaying", shell.alarm().playing());
+    Bool(out, "alarmShowing", shell.SpeedAlarmShowing());
+    Bool(out, "alarmFlashPhase", shell.alarmFlashPhase);
+    Bool(out, "alarmSoundFailed", shell.alarm().soundFailed());
+    Text(out, "status", shell.status);
     Int(out, "trackIntervalMs", s.trackIntervalMs);
     Bool(out, "trackLogOn", s.trackLogOn != 0);
     Bool(out, "recordNmea", s.recordNmea != 0);

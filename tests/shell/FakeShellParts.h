@@ -55,6 +55,7 @@ class FakeUi : public ShellUi {
     void CloseWindow() override { closed = true; }
     void ShowSatelliteDialog(bool show) override { satelliteDialogShown = show; }
     void FillSatelliteDialog() override { ++satelliteFills; }
+    void ShowStatus(const std::string& status) override { statuses.push_back(status); }
 
     std::vector<std::pair<std::string, MessageIcon>> messages;
     bool answerYes = true;
@@ -66,6 +67,7 @@ class FakeUi : public ShellUi {
     bool closed = false;
     bool satelliteDialogShown = false;
     int satelliteFills = 0;
+    std::vector<std::string> statuses;
 };
 
 class FakeLink : public LinkControl {

@@ -12,6 +12,7 @@
 
 #include "CommandIds.h"
 #include "SatelliteDataDialog.h"
+#include "Screens.h"
 #include "Strings.h"
 
 namespace satwalk::app {
@@ -29,6 +30,10 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     barHeight_ = (26 * dpi + 48) / 96;
+    // The tool strips are bitmaps of fixed size: the window never gets
+    // smaller than they are.
+    const screens::Size least = screens::MinimumFrameSize(shell::BaseTextHeightForDpi(dpi));
+    setMinimumSize(least.width, least.height + barHeight_);
     resize(clientSize.width(), clientSize.height() + barHeight_);
     shell_.version = SATWALK_VERSION;
 
@@ -69,6 +74,8 @@ shell::ScreenView MainWindow::CurrentView() const {
     v.fixTimeKnown = shell_.fixTimeKnown;
     v.blinkPhase = shell_.blinkPhase;
     v.mapLoaded = shell_.mapLoaded;
+    v.speedAlarmShowing = shell_.SpeedAlarmShowing();
+    v.alarmFlashPhase = shell_.alarmFlashPhase;
     return v;
 }
 
@@ -169,6 +176,11 @@ void MainWindow::ShowSatelliteDialog(bool show) {
     }
     if (onSatelliteDialog)
         onSatelliteDialog(satelliteDataWindow_);
+}
+
+void MainWindow::ShowStatus(const std::string& status) {
+    const QString caption = QString::fromUtf8(shell::LoadString(shell::kStrCaption));
+    setWindowTitle(status.empty() ? caption : caption + " - " + QString::fromUtf8(status.c_str()));
 }
 
 void MainWindow::FillSatelliteDialog() {
@@ -302,11 +314,13 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
         OpenDropDown(pos.x() < width() / 2);
         return;
     }
-    // The tool strip's tabs take a tap first; the rest of the screen
-    // belongs to the map and its buttons.
+    // The tool strip's tabs and the alarm cells take a tap first; the rest
+    // of the screen belongs to the map and its buttons.
     if (painter_ != nullptr) {
         if (const int id = painter_->TabCommandAt(pos.x(), pos.y()); id != 0)
             shell_.OnCommand(id);
+        else if (const int cell = painter_->AlarmCellAt(pos.x(), pos.y()); cell >= 0)
+            shell_.OnAlarmCellTap(cell);
     }
 }
 

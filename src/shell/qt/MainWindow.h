@@ -32,6 +32,8 @@ class ScreenPainter {
     virtual void Paint(QImage& image, const shell::ScreenView& view) = 0;
     // The command of the tool-strip tab under (x, y), or 0.
     virtual int TabCommandAt(int x, int y) const = 0;
+    // The alarm cell (0..7) under (x, y), or -1.
+    virtual int AlarmCellAt(int x, int y) const = 0;
 
   protected:
     ~ScreenPainter() = default;
@@ -95,6 +97,7 @@ class MainWindow : public QWidget, public shell::ShellUi {
     void CloseWindow() override;
     void ShowSatelliteDialog(bool show) override;
     void FillSatelliteDialog() override;
+    void ShowStatus(const std::string& status) override;
 
   protected:
     void paintEvent(QPaintEvent*) override;

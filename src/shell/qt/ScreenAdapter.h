@@ -19,6 +19,7 @@ class ScreenAdapter final : public ScreenPainter {
     void Layout(const shell::ScreenView& view) override;
     void Paint(QImage& image, const shell::ScreenView& view) override;
     int TabCommandAt(int x, int y) const override;
+    int AlarmCellAt(int x, int y) const override;
 
     const screens::ScreenContext& context() const { return ctx_; }
 
