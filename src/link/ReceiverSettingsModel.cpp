@@ -1,7 +1,7 @@
 #include "ReceiverSettingsModel.h"
 
-#include "PortNames.h"
-#include "ReceiverLink.h"
+#include <filesystem>
+#include <system_error>
 
 namespace satwalk::link {
 
@@ -69,6 +69,34 @@ std::string PortEntryText(int index, const PortSlot& slot) {
     if (!slot.device.empty())
         text += "  " + slot.device;
     return text;
+}
+
+std::string DescribePortDevice(const std::string& path, const std::string& byIdFolder) {
+    namespace fs = std::filesystem;
+    std::string text = path;
+    std::error_code ec;
+    const fs::path target = fs::canonical(path, ec);
+    if (ec)
+        return text;
+    for (fs::directory_iterator it(byIdFolder, ec), end; !ec && it != end; it.increment(ec)) {
+        std::error_code linkError;
+        if (fs::canonical(it->path(), linkError) == target && !linkError)
+            return text + " " + it->path().filename().string();
+    }
+    return text;
+}
+
+std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map) {
+    std::vector<PortSlot> slots(kPortCount);
+    for (int n = 0; n < kPortCount; ++n) {
+        PortSlot& slot = slots[static_cast<std::size_t>(n)];
+        if (driver != nullptr && driver->RegisterPort(n, 0)) {
+            slot.free = true;
+            driver->DeregisterPort(n);
+        }
+        slot.device = DescribePortDevice(ResolvePortName(ComName(n), map));
+    }
+    return slots;
 }
 
 ReceiverSettingsDialog OpenReceiverSettings(const ReceiverSettings& s,

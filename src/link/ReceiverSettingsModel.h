@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "BluetoothSearch.h"
+#include "PortNames.h"
+#include "ReceiverLink.h"
 
 namespace satwalk::link {
 
@@ -96,6 +98,15 @@ struct DialogMessage {
 
 // "COM%d", with " (可用)" for a free index, then the device behind it.
 std::string PortEntryText(int index, const PortSlot& slot);
+
+// The device a COM index stands for: its path by the port map, followed by the name of a link in
+// `byIdFolder` that leads to the same device, so that a receiver can be told by its make.
+std::string DescribePortDevice(const std::string& path,
+                               const std::string& byIdFolder = "/dev/serial/by-id");
+
+// The ten slots of the port combo: each index is free when a Bluetooth port
+// can be registered under it (tried and given back at once).
+std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map);
 
 // Builds the dialog as it opens; `slots` has one entry per index 0..9.
 ReceiverSettingsDialog OpenReceiverSettings(const ReceiverSettings& settings,
