@@ -178,13 +178,5 @@ TEST_F(OptionsOkTest, ANewRootGetsItsFoldersUnlessItIsAFile) {
     }
 }
 
-TEST(OptionsDialogGuardTest, OnlyOneCopyOpens) {
-    DialogGuard guard;
-    EXPECT_TRUE(guard.TryOpen());
-    EXPECT_FALSE(guard.TryOpen());
-    guard.Close();
-    EXPECT_TRUE(guard.TryOpen());
-}
-
 }  // namespace
 }  // namespace satwalk::shell
