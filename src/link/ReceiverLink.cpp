@@ -57,8 +57,11 @@ bool IsOfferedBaud(std::uint32_t rate) {
     return false;
 }
 
+// A tty whose device went away, or a Bluetooth connection that broke (the
+// receiver walked out of range or was switched off).
 bool IsGoneError(int err) {
-    return err == EIO || err == ENODEV || err == ENXIO;
+    return err == EIO || err == ENODEV || err == ENXIO || err == ECONNRESET || err == ENOTCONN ||
+           err == ETIMEDOUT || err == EHOSTDOWN || err == EHOSTUNREACH;
 }
 
 void Wake(const ReceiverLink& link) {
@@ -86,7 +89,17 @@ int FailOpen(ReceiverLink& link, int fd, const char* code) {
     if (fd >= 0)
         ::close(fd);
     link.lastErrorCode = code;
+    DeregisterVirtualPort(link);
     return 0;
+}
+
+int Opened(ReceiverLink& link, int fd) {
+    link.portFd = fd;
+    link.portOpen = true;
+    link.deviceGone = false;
+    link.noDataTicks = 0;
+    link.linkLossReason = kLossNone;
+    return 1;
 }
 
 // True when a poll of the port reports the device gone.
@@ -136,19 +149,60 @@ ReceiverLink::~ReceiverLink() {
         readerEnded.wait(g, [this] { return !readerActive; });
     }
     ClosePortFd(*this);
+    DeregisterVirtualPort(*this);
     if (wakeFd >= 0)
         ::close(wakeFd);
 }
 
+int RegisterBluetoothPort(ReceiverLink& link, std::uint64_t address) {
+    DeregisterVirtualPort(link);
+    if (link.portDriver != nullptr) {
+        for (int index = kVirtualPortFirst; index >= kVirtualPortLast; --index) {
+            if (link.portDriver->RegisterPort(index, address)) {
+                link.virtualPortRegistered = true;
+                link.virtualPortIndex = index;
+                link.portName = ComName(index);
+                link.devicePath.clear();
+                return 1;
+            }
+        }
+    }
+    link.lastErrorCode = kErrNoFreePort;
+    return 0;
+}
+
+void DeregisterVirtualPort(ReceiverLink& link) {
+    if (!link.virtualPortRegistered)
+        return;
+    if (link.portDriver != nullptr)
+        link.portDriver->DeregisterPort(link.virtualPortIndex);
+    link.virtualPortRegistered = false;
+    link.virtualPortIndex = -1;
+}
+
 int OpenPort(ReceiverLink& link) {
     ClosePortFd(link);
-    const std::string path =
-        link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
-
-    // Non-blocking, so that a port without carrier does not hold the open.
-    const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
-        return FailOpen(link, -1, kErrOpen);
+    int fd = -1;
+    if (link.virtualPortRegistered && link.portDriver != nullptr) {
+        fd = link.portDriver->ConnectPort(link.virtualPortIndex);
+        if (fd < 0)
+            return FailOpen(link, -1, kErrOpen);
+        if (::isatty(fd) == 0) {
+            // A connected socket: no line settings, only reads that never wait.
+            const int flags = ::fcntl(fd, F_GETFL);
+            if (flags < 0 || ::fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0)
+                return FailOpen(link, fd, kErrQueues);
+            ::fcntl(fd, F_SETFD, FD_CLOEXEC);
+            return Opened(link, fd);
+        }
+    } else {
+        const std::string path =
+            link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
+        // Non-blocking, so that a port without carrier does not hold the open.
+        fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        if (fd < 0)
+            return FailOpen(link, -1, kErrOpen);
+    }
 
     // A tty that is still being set up by the kernel may refuse for a moment;
     // something that is not a tty never becomes one, so that is not retried.
@@ -225,13 +279,7 @@ int OpenPort(ReceiverLink& link) {
     }
     if (::tcflush(fd, TCIOFLUSH) != 0)
         return FailOpen(link, fd, kErrPurge);
-
-    link.portFd = fd;
-    link.portOpen = true;
-    link.deviceGone = false;
-    link.noDataTicks = 0;
-    link.linkLossReason = kLossNone;
-    return 1;
+    return Opened(link, fd);
 }
 
 int StartLink(ReceiverLink& link) {
@@ -240,6 +288,7 @@ int StartLink(ReceiverLink& link) {
 
     if (link.timer != nullptr && !link.timer->Start()) {
         ClosePortFd(link);
+        DeregisterVirtualPort(link);
         link.lastErrorCode = kErrTimer;
         return 0;
     }
@@ -247,6 +296,7 @@ int StartLink(ReceiverLink& link) {
         if (link.timer != nullptr)
             link.timer->Stop();
         ClosePortFd(link);
+        DeregisterVirtualPort(link);
         link.lastErrorCode = kErrThread;
         return 0;
     };
@@ -318,6 +368,7 @@ std::uint32_t StopLink(ReceiverLink& link) {
         }
     }
     ClosePortFd(link);
+    DeregisterVirtualPort(link);
 
     link.noDataTicks = 0;
     link.watchdogTicks = 0;

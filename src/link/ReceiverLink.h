@@ -58,6 +58,12 @@ inline constexpr const char* kErrPurge = "0x08200a0c";        // flushing the qu
 inline constexpr const char* kErrTimer = "0x08200a0d";        // the watchdog cannot be started
 inline constexpr const char* kErrThread = "0x08200a0e";       // the reader cannot be started
 inline constexpr const char* kErrThreadClose = "0x08200a0f";  // the reader did not end in time
+inline constexpr const char* kErrNoFreePort = "0x08200a10";   // no COM index 9..0 to register
+
+// The COM indexes a Bluetooth port may be registered under, tried from the
+// highest down.
+inline constexpr int kVirtualPortFirst = 9;
+inline constexpr int kVirtualPortLast = 0;
 
 // How the link reaches its owner. Every call is synchronous.
 class LinkSink {
@@ -97,6 +103,23 @@ class LinkTimer {
     ~LinkTimer() = default;
 };
 
+// Ports that are not a device of their own: a Bluetooth receiver given a COM
+// index for as long as the link uses it. Called on the owner's thread.
+class VirtualPortDriver {
+  public:
+    // Registers a port under `index` for the receiver at `address`; false
+    // when the index is taken (a device is behind it, or it is registered).
+    virtual bool RegisterPort(int index, std::uint64_t address) = 0;
+    virtual void DeregisterPort(int index) = 0;
+    // Connects a registered port: a descriptor the reader polls like a tty
+    // (a tty such as /dev/rfcommN, or a connected socket), or -1. The link
+    // owns and closes it.
+    virtual int ConnectPort(int index) = 0;
+
+  protected:
+    ~VirtualPortDriver() = default;
+};
+
 struct ReceiverLink {
     ReceiverLink();
     ~ReceiverLink();  // stops the link, closes the port, waits for the reader
@@ -104,15 +127,16 @@ struct ReceiverLink {
     ReceiverLink& operator=(const ReceiverLink&) = delete;
 
     // --- Configuration, set by the owner before OpenPort / StartLink ---
-    std::string portName;                  // "COM%d:" of the configured port, for display
-    std::string devicePath;                // the tty actually opened (see PortNames.h); when
-                                           // empty, portName resolves through the default map
-    std::uint32_t baudRate = 38400;        // one of kBaudRates
-    std::uint32_t byteSize = 8;            // data bits (5..8)
-    std::uint32_t parity = 0;              // 0 none, 1 odd, 2 even
-    std::uint32_t stopBits = 0;            // 0 one, 2 two (1, "1.5", is taken as two)
-    std::atomic<LinkSink*> sink{nullptr};  // null: batches recorded, not decoded
-    LinkTimer* timer = nullptr;            // null: ticks are driven by the owner
+    std::string portName;                     // "COM%d:" of the configured port, for display
+    std::string devicePath;                   // the tty actually opened (see PortNames.h); when
+                                              // empty, portName resolves through the default map
+    std::uint32_t baudRate = 38400;           // one of kBaudRates
+    std::uint32_t byteSize = 8;               // data bits (5..8)
+    std::uint32_t parity = 0;                 // 0 none, 1 odd, 2 even
+    std::uint32_t stopBits = 0;               // 0 one, 2 two (1, "1.5", is taken as two)
+    std::atomic<LinkSink*> sink{nullptr};     // null: batches recorded, not decoded
+    LinkTimer* timer = nullptr;               // null: ticks are driven by the owner
+    VirtualPortDriver* portDriver = nullptr;  // registers Bluetooth ports; null: none
 
     // NMEA recording: when recordNmea is set, StartLink names a new file in
     // nmeaFolder and every batch is appended to it.
@@ -125,6 +149,8 @@ struct ReceiverLink {
     int stateRetryMs = 1000;
 
     // --- State ---
+    bool virtualPortRegistered = false;           // a Bluetooth port is registered ...
+    int virtualPortIndex = -1;                    // ... under this COM index
     int portFd = -1;                              // the open port
     std::atomic<bool> portOpen{false};            // cleared when the watchdog closes the link
     std::atomic<bool> running{false};             // started and not stopped
@@ -159,11 +185,21 @@ struct ReceiverLink {
     bool readerListening = false;         // purged the port and waits; guarded by readerMutex
 };
 
-// Opens the port (devicePath, else portName through the default map) and
+// Gives the receiver at `address` a port: the first COM index from 9 down to
+// 0 that the driver registers becomes portName. A port registered before is
+// deregistered first. Returns 1, or 0 with lastErrorCode "0x08200a10".
+int RegisterBluetoothPort(ReceiverLink& link, std::uint64_t address);
+
+// Gives a registered port back; nothing when none is registered.
+void DeregisterVirtualPort(ReceiverLink& link);
+
+// Opens the port (a registered Bluetooth port through the driver, else
+// devicePath, else portName through the default map) and
 // configures it: raw 8-bit input, the baud rate, byteSize/parity/stopBits,
 // no hardware handshake, DTR and RTS dropped, XON/XOFF both ways, reads that
-// return at once, both queues flushed. Returns 1, or 0 with lastErrorCode set
-// and the port closed.
+// return at once, both queues flushed; a connection that is not a tty (a
+// socket) is only made non-blocking. Returns 1, or 0 with lastErrorCode set,
+// the port closed and a registered port deregistered.
 int OpenPort(ReceiverLink& link);
 
 // Names the recording file (when recordNmea is set), starts the watchdog
@@ -173,7 +209,7 @@ int OpenPort(ReceiverLink& link);
 int StartLink(ReceiverLink& link);
 
 // Stops the timer and the reader (waiting at most 1,000 ms for it), closes
-// the port, resets the tick counters, running and fixValid. Returns
+// the port, deregisters a Bluetooth port, resets the tick counters, running and fixValid. Returns
 // linkLossReason. Never hangs; callable from inside OnStopCommand. The
 // owner clears its own fix-time-known flag and alarm afterwards.
 std::uint32_t StopLink(ReceiverLink& link);
