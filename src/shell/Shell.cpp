@@ -343,6 +343,13 @@ void Shell::OnBlinkTick() {
     }
 }
 
+void Shell::OnOtherTalkersOnly() {
+    if (otherTalkersHintShown)
+        return;
+    otherTalkersHintShown = true;
+    Message(OtherTalkersHint(), MessageIcon::Information);
+}
+
 // ---- menus ----
 
 namespace {

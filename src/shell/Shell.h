@@ -113,6 +113,9 @@ class Shell {
     void OnGpsTime();    // WM_GPS_TIME
     void OnClockTick();  // timer 1028: one second more on the fix clock
     void OnBlinkTick();
+    // The link has heard only other satellite systems' talkers for ten
+    // seconds: the hint that names the all-talkers setting, once a run.
+    void OnOtherTalkersOnly();
     // The user closed the satellite data dialog (its own button or key):
     // the screen it stood in for comes back.
     void OnSatelliteDialogClosed();
@@ -136,6 +139,7 @@ class Shell {
     bool mapLoaded = false;
     std::string mapLabel;
     bool exited = false;
+    bool otherTalkersHintShown = false;
     // A port given for this run (a replay, --port) stands for the receiver:
     // start GPS opens it whatever receiver the settings name.
     bool forceComPort = false;
