@@ -511,7 +511,7 @@ int AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
         data += n;
         length -= static_cast<std::size_t>(n);
     }
-    // Part of a batch would have the next batch spliced onto it mid-line:
+    // A batch cut short would have the next one spliced onto it mid-line:
     // the file goes back to what it held.
     if (error != 0 && before >= 0) {
         while (::ftruncate(fd, before) != 0 && errno == EINTR) {

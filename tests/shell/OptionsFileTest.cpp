@@ -163,20 +163,6 @@ TEST_F(OptionsFileTest, AFailedSaveLeavesTheOldFileAsItWas) {
     }
 }
 
-TEST_F(OptionsFileTest, ALinkedOptionsFileStaysALink) {
-    const std::string real = (dir_ / "real-options").string();
-    WriteAll(std::vector<std::uint8_t>(kOptionsRecordSize, 0));
-    fs::rename(path_, real);
-    fs::create_symlink("real-options", path_);
-    ProgramSettings s;
-    OptionsStore store(path_);
-    ASSERT_TRUE(store.LoadOptions(s));
-    s.units = 1;
-    ASSERT_TRUE(store.SaveOptions(s));
-    EXPECT_TRUE(fs::is_symlink(path_));
-    EXPECT_EQ(Word(ReadAll(), 44), 1u);
-}
-
 TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
     ProgramSettings s;
     s.storageRoot = "/media/卡/My Documents";

@@ -92,36 +92,6 @@ TEST_F(DecodeCommand, ReadsStandardInput) {
     EXPECT_EQ(r.lines.size(), 1u);
 }
 
-TEST(DecodeCommandTalkers, CombinedTalkerNeedsTheSetting) {
-    const std::string path = ::testing::TempDir() + "decode_talkers.nmea";
-    {
-        std::ofstream f(path, std::ios::binary);
-        const std::string rmc = "GNRMC,010203.000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,";
-        const std::string gsv = "GLGSV,1,1,02,65,40,100,35,72,20,200,";
-        for (const std::string& body : {rmc, gsv}) {
-            unsigned x = 0;
-            for (char c : body) x ^= static_cast<unsigned char>(c);
-            char sum[3];
-            std::snprintf(sum, sizeof sum, "%02X", x);
-            f << "$" << body << "*" << sum << "\r\n";
-        }
-    }
-    const struct {
-        const char* args;
-        const char* fixValid;
-        const char* inView;
-    } cases[] = {
-        {"", "false", "\"\""},
-        {"--all-talkers ", "true", "\"02\""},
-    };
-    for (const auto& c : cases) {
-        const Result r = RunTool(c.args + path);
-        ASSERT_EQ(r.lines.size(), 1u) << c.args;
-        EXPECT_EQ(Field(r.lines[0], "fixValid"), c.fixValid) << c.args;
-        EXPECT_EQ(Field(r.lines[0], "satellitesInView"), c.inView) << c.args;
-    }
-}
-
 TEST(DecodeCommandErrors, ExitStatusTwo) {
     EXPECT_EQ(RunTool("/nonexistent/log.nmea").status, 2);
     EXPECT_EQ(RunTool("/").status, 2);  // a folder cannot be read
