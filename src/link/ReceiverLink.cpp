@@ -321,6 +321,9 @@ int StartLink(ReceiverLink& link) {
     link.processPending = false;
     link.noDataTicks = 0;
     link.watchdogTicks = 0;
+    link.runTicks = 0;
+    link.talkersWatch = OtherTalkersWatch{};
+    link.recordFailureTold = false;
     {
         std::lock_guard<std::mutex> g(link.readerMutex);
         link.readerActive = true;
@@ -456,16 +459,35 @@ void ReaderThread(ReceiverLink& link) {
         if (link.timeSyncRequest.exchange(false))
             link.gps.timeSyncPending = 1;
         if (LinkSink* sink = link.sink.load(); sink != nullptr) {
+            const bool all = link.allTalkers;
+            if (all != link.talkers.acceptAll) {
+                // Switched while running: the satellite table is put
+                // together afresh the new way.
+                link.talkers.acceptAll = all;
+                link.talkers.sky.Reset();
+                link.gsvAssembly.Reset();
+            }
+            link.talkers.counts = {};
             TimeForwarder forward(sink);
             gps::ParseNmeaBuffer(link.gps, link.gsvAssembly, std::string_view(link.buffer, length),
-                                 &forward);
+                                 &forward, &link.talkers);
             link.fixValid = link.gps.status == 'A';
             sink->OnGpsData();
+            if (!all && link.talkersWatch.AfterBatch(link.talkers.counts, link.runTicks))
+                sink->OnOtherTalkersOnly();
         }
         if (link.recordNmea) {
-            std::lock_guard<std::mutex> g(link.recordLock);
-            if (link.nmeaLogPath[0] != '\0')
-                AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
+            int error = 0;
+            {
+                std::lock_guard<std::mutex> g(link.recordLock);
+                if (link.nmeaLogPath[0] != '\0')
+                    error = AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
+            }
+            LinkSink* sink = link.sink.load();
+            if (error != 0 && !link.recordFailureTold && sink != nullptr) {
+                link.recordFailureTold = true;
+                sink->OnRecordFailed(error);
+            }
         }
         link.buffer[0] = '\0';
         link.bufferLength = 0;
@@ -479,6 +501,7 @@ void LinkTimerProc(ReceiverLink& link) {
         return;
     std::lock_guard<std::timed_mutex> g(link.lock);
     link.processPending = true;
+    ++link.runTicks;
     ++link.noDataTicks;
     if (++link.watchdogTicks >= kTimeSyncEveryTicks) {
         link.watchdogTicks = 0;
@@ -522,20 +545,51 @@ void MakeNmeaLogPath(ReceiverLink& link, std::time_t now) {
         link.nmeaLogPath[0] = '\0';
 }
 
-void AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
+int AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
     const int fd = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     if (fd < 0)
-        return;
+        return errno;
+    const off_t before = ::lseek(fd, 0, SEEK_END);
+    int error = 0;
     while (length > 0) {
         const ssize_t n = ::write(fd, data, length);
         if (n < 0 && errno == EINTR)
             continue;
-        if (n <= 0)
-            break;  // full disk or a vanished folder: the batch is lost
+        if (n <= 0) {
+            error = n < 0 ? errno : ENOSPC;
+            break;
+        }
         data += n;
         length -= static_cast<std::size_t>(n);
     }
-    ::close(fd);
+    // A batch cut short would have the next one spliced onto it mid-line:
+    // the file goes back to what it held.
+    if (error != 0 && before >= 0) {
+        while (::ftruncate(fd, before) != 0 && errno == EINTR) {
+        }
+    }
+    if (::close(fd) != 0 && error == 0)
+        error = errno;
+    return error;
+}
+
+bool OtherTalkersWatch::AfterBatch(const gps::TalkerCounts& batch, std::uint32_t tick) {
+    if (told_)
+        return false;
+    if (batch.gpRmc > 0) {
+        waiting_ = false;
+        return false;
+    }
+    if (batch.otherTalkers == 0)
+        return false;
+    if (!waiting_) {
+        waiting_ = true;
+        since_ = tick;
+    }
+    if (tick - since_ < kOtherTalkersTicks)
+        return false;
+    told_ = true;
+    return true;
 }
 
 const char* LinkLossMessage(std::uint32_t reason) {

@@ -40,6 +40,7 @@ inline constexpr std::uint32_t kLossTimeout = 2;     // 30 ticks without a byte
 
 inline constexpr std::uint32_t kNoDataTicksLimit = 30;
 inline constexpr std::uint32_t kTimeSyncEveryTicks = 10;
+inline constexpr std::uint32_t kOtherTalkersTicks = 10;  // before the other-talkers hint
 
 inline constexpr std::size_t kBufferSize = 2048;  // accumulation buffer, NUL included
 inline constexpr std::size_t kReadSize = 1024;    // one read from the port
@@ -85,8 +86,33 @@ class LinkSink {
     // for the lock gives up when it sees the stop.
     virtual void OnStopCommand() = 0;
 
+    // The receiver has sent well-formed sentences of other satellite systems'
+    // talkers for ten seconds and no GP RMC: without the all-talkers setting
+    // it gives no fix. Called once per start, on the reader thread, after
+    // the OnGpsData of the batch.
+    virtual void OnOtherTalkersOnly() {}
+
+    // A batch could not be recorded (`error` is the errno). Called once per
+    // start, on the reader thread; the program itself stays silent.
+    virtual void OnRecordFailed(int /*error*/) {}
+
   protected:
     ~LinkSink() = default;
+};
+
+// Notices a receiver that speaks only other talkers: well-formed sentences
+// of theirs over kOtherTalkersTicks ticks with no GP RMC since the first of
+// them. A GP RMC starts the wait again.
+class OtherTalkersWatch {
+  public:
+    // After each decoded batch, with what the batch held and the ticks since
+    // the link started. True once, when the wait is over.
+    bool AfterBatch(const gps::TalkerCounts& batch, std::uint32_t tick);
+
+  private:
+    bool told_ = false;
+    bool waiting_ = false;
+    std::uint32_t since_ = 0;
 };
 
 // The one-second watchdog timer, owned by whoever runs the link (a QTimer in
@@ -137,6 +163,9 @@ struct ReceiverLink {
     std::atomic<LinkSink*> sink{nullptr};     // null: batches recorded, not decoded
     LinkTimer* timer = nullptr;               // null: ticks are driven by the owner
     VirtualPortDriver* portDriver = nullptr;  // registers Bluetooth ports; null: none
+    // Accept all satellite systems: RMC, GGA and GSA of every talker fill the
+    // fix, GSV of every talker the satellite table. Read before each decode.
+    std::atomic<bool> allTalkers{false};
 
     // NMEA recording: when recordNmea is set, StartLink names a new file in
     // nmeaFolder and every batch is appended to it.
@@ -159,6 +188,7 @@ struct ReceiverLink {
     std::atomic<bool> deviceGone{false};          // the reader saw a hang-up or EIO/ENODEV/ENXIO
     std::atomic<std::uint32_t> noDataTicks{0};    // ticks since the last read with data
     std::atomic<std::uint32_t> watchdogTicks{0};  // ticks towards the next time sync
+    std::atomic<std::uint32_t> runTicks{0};       // ticks since StartLink
     std::atomic<std::uint32_t> linkLossReason{kLossNone};
     std::atomic<bool> fixValid{false};  // gps.status was 'A' in the last batch
 
@@ -166,6 +196,9 @@ struct ReceiverLink {
     std::atomic<std::uint32_t> bufferLength{0};  // characters in buffer
     gps::GpsState gps;                           // written by the reader while decoding
     gps::GsvAssembly gsvAssembly;
+    gps::Talkers talkers;            // the reader's: the setting as decoded, counts, table
+    OtherTalkersWatch talkersWatch;  // the reader's; made afresh by StartLink
+    bool recordFailureTold = false;  // the reader's; cleared by StartLink
 
     std::string lastErrorCode;    // text of the last link error, e.g. "0x08200a06"
     char nmeaLogPath[4096] = {};  // the current recording file ("" = none)
@@ -229,9 +262,11 @@ void LinkTimerProc(ReceiverLink& link);
 void MakeNmeaLogPath(ReceiverLink& link);
 void MakeNmeaLogPath(ReceiverLink& link, std::time_t now);
 
-// Appends one batch to a recording file: open, append, close. Failures are
-// silent; at most this batch is lost.
-void AppendNmeaBatch(const char* path, const char* data, std::size_t length);
+// Appends one batch to a recording file: open, append, close. The batch is
+// written whole or not at all: after a short write (a full disk) the file
+// is cut back to its length before, so a recording holds whole batches.
+// Returns 0, or the errno of the failure (only this batch is lost).
+int AppendNmeaBatch(const char* path, const char* data, std::size_t length);
 
 // The message the program shows for a loss reason (strings 40096 and 40097,
 // UTF-8), or null for kLossNone.

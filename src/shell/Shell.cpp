@@ -378,6 +378,13 @@ void Shell::OnBlinkTick() {
         ui_.Repaint();
 }
 
+void Shell::OnOtherTalkersOnly() {
+    if (otherTalkersHintShown)
+        return;
+    otherTalkersHintShown = true;
+    Message(OtherTalkersHint(), MessageIcon::Information);
+}
+
 // ---- menus ----
 
 namespace {

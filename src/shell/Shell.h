@@ -122,6 +122,9 @@ class Shell {
     // A tap on alarm cell 0..7 (50..120): sets that limit as the menu's
     // entries do, or switches the alarm off when it is the lit cell.
     void OnAlarmCellTap(int cell);
+    // The link has heard only other satellite systems' talkers for ten
+    // seconds: the hint that names the all-talkers setting, once a run.
+    void OnOtherTalkersOnly();
     // The user closed the satellite data dialog (its own button or key):
     // the screen it stood in for comes back.
     void OnSatelliteDialogClosed();
@@ -153,6 +156,7 @@ class Shell {
     bool mapLoaded = false;
     std::string mapLabel;
     bool exited = false;
+    bool otherTalkersHintShown = false;
     // A port given for this run (a replay, --port) stands for the receiver:
     // start GPS opens it whatever receiver the settings name.
     bool forceComPort = false;

@@ -58,6 +58,11 @@ const char* LoadString(int id) {
     return it->text;
 }
 
+const char* OtherTalkersHint() {
+    return "GPS接收机发送的是其他卫星系统的数据 (GN、GL、GA、GB、BD)，没有GPS (GP) 定位数据，"
+           "因此无法定位。\n\n请开启“接收所有卫星系统”设置 (启动参数 --all-talkers)。";
+}
+
 std::string FormatString(const char* format, const std::string& argument) {
     std::string out = format;
     const std::size_t at = out.find("%s");

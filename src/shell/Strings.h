@@ -11,6 +11,10 @@ const char* LoadString(int id);
 // Fills the one "%s" of a table string (or of any format) with `argument`.
 std::string FormatString(const char* format, const std::string& argument);
 
+// Said once when the receiver speaks only other satellite systems' talkers
+// while the all-talkers setting is off: names the setting.
+const char* OtherTalkersHint();
+
 inline constexpr int kStrCaption = 40208;
 inline constexpr int kStrConfigureReceiverFirst = 40092;
 inline constexpr int kStrBluetoothPortFailed = 40093;

@@ -424,6 +424,14 @@ TEST_F(ShellTest, SatelliteDialogFilledOnEveryBatchOnlyWhileOpen) {
     EXPECT_EQ(ui.satelliteFills, 3);
 }
 
+TEST_F(ShellTest, OtherTalkersHintNamesTheSettingOnce) {
+    shell.OnOtherTalkersOnly();
+    shell.OnOtherTalkersOnly();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_NE(ui.messages[0].first.find("接收所有卫星系统"), std::string::npos);
+    EXPECT_EQ(ui.messages[0].second, MessageIcon::Information);
+}
+
 TEST_F(ShellTest, BlinkAndClock) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnBlinkTick();
