@@ -72,10 +72,11 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
          {}},
     };
     for (const Case& c : cases) {
-        MapImage image;
+        MapImage image, fromMemory;
         EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
         EXPECT_EQ(image.Size().width, c.size.width) << c.name;
         EXPECT_EQ(image.Size().height, c.size.height) << c.name;
+        EXPECT_EQ(LoadMapImageData(c.bytes, fromMemory), c.error) << c.name;
     }
 }
 

@@ -1,5 +1,6 @@
 #include "MapImage.h"
 
+#include <QBuffer>
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
@@ -94,25 +95,21 @@ std::uint16_t Le16(const uchar* p) {
 // with them black, both without an error; a map with a grey hole is a
 // damaged file here. A BMP's declared size is read here as well, since its
 // decoder refuses an absurd one as damaged rather than as too large.
-ImageLoadError CheckFile(QFile& file, const QByteArray& format) {
-    const qint64 size = file.size();
-    const uchar* bytes = file.map(0, size);
-    if (bytes == nullptr)
-        return ImageLoadError::None;  // left to the decoder
-    ImageLoadError result = ImageLoadError::None;
+ImageLoadError CheckBytes(const uchar* bytes, qint64 size, const QByteArray& format) {
     if (format == "jpeg" || format == "jpg") {
         // Scanning back from the end, the end-of-image marker must come
         // before any start of scan: scan data never hold FF D9 or FF DA.
-        result = ImageLoadError::Damaged;
         for (qint64 i = size - 2; i >= 0; --i) {
             if (bytes[i] != 0xFF)
                 continue;
             if (bytes[i + 1] == 0xD9)
-                result = ImageLoadError::None;
-            if (bytes[i + 1] == 0xD9 || bytes[i + 1] == 0xDA)
+                return ImageLoadError::None;
+            if (bytes[i + 1] == 0xDA)
                 break;
         }
-    } else if (format == "bmp" && size >= 30) {
+        return ImageLoadError::Damaged;
+    }
+    if (format == "bmp" && size >= 30) {
         const std::uint32_t dataOffset = Le32(bytes + 10), headerSize = Le32(bytes + 14);
         std::int64_t width = 0, height = 0, bits = 0, compression = 0;
         if (headerSize == 12) {
@@ -126,16 +123,15 @@ ImageLoadError CheckFile(QFile& file, const QByteArray& format) {
             compression = Le32(bytes + 30);
         }
         height = height < 0 ? -height : height;
-        if (width > 0 && height > 0 && !WithinBudget(width, height)) {
-            result = ImageLoadError::TooLarge;
-        } else if (compression == 0 || compression == 3 || compression == 6) {
+        if (width > 0 && height > 0 && !WithinBudget(width, height))
+            return ImageLoadError::TooLarge;
+        if (compression == 0 || compression == 3 || compression == 6) {
             const std::int64_t stride = (width * bits + 31) / 32 * 4;
             if (std::int64_t{dataOffset} + stride * height > size)
-                result = ImageLoadError::Damaged;
+                return ImageLoadError::Damaged;
         }
     }
-    file.unmap(const_cast<uchar*>(bytes));
-    return result;
+    return ImageLoadError::None;
 }
 
 ImageLoadError FromReaderError(QImageReader::ImageReaderError error) {
@@ -193,28 +189,23 @@ MapImage MapImage::FromImage(QImage image) {
     return map;
 }
 
-ImageLoadError LoadMapImage(const QString& path, MapImage& image) {
-    const QFileInfo info(path);
-    if (!info.exists() || !info.isFile() || !info.isReadable())
-        return ImageLoadError::CannotOpen;
-    if (info.size() == 0)
-        return ImageLoadError::NotAnImage;
+namespace {
 
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return ImageLoadError::CannotOpen;
-    QImageReader reader(&file);
+// `device` reads the bytes `bytes` holds, `size` of them.
+ImageLoadError Decode(QIODevice& device, const uchar* bytes, qint64 size, MapImage& image) {
+    if (size == 0)
+        return ImageLoadError::NotAnImage;
+    QImageReader reader(&device);
     reader.setDecideFormatFromContent(true);
     // The decoders check their own allocations against this as well.
     reader.setAllocationLimit(static_cast<int>(kMaxImageBytes >> 20));
-    if (!IsMapFormat(reader.format())) {
+    const QByteArray format = reader.format();
+    if (!IsMapFormat(format)) {
         return reader.error() == QImageReader::DeviceError ? ImageLoadError::CannotOpen
                                                            : ImageLoadError::NotAnImage;
     }
-    const qint64 start = file.pos();
-    if (const ImageLoadError e = CheckFile(file, reader.format()); e != ImageLoadError::None)
+    if (const ImageLoadError e = CheckBytes(bytes, size, format); e != ImageLoadError::None)
         return e;
-    file.seek(start);
     // The header alone: a size past the budget is refused before anything
     // of that size is allocated.
     const QSize declared = reader.size();
@@ -236,6 +227,34 @@ ImageLoadError LoadMapImage(const QString& path, MapImage& image) {
         return ImageLoadError::TooLarge;
     image = std::move(loaded);
     return ImageLoadError::None;
+}
+
+}  // namespace
+
+ImageLoadError LoadMapImage(const QString& path, MapImage& image) {
+    const QFileInfo info(path);
+    if (!info.exists() || !info.isFile() || !info.isReadable())
+        return ImageLoadError::CannotOpen;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return ImageLoadError::CannotOpen;
+    const qint64 size = file.size();
+    if (size == 0)
+        return ImageLoadError::NotAnImage;
+    // Mapped, not read: a scan of a hundred megabytes costs no copy.
+    const uchar* bytes = file.map(0, size);
+    if (bytes == nullptr)
+        return ImageLoadError::CannotOpen;
+    const ImageLoadError result = Decode(file, bytes, size, image);
+    file.unmap(const_cast<uchar*>(bytes));
+    return result;
+}
+
+ImageLoadError LoadMapImageData(const QByteArray& data, MapImage& image) {
+    QByteArray copy = data;  // shares the bytes; QBuffer wants a mutable array
+    QBuffer buffer(&copy);
+    buffer.open(QIODevice::ReadOnly);
+    return Decode(buffer, reinterpret_cast<const uchar*>(copy.constData()), copy.size(), image);
 }
 
 void DrawMapImage(QPainter& painter, const MapImage& image, const VisiblePart& part) {

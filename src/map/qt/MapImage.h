@@ -9,6 +9,7 @@
 // nearest the zoom. Load on any thread; paint on the painting thread.
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QString>
 #include <cstdint>
@@ -60,6 +61,8 @@ class MapImage {
 // Reads the file into `image`. On failure `image` is left as it was: the
 // previous map stays loaded.
 ImageLoadError LoadMapImage(const QString& path, MapImage& image);
+// The same from bytes in memory.
+ImageLoadError LoadMapImageData(const QByteArray& data, MapImage& image);
 
 // Paints the visible part into `painter` (unscaled painter coordinates),
 // from the level nearest the zoom; nothing for an empty part or image.
