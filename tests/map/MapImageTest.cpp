@@ -189,6 +189,9 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
 }  // namespace satwalk::map
 
 int main(int argc, char** argv) {
+    // Test discovery runs this too, with no display to talk to.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
