@@ -175,6 +175,18 @@ void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldVie
     auto yOf = [&](double lat) {
         return view.origin.screenY - MercatorNorthing(lat, view.scale, view.scaleBarPixels);
     };
+    // The rings' latitudes are whole hundredths of a degree: their northings
+    // come from a table made once, scaled for the view.
+    static const std::vector<double> northing = [] {
+        std::vector<double> n(kMaxLat + 1);
+        for (std::int32_t u = 0; u <= kMaxLat; ++u) n[u] = MercatorNorthing(u * 0.01, 1.0, 1);
+        return n;
+    }();
+    const double northingScale = view.scaleBarPixels / view.scale;
+    auto yOfUnits = [&](std::int32_t lat) {
+        const double n = northing[static_cast<std::size_t>(lat < 0 ? -lat : lat)] * northingScale;
+        return view.origin.screenY - (lat < 0 ? -n : n);
+    };
 
     std::vector<Vec> poly, scratch;
     std::vector<screens::Point> points;
@@ -200,8 +212,17 @@ void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldVie
             if (east < l || west > r || south < t || north > b)
                 continue;
             poly.clear();
-            for (std::size_t i = 0; i < ring.lon.size(); ++i)
-                poly.push_back({xOf(ring.lon[i] * 0.01 + shift), yOf(ring.lat[i] * 0.01)});
+            // Zoomed out, many points of a coast fall on one pixel: only the
+            // first of each run goes on to the clip.
+            double lastX = NAN, lastY = NAN;
+            for (std::size_t i = 0; i < ring.lon.size(); ++i) {
+                const double x = xOf(ring.lon[i] * 0.01 + shift), y = yOfUnits(ring.lat[i]);
+                if (std::fabs(x - lastX) < 0.5 && std::fabs(y - lastY) < 0.5)
+                    continue;
+                poly.push_back({x, y});
+                lastX = x;
+                lastY = y;
+            }
             ClipToRect(poly, scratch, l, t, r, b);
             points.clear();
             for (const Vec& v : poly) {
