@@ -1,6 +1,10 @@
 // Decoder throughput: the demo drive, alone and mixed with the kinds of
 // noise a real serial line carries, cut into 2,047-byte batches exactly as
-// the receiver link hands them over, decoded in-process.
+// the receiver link hands them over, decoded in-process. Each corpus also
+// runs with the "accept all satellite systems" setting off (the link's way:
+// other talkers only counted) and on, and a multi-system version of the
+// drive (combined-solution fix sentences, GPS and GLONASS cycles) runs with
+// the setting on.
 //
 // The binary replaces the global operator new with a counting one, so the
 // "allocations" counter shows every allocation made while decoding; it must
@@ -100,6 +104,7 @@ namespace {
 using satwalk::gps::GpsState;
 using satwalk::gps::GsvAssembly;
 using satwalk::gps::ParseNmeaBuffer;
+using satwalk::gps::Talkers;
 
 constexpr std::size_t kBatchBytes = 2047;   // the link's accumulation buffer less its NUL
 constexpr unsigned kSyncEveryBatches = 10;  // the watchdog asks for a time sync every 10th tick
@@ -209,6 +214,52 @@ std::string MixedCorpus(const std::string& clean) {
     return out;
 }
 
+// The demo drive as a multi-system receiver sends it: RMC, GGA and GSA under
+// the combined talker, and every GSV cycle followed by a GLONASS cycle of
+// the same satellites renumbered into GLONASS's range.
+std::string MultiSystemCorpus(const std::string& clean) {
+    std::string out;
+    out.reserve(clean.size() * 2);
+    std::size_t pos = 0;
+    while (pos < clean.size()) {
+        std::size_t end = clean.find('\n', pos);
+        end = end == std::string::npos ? clean.size() : end + 1;
+        const std::string line = clean.substr(pos, end - pos);
+        pos = end;
+        const std::size_t star = line.rfind('*');
+        if (line.size() < 7 || line.compare(0, 3, "$GP") != 0 || star == std::string::npos) {
+            out += line;
+            continue;
+        }
+        std::string body = line.substr(1, star - 1);
+        const std::string kind = body.substr(2, 3);
+        if (kind == "RMC" || kind == "GGA" || kind == "GSA") {
+            body.replace(0, 2, "GN");
+            out += Checksummed(body);
+        } else if (kind == "GSV") {
+            out += line;
+            // Fields 4, 8, 12 and 16 are numbers: 65 onward for GLONASS.
+            std::string glonass;
+            std::size_t at = 0;
+            for (int field = 0; at <= body.size(); ++field) {
+                std::size_t stop = body.find(',', at);
+                stop = stop == std::string::npos ? body.size() : stop;
+                std::string text = body.substr(at, stop - at);
+                if (field == 0)
+                    text.replace(0, 2, "GL");
+                else if (field >= 4 && field % 4 == 0 && !text.empty())
+                    text = std::to_string(65 + std::atoi(text.c_str()) % 32);
+                glonass += (field == 0 ? "" : ",") + text;
+                at = stop + 1;
+            }
+            out += Checksummed(glonass);
+        } else {
+            out += line;
+        }
+    }
+    return out;
+}
+
 struct Corpus {
     std::string bytes;
     std::vector<std::string_view> batches;
@@ -238,20 +289,30 @@ const Corpus& NoisyCorpus() {
     return corpus;
 }
 
+const Corpus& MultiSystem() {
+    static const Corpus corpus = Slice(MultiSystemCorpus(ReadDemoLog()));
+    return corpus;
+}
+
 class SyncCounter final : public satwalk::gps::TimeSyncSink {
   public:
     void OnGpsTime() override { ++count; }
     unsigned long count = 0;
 };
 
-void RunDecoder(benchmark::State& state, const Corpus& corpus) {
+enum class Setting { kAbsent, kOff, kOn };
+
+void RunDecoder(benchmark::State& state, const Corpus& corpus, Setting setting = Setting::kAbsent) {
     GpsState gps;
     GsvAssembly assembly;
     SyncCounter sink;
+    Talkers talkerRecord;
+    talkerRecord.acceptAll = setting == Setting::kOn;
+    Talkers* talkers = setting == Setting::kAbsent ? nullptr : &talkerRecord;
     // Warm up outside the timed loop: the first time-zone lookup of the C
     // library loads its data.
     for (const std::string_view batch : corpus.batches)
-        ParseNmeaBuffer(gps, assembly, batch, &sink);
+        ParseNmeaBuffer(gps, assembly, batch, &sink, talkers);
 
     unsigned batchNumber = 0;
     const unsigned long allocationsBefore = gAllocations.load();
@@ -259,7 +320,7 @@ void RunDecoder(benchmark::State& state, const Corpus& corpus) {
         for (const std::string_view batch : corpus.batches) {
             if (++batchNumber % kSyncEveryBatches == 0)
                 gps.timeSyncPending = 1;
-            ParseNmeaBuffer(gps, assembly, batch, &sink);
+            ParseNmeaBuffer(gps, assembly, batch, &sink, talkers);
         }
         benchmark::DoNotOptimize(gps);
         benchmark::ClobberMemory();
@@ -285,8 +346,29 @@ void BM_DecodeClean(benchmark::State& state) {
     RunDecoder(state, CleanCorpus());
 }
 
+void BM_DecodeMixedTalkersOff(benchmark::State& state) {
+    RunDecoder(state, NoisyCorpus(), Setting::kOff);
+}
+void BM_DecodeMixedTalkersOn(benchmark::State& state) {
+    RunDecoder(state, NoisyCorpus(), Setting::kOn);
+}
+void BM_DecodeCleanTalkersOff(benchmark::State& state) {
+    RunDecoder(state, CleanCorpus(), Setting::kOff);
+}
+void BM_DecodeCleanTalkersOn(benchmark::State& state) {
+    RunDecoder(state, CleanCorpus(), Setting::kOn);
+}
+void BM_DecodeMultiSystemTalkersOn(benchmark::State& state) {
+    RunDecoder(state, MultiSystem(), Setting::kOn);
+}
+
 BENCHMARK(BM_DecodeMixed)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_DecodeClean)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DecodeMixedTalkersOff)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DecodeMixedTalkersOn)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DecodeCleanTalkersOff)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DecodeCleanTalkersOn)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DecodeMultiSystemTalkersOn)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -54,13 +54,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static GpsState state;
     static GsvAssembly assembly;
     static NullSink sink;
+    static Talkers talkers;
     static std::string json;
-    // The first byte picks the batch size, so cuts land everywhere.
+    // The first byte picks the batch size, so cuts land everywhere, and with
+    // its lowest bit whether all satellite systems are accepted.
     std::size_t batch = 2047;
+    bool acceptAll = false;
     if (size > 0) {
-        batch = 1 + data[0] * 8u;
+        batch = 1 + (data[0] >> 1) * 16u;
+        acceptAll = (data[0] & 1) != 0;
         ++data;
         --size;
+    }
+    if (talkers.acceptAll != acceptAll) {
+        talkers.acceptAll = acceptAll;
+        talkers.sky.Reset();
+        assembly.Reset();
     }
     const char* text = reinterpret_cast<const char*>(data);
     for (std::size_t at = 0; at < size; at += batch) {
@@ -68,10 +77,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         // An exact-size copy lets the address sanitizer catch any read past it.
         char* copy = static_cast<char*>(std::malloc(n ? n : 1));
         std::memcpy(copy, text + at, n);
-        ParseNmeaBuffer(state, assembly, std::string_view(copy, n), &sink);
+        ParseNmeaBuffer(state, assembly, std::string_view(copy, n), &sink, &talkers);
         std::free(copy);
         CheckState(state);
-        if (assembly.countParsed > 1)
+        if (assembly.countParsed > 1 || talkers.sky.rows > kSatelliteRows)
             std::abort();
     }
     double lat = 0;

@@ -20,12 +20,13 @@ namespace satwalk::tools {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: satwalk-tool decode [--batch N] [--cut] [--sync-every K] [FILE]\n"
+    "usage: satwalk-tool decode [--batch N] [--cut] [--sync-every K] [--all-talkers] [FILE]\n"
     "  Decodes an NMEA 0183 log (or standard input) and prints one JSON object\n"
     "  per batch.\n"
     "  --batch N       batch size in bytes (default 2047)\n"
     "  --cut           cut the input every N bytes, as a raw stream arrives\n"
-    "  --sync-every K  request a time sync before every K-th batch\n";
+    "  --sync-every K  request a time sync before every K-th batch\n"
+    "  --all-talkers   accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n";
 
 class SyncFlag final : public gps::TimeSyncSink {
   public:
@@ -62,6 +63,7 @@ int RunDecode(int argc, char** argv) {
     unsigned long batchSize = 2047;
     unsigned long syncEvery = 0;
     bool cut = false;
+    bool allTalkers = false;
     const char* path = nullptr;
     for (int i = 0; i < argc; ++i) {
         const std::string_view arg = argv[i];
@@ -75,6 +77,8 @@ int RunDecode(int argc, char** argv) {
             ++i;
         } else if (arg == "--cut") {
             cut = true;
+        } else if (arg == "--all-talkers") {
+            allTalkers = true;
         } else if (arg == "-h" || arg == "--help") {
             std::fputs(kUsage, stdout);
             return 0;
@@ -121,6 +125,8 @@ int RunDecode(int argc, char** argv) {
 
     gps::GpsState state;
     gps::GsvAssembly assembly;
+    gps::Talkers talkers;
+    talkers.acceptAll = true;
     SyncFlag sync;
     bool timeKnown = false;
     std::string out;
@@ -132,7 +138,7 @@ int RunDecode(int argc, char** argv) {
         if (syncEvery > 0 && number % syncEvery == 0)
             state.timeSyncPending = 1;
         sync.fired = false;
-        gps::ParseNmeaBuffer(state, assembly, batch, &sync);
+        gps::ParseNmeaBuffer(state, assembly, batch, &sync, allTalkers ? &talkers : nullptr);
         timeKnown = timeKnown || sync.fired;
 
         out += "{\"batch\":";

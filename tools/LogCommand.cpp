@@ -1,6 +1,8 @@
 // satwalk-tool log: the receiver link run headless. Prints the fix after
 // every decoded batch (the same JSON object as `decode`) and, when the link
-// ends, one line with the loss reason and the message the program shows.
+// ends by itself, one line with the loss reason and the message the program
+// shows. Unlike the window it says on standard error when a recording
+// cannot be written, and when the receiver speaks only other talkers.
 #include <signal.h>
 #include <unistd.h>
 
@@ -26,18 +28,23 @@ namespace satwalk::tools {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: satwalk-tool log --port PATH [--baud N] [--record DIR] [--seconds S]\n"
+    "usage: satwalk-tool log --port PATH [--baud N] [--record DIR] [--seconds S] "
+    "[--all-talkers]\n"
     "  Opens the receiver on PATH (a tty or pseudo-terminal) as the program\n"
     "  does and prints one JSON object per decoded batch; when the receiver\n"
     "  falls silent for 30 s or vanishes, prints the loss and exits 0.\n"
-    "  --baud N      4800, 9600, 14400, 19200, 38400 (default) or 57600\n"
-    "  --record DIR  record the raw stream into DIR as the program does\n"
-    "  --seconds S   stop after S seconds\n";
+    "  --baud N        4800, 9600, 14400, 19200, 38400 (default) or 57600\n"
+    "  --record DIR    record the raw stream into DIR as the program does\n"
+    "  --seconds S     stop after S seconds (no loss line when none happened)\n"
+    "  --all-talkers   accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n";
 
 // Prints each batch; hands the stop command back to the main thread.
 class PrintingSink final : public link::LinkSink {
   public:
-    explicit PrintingSink(link::ReceiverLink& l) : link_(l) { out_.reserve(16384); }
+    PrintingSink(link::ReceiverLink& l, const char* recordFolder)
+        : link_(l), recordFolder_(recordFolder) {
+        out_.reserve(16384);
+    }
 
     void OnGpsData() override {
         ++batch_;
@@ -63,8 +70,24 @@ class PrintingSink final : public link::LinkSink {
         ::kill(::getpid(), SIGUSR1);
     }
 
+    void OnOtherTalkersOnly() override {
+        WriteAll(STDERR_FILENO,
+                 "satwalk-tool log: the receiver sends other satellite systems' talkers and "
+                 "no GP RMC, so there is no fix: try --all-talkers\n");
+    }
+
+    void OnRecordFailed(int error) override {
+        std::string line = "satwalk-tool log: cannot record into ";
+        line += recordFolder_ != nullptr ? recordFolder_ : "the folder";
+        line += ": ";
+        line += std::strerror(error);
+        line += "\n";
+        WriteAll(STDERR_FILENO, line);
+    }
+
   private:
     link::ReceiverLink& link_;
+    const char* recordFolder_;
     std::string out_;
     unsigned long batch_ = 0;
     bool synced_ = false;
@@ -83,6 +106,7 @@ int RunLog(int argc, char** argv) {
     const char* record = nullptr;
     unsigned long baud = 38400;
     unsigned long seconds = 0;
+    bool allTalkers = false;
     for (int i = 0; i < argc; ++i) {
         const std::string_view arg = argv[i];
         const bool takesValue =
@@ -90,6 +114,10 @@ int RunLog(int argc, char** argv) {
         if (arg == "-h" || arg == "--help") {
             std::fputs(kUsage, stdout);
             return 0;
+        }
+        if (arg == "--all-talkers") {
+            allTalkers = true;
+            continue;
         }
         if (!takesValue) {
             std::fprintf(stderr, "satwalk-tool log: unknown argument %s\n%s", argv[i], kUsage);
@@ -123,13 +151,14 @@ int RunLog(int argc, char** argv) {
     // OnGpsData (a stalled standard output) must finish before the sink goes.
     auto owned = std::make_unique<link::ReceiverLink>();
     link::ReceiverLink& receiver = *owned;
-    PrintingSink sink(receiver);
+    PrintingSink sink(receiver, record);
     link::ThreadTimer timer([&receiver] { link::LinkTimerProc(receiver); },
                             std::chrono::milliseconds(1000));
     receiver.devicePath = port;
     receiver.baudRate = static_cast<std::uint32_t>(baud);
     receiver.sink = &sink;
     receiver.timer = &timer;
+    receiver.allTalkers = allTalkers;
     if (record != nullptr) {
         receiver.recordNmea = true;
         receiver.nmeaFolder = record;
@@ -156,15 +185,15 @@ int RunLog(int argc, char** argv) {
     const std::uint32_t reason = link::StopLink(receiver);  // again after a loss: harmless
     receiver.sink = nullptr;
 
-    std::string line = "{\"linkLossReason\":";
-    line += std::to_string(reason);
-    line += ",\"message\":";
+    // A loss is reported; an end by --seconds or a signal is no loss.
+    std::string line;
     if (const char* message = link::LinkLossMessage(reason)) {
+        line = "{\"linkLossReason\":";
+        line += std::to_string(reason);
+        line += ",\"message\":";
         common::AppendJsonString(line, message);
-    } else {
-        line += "null";
+        line += "}\n";
     }
-    line += "}\n";
     timer.Stop();
     owned.reset();  // waits for the reader to end
     WriteAll(STDOUT_FILENO, line);

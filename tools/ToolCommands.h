@@ -13,5 +13,8 @@ bool WriteAll(int fd, std::string_view data);
 int RunDecode(int argc, char** argv);
 int RunReplay(int argc, char** argv);
 int RunLog(int argc, char** argv);
+int RunMap(int argc, char** argv);
+int RunTrack(int argc, char** argv);
+int RunPoi(int argc, char** argv);
 
 }  // namespace satwalk::tools

@@ -1,4 +1,4 @@
-// satwalk-tool: Satwalk's command-line companion for receiver logs.
+// satwalk-tool: Satwalk's command-line companion for receiver logs and maps.
 #include <cstdio>
 #include <string_view>
 
@@ -14,7 +14,14 @@ constexpr const char* kUsage =
     "  replay FILE [--rate X] [--loop]\n"
     "      play an NMEA log through a pseudo-terminal at its recorded pace\n"
     "  log --port PATH [--baud N] [--record DIR] [--seconds S]\n"
-    "      run the receiver link on a port, one JSON fix per decoded batch\n";
+    "      run the receiver link on a port, one JSON fix per decoded batch\n"
+    "  map --rpt FILE --size WxH [--to-geo X,Y]... [--to-image LAT,LON]...\n"
+    "      [--northing LAT]... [--view-scale KM] [--scale-bar PX]\n"
+    "      calibrate an image from its reference-point file, as one JSON object\n"
+    "  track FILE.log [--gpx]\n"
+    "      a track log's points as JSON, or as a GPX 1.1 track\n"
+    "  poi FILE.csv\n"
+    "      a POI file's category and points as the program imports them\n";
 
 struct Command {
     std::string_view name;
@@ -25,6 +32,9 @@ constexpr Command kCommands[] = {
     {"decode", satwalk::tools::RunDecode},
     {"replay", satwalk::tools::RunReplay},
     {"log", satwalk::tools::RunLog},
+    {"map", satwalk::tools::RunMap},
+    {"track", satwalk::tools::RunTrack},
+    {"poi", satwalk::tools::RunPoi},
 };
 
 }  // namespace

@@ -114,4 +114,12 @@ void AppLink::OnStopCommand() {
         Qt::QueuedConnection);
 }
 
+// Queued, not blocking: the reader goes on while the message is read.
+void AppLink::OnOtherTalkersOnly() {
+    if (window_ == nullptr || closing_)
+        return;
+    QMetaObject::invokeMethod(
+        window_, [w = window_] { w->shell().OnOtherTalkersOnly(); }, Qt::QueuedConnection);
+}
+
 }  // namespace satwalk::app

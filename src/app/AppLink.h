@@ -36,6 +36,7 @@ class AppLink : public QObject,
     bool HasOverride() const { return !overridePath_.empty(); }
     void SetNmeaFolder(const std::string& folder) { link_.nmeaFolder = folder; }
     void SetRecordNmea(bool on) { link_.recordNmea = on; }
+    void SetAllTalkers(bool on) { link_.allTalkers = on; }
 
     // Stops a running link without messages, letting a reader that waits for
     // the window finish first. For the end of the program.
@@ -58,6 +59,7 @@ class AppLink : public QObject,
     void OnGpsData() override;
     void OnGpsTime() override;
     void OnStopCommand() override;
+    void OnOtherTalkersOnly() override;
 
     // link::LinkTimer
     bool Start() override;

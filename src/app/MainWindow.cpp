@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include "CommandIds.h"
+#include "Screens.h"
 #include "Strings.h"
 
 namespace satwalk::app {
@@ -28,6 +29,10 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     barHeight_ = (26 * dpi + 48) / 96;
+    // The tool strips are bitmaps of fixed size: the window never gets
+    // smaller than they are.
+    const screens::Size least = screens::MinimumFrameSize(common::BaseTextHeightForDpi(dpi));
+    setMinimumSize(least.width, least.height + barHeight_);
     resize(clientSize.width(), clientSize.height() + barHeight_);
     shell_.version = SATWALK_VERSION;
 
@@ -145,6 +150,11 @@ void MainWindow::SetScreenAreaWidget(QWidget* widget) {
     }
 }
 
+void MainWindow::ShowStatus(const std::string& status) {
+    const QString caption = QString::fromUtf8(common::LoadString(common::kStrCaption));
+    setWindowTitle(status.empty() ? caption : caption + " - " + QString::fromUtf8(status.c_str()));
+}
+
 QWidget* MainWindow::KeyTarget() {
     if (screenAreaWidget_ != nullptr)
         return screenAreaWidget_;
@@ -258,11 +268,13 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
         OpenDropDown(pos.x() < width() / 2);
         return;
     }
-    // The tool strip's tabs take a tap first; the rest of the screen
-    // belongs to the map and its buttons.
+    // The tool strip's tabs and the alarm cells take a tap first; the rest
+    // of the screen belongs to the map and its buttons.
     if (painter_ != nullptr) {
         if (const int tab = painter_->TabAt(pos.x(), pos.y()); tab >= 0)
             shell_.OnTabTapped(tab);
+        else if (const int cell = painter_->AlarmCellAt(pos.x(), pos.y()); cell >= 0)
+            shell_.OnAlarmCellTap(cell);
     }
 }
 

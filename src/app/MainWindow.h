@@ -31,6 +31,8 @@ class ScreenPainter {
                        const gps::GpsState& fix) = 0;
     // The tool-strip tab under (x, y), or -1.
     virtual int TabAt(int x, int y) const = 0;
+    // The alarm cell (0..7) under (x, y), or -1.
+    virtual int AlarmCellAt(int x, int y) const = 0;
 
   protected:
     ~ScreenPainter() = default;
@@ -84,6 +86,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     bool StartClockTimer() override;
     void SetBacklightHold(bool hold) override;
     void CloseWindow() override;
+    void ShowStatus(const std::string& status) override;
 
     // shell::qt::ScreenAreaHost
     QWidget* HostWidget() override { return this; }

@@ -35,4 +35,8 @@ int ScreenAdapter::TabAt(int x, int y) const {
     return screens::HitTestTab(ctx_, x, y);
 }
 
+int ScreenAdapter::AlarmCellAt(int x, int y) const {
+    return screens::HitTestAlarmCell(ctx_, x, y);
+}
+
 }  // namespace satwalk::app

@@ -24,6 +24,7 @@ class ScreenAdapter final : public ScreenPainter {
     void Paint(QImage& image, const screens::DisplayState& display,
                const gps::GpsState& fix) override;
     int TabAt(int x, int y) const override;
+    int AlarmCellAt(int x, int y) const override;
 
     map::MapScreen& mapScreen() { return *mapScreen_; }
     screens::ScreenBitmaps& bitmaps() { return bitmaps_; }

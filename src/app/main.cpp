@@ -2,6 +2,7 @@
 //
 //   satwalk [--options PATH] [--size WxH] [--dpi N] [--port PATH]
 //           [--replay [FILE] [--replay-rate X]] [--script FILE] [--single-instance]
+//           [--all-talkers]
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -44,7 +45,8 @@ constexpr const char* kUsage =
     "  --replay [FILE]       play FILE (default: the demo drive) as the receiver\n"
     "  --replay-rate X       replay speed, epochs per second (default 1)\n"
     "  --script FILE         run a script (works with -platform offscreen)\n"
-    "  --single-instance     take part in the one-copy rule in script mode too\n";
+    "  --single-instance     take part in the one-copy rule in script mode too\n"
+    "  --all-talkers         accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n";
 
 struct Arguments {
     QString optionsPath;
@@ -56,6 +58,7 @@ struct Arguments {
     double replayRate = 1.0;
     QString script;
     bool singleInstance = false;
+    bool allTalkers = false;
 };
 
 std::optional<Arguments> ParseArguments(const QStringList& args) {
@@ -111,6 +114,8 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
                 return std::nullopt;
         } else if (arg == "--single-instance") {
             a.singleInstance = true;
+        } else if (arg == "--all-talkers") {
+            a.allTalkers = true;
         } else {
             return std::nullopt;
         }
@@ -201,6 +206,8 @@ int main(int argc, char** argv) {
     app::AppLink link;
     link.SetNmeaFolder(folders.nmea);
     link.SetRecordNmea(settings.recordNmea != 0);
+    // The flag turns the setting on for this run; the saved choice stays.
+    link.SetAllTalkers(settings.allTalkers != 0 || args.allTalkers);
     std::unique_ptr<link::ReplayReceiver> replay;
     if (args.replay) {
         replay = std::make_unique<link::ReplayReceiver>();

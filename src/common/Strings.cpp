@@ -38,6 +38,7 @@ constexpr Entry kStrings[] = {
      "接收GPS数据超时！\n\nGPS接收机也许出现故障需要重新启动。\n\n"
      "注意: 如果程序停止响应，请关闭GPS接收机，程序将恢复正常。"},
     {40098, "您确定要退出程序？"},
+    {40104, "导入 %s 失败！没有足够内存空间！"},
     {40108, "停止 GPS\t[0]"},
     {40109, "启动 GPS\t[0]"},
     {40118, "打开文件"},
@@ -58,6 +59,11 @@ const char* LoadString(int id) {
     if (it == std::end(kStrings) || it->id != id)
         return "";
     return it->text;
+}
+
+const char* OtherTalkersHint() {
+    return "GPS接收机发送的是其他卫星系统的数据 (GN、GL、GA、GB、BD)，没有GPS (GP) 定位数据，"
+           "因此无法定位。\n\n请开启“接收所有卫星系统”设置 (启动参数 --all-talkers)。";
 }
 
 std::string FormatString(const char* format, const std::string& argument) {

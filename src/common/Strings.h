@@ -18,6 +18,11 @@ inline constexpr int kStrCourse = 40083;
 inline constexpr int kStrSatellites = 40084;
 inline constexpr int kStrAlarm = 40088;
 inline constexpr int kStrOff = 40089;
+
+// Said once when the receiver speaks only other satellite systems' talkers
+// while the all-talkers setting is off: names the setting.
+const char* OtherTalkersHint();
+
 inline constexpr int kStrCaption = 40208;
 inline constexpr int kStrConfigureReceiverFirst = 40092;
 inline constexpr int kStrBluetoothPortFailed = 40093;

@@ -1,5 +1,6 @@
 #include "NmeaDecoder.h"
 
+#include <algorithm>
 #include <cstring>
 #include <ctime>
 #include <utility>
@@ -13,6 +14,8 @@ using common::TextToInt;
 namespace {
 
 enum class Sentence { kNone, kRmc, kGsv, kGsa, kGga };
+
+constexpr int kSatellitesPerGsv = 4;
 
 // Each seed is the XOR of the six header characters (comma included), so
 // the running value ends as the standard XOR of everything between '$'
@@ -223,6 +226,124 @@ void SortByPrn(SatelliteRecord* rows, int count) {
     std::memcpy(rows, sorted, sizeof(SatelliteRecord) * static_cast<std::size_t>(count));
 }
 
+// The index in kTalkerNames of a talker other than GP, or -1.
+int OtherTalker(const char* h) {
+    for (int i = 1; i < kTalkerCount; ++i) {
+        if (h[0] == kTalkerNames[i][0] && h[1] == kTalkerNames[i][1])
+            return i;
+    }
+    return -1;
+}
+
+// The sentence named by the four characters after a talker ("RMC," ...).
+Sentence SentenceAfterTalker(const char* t) {
+    if (std::memcmp(t, "RMC,", 4) == 0)
+        return Sentence::kRmc;
+    if (std::memcmp(t, "GSV,", 4) == 0)
+        return Sentence::kGsv;
+    if (std::memcmp(t, "GSA,", 4) == 0)
+        return Sentence::kGsa;
+    if (std::memcmp(t, "GGA,", 4) == 0)
+        return Sentence::kGga;
+    return Sentence::kNone;
+}
+
+unsigned HeaderXor(const char* h) {
+    unsigned x = 0;
+    for (int i = 0; i < 6; ++i) x ^= static_cast<unsigned char>(h[i]);
+    return x;
+}
+
+// The signal a GSV cycle reports, as a bit number: 0 when the sentence
+// names none, else 1 + the hexadecimal digit of its last field.
+int SignalBit(char c) {
+    if (c >= '0' && c <= '9')
+        return 1 + (c - '0');
+    if (c >= 'A' && c <= 'F')
+        return 11 + (c - 'A');
+    return 0;
+}
+
+// The value of a short field: plain digits at once, anything else as the
+// screens read it.
+int SmallNumber(const char* text) {
+    int value = 0;
+    for (const char* p = text; *p != '\0'; ++p) {
+        if (*p < '0' || *p > '9')
+            return TextToInt(text);
+        value = value * 10 + (*p - '0');
+    }
+    return value;
+}
+
+// A satellite's signal for choosing among satellites: -1 when not tracked.
+int SignalOf(const SatelliteRecord& r) {
+    return r.snr[0] != '\0' ? SmallNumber(r.snr) : -1;
+}
+
+// Puts one satellite into the combined table: a satellite already there
+// (same talker and number, reported for another signal) keeps the stronger
+// report; a full table gives up its weakest row to a stronger satellite.
+void AddSkySatellite(GpsState& state, SkyAssembly& sky, int talker, const SatelliteRecord& sat) {
+    const auto number = static_cast<std::int16_t>(std::clamp(SmallNumber(sat.prn), -99, 999));
+    const auto signal = static_cast<std::int16_t>(std::clamp(SignalOf(sat), -1, 9999));
+    const auto rows = static_cast<int>(sky.rows);
+    int at = -1;
+    for (int i = 0; i < rows; ++i) {
+        if (sky.rowNumber[i] == number && sky.rowTalker[i] == talker) {
+            if (signal <= sky.rowSignal[i])
+                return;
+            at = i;
+            break;
+        }
+    }
+    if (at < 0 && rows < kSatelliteRows) {
+        at = rows;
+        ++sky.rows;
+    } else if (at < 0) {
+        at = 0;
+        for (int i = 1; i < rows; ++i) {
+            if (sky.rowSignal[i] < sky.rowSignal[at])
+                at = i;
+        }
+        if (signal <= sky.rowSignal[at])
+            return;
+    }
+    state.satellites[at] = sat;
+    sky.rowTalker[at] = static_cast<std::uint8_t>(talker);
+    sky.rowNumber[at] = number;
+    sky.rowSignal[at] = signal;
+    sky.unsorted = true;
+}
+
+// Orders the combined table by number, and rows of one number by talker
+// (GPS first); the bookkeeping of each row moves with it.
+void SortSky(GpsState& state, SkyAssembly& sky) {
+    sky.unsorted = false;
+    const auto count = static_cast<int>(sky.rows);
+    int key[kSatelliteRows];
+    int order[kSatelliteRows];
+    for (int i = 0; i < count; ++i) {
+        key[i] = sky.rowNumber[i] * kTalkerCount + sky.rowTalker[i];
+        order[i] = i;
+    }
+    for (int i = 1; i < count; ++i) {  // insertion sort: at most 12 rows
+        for (int j = i; j > 0 && key[j - 1] > key[j]; --j) {
+            std::swap(key[j - 1], key[j]);
+            std::swap(order[j - 1], order[j]);
+        }
+    }
+    const SkyAssembly before = sky;
+    SatelliteRecord rows[kSatelliteRows];
+    for (int i = 0; i < count; ++i) {
+        const int from = order[i];
+        rows[i] = state.satellites[from];
+        sky.rowTalker[i] = before.rowTalker[from];
+        sky.rowNumber[i] = before.rowNumber[from];
+        sky.rowSignal[i] = before.rowSignal[from];
+    }
+    std::memcpy(state.satellites, rows, sizeof(SatelliteRecord) * static_cast<std::size_t>(count));
+}
 }  // namespace
 
 bool VerifyChecksum(unsigned computed, const char received[2]) {
@@ -412,6 +533,61 @@ void ParseGsv(GpsState& state, GsvAssembly& a, const char* fields, const char* e
     }
 }
 
+void ParseSkyGsv(GpsState& state, SkyAssembly& sky, int talker, const char* fields,
+                 const char* end) {
+    if (fields == nullptr || fields >= end || talker < 0 || talker >= kTalkerCount)
+        return;
+    // Fields: count of messages, message number, satellites in view, four
+    // per satellite (at most four satellites), and from newer receivers one
+    // more naming the signal. An incomplete group is dropped.
+    FieldWalker walk(fields, end);
+    const char* b = fields;
+    const char* e = fields;
+    char inViewText[3];
+    if (!walk.Skip() || !walk.Next(b, e))
+        return;
+    const char number = walk.FirstChar(b, e);
+    if (!walk.NextInto(inViewText))
+        return;
+    SatelliteRecord sats[kSatellitesPerGsv + 1];
+    int count = 0;
+    int signal = 0;
+    for (;;) {
+        SatelliteRecord& sat = sats[count];
+        if (!walk.NextInto(sat.prn))
+            break;
+        if (!walk.NextInto(sat.elevation)) {
+            signal = SignalBit(sat.prn[0]);  // a lone last field names the signal
+            break;
+        }
+        if (!walk.NextInto(sat.azimuth) || !walk.NextInto(sat.snr))
+            break;
+        if (count < kSatellitesPerGsv && sat.prn[0] != '\0')
+            ++count;
+    }
+
+    // A cycle that this epoch already holds begins again: a new epoch.
+    const std::uint32_t bit = 1u << signal;
+    if (!sky.epochOpen || (number == '1' && (sky.cycles[talker] & bit) != 0)) {
+        sky.Reset();
+        sky.epochOpen = true;
+        state.ClearGsvBlock();
+    }
+    sky.cycles[talker] |= bit;
+    const int inView = std::clamp(TextToInt(inViewText), 0, 99);
+    if (inView > sky.inView[talker])
+        sky.inView[talker] = static_cast<std::uint8_t>(inView);
+    int total = 0;
+    for (const std::uint8_t n : sky.inView) total += n;
+    total = std::min(total, 99);
+    state.satellitesInView[0] = static_cast<char>('0' + total / 10);
+    state.satellitesInView[1] = static_cast<char>('0' + total % 10);
+    state.satellitesInView[2] = '\0';
+
+    for (int k = 0; k < count; ++k) AddSkySatellite(state, sky, talker, sats[k]);
+    // Sorted once at the end of the batch (ParseNmeaBuffer).
+}
+
 void FixTimeToFileTime(GpsState& state, const char* date, const char* utcTime) {
     char part[8];
     char yearText[8] = "20";
@@ -451,8 +627,10 @@ void FixTimeToFileTime(GpsState& state, const char* date, const char* utcTime) {
                          static_cast<FileTime>(millisecond) * 10'000;
 }
 
-void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view text,
-                     TimeSyncSink* sink) {
+namespace {
+
+void DecodeBatch(GpsState& state, GsvAssembly& assembly, std::string_view text, TimeSyncSink* sink,
+                 Talkers* talkers) {
     if (text.data() == nullptr || text.empty())
         return;
     const char* p = text.data();
@@ -484,13 +662,30 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
                 }
                 state.header[n++] = *h++;
             }
-            const Sentence kind = MatchHeader(state.header);
+            Sentence kind = MatchHeader(state.header);
+            int talker = 0;
             if (kind == Sentence::kNone) {
-                p = h;
-                continue;
+                if (talkers != nullptr)
+                    talker = OtherTalker(state.header);
+                if (talker > 0)
+                    kind = SentenceAfterTalker(state.header + 2);
+                if (kind == Sentence::kNone) {
+                    p = h;
+                    continue;
+                }
+                if (!talkers->acceptAll) {
+                    // Counted, then skipped exactly as any unknown sentence.
+                    unsigned sum = HeaderXor(state.header);
+                    const char* star = ChecksumScan(h, end, sum);
+                    if (end - star >= 3 && *star == '*' && star[1] != '$' && star[2] != '$' &&
+                        VerifyChecksum(sum, star + 1))
+                        ++talkers->counts.otherTalkers;
+                    p = h;
+                    continue;
+                }
             }
 
-            unsigned sum = SeedOf(kind);
+            unsigned sum = talker == 0 ? SeedOf(kind) : HeaderXor(state.header);
             const char* star = ChecksumScan(h, end, sum);
             if (star == end)  // cut before its checksum: lost
                 return;
@@ -520,6 +715,12 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
             const char received[2] = {star[1], star[2]};
             if (VerifyChecksum(sum, received)) {
                 const char* fields = p + 7;
+                if (talkers != nullptr) {
+                    if (talker != 0)
+                        ++talkers->counts.otherTalkers;
+                    else if (kind == Sentence::kRmc)
+                        ++talkers->counts.gpRmc;
+                }
                 switch (kind) {
                     case Sentence::kRmc:
                         ParseRmc(state, fields, star);
@@ -531,7 +732,10 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
                         }
                         break;
                     case Sentence::kGsv:
-                        ParseGsv(state, assembly, fields, star);
+                        if (talkers != nullptr && talkers->acceptAll)
+                            ParseSkyGsv(state, talkers->sky, talker, fields, star);
+                        else
+                            ParseGsv(state, assembly, fields, star);
                         break;
                     case Sentence::kGsa:
                         ParseGsa(state, fields, star);
@@ -547,6 +751,16 @@ void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view te
             p = star + 3;
         }
     }
+}
+
+}  // namespace
+
+void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view text,
+                     TimeSyncSink* sink, Talkers* talkers) {
+    DecodeBatch(state, assembly, text, sink, talkers);
+    // The combined table is sorted once a batch, not after every sentence.
+    if (talkers != nullptr && talkers->sky.unsorted)
+        SortSky(state, talkers->sky);
 }
 
 }  // namespace satwalk::gps

@@ -1,6 +1,7 @@
 // The NMEA 0183 sentence decoder: RMC, GGA, GSA and GSV of the GPS talker
 // into GpsState, checksum-checked, one batch at a time. It allocates nothing
-// and reads only inside the bytes it is given.
+// and reads only inside the bytes it is given. On request it also takes the
+// same sentences from the other satellite systems' talkers (see Talkers).
 #pragma once
 
 #include <cstdint>
@@ -31,11 +32,58 @@ class TimeSyncSink {
     ~TimeSyncSink() = default;
 };
 
+// The talkers a receiver may use: GPS first (index 0), then GLONASS,
+// Galileo, BeiDou (both of its names), the combined solution, QZSS, NavIC.
+inline constexpr int kTalkerCount = 8;
+inline constexpr char kTalkerNames[kTalkerCount][3] = {"GP", "GL", "GA", "GB",
+                                                       "BD", "GN", "GQ", "GI"};
+
+// Well-formed (checksum-correct) RMC, GGA, GSA and GSV sentences seen, added
+// to by every decode whatever the setting; whoever reads them clears them.
+struct TalkerCounts {
+    std::uint32_t gpRmc = 0;         // GP RMC: where a GPS-only decode takes its fix
+    std::uint32_t otherTalkers = 0;  // any of the four from a talker other than GP
+};
+
+// The satellite table put together from the GSV cycles of several systems.
+// An epoch gathers one cycle per talker (and per signal, for receivers that
+// name it in a last field); the table is emptied only when a cycle that the
+// epoch already holds begins again, so each system's cycle adds its
+// satellites to the others' instead of wiping them.
+struct SkyAssembly {
+    bool epochOpen = false;
+    bool unsorted = false;                    // rows added since the last sort
+    std::uint32_t cycles[kTalkerCount] = {};  // per talker: one bit per signal begun
+    std::uint8_t inView[kTalkerCount] = {};   // per talker: its largest in-view count
+    std::uint32_t rows = 0;                   // rows of the table filled in this epoch
+    // Per row: its talker, number and signal (-1: not tracked) as numbers.
+    std::uint8_t rowTalker[kSatelliteRows] = {};
+    std::int16_t rowNumber[kSatelliteRows] = {};
+    std::int16_t rowSignal[kSatelliteRows] = {};
+
+    void Reset() { *this = SkyAssembly{}; }
+};
+
+// The "accept all satellite systems" setting and what goes with it. With
+// acceptAll clear the decoder keeps to the GP talker exactly as without this
+// record, and only counts. With it set, RMC, GGA and GSA of every talker in
+// kTalkerNames fill the fix as GP's do, and the GSV cycles of all of them
+// fill one table: each system's satellites under their own numbers, the 12
+// with the strongest signals when more are in view, sorted by number as
+// ever (once a batch, when the batch has been read); satellitesInView is the
+// sum over the systems (at most 99).
+struct Talkers {
+    bool acceptAll = false;
+    TalkerCounts counts;
+    SkyAssembly sky;
+};
+
 // Decodes every complete sentence in `text`. The batch ends at its first NUL
 // byte or at its end, whichever comes first; a sentence cut by the end is
-// lost. `sink` may be null.
+// lost. `sink` and `talkers` may be null; without `talkers` only the GP
+// talker is read.
 void ParseNmeaBuffer(GpsState& state, GsvAssembly& assembly, std::string_view text,
-                     TimeSyncSink* sink);
+                     TimeSyncSink* sink, Talkers* talkers = nullptr);
 
 // True when the two received characters are the checksum `computed` written
 // in uppercase hexadecimal with two digits. Lowercase letters never match.
@@ -47,6 +95,9 @@ void ParseRmc(GpsState& state, const char* fields, const char* end);
 void ParseGga(GpsState& state, const char* fields, const char* end);
 void ParseGsa(GpsState& state, const char* fields, const char* end);
 void ParseGsv(GpsState& state, GsvAssembly& assembly, const char* fields, const char* end);
+// GSV of any talker (`talker` indexes kTalkerNames) into the combined table.
+void ParseSkyGsv(GpsState& state, SkyAssembly& sky, int talker, const char* fields,
+                 const char* end);
 
 // Sets fixTimeLocal from the ddmmyy date and hhmmss.sss UTC texts, through
 // the system time zone. A date-time that is not a real calendar moment

@@ -58,8 +58,11 @@ bool IsOfferedBaud(std::uint32_t rate) {
     return false;
 }
 
+// A tty whose device went away, or a Bluetooth connection that broke (the
+// receiver walked out of range or was switched off).
 bool IsGoneError(int err) {
-    return err == EIO || err == ENODEV || err == ENXIO;
+    return err == EIO || err == ENODEV || err == ENXIO || err == ECONNRESET || err == ENOTCONN ||
+           err == ETIMEDOUT || err == EHOSTDOWN || err == EHOSTUNREACH;
 }
 
 void Wake(const ReceiverLink& link) {
@@ -87,7 +90,17 @@ bool FailOpen(ReceiverLink& link, int fd, const char* code) {
     if (fd >= 0)
         ::close(fd);
     link.lastErrorCode = code;
+    DeregisterVirtualPort(link);
     return false;
+}
+
+bool Opened(ReceiverLink& link, int fd) {
+    link.portFd = fd;
+    link.portOpen = true;
+    link.deviceGone = false;
+    link.noDataTicks = 0;
+    link.linkLossReason = kLossNone;
+    return true;
 }
 
 // True when a poll of the port reports the device gone.
@@ -140,19 +153,60 @@ ReceiverLink::~ReceiverLink() {
         readerEnded.wait(g, [this] { return !readerActive; });
     }
     ClosePortFd(*this);
+    DeregisterVirtualPort(*this);
     if (wakeFd >= 0)
         ::close(wakeFd);
 }
 
+bool RegisterBluetoothPort(ReceiverLink& link, std::uint64_t address) {
+    DeregisterVirtualPort(link);
+    if (link.portDriver != nullptr) {
+        for (int index = kVirtualPortFirst; index >= kVirtualPortLast; --index) {
+            if (link.portDriver->RegisterPort(index, address)) {
+                link.virtualPortRegistered = true;
+                link.virtualPortIndex = index;
+                link.portName = ComName(index);
+                link.devicePath.clear();
+                return true;
+            }
+        }
+    }
+    link.lastErrorCode = common::err::kBluetoothPort;
+    return false;
+}
+
+void DeregisterVirtualPort(ReceiverLink& link) {
+    if (!link.virtualPortRegistered)
+        return;
+    if (link.portDriver != nullptr)
+        link.portDriver->DeregisterPort(link.virtualPortIndex);
+    link.virtualPortRegistered = false;
+    link.virtualPortIndex = -1;
+}
+
 bool OpenPort(ReceiverLink& link) {
     ClosePortFd(link);
-    const std::string path =
-        link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
-
-    // Non-blocking, so that a port without carrier does not hold the open.
-    const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
-        return FailOpen(link, -1, common::err::kPortOpen);
+    int fd = -1;
+    if (link.virtualPortRegistered && link.portDriver != nullptr) {
+        fd = link.portDriver->ConnectPort(link.virtualPortIndex);
+        if (fd < 0)
+            return FailOpen(link, -1, common::err::kPortOpen);
+        if (::isatty(fd) == 0) {
+            // A connected socket: no line settings, only reads that never wait.
+            const int flags = ::fcntl(fd, F_GETFL);
+            if (flags < 0 || ::fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0)
+                return FailOpen(link, fd, common::err::kPortQueues);
+            ::fcntl(fd, F_SETFD, FD_CLOEXEC);
+            return Opened(link, fd);
+        }
+    } else {
+        const std::string path =
+            link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
+        // Non-blocking, so that a port without carrier does not hold the open.
+        fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        if (fd < 0)
+            return FailOpen(link, -1, common::err::kPortOpen);
+    }
 
     // A tty that is still being set up by the kernel may refuse for a moment;
     // something that is not a tty never becomes one, so that is not retried.
@@ -229,13 +283,7 @@ bool OpenPort(ReceiverLink& link) {
     }
     if (::tcflush(fd, TCIOFLUSH) != 0)
         return FailOpen(link, fd, common::err::kPortPurge);
-
-    link.portFd = fd;
-    link.portOpen = true;
-    link.deviceGone = false;
-    link.noDataTicks = 0;
-    link.linkLossReason = kLossNone;
-    return true;
+    return Opened(link, fd);
 }
 
 bool StartLink(ReceiverLink& link) {
@@ -244,6 +292,7 @@ bool StartLink(ReceiverLink& link) {
 
     if (link.timer != nullptr && !link.timer->Start()) {
         ClosePortFd(link);
+        DeregisterVirtualPort(link);
         link.lastErrorCode = common::err::kLinkTimer;
         return false;
     }
@@ -251,6 +300,7 @@ bool StartLink(ReceiverLink& link) {
         if (link.timer != nullptr)
             link.timer->Stop();
         ClosePortFd(link);
+        DeregisterVirtualPort(link);
         link.lastErrorCode = common::err::kReaderStart;
         return false;
     };
@@ -275,6 +325,9 @@ bool StartLink(ReceiverLink& link) {
     link.processPending = false;
     link.noDataTicks = 0;
     link.watchdogTicks = 0;
+    link.runTicks = 0;
+    link.talkersWatch = OtherTalkersWatch{};
+    link.recordFailureTold = false;
     {
         std::lock_guard<std::mutex> g(link.readerMutex);
         link.readerActive = true;
@@ -322,6 +375,7 @@ std::uint32_t StopLink(ReceiverLink& link) {
         }
     }
     ClosePortFd(link);
+    DeregisterVirtualPort(link);
 
     link.noDataTicks = 0;
     link.watchdogTicks = 0;
@@ -413,16 +467,35 @@ void ReaderThread(ReceiverLink& link) {
         if (link.timeSyncRequest.exchange(false))
             link.gps.timeSyncPending = 1;
         if (LinkSink* sink = link.sink.load(); sink != nullptr) {
+            const bool all = link.allTalkers;
+            if (all != link.talkers.acceptAll) {
+                // Switched while running: the satellite table is put
+                // together afresh the new way.
+                link.talkers.acceptAll = all;
+                link.talkers.sky.Reset();
+                link.gsvAssembly.Reset();
+            }
+            link.talkers.counts = {};
             TimeForwarder forward(sink);
             gps::ParseNmeaBuffer(link.gps, link.gsvAssembly, std::string_view(link.buffer, length),
-                                 &forward);
+                                 &forward, &link.talkers);
             link.fixValid = link.gps.status == 'A';
             sink->OnGpsData();
+            if (!all && link.talkersWatch.AfterBatch(link.talkers.counts, link.runTicks))
+                sink->OnOtherTalkersOnly();
         }
         if (link.recordNmea) {
-            std::lock_guard<std::mutex> g(link.recordLock);
-            if (link.nmeaLogPath[0] != '\0')
-                AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
+            int error = 0;
+            {
+                std::lock_guard<std::mutex> g(link.recordLock);
+                if (link.nmeaLogPath[0] != '\0')
+                    error = AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
+            }
+            LinkSink* sink = link.sink.load();
+            if (error != 0 && !link.recordFailureTold && sink != nullptr) {
+                link.recordFailureTold = true;
+                sink->OnRecordFailed(error);
+            }
         }
         link.buffer[0] = '\0';
         link.bufferLength = 0;
@@ -436,6 +509,7 @@ void LinkTimerProc(ReceiverLink& link) {
         return;
     std::lock_guard<std::mutex> g(link.lock);
     link.processPending = true;
+    ++link.runTicks;
     ++link.noDataTicks;
     if (++link.watchdogTicks >= kTimeSyncEveryTicks) {
         link.watchdogTicks = 0;
@@ -479,20 +553,51 @@ void MakeNmeaLogPath(ReceiverLink& link, std::time_t now) {
         link.nmeaLogPath[0] = '\0';
 }
 
-void AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
+int AppendNmeaBatch(const char* path, const char* data, std::size_t length) {
     const int fd = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     if (fd < 0)
-        return;
+        return errno;
+    const off_t before = ::lseek(fd, 0, SEEK_END);
+    int error = 0;
     while (length > 0) {
         const ssize_t n = ::write(fd, data, length);
         if (n < 0 && errno == EINTR)
             continue;
-        if (n <= 0)
-            break;  // full disk or a vanished folder: the batch is lost
+        if (n <= 0) {
+            error = n < 0 ? errno : ENOSPC;
+            break;
+        }
         data += n;
         length -= static_cast<std::size_t>(n);
     }
-    ::close(fd);
+    // A batch cut short would have the next one spliced onto it mid-line:
+    // the file goes back to what it held.
+    if (error != 0 && before >= 0) {
+        while (::ftruncate(fd, before) != 0 && errno == EINTR) {
+        }
+    }
+    if (::close(fd) != 0 && error == 0)
+        error = errno;
+    return error;
+}
+
+bool OtherTalkersWatch::AfterBatch(const gps::TalkerCounts& batch, std::uint32_t tick) {
+    if (told_)
+        return false;
+    if (batch.gpRmc > 0) {
+        waiting_ = false;
+        return false;
+    }
+    if (batch.otherTalkers == 0)
+        return false;
+    if (!waiting_) {
+        waiting_ = true;
+        since_ = tick;
+    }
+    if (tick - since_ < kOtherTalkersTicks)
+        return false;
+    told_ = true;
+    return true;
 }
 
 const char* LinkLossMessage(std::uint32_t reason) {

@@ -39,10 +39,16 @@ inline constexpr std::uint32_t kLossTimeout = 2;     // 30 ticks without a byte
 
 inline constexpr std::uint32_t kNoDataTicksLimit = 30;
 inline constexpr std::uint32_t kTimeSyncEveryTicks = 10;
+inline constexpr std::uint32_t kOtherTalkersTicks = 10;  // before the other-talkers hint
 
 inline constexpr std::size_t kBufferSize = 2048;  // accumulation buffer, NUL included
 inline constexpr std::size_t kReadSize = 1024;    // one read from the port
 inline constexpr int kStopWaitMs = 1000;          // bound on waiting for the reader
+
+// The COM indexes a Bluetooth port may be registered under, tried from the
+// highest down.
+inline constexpr int kVirtualPortFirst = 9;
+inline constexpr int kVirtualPortLast = 0;
 
 // How the link reaches its owner. Every call is synchronous.
 class LinkSink {
@@ -64,8 +70,33 @@ class LinkSink {
     // for the lock gives up when it sees the stop.
     virtual void OnStopCommand() = 0;
 
+    // The receiver has sent well-formed sentences of other satellite systems'
+    // talkers for ten seconds and no GP RMC: without the all-talkers setting
+    // it gives no fix. Called once per start, on the reader thread, after
+    // the OnGpsData of the batch.
+    virtual void OnOtherTalkersOnly() {}
+
+    // A batch could not be recorded (`error` is the errno). Called once per
+    // start, on the reader thread; the program itself stays silent.
+    virtual void OnRecordFailed(int /*error*/) {}
+
   protected:
     ~LinkSink() = default;
+};
+
+// Notices a receiver that speaks only other talkers: well-formed sentences
+// of theirs over kOtherTalkersTicks ticks with no GP RMC since the first of
+// them. A GP RMC starts the wait again.
+class OtherTalkersWatch {
+  public:
+    // After each decoded batch, with what the batch held and the ticks since
+    // the link started. True once, when the wait is over.
+    bool AfterBatch(const gps::TalkerCounts& batch, std::uint32_t tick);
+
+  private:
+    bool told_ = false;
+    bool waiting_ = false;
+    std::uint32_t since_ = 0;
 };
 
 // The one-second watchdog timer, owned by whoever runs the link (a QTimer in
@@ -82,6 +113,23 @@ class LinkTimer {
     ~LinkTimer() = default;
 };
 
+// Ports that are not a device of their own: a Bluetooth receiver given a COM
+// index for as long as the link uses it. Called on the owner's thread.
+class VirtualPortDriver {
+  public:
+    // Registers a port under `index` for the receiver at `address`; false
+    // when the index is taken (a device is behind it, or it is registered).
+    virtual bool RegisterPort(int index, std::uint64_t address) = 0;
+    virtual void DeregisterPort(int index) = 0;
+    // Connects a registered port: a descriptor the reader polls like a tty
+    // (a tty such as /dev/rfcommN, or a connected socket), or -1. The link
+    // owns and closes it.
+    virtual int ConnectPort(int index) = 0;
+
+  protected:
+    ~VirtualPortDriver() = default;
+};
+
 struct ReceiverLink {
     ReceiverLink();
     ~ReceiverLink();  // stops the link, closes the port, waits for the reader
@@ -89,15 +137,19 @@ struct ReceiverLink {
     ReceiverLink& operator=(const ReceiverLink&) = delete;
 
     // --- Configuration, set by the owner before OpenPort / StartLink ---
-    std::string portName;                  // "COM%d:" of the configured port, for display
-    std::string devicePath;                // the tty actually opened (see PortNames.h); when
-                                           // empty, portName resolves through the default map
-    std::uint32_t baudRate = 38400;        // one of common::kBaudRates
-    std::uint32_t byteSize = 8;            // data bits (5..8)
-    std::uint32_t parity = 0;              // 0 none, 1 odd, 2 even
-    std::uint32_t stopBits = 0;            // 0 one, 2 two (1, "1.5", is taken as two)
-    std::atomic<LinkSink*> sink{nullptr};  // null: batches recorded, not decoded
-    LinkTimer* timer = nullptr;            // null: ticks are driven by the owner
+    std::string portName;                     // "COM%d:" of the configured port, for display
+    std::string devicePath;                   // the tty actually opened (see PortNames.h); when
+                                              // empty, portName resolves through the default map
+    std::uint32_t baudRate = 38400;           // one of common::kBaudRates
+    std::uint32_t byteSize = 8;               // data bits (5..8)
+    std::uint32_t parity = 0;                 // 0 none, 1 odd, 2 even
+    std::uint32_t stopBits = 0;               // 0 one, 2 two (1, "1.5", is taken as two)
+    std::atomic<LinkSink*> sink{nullptr};     // null: batches recorded, not decoded
+    LinkTimer* timer = nullptr;               // null: ticks are driven by the owner
+    VirtualPortDriver* portDriver = nullptr;  // registers Bluetooth ports; null: none
+    // Accept all satellite systems: RMC, GGA and GSA of every talker fill the
+    // fix, GSV of every talker the satellite table. Read before each decode.
+    std::atomic<bool> allTalkers{false};
 
     // NMEA recording: when recordNmea is set, StartLink names a new file in
     // nmeaFolder and every batch is appended to it.
@@ -110,6 +162,8 @@ struct ReceiverLink {
     int stateRetryMs = 1000;
 
     // --- State ---
+    bool virtualPortRegistered = false;           // a Bluetooth port is registered ...
+    int virtualPortIndex = -1;                    // ... under this COM index
     int portFd = -1;                              // the open port
     std::atomic<bool> portOpen{false};            // cleared when the watchdog closes the link
     std::atomic<bool> running{false};             // started and not stopped
@@ -118,6 +172,7 @@ struct ReceiverLink {
     std::atomic<bool> deviceGone{false};          // the reader saw a hang-up or EIO/ENODEV/ENXIO
     std::atomic<std::uint32_t> noDataTicks{0};    // ticks since the last read with data
     std::atomic<std::uint32_t> watchdogTicks{0};  // ticks towards the next time sync
+    std::atomic<std::uint32_t> runTicks{0};       // ticks since StartLink
     std::atomic<std::uint32_t> linkLossReason{kLossNone};
     std::atomic<bool> fixValid{false};  // gps.status was 'A' in the last batch
 
@@ -125,6 +180,9 @@ struct ReceiverLink {
     std::atomic<std::uint32_t> bufferLength{0};  // characters in buffer
     gps::GpsState gps;                           // written by the reader while decoding
     gps::GsvAssembly gsvAssembly;
+    gps::Talkers talkers;            // the reader's: the setting as decoded, counts, table
+    OtherTalkersWatch talkersWatch;  // the reader's; made afresh by StartLink
+    bool recordFailureTold = false;  // the reader's; cleared by StartLink
 
     std::string lastErrorCode;    // text of the last link error, e.g. "0x08200a06"
     char nmeaLogPath[4096] = {};  // the current recording file ("" = none)
@@ -144,11 +202,21 @@ struct ReceiverLink {
     bool readerListening = false;         // purged the port and waits; guarded by readerMutex
 };
 
-// Opens the port (devicePath, else portName through the default map) and
+// Gives the receiver at `address` a port: the first COM index from 9 down to
+// 0 that the driver registers becomes portName. A port registered before is
+// deregistered first. False with lastErrorCode "0x08200a10" when none is free.
+bool RegisterBluetoothPort(ReceiverLink& link, std::uint64_t address);
+
+// Gives a registered port back; nothing when none is registered.
+void DeregisterVirtualPort(ReceiverLink& link);
+
+// Opens the port (a registered Bluetooth port through the driver, else
+// devicePath, else portName through the default map) and
 // configures it: raw 8-bit input, the baud rate, byteSize/parity/stopBits,
 // no hardware handshake, DTR and RTS dropped, XON/XOFF both ways, reads that
-// return at once, both queues flushed. False with lastErrorCode set and the
-// port closed.
+// return at once, both queues flushed; a connection that is not a tty (a
+// socket) is only made non-blocking. False with lastErrorCode set, the port
+// closed and a registered port deregistered.
 bool OpenPort(ReceiverLink& link);
 
 // Names the recording file (when recordNmea is set), starts the watchdog
@@ -158,8 +226,8 @@ bool OpenPort(ReceiverLink& link);
 bool StartLink(ReceiverLink& link);
 
 // Stops the timer and the reader (waiting at most 1,000 ms for it), closes
-// the port, resets the tick counters, running and fixValid. Returns
-// linkLossReason. Never hangs; callable from inside OnStopCommand. The
+// the port, deregisters a Bluetooth port, resets the tick counters, running and
+// fixValid. Returns linkLossReason. Never hangs; callable from inside OnStopCommand. The
 // owner clears its own fix-time-known flag and alarm afterwards.
 std::uint32_t StopLink(ReceiverLink& link);
 
@@ -183,9 +251,11 @@ void LinkTimerProc(ReceiverLink& link);
 void MakeNmeaLogPath(ReceiverLink& link);
 void MakeNmeaLogPath(ReceiverLink& link, std::time_t now);
 
-// Appends one batch to a recording file: open, append, close. Failures are
-// silent; at most this batch is lost.
-void AppendNmeaBatch(const char* path, const char* data, std::size_t length);
+// Appends one batch to a recording file: open, append, close. The batch is
+// written whole or not at all: after a short write (a full disk) the file
+// is cut back to its length before, so a recording holds whole batches.
+// Returns 0, or the errno of the failure (only this batch is lost).
+int AppendNmeaBatch(const char* path, const char* data, std::size_t length);
 
 // The message the program shows for a loss reason (from the string table),
 // or null for kLossNone.

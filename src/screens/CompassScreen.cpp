@@ -86,8 +86,10 @@ void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const GpsState& g
         }
         const Font old = CreateScreenFont(canvas, font.height, font.weight);
         const Size s = canvas.MeasureText(kLetters[k]);
-        const double d =
-            R + b / 10 + std::sqrt(s.width * s.width / 4.0 + s.height * s.height / 4.0);
+        // Clear of the outer circle by b/10 beyond its pen, and never by less
+        // than two pixels, so that no letter touches the circle.
+        const double d = R + 1 + std::max(b / 10, 2) +
+                         std::sqrt(s.width * s.width / 4.0 + s.height * s.height / 4.0);
         const double a = majors[k] * kPi / 180.0;
         const int x = cx + Trunc(d * std::sin(a));
         const int y = cy - Trunc(d * std::cos(a));

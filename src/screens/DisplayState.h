@@ -11,6 +11,10 @@ struct DisplayState {
     int unitSystem = common::kMetric;
     bool speedAlarmOn = false;
     int speedAlarmLimit = 50;  // 50, 60, ... 120 in the display unit
+    // The speed is at or above the limit (with or without sound); the
+    // phase flips every second and the alarm's places are red while set.
+    bool speedAlarmSounding = false;
+    bool alarmFlashPhase = false;
     bool linkRunning = false;
     bool fixValid = false;
     bool blinkPhase = false;    // flipped by the blink timer while no fix

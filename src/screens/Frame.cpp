@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
+#include <string_view>
 
 #include "Arith.h"
 #include "ErrorCodes.h"
@@ -32,6 +34,14 @@ Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight) {
         content.right -= baseTextHeight / 5 + (hi ? 42 : 21);
     }
     return content;
+}
+
+Size MinimumFrameSize(int baseTextHeight) {
+    const bool hi = baseTextHeight != 15;
+    const Size portrait = BitmapSize(BitmapId::ToolStripPortrait, hi);
+    const Size side = BitmapSize(BitmapId::ToolStripLandscape, hi);
+    const Size alarm = BitmapSize(BitmapId::AlarmStrip, hi);
+    return Size{portrait.width, std::max(side.height, alarm.height) + baseTextHeight};
 }
 
 void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client) {
@@ -238,19 +248,41 @@ void DrawArrowAt(Canvas& canvas, double courseDegrees, int size, int cx, int cy,
 
 // ---- speed readout and mini sky plot ------------------------------------------
 
+namespace {
+Rect FlashPlate(const ScreenContext& ctx, Rect r);
+void FitFont(Canvas& canvas, int height, int weight, int width,
+             std::initializer_list<std::string_view> texts);
+}  // namespace
+
 void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps, Rect box,
                       int fontHeight, bool landscape) {
     const bool hi = ctx.HighResolution();
-    const Font old = CreateScreenFont(canvas, fontHeight, (landscape && !hi) ? 400 : 700);
+    const int weight = (landscape && !hi) ? 400 : 700;
+    const Font old = CreateScreenFont(canvas, fontHeight, weight);
     char line[64];
     std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(gps, ctx.display.unitSystem));
     const int dx = hi ? 4 : 2, dy = hi ? 3 : 1, dr = hi ? 3 : 1, db = hi ? 6 : 3;
     const int mid = box.top + (box.bottom - box.top) / 2;
+    // The readout sits on a tab of fixed size: a face wider than the
+    // handheld's (or a speed of four digits) gets a smaller font rather
+    // than running over the tab's edges.
+    FitFont(canvas, fontHeight, weight, box.right - dr - box.left - dx,
+            {line, SpeedUnitName(ctx.display.unitSystem)});
+    Colour ink = kBlack;
+    if (ctx.AlarmFlashRed()) {
+        // On the speedometer's tab, within its border.
+        const Rect tab = TabRect(ctx, 4);
+        canvas.FillRect(
+            FlashPlate(ctx, Rect{std::max(box.left, tab.left), std::max(box.top, tab.top),
+                                 std::min(box.right, tab.right), std::min(box.bottom, tab.bottom)}),
+            kAlarmRed);
+        ink = kWhite;
+    }
     canvas.DrawText(line, Rect{box.left + dx, box.top + dy, box.right - dr, mid},
-                    kTextCenter | kTextVCenter, kBlack);
+                    kTextCenter | kTextVCenter, ink);
     canvas.DrawText(SpeedUnitName(ctx.display.unitSystem),
                     Rect{box.left + dx, mid, box.right - dr, box.bottom - db},
-                    kTextCenter | kTextVCenter, kBlack);
+                    kTextCenter | kTextVCenter, ink);
     ReleaseScreenFont(canvas, old);
 }
 
@@ -326,18 +358,18 @@ struct LandscapeStrip {
 constexpr LandscapeStrip kLandscapeHi{52, 332, 51, 56, 42, 337, 42};
 constexpr LandscapeStrip kLandscapeLo{28, 168, 27, 28, 21, 169, 21};
 
-int AlarmCellIndex(int limit) {
-    if (limit >= 50 && limit <= 120 && limit % 10 == 0)
-        return (limit - 50) / 10;
-    return 0;
-}
-
 int LandscapeStripTop(const ScreenContext& ctx, int stripH) {
     const int b = ctx.baseTextHeight;
     return b + (ctx.frame.bottom - stripH - ctx.frame.top - b) / 2;
 }
 
 }  // namespace
+
+int AlarmCellIndex(int limit) {
+    if (limit >= 50 && limit <= 120 && limit % 10 == 0)
+        return (limit - 50) / 10;
+    return 0;
+}
 
 Rect TabRect(const ScreenContext& ctx, int tab) {
     const bool hi = ctx.HighResolution();
@@ -373,26 +405,79 @@ void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx) {
     }
 }
 
-void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
-    if (!ctx.display.speedAlarmOn)
-        return;
-    const int k = AlarmCellIndex(ctx.display.speedAlarmLimit);
+Rect AlarmCellRect(const ScreenContext& ctx, int k) {
     const bool hi = ctx.HighResolution();
     const int b = ctx.baseTextHeight;
     const Rect& s = ctx.frame;
     if (ctx.orientation == Orientation::Portrait) {
         const PortraitStrip& p = hi ? kPortraitHi : kPortraitLo;
-        const int cw = hi ? 59 : 30, chh = hi ? 46 : 23;
+        const int cw = hi ? 59 : 30, ch = hi ? 46 : 23;
         const int sx = (hi ? 5 : 1) + cw * k;
-        canvas.Blit(ctx.bitmaps[BitmapId::ToolStripPortrait.value], Rect{sx, 0, sx + cw, chh},
-                    Point{((s.right - s.left) - p.width) / 2 + sx, s.bottom - p.height});
+        const int x = ((s.right - s.left) - p.width) / 2 + sx;
+        const int y = s.bottom - p.height;
+        // The last cell of the small set would reach a pixel past the strip.
+        return Rect{x, y, x + std::min(cw, p.width - sx), y + ch};
+    }
+    const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
+    const int x = s.right - b / 5 - l.alarmWidth;
+    const int y = b + (s.bottom - l.alarmHeight - s.top - b) / 2 + l.cell * k;
+    return Rect{x, y, x + l.alarmWidth, y + l.cell};
+}
+
+int HitTestAlarmCell(const ScreenContext& ctx, int x, int y) {
+    for (int k = 0; k < 8; ++k) {
+        const Rect r = AlarmCellRect(ctx, k);
+        if (x >= r.left && x < r.right && y >= r.top && y < r.bottom)
+            return k;
+    }
+    return -1;
+}
+
+namespace {
+
+// A red plate inside the rounded border of a cell or tab, in flash phase.
+Rect FlashPlate(const ScreenContext& ctx, Rect r) {
+    const int inset = ctx.HighResolution() ? 4 : 2;
+    return Rect{r.left + inset, r.top + inset, r.right - inset, r.bottom - inset};
+}
+
+// Selects the largest font up to `height` in which every text fits `width`.
+void FitFont(Canvas& canvas, int height, int weight, int width,
+             std::initializer_list<std::string_view> texts) {
+    for (int h = height; h > 6; --h) {
+        canvas.SelectFont(Font{h, weight});
+        bool fits = true;
+        for (std::string_view t : texts) fits = fits && canvas.MeasureText(t).width <= width;
+        if (fits)
+            return;
+    }
+}
+
+}  // namespace
+
+void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
+    if (!ctx.display.speedAlarmOn)
+        return;
+    const int k = AlarmCellIndex(ctx.display.speedAlarmLimit);
+    const bool hi = ctx.HighResolution();
+    const Rect cell = AlarmCellRect(ctx, k);
+    if (ctx.orientation == Orientation::Portrait) {
+        const int sx = (hi ? 5 : 1) + (hi ? 59 : 30) * k;
+        canvas.Blit(ctx.bitmaps[BitmapId::ToolStripPortrait.value],
+                    Rect{sx, 0, sx + cell.Width(), cell.Height()}, Point{cell.left, cell.top});
     } else {
-        const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
-        const int x = s.right - b / 5 - l.alarmWidth;
-        const int top = b + (s.bottom - l.alarmHeight - s.top - b) / 2;
         canvas.Blit(ctx.bitmaps[BitmapId::AlarmStrip.value],
-                    Rect{0, l.cell * k, l.alarmWidth, l.cell * k + l.cell},
-                    Point{x, top + l.cell * k});
+                    Rect{0, cell.Height() * k, cell.Width(), cell.Height() * (k + 1)},
+                    Point{cell.left, cell.top});
+    }
+    if (ctx.AlarmFlashRed()) {
+        const Rect plate = FlashPlate(ctx, cell);
+        canvas.FillRect(plate, kAlarmRed);
+        const std::string number = std::to_string(50 + 10 * k);
+        const Font old = canvas.SelectedFont();
+        FitFont(canvas, (3 * ctx.baseTextHeight) / 4, 700, plate.Width() - 2, {number});
+        canvas.DrawText(number, plate, kTextCenter | kTextVCenter, kWhite);
+        canvas.SelectFont(old);
     }
 }
 

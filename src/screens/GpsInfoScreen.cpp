@@ -137,7 +137,10 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
 
     const int hs = right - b / 2 - m - left - W;
     const int vs = bottom - (6 * b) / 5 - 2 * (h4 + b) - g - R;
-    const int size = std::max(std::min(vs, hs) / 2, 0);
+    // Pointing obliquely, the arrow's base corners lie 1.15 times its size
+    // from its centre: the size keeps them inside the space between the
+    // texts at every course.
+    const int size = std::max(std::min(vs, hs) * 100 / 230, 0);
     DrawCourseArrow(canvas, gps, size, right - hs / 2 - 1, R + g + (3 * h4) / 2 + vs / 2, b);
 
     DrawSignalBars(canvas, ctx, gps,

@@ -19,15 +19,39 @@ const CanvasCall* RecordingCanvas::FindText(const std::string& text) const {
     return nullptr;
 }
 
-Size RecordingCanvas::MeasureWith(Font font, std::string_view text) {
-    int tenths = 0;
+namespace {
+
+// Hundredths of the font height a character takes in a common sans face.
+int ProportionalWidth(unsigned char c) {
+    if (c == ' ' || c == '.' || c == ',' || c == ':' || c == '\'' || c == '!' || c == 'i' ||
+        c == 'l' || c == 'j')
+        return 28;
+    if (c == '/' || c == '-' || c == 'f' || c == 't' || c == 'r' || c == 'I')
+        return 38;
+    if (c == 'W' || c == 'M' || c == 'm' || c == 'w')
+        return 88;
+    if (c >= 'A' && c <= 'Z')
+        return 66;
+    return 56;  // digits, lower case, the rest
+}
+
+}  // namespace
+
+Size RecordingCanvas::MeasureWith(Font font, std::string_view text, Metrics metrics) {
+    int hundredths = 0;
     for (std::size_t i = 0; i < text.size();) {
         const auto c = static_cast<unsigned char>(text[i]);
         std::size_t len = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
-        tenths += len >= 3 ? 10 : 6;  // CJK and the like are square
+        if (len >= 3) {
+            hundredths += 100;  // CJK and the like are square
+        } else if (metrics == Metrics::Fixed) {
+            hundredths += 60;
+        } else {
+            hundredths += len == 1 ? ProportionalWidth(c) : 45;  // the degree sign
+        }
         i += len;
     }
-    return Size{tenths * font.height / 10, font.height};
+    return Size{hundredths * font.height / 100, font.height};
 }
 
 void RecordingCanvas::FillRect(Rect rect, Colour colour) {

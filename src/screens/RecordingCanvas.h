@@ -1,7 +1,9 @@
 // A canvas that draws nothing and keeps a log of every call with its
 // geometry, for tests. Text is measured with a fixed, font-independent rule
 // (each character 0.6 × the font height wide, wide characters 1 × the
-// height; the height is the font height), so layouts are reproducible.
+// height; the height is the font height), so layouts are reproducible. The
+// proportional rule gives each Latin character the width it has in a common
+// sans-serif face instead, for checks that texts fit their places.
 #pragma once
 
 #include <string>
@@ -41,7 +43,9 @@ struct CanvasCall {
 
 class RecordingCanvas final : public Canvas {
   public:
-    explicit RecordingCanvas(Rect bounds) : bounds_(bounds) {}
+    enum class Metrics { Fixed, Proportional };
+    explicit RecordingCanvas(Rect bounds, Metrics metrics = Metrics::Fixed)
+        : bounds_(bounds), metrics_(metrics) {}
 
     const std::vector<CanvasCall>& Calls() const { return calls_; }
     void Clear() { calls_.clear(); }
@@ -51,7 +55,7 @@ class RecordingCanvas final : public Canvas {
     // The first text call drawing exactly `text`; null when none.
     const CanvasCall* FindText(const std::string& text) const;
 
-    static Size MeasureWith(Font font, std::string_view text);
+    static Size MeasureWith(Font font, std::string_view text, Metrics metrics = Metrics::Fixed);
 
     Rect Bounds() const override { return bounds_; }
     void FillRect(Rect rect, Colour colour) override;
@@ -62,7 +66,7 @@ class RecordingCanvas final : public Canvas {
     void Polyline(std::span<const Point> points, Pen pen) override;
     void SelectFont(Font font) override { font_ = font; }
     Font SelectedFont() const override { return font_; }
-    Size MeasureText(std::string_view text) override { return MeasureWith(font_, text); }
+    Size MeasureText(std::string_view text) override { return MeasureWith(font_, text, metrics_); }
     void DrawText(std::string_view text, Rect box, unsigned flags, Colour colour) override;
     void Blit(const Bitmap& bitmap, Rect src, Point dst) override;
     void StretchBlit(const Bitmap& bitmap, Rect src, Rect dst) override;
@@ -71,6 +75,7 @@ class RecordingCanvas final : public Canvas {
 
   private:
     Rect bounds_;
+    Metrics metrics_;
     Font font_{};
     std::vector<CanvasCall> calls_;
 };

@@ -68,6 +68,10 @@ struct ScreenContext {
     std::function<void(Canvas&, ScreenContext&)> drawMapOverlay;
 
     bool HighResolution() const { return baseTextHeight != 15; }
+    // The speed readouts and the lit alarm cell are red at this moment.
+    bool AlarmFlashRed() const {
+        return display.speedAlarmOn && display.speedAlarmSounding && display.alarmFlashPhase;
+    }
 };
 
 // ---- set-up -------------------------------------------------------------
@@ -79,6 +83,11 @@ void UpdateScreenLayout(Canvas& canvas, ScreenContext& ctx, Rect client);
 Rect ContentRect(Rect frame, Orientation orientation, int baseTextHeight);
 void LayoutDials(Canvas& canvas, ScreenContext& ctx);
 Orientation OrientationOf(Rect screen);
+// The smallest frame in which the tool strips of the set are whole: as wide
+// as the portrait strip, and in landscape as high as the taller side strip
+// below the top margin. The strips are bitmaps of fixed size, so a smaller
+// window would cut them.
+Size MinimumFrameSize(int baseTextHeight);
 
 // Pixel sizes of every bitmap of the two sets, and its load-failure code.
 Size BitmapSize(BitmapId id, bool highResolution);
@@ -103,6 +112,13 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsSt
 void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
 void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx);
 void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx);
+// Where alarm cell k (0..7 for 50..120) lies on the screen, and the cell
+// under a tap at (x, y), or -1.
+Rect AlarmCellRect(const ScreenContext& ctx, int cell);
+int HitTestAlarmCell(const ScreenContext& ctx, int x, int y);
+// The cell of a limit: 50..120 in steps of 10 give 0..7, anything else 0.
+int AlarmCellIndex(int limit);
+inline constexpr Colour kAlarmRed = Rgb(230, 0, 0);
 
 // Font helpers: CreateScreenFont selects the font and returns the one it
 // replaced; ReleaseScreenFont selects that one back.

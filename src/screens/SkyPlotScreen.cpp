@@ -43,9 +43,12 @@ void DrawLegend(Canvas& canvas, const ScreenContext& ctx) {
         canvas.DrawText(kMarks[k], Rect{x - w / 2 - 1, bottom - h, x + w / 2 + 1, bottom},
                         kTextCenter | kTextVCenter, kBlack);
     }
+    // The top of the scale is marked where the colour bar ends, like the
+    // other marks; the seventh division stays free.
+    const int xEnd = x1 + 6 * bw;
     const int w99 = canvas.MeasureText("99").width;
-    canvas.DrawText("99", Rect{right - 1 - w99, bottom - h, right - 1, bottom},
-                    kTextRight | kTextVCenter, kBlack);
+    canvas.DrawText("99", Rect{xEnd - w99 / 2 - 1, bottom - h, xEnd + w99 / 2 + 1, bottom},
+                    kTextCenter | kTextVCenter, kBlack);
     ReleaseScreenFont(canvas, old);
 }
 
@@ -75,10 +78,12 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
             "N",
             Rect{cx - n.width / 2, cy - R - 1 - n.height, cx - n.width / 2 + n.width, cy - R - 1},
             kTextCenter | kTextVCenter, kBlack);
+        // "E" and "W" keep their distance from the horizon unless that would
+        // put them off the screen (a plot as wide as the screen allows).
         const Size e = canvas.MeasureText("E");
+        const int ex = std::min(cx + R + b / 3, right - e.width);
         canvas.DrawText("E",
-                        Rect{cx + R + b / 3, cy - e.height / 2, cx + R + b / 3 + e.width,
-                             cy - e.height / 2 + e.height},
+                        Rect{ex, cy - e.height / 2, ex + e.width, cy - e.height / 2 + e.height},
                         kTextCenter | kTextVCenter, kBlack);
         const Size s = canvas.MeasureText("S");
         canvas.DrawText(
@@ -86,9 +91,9 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
             Rect{cx - s.width / 2, cy + R + 1, cx - s.width / 2 + s.width, cy + R + 1 + s.height},
             kTextCenter | kTextVCenter, kBlack);
         const Size w = canvas.MeasureText("W");
+        const int wx = std::max(cx - R - b / 3 - w.width, left);
         canvas.DrawText("W",
-                        Rect{cx - R - b / 3 - w.width, cy - w.height / 2, cx - R - b / 3,
-                             cy - w.height / 2 + w.height},
+                        Rect{wx, cy - w.height / 2, wx + w.width, cy - w.height / 2 + w.height},
                         kTextCenter | kTextVCenter, kBlack);
         TextAt(canvas,
                FormatSatellites(TextToInt(gps.satellitesUsed), TextToInt(gps.satellitesInView)),
@@ -96,27 +101,37 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     }
     ReleaseScreenFont(canvas, old);
 
-    // Elevation labels along the east axis.
+    // Elevation labels along the east axis, each on a white ground so that
+    // the axis and the rings do not run through the digits.
     old = CreateScreenFont(canvas, (4 * b) / 5, 400);
     {
+        const auto label = [&](const char* t, Rect box, unsigned align) {
+            canvas.FillRect(box, kWhite);
+            canvas.DrawText(t, box, align | kTextVCenter, kBlack);
+        };
         const auto before = [&](const char* t, int x) {
             const Size s = canvas.MeasureText(t);
-            canvas.DrawText(t,
-                            Rect{x - s.width, cy - s.height / 2, x, cy - s.height / 2 + s.height},
-                            kTextRight | kTextVCenter, kBlack);
+            label(t, Rect{x - s.width, cy - s.height / 2, x, cy - s.height / 2 + s.height},
+                  kTextRight);
         };
         const auto after = [&](const char* t, int x) {
             const Size s = canvas.MeasureText(t);
-            canvas.DrawText(t,
-                            Rect{x, cy - s.height / 2, x + s.width, cy - s.height / 2 + s.height},
-                            kTextLeft | kTextVCenter, kBlack);
+            label(t, Rect{x, cy - s.height / 2, x + s.width, cy - s.height / 2 + s.height},
+                  kTextLeft);
         };
-        TextCentredOn(canvas, "0", cx + R, cy, kBlack);
+        const auto centred = [&](const char* t, int x) {
+            const Size s = canvas.MeasureText(t);
+            label(t,
+                  Rect{x - s.width / 2, cy - s.height / 2, x - s.width / 2 + s.width,
+                       cy - s.height / 2 + s.height},
+                  kTextCenter);
+        };
+        centred("0", cx + R);
         before("3", cx + r30);
         after("0", cx + r30);
         before("6", cx + r60);
         after("0", cx + r60);
-        TextCentredOn(canvas, "90", cx, cy, kBlack);
+        centred("90", cx);
     }
     ReleaseScreenFont(canvas, old);
 

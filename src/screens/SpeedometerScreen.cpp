@@ -61,12 +61,14 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
 
     // Scale labels just outside the ring.
     Font old = CreateScreenFont(canvas, (2 * b) / 3, 400);
+    int labelsBottom = cy;
     for (int k = 0; k < 5; ++k) {
         const Size s = canvas.MeasureText(sc.labels[k]);
         const double d = R + std::sqrt(s.width * s.width / 4.0 + s.height * s.height / 4.0) + 2;
         const double a = (240.0 + 60.0 * k) * kPi / 180.0;
-        TextCentredOn(canvas, sc.labels[k], cx + Trunc(d * std::sin(a)),
-                      cy - Trunc(d * std::cos(a)), kBlack);
+        const int y = cy - Trunc(d * std::cos(a));
+        TextCentredOn(canvas, sc.labels[k], cx + Trunc(d * std::sin(a)), y, kBlack);
+        labelsBottom = std::max(labelsBottom, y - s.height / 2 + s.height);
     }
     ReleaseScreenFont(canvas, old);
 
@@ -97,19 +99,23 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     Point needle[3];
     SpeedNeedlePoints(speed, sc.full, R, cx, cy, needle);
     canvas.Polygon(needle, kNullPen, Brush{Rgb(0, 144, 233)});
-    const int hub = std::max(b / 4, 2);
+    // The hub covers the needle's base (a tenth of its length each side of
+    // the centre), so the needle stays a slim pointer on a dial of any size.
+    const int hub = std::max({b / 4, 2, Trunc(0.1 * (R - 1)) + 2});
     canvas.Ellipse(CircleBox(cx, cy, hub), kNullPen, Brush{Rgb(34, 89, 172)});
     canvas.Ellipse(CircleBox(cx, cy, hub / 3), kNullPen, Brush{kWhite});
 
     char line[160];
-    // Altitude and course under the dial's open end.
+    // Altitude and course under the dial's open end; on a small dial the
+    // labels of both ends reach lower than the ring, and the line goes
+    // under them.
     old = CreateScreenFont(canvas, (4 * b) / 5, 400);
     {
         const Colour grey = Rgb(130, 131, 133);
         std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
                       common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(gps, u));
         const Size sa = canvas.MeasureText(line);
-        const int yb = cy + R;
+        const int yb = std::min(std::max(cy + R, labelsBottom + sa.height), ctx.screen.bottom);
         canvas.DrawText(line, Rect{right - b / 3 - sa.width, yb - sa.height, right - b / 3, yb},
                         kTextRight | kTextBottom, grey);
         const std::string course = FormatCourse(TextToDouble(gps.course));
@@ -124,7 +130,8 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     old = CreateScreenFont(canvas, numberHeight, 700);
     std::snprintf(line, sizeof line, "%0.2f", speed);
     const int numberTop = top + (4 * b) / 3;
-    const Size sn = TextAt(canvas, line, left + b / 2, numberTop, Rgb(22, 118, 201));
+    const Size sn = TextAt(canvas, line, left + b / 2, numberTop,
+                           ctx.AlarmFlashRed() ? kAlarmRed : Rgb(22, 118, 201));
     ReleaseScreenFont(canvas, old);
     old = CreateScreenFont(canvas, numberHeight / 2, 700);
     const Size su =

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -91,27 +92,114 @@ int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts
     return 1;
 }
 
-int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int attempts,
-                     std::chrono::milliseconds retryDelay) {
-    const int fd = OpenOptionsFile(path, O_WRONLY | O_CREAT, attempts, retryDelay);
-    if (fd < 0)
-        return 0;
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
-    std::size_t done = 0;
-    bool ok = true;
-    while (done < sizeof record) {
-        const ssize_t w = ::write(fd, bytes + done, sizeof record - done);
+namespace {
+
+bool WriteWhole(int fd, const std::uint8_t* bytes, std::size_t size) {
+    while (size > 0) {
+        const ssize_t w = ::write(fd, bytes, size);
         if (w < 0 && errno == EINTR)
             continue;
-        if (w <= 0) {
+        if (w <= 0)
+            return false;
+        bytes += w;
+        size -= static_cast<std::size_t>(w);
+    }
+    return true;
+}
+
+// Copies what a longer old file holds past the record.
+bool CopyTail(const std::string& from, int to) {
+    const int fd = ::open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return false;
+    std::uint8_t chunk[16384];
+    off_t at = static_cast<off_t>(kOptionsRecordSize);
+    bool ok = true;
+    for (;;) {
+        const ssize_t r = ::pread(fd, chunk, sizeof chunk, at);
+        if (r < 0 && errno == EINTR)
+            continue;
+        if (r <= 0) {
+            ok = r == 0;
+            break;
+        }
+        if (!WriteWhole(to, chunk, static_cast<std::size_t>(r))) {
             ok = false;
             break;
         }
-        done += static_cast<std::size_t>(w);
+        at += r;
     }
-    if (::close(fd) != 0)
-        ok = false;
-    return ok ? 1 : 0;
+    ::close(fd);
+    return ok;
+}
+
+// Makes the new file beside `target`, retrying a failed attempt as the
+// open of the old file was retried. Returns the descriptor with its name in
+// `name`, or -1.
+int MakeTemporary(const std::string& target, std::string& name, int attempts,
+                  std::chrono::milliseconds retryDelay) {
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        name = target + ".XXXXXX";
+        const int fd = ::mkostemp(name.data(), O_CLOEXEC);
+        if (fd >= 0)
+            return fd;
+        if (errno == ENOENT || errno == ENOTDIR)
+            return -1;
+        if (attempt + 1 < attempts)
+            std::this_thread::sleep_for(retryDelay);
+    }
+    return -1;
+}
+
+}  // namespace
+
+int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int attempts,
+                     std::chrono::milliseconds retryDelay) {
+    // A symbolic link stays a link: the file it names is the one replaced.
+    std::string target = path;
+    struct stat st {};
+    if (::lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
+        char* resolved = ::realpath(path.c_str(), nullptr);
+        if (resolved == nullptr)
+            return 0;
+        target = resolved;
+        std::free(resolved);
+    }
+    mode_t mode = 0644;
+    bool longer = false;
+    if (::stat(target.c_str(), &st) == 0) {
+        if (!S_ISREG(st.st_mode))
+            return 0;
+        mode = st.st_mode & 07777;
+        longer = st.st_size > static_cast<off_t>(kOptionsRecordSize);
+    } else if (errno != ENOENT) {
+        return 0;
+    }
+
+    std::string temporary;
+    const int fd = MakeTemporary(target, temporary, attempts, retryDelay);
+    if (fd < 0)
+        return 0;
+    bool ok = WriteWhole(fd, reinterpret_cast<const std::uint8_t*>(&record), sizeof record);
+    ok = ok && (!longer || CopyTail(target, fd));
+    ok = ok && ::fchmod(fd, mode) == 0;
+    ok = ok && ::fsync(fd) == 0;
+    ok = ::close(fd) == 0 && ok;
+    ok = ok && ::rename(temporary.c_str(), target.c_str()) == 0;
+    if (!ok) {
+        ::unlink(temporary.c_str());
+        return 0;
+    }
+    // The rename itself reaches the disk with the folder.
+    const std::size_t slash = target.rfind('/');
+    const std::string folder =
+        slash == std::string::npos ? "." : (slash == 0 ? "/" : target.substr(0, slash));
+    const int dirFd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dirFd >= 0) {
+        ::fsync(dirFd);
+        ::close(dirFd);
+    }
+    return 1;
 }
 
 std::string WideSlotToUtf8(const char16_t* slot, std::size_t chars) {

@@ -1,6 +1,12 @@
 // The options file: one fixed-size, little-endian record of every persistent
 // setting, kept as a raw memory image so that existing files stay readable.
 // No header, version or checksum; a shorter file fills only its own bytes.
+//
+// The "accept all satellite systems" setting has the first byte of the
+// twelve that older files carry as zeros and write back unchanged (offset
+// 48): 1 means on; any other value means off and is written back as read
+// while the setting stays off. The record's size and every other field are
+// as they always were.
 #pragma once
 
 #include <bit>
@@ -33,7 +39,8 @@ struct OptionsRecord {
     std::uint32_t speedAlarmLimit;                     // 36
     std::uint32_t speedAlarmOn;                        // 40
     std::uint32_t units;                               // 44
-    std::uint8_t reserved[12];                         // 48, kept as read
+    std::uint8_t allTalkers;                           // 48, 1: accept all satellite systems
+    std::uint8_t reserved[11];                         // 49, kept as read
     char16_t bluetoothName[kNameChars];                // 60
     std::uint32_t unused572;                           // 572, never set
     std::uint64_t bluetoothAddress;                    // 576
@@ -47,7 +54,8 @@ struct OptionsRecord {
 
 static_assert(sizeof(OptionsRecord) == kOptionsRecordSize);
 static_assert(offsetof(OptionsRecord, speedAlarmLimit) == 36);
-static_assert(offsetof(OptionsRecord, reserved) == 48);
+static_assert(offsetof(OptionsRecord, allTalkers) == 48);
+static_assert(offsetof(OptionsRecord, reserved) == 49);
 static_assert(offsetof(OptionsRecord, bluetoothName) == 60);
 static_assert(offsetof(OptionsRecord, unused572) == 572);
 static_assert(offsetof(OptionsRecord, bluetoothAddress) == 576);
@@ -71,8 +79,11 @@ void ReadOptionsBytes(std::span<const std::uint8_t> bytes, OptionsRecord& record
 int ReadOptionsFile(const std::string& path, OptionsRecord& record, int attempts,
                     std::chrono::milliseconds retryDelay = std::chrono::milliseconds(200));
 
-// Overwrites the file in place with the whole record (creating it when
-// missing, never truncating it). Returns 1 when written, else 0.
+// Writes the whole record to a new file in the same folder, flushes it to
+// the disk and renames it over the old one, so that any failure leaves the
+// old file (or no file) as it was. Bytes of a longer old file past the
+// record, its permissions and a symbolic link at `path` are kept. Only a
+// regular file is replaced. Returns 1 when written, else 0.
 int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int attempts = 5,
                      std::chrono::milliseconds retryDelay = std::chrono::milliseconds(200));
 

@@ -43,6 +43,7 @@ void SettingsFromRecord(const OptionsRecord& r, ProgramSettings& s) {
     s.units = r.units <= 2 ? r.units : builtIn.units;
     s.backlightAlwaysOn = Flag(r.backlightAlwaysOn);
     s.recordNmea = Flag(r.recordNmea);
+    s.allTalkers = r.allTalkers == 1 ? 1 : 0;
     s.bluetoothName = WideSlotToUtf8(r.bluetoothName, kNameChars);
     s.bluetoothAddress = r.bluetoothAddress;
     s.receiverConfigured = !s.bluetoothName.empty() && s.bluetoothAddress != 0;
@@ -68,6 +69,12 @@ void RecordFromSettings(const ProgramSettings& s, OptionsRecord& r) {
     r.units = s.units;
     r.backlightAlwaysOn = s.backlightAlwaysOn;
     r.recordNmea = s.recordNmea;
+    // A byte that older files may hold anything in: changed only by the
+    // setting itself.
+    if (s.allTalkers != 0)
+        r.allTalkers = 1;
+    else if (r.allTalkers == 1)
+        r.allTalkers = 0;
     Utf8ToWideSlot(s.bluetoothName, r.bluetoothName, kNameChars);
     r.bluetoothAddress = s.bluetoothAddress;
     Utf8ToWideSlot(s.storageRoot, r.storageLocation, kPathChars);

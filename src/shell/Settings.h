@@ -30,6 +30,7 @@ struct ProgramSettings {
     std::uint32_t autoBluetooth = 0;
     std::uint32_t backlightAlwaysOn = 1;
     std::uint32_t recordNmea = 0;
+    std::uint32_t allTalkers = 0;        // accept all satellite systems
     std::string bluetoothName;           // receiver-name global
     std::uint64_t bluetoothAddress = 0;  // receiver-address global
     bool receiverConfigured = false;     // both of the above are set

@@ -60,6 +60,9 @@ constexpr int kTabCommands[] = {cmd::kGpsInfo, cmd::kWorldMap,    cmd::kLoadedMa
 
 }  // namespace
 
+// "The alarm sound cannot play; the alarm shows on the screen."
+const char* const kAlarmSoundFailedStatus = "警报声音无法播放，警报在屏幕上显示";
+
 const char* MessageIconName(MessageIcon icon) {
     switch (icon) {
         case MessageIcon::Error:
@@ -151,6 +154,8 @@ void Shell::RefreshDisplay() {
     d.blinkPhase = blinkPhase;
     d.fixTimeKnown = fixTimeKnown;
     d.mapLoaded = mapLoaded;
+    d.speedAlarmSounding = SpeedAlarmShowing();
+    d.alarmFlashPhase = alarmFlashPhase;
     d.unitSystem = settings_.units <= 2 ? static_cast<int>(settings_.units) : common::kMetric;
     d.speedAlarmOn = settings_.speedAlarmOn != 0;
     d.speedAlarmLimit = static_cast<int>(settings_.speedAlarmLimit);
@@ -241,6 +246,7 @@ void Shell::StopGps() {
     const int reason = link_.StopLink();
     fixTimeKnown = false;
     alarm_.Silence();
+    alarmFlashPhase = false;
     ReportLoss(reason);
     // The reader has ended: the link's fix and the copy are emptied alike.
     link_.ClearFixBlocks();
@@ -305,6 +311,17 @@ void Shell::StepAlarm(int direction) {
     OnCommand(step == 0 ? cmd::kAlarmOff : cmd::kAlarm50 + step - 1);
 }
 
+void Shell::OnAlarmCellTap(int cell) {
+    if (cell < 0 || cell >= static_cast<int>(std::size(kAlarmLimits)))
+        return;
+    const bool lit = settings_.speedAlarmOn != 0 && settings_.speedAlarmLimit == kAlarmLimits[cell];
+    OnCommand(lit ? cmd::kAlarmOff : cmd::kAlarm50 + cell);
+}
+
+bool Shell::SpeedAlarmShowing() const {
+    return alarm_.playing() && settings_.speedAlarmOn != 0 && link_.Running();
+}
+
 void Shell::OnGpsData() {
     // The reader waits until this returns: the one moment the link's fix
     // holds still. The clock keeps its own count between time syncs.
@@ -314,8 +331,16 @@ void Shell::OnGpsData() {
     if (!timeSyncedThisBatch_)
         fix_.fixTimeLocal = clock;
     timeSyncedThisBatch_ = false;
+    const bool wasShowing = SpeedAlarmShowing();
     alarm_.CheckSpeedAlarm(CurrentSpeed(fix_, settings_.units), settings_.speedAlarmOn != 0,
                            settings_.speedAlarmLimit, link_.Running());
+    // The flash starts red at once and goes with the alarm.
+    if (SpeedAlarmShowing() != wasShowing)
+        alarmFlashPhase = !wasShowing;
+    if (alarm_.soundFailed() && status.empty()) {
+        status = kAlarmSoundFailedStatus;
+        ui_.ShowStatus(status);
+    }
     Repaint();
     features_.NotifyGpsData();
 }
@@ -337,10 +362,29 @@ void Shell::OnClockTick() {
 }
 
 void Shell::OnBlinkTick() {
+    // The same 1-second timer runs while the link does: it blinks the
+    // receiver icon without a fix and flashes the speed alarm.
+    bool changed = false;
     if (link_.Running() && !link_.FixValid()) {
         blinkPhase = !blinkPhase;
-        Repaint();
+        changed = true;
     }
+    if (SpeedAlarmShowing()) {
+        alarmFlashPhase = !alarmFlashPhase;
+        changed = true;
+    } else if (alarmFlashPhase) {
+        alarmFlashPhase = false;
+        changed = true;
+    }
+    if (changed)
+        Repaint();
+}
+
+void Shell::OnOtherTalkersOnly() {
+    if (otherTalkersHintShown)
+        return;
+    otherTalkersHintShown = true;
+    Message(common::OtherTalkersHint(), MessageIcon::Information);
 }
 
 // ---- menus ----

@@ -38,6 +38,9 @@ class ShellUi {
     virtual bool StartClockTimer() = 0;  // (re)starts the 1-second clock
     virtual void SetBacklightHold(bool hold) = 0;
     virtual void CloseWindow() = 0;  // the end of a confirmed exit
+    // A short status that stays in view without stopping the user (the
+    // window's title); empty clears it.
+    virtual void ShowStatus(const std::string& status) { (void)status; }
 
   protected:
     ~ShellUi() = default;
@@ -97,6 +100,9 @@ using common::kScreenSatelliteData;
 using common::kScreenSkyPlot;
 using common::kScreenSpeedometer;
 
+// The status shown when the alarm sound fails to play.
+extern const char* const kAlarmSoundFailedStatus;
+
 class Shell {
   public:
     Shell(ProgramSettings& settings, LinkControl& link, ShellUi& ui, AlarmSound& sound,
@@ -132,6 +138,12 @@ class Shell {
     const gps::GpsState& fix() const { return fix_; }
     // What the screens show, rebuilt by every Repaint.
     const screens::DisplayState& display() const { return display_; }
+    // A tap on alarm cell 0..7 (50..120): sets that limit as the menu's
+    // entries do, or switches the alarm off when it is the lit cell.
+    void OnAlarmCellTap(int cell);
+    // The link has heard only other satellite systems' talkers for ten
+    // seconds: the hint that names the all-talkers setting, once a run.
+    void OnOtherTalkersOnly();
 
     // The two drop-downs as they are at this moment.
     MenuEntry BuildViewMenu() const;
@@ -143,14 +155,23 @@ class Shell {
     LinkControl& link() { return link_; }
     const LinkControl& link() const { return link_; }
     const SpeedAlarm& alarm() const { return alarm_; }
+    // The speed is at or above the limit with the alarm on and the link
+    // running: the screens flash it whether or not the sound plays.
+    bool SpeedAlarmShowing() const;
 
     // kScreenSatelliteData while a dialog stands in the screen's place.
     int currentScreen = kScreenGpsInfo;
     bool fixTimeKnown = false;
     bool blinkPhase = false;
+    // Flipped every second while the speed alarm shows; red when set.
+    bool alarmFlashPhase = false;
+    // The window's status line: set once, at the first alarm sound that
+    // could not play.
+    std::string status;
     bool mapLoaded = false;
     std::string mapLabel;
     bool exited = false;
+    bool otherTalkersHintShown = false;
     // A port given for this run (a replay, --port) stands for the receiver:
     // start GPS opens it whatever receiver the settings name.
     bool forceComPort = false;

@@ -33,7 +33,8 @@ void SpeedAlarm::CheckSpeedAlarm(double speed, bool alarmOn, std::uint32_t limit
     if (!playing_) {
         // Without a working sound the alarm still counts as sounding, so
         // that the state follows the speed and a drop below stops it.
-        Retry(&AlarmSound::PlayLoop);
+        if (!Retry(&AlarmSound::PlayLoop))
+            soundFailed_ = true;
         playing_ = true;
     }
 }

@@ -34,6 +34,9 @@ class SpeedAlarm {
     void Silence();
 
     bool playing() const { return playing_; }
+    // The sound failed to start on some crossing (no audio output, no
+    // sound file); the alarm then shows only on the screen.
+    bool soundFailed() const { return soundFailed_; }
 
   private:
     bool Retry(bool (AlarmSound::*call)());
@@ -41,6 +44,7 @@ class SpeedAlarm {
     AlarmSound& sound_;
     int attempts_;
     bool playing_ = false;
+    bool soundFailed_ = false;
 };
 
 }  // namespace satwalk::shell

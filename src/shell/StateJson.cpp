@@ -17,6 +17,10 @@ std::string BuildStateJson(const Shell& shell, const StateExtras& extras) {
     m.Bool("speedAlarmOn", s.speedAlarmOn != 0);
     m.Int("speedAlarmLimit", s.speedAlarmLimit);
     m.Bool("alarmPlaying", shell.alarm().playing());
+    m.Bool("alarmShowing", shell.SpeedAlarmShowing());
+    m.Bool("alarmFlashPhase", shell.alarmFlashPhase);
+    m.Bool("alarmSoundFailed", shell.alarm().soundFailed());
+    m.Text("status", shell.status);
     m.Int("trackIntervalMs", s.trackIntervalMs);
     m.Bool("trackLogOn", s.trackLogOn != 0);
     m.Bool("recordNmea", s.recordNmea != 0);

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -105,6 +106,11 @@ class RecordingSink final : public LinkSink {
         if (stopInsideTick)
             stopResult = StopLink(link);
     }
+    void OnOtherTalkersOnly() override { ++otherTalkerHints; }
+    void OnRecordFailed(int error) override {
+        recordError = error;
+        ++recordFailures;
+    }
 
     std::size_t batches() {
         std::lock_guard<std::mutex> g(mutex_);
@@ -131,6 +137,9 @@ class RecordingSink final : public LinkSink {
     int stopCommands = 0;        // touched on the ticking thread only
     std::uint32_t stopResult = 0;
     std::function<void()> onData;  // runs inside OnGpsData when set
+    std::atomic<int> otherTalkerHints{0};
+    std::atomic<int> recordFailures{0};
+    std::atomic<int> recordError{0};
 
   private:
     std::mutex mutex_;

@@ -136,6 +136,56 @@ TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
     std::filesystem::remove_all(dir);
 }
 
+TEST(OtherTalkersWatchTest, TenTicksOfOtherTalkersWithoutAGpFix) {
+    // Per batch, from tick 1: 'o' other talkers only, 'g' a GP RMC beside
+    // them, '.' neither.
+    const struct {
+        const char* batches;
+        int toldAtTick;  // 0: never
+    } cases[] = {
+        {"oooooooooo", 0},      {"ooooooooooo", 11},       {"oooooooooooooooo", 11},  // once
+        {"..ooooooooooo", 13},  {"ooooo.....o", 11},  // the wait counts ticks, not batches
+        {"oooogoooooooooo", 0}, {"oooogoooooooooooo", 16}, {"ggggggggggggggg", 0},
+    };
+    for (const auto& c : cases) {
+        OtherTalkersWatch watch;
+        int told = 0;
+        for (std::uint32_t tick = 1; c.batches[tick - 1] != '\0'; ++tick) {
+            const char b = c.batches[tick - 1];
+            const gps::TalkerCounts counts{b == 'g' ? 1u : 0u, b == '.' ? 0u : 2u};
+            if (watch.AfterBatch(counts, tick)) {
+                EXPECT_EQ(told, 0) << c.batches << ": told twice";
+                told = static_cast<int>(tick);
+            }
+        }
+        EXPECT_EQ(told, c.toldAtTick) << c.batches;
+    }
+}
+
+TEST(LinkTalkersTest, CombinedTalkerGivesAFixWithTheSettingAndTheHintWithout) {
+    for (const bool all : {false, true}) {
+        FakeReceiver receiver;
+        ReceiverLink link;
+        RecordingSink sink{link};
+        link.devicePath = receiver.path();
+        link.sink = &sink;
+        link.allTalkers = all;
+        ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
+        ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+        for (std::size_t tick = 1; tick <= 12; ++tick) {
+            receiver.Send(
+                Sentence("GNRMC,120000.00,A,3112.0001,N,12128.0000,E,0.5,0.0,150307,,,A"));
+            ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
+            LinkTimerProc(link);
+            ASSERT_TRUE(sink.WaitBatches(tick));
+            ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
+        }
+        StopLink(link);
+        EXPECT_EQ(sink.latitude(11), all ? "3112.0001" : "") << "all talkers " << all;
+        EXPECT_EQ(sink.otherTalkerHints, all ? 0 : 1) << "all talkers " << all;
+    }
+}
+
 TEST_F(LinkTest, ThirtySilentTicksEndTheLinkWithReasonTwo) {
     for (int i = 0; i < 20; ++i) LinkTimerProc(link);
     receiver.Send(Rmc("3112.0001"));  // data resets the count

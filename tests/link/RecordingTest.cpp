@@ -1,9 +1,15 @@
 // NMEA recording: file names from local time, the bytes exactly as read,
 // one file per start second, and recording without anyone to decode.
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -119,19 +125,68 @@ TEST_F(RecordingTest, WithoutASinkBatchesAreRecordedButNotDecoded) {
     EXPECT_EQ(ReadFile(link.nmeaLogPath), text);
 }
 
-TEST_F(RecordingTest, AVanishedFolderLosesTheBatchButNotTheLink) {
+// The owner is told once; the program stays silent, the tool says so.
+TEST_F(RecordingTest, AVanishedFolderLosesTheBatchesButNotTheLink) {
     FakeReceiver receiver;
     RecordingSink sink(link);
     link.sink = &sink;
     link.nmeaFolder = dir + "/gone";
     Start(receiver);
-    receiver.Send(Rmc("3112.0001"));
-    ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
-    LinkTimerProc(link);
-    ASSERT_TRUE(sink.WaitBatches(1));
-    EXPECT_EQ(sink.latitude(0), "3112.0001");
+    for (std::size_t batch = 1; batch <= 3; ++batch) {
+        receiver.Send(Rmc("3112.0001"));
+        ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
+        LinkTimerProc(link);
+        ASSERT_TRUE(sink.WaitBatches(batch));
+        ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
+    }
+    EXPECT_EQ(sink.latitude(2), "3112.0001");
     EXPECT_TRUE(ListDir(dir).empty());
     EXPECT_TRUE(link.running);
+    StopLink(link);
+    EXPECT_EQ(sink.recordFailures, 1);
+    EXPECT_EQ(sink.recordError, ENOENT);
+}
+
+// Appends in a child process whose files may not grow past `limit` bytes,
+// with SIGXFSZ ignored so that the write comes back short as on a full
+// disk. Returns what AppendNmeaBatch returned.
+int AppendUnderLimit(const std::string& path, const std::string& batch, rlim_t limit) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit r{limit, limit};
+        ::setrlimit(RLIMIT_FSIZE, &r);
+        ::_exit(AppendNmeaBatch(path.c_str(), batch.data(), batch.size()) & 0x7F);
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(AppendNmeaBatchTest, ABatchIsWrittenWholeOrNotAtAll) {
+    const std::string line = Rmc("3112.0001");  // 77 bytes
+    const struct {
+        const char* name;
+        std::string before;
+        std::string batch;
+        rlim_t limit;
+        bool written;
+    } cases[] = {
+        {"room enough", line, line + line, 1000, true},
+        {"exactly to the limit", line, line, 2 * line.size(), true},
+        {"short write", line, line + line, 2 * line.size(), false},
+        {"no room at all", line + line, line, 2 * line.size(), false},
+        {"empty file, short write", "", line + line, line.size(), false},
+    };
+    const std::string dir = MakeTempDir();
+    const std::string path = dir + "/rec.log";
+    for (const auto& c : cases) {
+        { std::ofstream(path, std::ios::binary | std::ios::trunc) << c.before; }
+        const int error = AppendUnderLimit(path, c.batch, c.limit);
+        EXPECT_EQ(error, c.written ? 0 : EFBIG) << c.name;
+        EXPECT_EQ(ReadFile(path), c.written ? c.before + c.batch : c.before) << c.name;
+    }
+    std::filesystem::remove_all(dir);
 }
 
 }  // namespace

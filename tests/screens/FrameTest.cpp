@@ -109,7 +109,7 @@ TEST(ToolStrip, AlarmCellOfTheThreshold) {
     const AlarmCase cases[] = {
         {test::kPortraitHi, 80, BitmapId::ToolStripPortrait, {182, 0, 241, 46}, {182, 511}},
         {test::kPortraitHi, 55, BitmapId::ToolStripPortrait, {5, 0, 64, 46}, {5, 511}},
-        {test::kPortraitLo, 120, BitmapId::ToolStripPortrait, {211, 0, 241, 23}, {211, 254}},
+        {test::kPortraitLo, 120, BitmapId::ToolStripPortrait, {211, 0, 240, 23}, {211, 254}},
         {test::kLandscapeHi, 90, BitmapId::AlarmStrip, {0, 168, 42, 210}, {592, 254}},
         {test::kLandscapeLo, 50, BitmapId::AlarmStrip, {0, 0, 21, 21}, {296, 43}},
     };

@@ -56,6 +56,7 @@ class FakeUi : public ShellUi {
     bool StartClockTimer() override { return clockStarts++, true; }
     void SetBacklightHold(bool hold) override { backlight = hold; }
     void CloseWindow() override { closed = true; }
+    void ShowStatus(const std::string& status) override { statuses.push_back(status); }
 
     std::vector<std::pair<std::string, MessageIcon>> messages;
     bool answerYes = true;
@@ -65,6 +66,7 @@ class FakeUi : public ShellUi {
     int clockStarts = 0;
     bool backlight = true;
     bool closed = false;
+    std::vector<std::string> statuses;
 };
 
 class FakeSatelliteView : public SatelliteDataView {

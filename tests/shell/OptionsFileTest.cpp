@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
 #include <cstdio>
@@ -86,8 +89,8 @@ TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
     EXPECT_EQ(store.record().speedAlarmOn, 0u) << "offset 40 lies inside the 100 bytes";
 }
 
-TEST_F(OptionsFileTest, AlarmChoiceIsWrittenInPlaceAtItsOffsetsAndOtherBytesKept) {
-    // A file longer than the record is overwritten in place, not truncated.
+TEST_F(OptionsFileTest, AlarmChoiceIsWrittenAtItsOffsetsAndOtherBytesKept) {
+    // A file longer than the record keeps what it holds past the record.
     std::vector<std::uint8_t> bytes(kOptionsRecordSize + 50, 0x11);
     std::fill_n(bytes.begin(), kOptionsRecordSize, 0);
     for (std::size_t i = 48; i < 60; ++i) bytes[i] = static_cast<std::uint8_t>(0xA0 + i);
@@ -110,6 +113,54 @@ TEST_F(OptionsFileTest, AlarmChoiceIsWrittenInPlaceAtItsOffsetsAndOtherBytesKept
     for (std::size_t i = 48; i < 60; ++i) EXPECT_EQ(out[i], bytes[i]) << "reserved byte " << i;
     EXPECT_EQ(out[572], 0x5A);
     EXPECT_EQ(out[3719], 0xC3);
+}
+
+// Saves in a child process whose files may not grow past `limit` bytes
+// (SIGXFSZ ignored, so the write comes back short as on a full disk).
+// Returns what WriteOptionsFile returned.
+int SaveUnderLimit(const std::string& path, rlim_t limit) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit r{limit, limit};
+        ::setrlimit(RLIMIT_FSIZE, &r);
+        OptionsRecord record{};
+        SetOptionDefaults(record);
+        record.units = 2;
+        ::_exit(WriteOptionsFile(path, record, 1));
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(OptionsFileTest, AFailedSaveLeavesTheOldFileAsItWas) {
+    const std::vector<std::uint8_t> old(kOptionsRecordSize, 0x42);
+    const struct {
+        const char* name;
+        bool oldFile;
+        rlim_t limit;
+        bool saved;
+    } cases[] = {
+        {"disk full, old file", true, 1000, false},
+        {"disk full, no file yet", false, 1000, false},
+        {"room enough", true, 1 << 20, true},
+    };
+    for (const auto& c : cases) {
+        fs::remove_all(dir_);
+        fs::create_directories(dir_);
+        if (c.oldFile)
+            WriteAll(old);
+        EXPECT_EQ(SaveUnderLimit(path_, c.limit), c.saved ? 1 : 0) << c.name;
+        EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()),
+                  c.oldFile || c.saved ? 1 : 0)
+            << c.name << ": a file left beside the options";
+        if (c.saved) {
+            EXPECT_EQ(Word(ReadAll(), 44), 2u) << c.name;
+        } else if (c.oldFile) {
+            EXPECT_EQ(ReadAll(), old) << c.name;
+        }
+    }
 }
 
 TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
@@ -162,6 +213,28 @@ TEST(OptionsRecordTest, OddValuesAreMadeSane) {
         ProgramSettings s;
         SettingsFromRecord(r, s);
         EXPECT_EQ(s.*c.field, c.expected) << "offset " << c.offset << " value " << c.value;
+    }
+}
+
+TEST(OptionsRecordTest, AllTalkersByteIsOnOnlyAtOneAndOtherValuesAreKept) {
+    const struct {
+        std::uint8_t read;
+        std::uint32_t setting;  // as read
+        std::uint32_t changedTo;
+        std::uint8_t written;
+    } cases[] = {
+        {0, 0, 0, 0}, {1, 1, 1, 1}, {1, 1, 0, 0}, {0x5A, 0, 0, 0x5A}, {0x5A, 0, 1, 1},
+    };
+    for (const auto& c : cases) {
+        OptionsRecord r{};
+        SetOptionDefaults(r);
+        r.allTalkers = c.read;
+        ProgramSettings s;
+        SettingsFromRecord(r, s);
+        EXPECT_EQ(s.allTalkers, c.setting) << int{c.read};
+        s.allTalkers = c.changedTo;
+        RecordFromSettings(s, r);
+        EXPECT_EQ(r.allTalkers, c.written) << int{c.read} << " -> " << c.changedTo;
     }
 }
 

@@ -138,8 +138,8 @@ TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
 
 // Taps on the tool strip's tabs in both orientations and both sets: each
 // tab runs its screen's command; the loaded-map tab does nothing while no
-// map is loaded.
-TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
+// map is loaded. The alarm cells take taps as well.
+TEST_F(ScriptRunTest, TabAndAlarmCellTaps) {
     struct Variant {
         const char* size;
         int dpi;
@@ -148,10 +148,17 @@ TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
     // Portrait 480 x 640, 192 dpi: 74-pixel tiles from x 5 every 79 pixels,
     // 55 pixels below the top of the 129-pixel strip. Landscape 320 x 240,
     // 96 dpi: 27-pixel tiles every 28 pixels from y 15 + (240 - 168 - 15) / 2.
+    // The alarm cell of 80 (the fourth): 59 x 46 cells from x 5 on top of the
+    // portrait strip; 21 x 21 from y 43 in the column at the landscape's right.
+    struct Cell {
+        int x, y;
+    };
     const Variant variants[] = {{"480x640", 192, 5 + 37, 640 - 129 + 55 + 37, 79, 0},
                                 {"320x240", 96, 13, 43 + 13, 0, 28}};
+    const Cell cell80[] = {{5 + 3 * 59 + 29, 640 - 129 + 23}, {296 + 10, 43 + 3 * 21 + 10}};
     const int expected[6] = {0, 4, 4, 2, 3, 1};
-    for (const Variant& v : variants) {
+    for (std::size_t n = 0; n < std::size(variants); ++n) {
+        const Variant& v = variants[n];
         std::string script = "key 7\n";
         for (int tab = 0; tab < 6; ++tab) {
             script += "tap " + std::to_string(v.x0 + tab * v.dx) + " " +
@@ -160,8 +167,11 @@ TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
         }
         // Between two tabs and above the strip nothing happens.
         script += "tap " + std::to_string(v.x0 + v.dx / 2 + 20 * (v.dx == 0)) + " " +
-                  std::to_string(v.y0 - v.dy / 2 - 60 * (v.dy == 0)) +
-                  "\nstate @/miss.json\nquit\n";
+                  std::to_string(v.y0 - v.dy / 2 - 60 * (v.dy == 0)) + "\nstate @/miss.json\n";
+        // A tap on an alarm cell sets its limit; on the lit cell, the alarm goes off.
+        const std::string tapCell =
+            "tap " + std::to_string(cell80[n].x) + " " + std::to_string(cell80[n].y) + "\n";
+        script += tapCell + "state @/cell.json\n" + tapCell + "state @/off.json\nquit\n";
         WriteScript(script);
         ASSERT_EQ(Run(std::string("--size ") + v.size + " --dpi " + std::to_string(v.dpi)), 0)
             << Read("stderr.txt");
@@ -171,6 +181,8 @@ TEST_F(ScriptRunTest, TabTapsSwitchScreens) {
                       {"\"currentScreen\":" + std::to_string(expected[tab]) + ","});
         }
         ExpectHas("miss.json", {"\"currentScreen\":1,"});
+        ExpectHas("cell.json", {"\"speedAlarmOn\":true", "\"speedAlarmLimit\":80,"});
+        ExpectHas("off.json", {"\"speedAlarmOn\":false", "\"speedAlarmLimit\":80,"});
     }
 }
 

@@ -223,6 +223,80 @@ TEST_F(ShellTest, AlarmFollowsTheSpeed) {
         EXPECT_EQ(sound.looping, s.playing) << s.knots;
     }
     EXPECT_EQ(sound.playCalls, 2) << "a running alarm is not restarted";
+    EXPECT_TRUE(ui.statuses.empty()) << "a sound that plays needs no status";
+}
+
+TEST_F(ShellTest, AlarmFlashesEverySecondWhileItShows) {
+    shell.OnCommand(cmd::kStartGps);
+    shell.OnCommand(cmd::kAlarm50);
+    struct Step {
+        const char* knots;  // a batch at this speed, or null for the 1-second tick
+        int command;        // instead, when not 0
+        bool showing, phase;
+    };
+    const Step steps[] = {
+        {"20", 0, false, false},
+        {nullptr, 0, false, false},  // below the limit
+        {"30", 0, true, true},       // red at once
+        {nullptr, 0, true, false},
+        {nullptr, 0, true, true},
+        {"31", 0, true, true},
+        {"20", 0, false, false},  // the drop ends it
+        {"30", 0, true, true},
+        {nullptr, cmd::kAlarmOff, false, true},
+        {nullptr, 0, false, false},  // the tick clears it
+        {nullptr, cmd::kStopGps, false, false},
+    };
+    for (const Step& s : steps) {
+        if (s.command != 0) {
+            shell.OnCommand(s.command);
+        } else if (s.knots != nullptr) {
+            SetSpeed(s.knots);
+            shell.OnGpsData();
+        } else {
+            shell.OnBlinkTick();
+        }
+        EXPECT_EQ(shell.SpeedAlarmShowing(), s.showing) << (s.knots ? s.knots : "tick");
+        EXPECT_EQ(shell.alarmFlashPhase, s.phase) << (s.knots ? s.knots : "tick");
+    }
+}
+
+TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
+    struct Case {
+        std::uint32_t on, limit;
+        int cell;
+        std::uint32_t onAfter, limitAfter;
+    };
+    const Case cases[] = {
+        {0, 50, 3, 1, 80},   // off: a cell switches on at its limit
+        {1, 50, 7, 1, 120},  // another cell moves the limit
+        {1, 90, 4, 0, 90},   // the lit cell switches off, the limit stays
+        {0, 90, 4, 1, 90},   // the same cell with the alarm off lights it
+        {1, 55, 0, 1, 50},   // an odd limit lights cell 0 but 50 is not it
+        {1, 70, -1, 1, 70},  // not a cell
+        {1, 70, 8, 1, 70},
+    };
+    for (const Case& c : cases) {
+        settings.speedAlarmOn = c.on;
+        settings.speedAlarmLimit = c.limit;
+        shell.OnAlarmCellTap(c.cell);
+        EXPECT_EQ(settings.speedAlarmOn, c.onAfter) << c.on << " " << c.limit << " " << c.cell;
+        EXPECT_EQ(settings.speedAlarmLimit, c.limitAfter)
+            << c.on << " " << c.limit << " " << c.cell;
+    }
+}
+
+TEST_F(ShellTest, FirstSoundFailureIsReportedOnceInTheStatus) {
+    sound.failing = true;
+    shell.OnCommand(cmd::kStartGps);
+    shell.OnCommand(cmd::kAlarm50);
+    for (const char* knots : {"20", "30", "31", "10", "30"}) {
+        SetSpeed(knots);
+        shell.OnGpsData();
+        EXPECT_EQ(shell.status, knots == std::string("20") ? "" : kAlarmSoundFailedStatus);
+    }
+    EXPECT_EQ(ui.statuses.size(), 1u);
+    EXPECT_TRUE(ui.messages.empty()) << "no message box while driving";
 }
 
 TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
@@ -354,6 +428,14 @@ TEST_F(ShellTest, SatelliteDialogFilledOnEveryBatchOnlyWhileOpen) {
     satelliteData.OnClosedByUser();
     shell.OnGpsData();
     EXPECT_EQ(satelliteView.fills, 3);
+}
+
+TEST_F(ShellTest, OtherTalkersHintNamesTheSettingOnce) {
+    shell.OnOtherTalkersOnly();
+    shell.OnOtherTalkersOnly();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_NE(ui.messages[0].first.find("接收所有卫星系统"), std::string::npos);
+    EXPECT_EQ(ui.messages[0].second, MessageIcon::Information);
 }
 
 TEST_F(ShellTest, BlinkAndClock) {

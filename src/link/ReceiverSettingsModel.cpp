@@ -1,0 +1,245 @@
+#include "ReceiverSettingsModel.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "BaudRates.h"
+
+namespace satwalk::link {
+
+namespace {
+
+constexpr int kPortCount = 10;
+
+int DeviceRow(const std::vector<BluetoothDevice>& table, const BluetoothDevice& chosen) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (table[i] == chosen)
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
+void FillDeviceCombo(ComboBox& combo, const std::vector<BluetoothDevice>& table) {
+    combo.entries.clear();
+    for (const BluetoothDevice& d : table) combo.entries.push_back(d.name);
+    combo.selection = -1;
+}
+
+void EnterBluetoothMode(ReceiverSettingsDialog& d, const ReceiverSettings& s, bool opening) {
+    d.ports.entries.push_back(kTextAutomatic);
+    d.ports.selection = static_cast<int>(d.ports.entries.size()) - 1;
+    if (!opening) {
+        if (!d.devices.entries.empty())
+            d.devices.entries.pop_back();  // "系统设置"
+        const int row = DeviceRow(s.table, s.chosen);
+        d.devices.selection = row >= 0 ? row : 0;
+        if (d.devices.entries.empty())
+            d.devices.selection = -1;
+    }
+}
+
+void EnterManualMode(ReceiverSettingsDialog& d, bool opening) {
+    d.search.enabled = false;
+    if (!opening) {
+        if (!d.ports.entries.empty())
+            d.ports.entries.pop_back();  // "自动"
+        d.ports.selection = d.pendingPort;
+    }
+    d.devices.entries.push_back(kTextSystemSettings);
+    d.devices.selection = static_cast<int>(d.devices.entries.size()) - 1;
+}
+
+std::string Format(const char* format, const std::string& argument) {
+    std::string out = format;
+    if (const std::size_t at = out.find("%s"); at != std::string::npos)
+        out.replace(at, 2, argument);
+    return out;
+}
+
+}  // namespace
+
+std::vector<BluetoothDevice> InitialDeviceTable(const BluetoothDevice& chosen) {
+    if (chosen.name.empty() || chosen.address == 0)
+        return {};
+    return {chosen};
+}
+
+std::string PortEntryText(int index, const PortSlot& slot) {
+    std::string text = "COM" + std::to_string(index);
+    if (slot.free)
+        text += std::string(" (") + kTextAvailable + ")";
+    if (!slot.device.empty())
+        text += "  " + slot.device;
+    return text;
+}
+
+std::string DescribePortDevice(const std::string& path, const std::string& byIdFolder) {
+    namespace fs = std::filesystem;
+    std::string text = path;
+    std::error_code ec;
+    const fs::path target = fs::canonical(path, ec);
+    if (ec)
+        return text;
+    for (fs::directory_iterator it(byIdFolder, ec), end; !ec && it != end; it.increment(ec)) {
+        std::error_code linkError;
+        if (fs::canonical(it->path(), linkError) == target && !linkError)
+            return text + " " + it->path().filename().string();
+    }
+    return text;
+}
+
+std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map) {
+    std::vector<PortSlot> slots(kPortCount);
+    for (int n = 0; n < kPortCount; ++n) {
+        PortSlot& slot = slots[static_cast<std::size_t>(n)];
+        if (driver != nullptr && driver->RegisterPort(n, 0)) {
+            slot.free = true;
+            driver->DeregisterPort(n);
+        }
+        slot.device = DescribePortDevice(ResolvePortName(ComName(n), map));
+    }
+    return slots;
+}
+
+ReceiverSettingsDialog OpenReceiverSettings(const ReceiverSettings& s,
+                                            const std::vector<PortSlot>& portSlots) {
+    ReceiverSettingsDialog d;
+    FillDeviceCombo(d.devices, s.table);
+    d.devices.selection = DeviceRow(s.table, s.chosen);
+
+    for (const std::uint32_t rate : common::kBaudRates) d.bauds.entries.push_back(std::to_string(rate));
+    d.bauds.selection = s.baudIndex < std::size(common::kBaudRates) ? static_cast<int>(s.baudIndex) : 0;
+
+    for (int n = 0; n < kPortCount; ++n) {
+        const PortSlot slot = n < static_cast<int>(portSlots.size())
+                                  ? portSlots[static_cast<std::size_t>(n)]
+                                  : PortSlot{};
+        d.ports.entries.push_back(PortEntryText(n, slot));
+    }
+    d.pendingPort = s.comPort < kPortCount ? static_cast<int>(s.comPort) : 0;
+    d.ports.selection = d.pendingPort;
+
+    d.autoSearch = s.bluetoothReceiver;
+    if (d.autoSearch)
+        EnterBluetoothMode(d, s, true);
+    else
+        EnterManualMode(d, true);
+    d.deviceLabelEnabled = d.autoSearch;
+    return d;
+}
+
+void ToggleAutoSearch(ReceiverSettingsDialog& d, const ReceiverSettings& s) {
+    if (d.ended || d.searching)
+        return;
+    d.autoSearch = !d.autoSearch;
+    d.search = MenuButton{kCmdSearch, kTextSearch, true};  // the menu bar is made anew
+    d.cancel = MenuButton{kCmdCancel, "取消", true};
+    if (d.autoSearch)
+        EnterBluetoothMode(d, s, false);
+    else
+        EnterManualMode(d, false);
+    d.deviceLabelEnabled = d.autoSearch;
+}
+
+void SelectPort(ReceiverSettingsDialog& d, int index) {
+    // Only a real port is remembered; "自动" stands for whichever is free.
+    if (index < 0 || index >= kPortCount)
+        return;
+    d.pendingPort = index;
+    d.ports.selection = index;
+}
+
+void AcceptReceiverSettings(ReceiverSettingsDialog& d, ReceiverSettings& s) {
+    s.comPort = static_cast<std::uint32_t>(d.pendingPort);
+    if (d.bauds.selection >= 0 && d.bauds.selection < static_cast<int>(std::size(common::kBaudRates)))
+        s.baudIndex = static_cast<std::uint32_t>(d.bauds.selection);
+    s.bluetoothReceiver = d.autoSearch;
+    s.linkBaud = common::kBaudRates[s.baudIndex];
+    if (d.autoSearch) {
+        if (s.table.empty()) {
+            s.chosen = BluetoothDevice{};
+        } else {
+            const int row =
+                d.devices.selection >= 0 && d.devices.selection < static_cast<int>(s.table.size())
+                    ? d.devices.selection
+                    : 0;
+            s.chosen = s.table[static_cast<std::size_t>(row)];
+        }
+    } else {
+        s.linkPortName = ComName(d.pendingPort);
+    }
+    d.ended = true;
+    d.endResult = 1;
+}
+
+void CancelReceiverSettings(ReceiverSettingsDialog& d, ReceiverSettings& s) {
+    s.table.assign(1, s.chosen);
+    d.searching = false;
+    d.waitCursor = false;
+    d.ended = true;
+    d.endResult = 0;
+}
+
+bool BeginSearch(ReceiverSettingsDialog& d, bool workerStarted,
+                 std::vector<DialogMessage>& messages) {
+    if (d.ended || d.searching || !d.search.enabled || !d.autoSearch)
+        return false;
+    const bool retry = d.search.id == kCmdRetry;
+    d.search = MenuButton{kCmdRetry, kTextRetry, false};
+    if (!workerStarted) {
+        messages.push_back({std::string("Search Bluetooth GPS Receiver failed:") +
+                                (retry ? "0x08200a26" : "0x08200a25") + "\n\nPlease try again!",
+                            true});
+        d.ended = true;
+        d.endResult = 0;
+        return false;
+    }
+    d.searching = true;
+    return true;
+}
+
+void SearchStarted(ReceiverSettingsDialog& d, ReceiverSettings& s) {
+    d.autoSearchEnabled = false;
+    d.waitCursor = true;
+    d.savedFirstRow = s.table.empty() ? BluetoothDevice{} : s.table.front();
+    if (!s.table.empty())
+        s.table.front() = BluetoothDevice{};
+}
+
+std::vector<DialogMessage> ApplySearchOutcome(ReceiverSettingsDialog& d, ReceiverSettings& s,
+                                              const SearchOutcome& outcome, bool& radioSwitchedOn) {
+    std::vector<DialogMessage> messages;
+    if (outcome.radioSwitchedOn)
+        radioSwitchedOn = true;
+    // A search that outlived its dialog changes nothing more.
+    if (d.ended || !d.searching)
+        return messages;
+    if (outcome.radioSwitchFailed)
+        messages.push_back({kTextRadioSwitchFailed, true});
+
+    const InquiryResult& r = outcome.inquiry;
+    s.table = r.devices;
+    if (r.result == kInquiryOk) {
+        FillDeviceCombo(d.devices, s.table);
+        if (s.table.empty())
+            messages.push_back({kTextNoReceiver, false});
+        else
+            d.devices.selection = 0;
+    } else {
+        // The combo keeps its entries; the table keeps what was found, with
+        // its first row as it was before the search.
+        if (!s.table.empty())
+            s.table.front() = d.savedFirstRow;
+        if (r.result == kInquiryRadioOff)
+            messages.push_back({kTextRadioOff, false});
+        else
+            messages.push_back({Format(kTextSearchFailed, r.errorCode), true});
+    }
+    d.searching = false;
+    d.waitCursor = false;
+    d.autoSearchEnabled = true;
+    d.search.enabled = true;
+    return messages;
+}
+
+}  // namespace satwalk::link

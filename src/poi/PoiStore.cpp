@@ -1,0 +1,33 @@
+#include "PoiStore.h"
+
+#include "PoiCategories.h"
+
+namespace satwalk::poi {
+
+PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
+    PoiImport result;
+    PoiGroup group;
+    result.read = ReadPoiCsv(path, group.points);
+    if (!result.read)
+        return result;
+    group.name = PoiBaseName(path);
+    group.category = LookUpPoiCategory(group.name);
+    result.category = group.category;
+    result.name = group.name;
+    result.points = group.points.Count();
+    store.Append(std::move(group));
+    return result;
+}
+
+void DeleteAllPois(PoiStore& store) {
+    for (std::uint32_t i = 0; i < store.Count(); ++i) store.At(i).points.Clear();
+    store.Clear();
+}
+
+std::uint32_t PoiPointCount(const PoiStore& store) {
+    std::uint32_t n = 0;
+    for (std::uint32_t i = 0; i < store.Count(); ++i) n += store.At(i).points.Count();
+    return n;
+}
+
+}  // namespace satwalk::poi

@@ -1,0 +1,41 @@
+// The POI store: one group per imported file, kept until "delete all" or
+// the end of the program (it is saved nowhere).
+//
+// Threads: the user-interface thread only; the commands that change it run
+// there too, so drawing reads it without a lock.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "CursorList.h"
+#include "PoiCsv.h"
+
+namespace satwalk::poi {
+
+struct PoiGroup {
+    PoiList points;
+    std::uint32_t category = 0;  // row of PoiCategoryTable, 0 for none; the icon cell
+    std::string name;            // the category's name, or the file's base name
+};
+
+using PoiStore = track::CursorList<PoiGroup>;
+
+struct PoiImport {
+    bool read = false;  // false: kOpenPoiFileFailed, nothing added
+    std::uint32_t category = 0;
+    std::string name;
+    std::uint32_t points = 0;
+};
+
+// Reads one file into a group of its own, its category looked up from the
+// file's base name, and appends the group to the store (an empty file adds
+// an empty group).
+PoiImport ImportPoiFile(PoiStore& store, const std::string& path);
+
+// Every group's points, then the groups.
+void DeleteAllPois(PoiStore& store);
+
+std::uint32_t PoiPointCount(const PoiStore& store);
+
+}  // namespace satwalk::poi

@@ -1,0 +1,114 @@
+// The options dialog ("选项") as data: its check boxes and storage list, the
+// layout of its controls, and what OK does, in order. A Qt dialog shows an
+// OptionsDialog and calls these on the UI thread; the effects on the running
+// program go through OptionsEffects.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Canvas.h"
+#include "Settings.h"
+
+namespace satwalk::shell {
+
+inline constexpr int kIdGeneralHeading = 1151;
+inline constexpr int kIdAutoBluetooth = 1144;
+inline constexpr int kIdKeepAwake = 1146;
+inline constexpr int kIdRecordNmea = 1147;
+inline constexpr int kIdStorageLabel = 1150;
+inline constexpr int kIdStorageCombo = 1148;
+
+inline constexpr const char* kTextGeneralHeading = "常规设置";
+inline constexpr const char* kTextAutoBluetooth = "自动开启/关闭蓝牙";
+inline constexpr const char* kTextKeepAwake = "保持背景灯常亮";
+inline constexpr const char* kTextRecordNmea = "记录 NMEA 数据";
+inline constexpr const char* kTextStorageLabel = "存储路径:";
+
+struct OptionsDialog {
+    bool autoBluetooth = false;        // 1144
+    bool keepAwake = false;            // 1146
+    bool recordNmea = false;           // 1147
+    std::vector<std::string> storage;  // 1148: storage roots
+    int storageSelection = -1;
+};
+
+// The storage root offered for a mounted removable volume.
+std::string VolumeStorageRoot(const std::string& mountPoint);
+
+// The dialog as it opens: the flags, then the default root followed by the
+// roots of the mounted removable volumes (`mountPoints`), each once; the
+// current root selected.
+OptionsDialog OpenOptionsDialog(const ProgramSettings& settings, const std::string& defaultRoot,
+                                const std::vector<std::string>& mountPoints);
+
+// The rectangles of the six controls for a client width and BaseTextHeight,
+// in the order 1151, 1144, 1146, 1147, 1150, 1148.
+struct OptionsLayout {
+    screens::Rect heading, autoBluetooth, keepAwake, recordNmea, storageLabel, storage;
+};
+OptionsLayout LayOutOptionsDialog(int clientWidth, int baseTextHeight);
+
+// Font heights of the dialog: the regular one and the bold one of the two
+// labels.
+inline int OptionsRegularFontHeight(int b) {
+    return b;
+}
+inline int OptionsBoldFontHeight(int b) {
+    return (9 * b) / 8;
+}
+
+// What OK asks of the running program.
+class OptionsEffects {
+  public:
+    virtual bool LinkRunning() const = 0;
+    // The recording flag changed: the link records from its next batch on,
+    // or stops recording.
+    virtual void SetRecordNmea(bool on) = 0;
+    // A new dated NMEA file in `nmeaFolder`, recording from now on.
+    virtual void StartNewNmeaLog(const std::string& nmeaFolder) = 0;
+    // A new track file in `trackFolder`, the recording continuing there.
+    virtual void StartNewTrackLog(const std::string& trackFolder) = 0;
+    // Keep the screen awake (hold) or let it sleep again (release).
+    virtual void SetScreenAwake(bool hold) = 0;
+
+  protected:
+    ~OptionsEffects() = default;
+};
+
+// What OK did, for the caller's state dump and the tests.
+struct OptionsApplied {
+    bool rootChanged = false;
+    bool nmeaSwitched = false;  // recording was switched on or off
+    bool newNmeaLog = false;
+    bool newTrackLog = false;
+};
+
+// OK: the flags, the storage root and its folders, new files while the link
+// runs, and the screen-awake request or release. `folders` is the program's
+// current folder set and is rebuilt when the root changes.
+OptionsApplied AcceptOptionsDialog(const OptionsDialog& dialog, ProgramSettings& settings,
+                                   StorageFolders& folders, OptionsEffects& effects);
+
+// Creates the folder tree of a newly chosen root: everything when the root
+// is missing, the missing folders when it is a folder, nothing when it is
+// something else. Failures are silent.
+void CreateStorageTree(const StorageFolders& folders);
+
+// Keeps a second copy of the dialog from opening.
+class DialogGuard {
+  public:
+    bool TryOpen() {
+        if (open_)
+            return false;
+        open_ = true;
+        return true;
+    }
+    void Close() { open_ = false; }
+    bool IsOpen() const { return open_; }
+
+  private:
+    bool open_ = false;
+};
+
+}  // namespace satwalk::shell

@@ -1,0 +1,150 @@
+// The track recorder and viewer as plain state: the four trails, the track
+// file being written, the log being viewed and the follow pause. The
+// application owns one TrackState, drives it from its timers (the track
+// timer calls OnTrackTick, the follow timer EndFollowPause) and its
+// commands, and shows the messages these functions name.
+//
+// Threads: everything runs on the user-interface thread. `trackLock`
+// guards the four trails; the functions here take it themselves, and the
+// map drawing takes it around reading them. It is never held across a
+// message box.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "GpsState.h"
+#include "TrackLogFile.h"
+#include "TrackLogReader.h"
+#include "TrackPoint.h"
+
+namespace satwalk::track {
+
+inline constexpr std::uint32_t kTrackTimerId = 1027;
+inline constexpr std::uint32_t kFollowTimerId = 1026;
+inline constexpr std::uint32_t kFollowPauseMs = 10000;
+
+// Messages, shown with the program's caption and the stop icon.
+inline constexpr const char* kTrackTimerFailedOnSave =
+    "Create Track Timer failed: 0x08200a14\n\nPress OK to continue...";
+inline constexpr const char* kTrackTimerFailedOnInterval =
+    "Create Track Timer failed: 0x08200a13\n\nPress OK to continue...";
+// "%s" takes the link's last error code when the link starts.
+inline constexpr const char* kTrackTimerFailedOnStart =
+    "Create Track Timer failed:%s\n\nPress OK to continue...";
+inline constexpr const char* kFollowTimerFailed = "Create Track Move Timer failed!";
+inline constexpr const char* kOpenTrackLogFailed = "Open Track Log failed!";
+
+// What one sample knows: the fix as the receiver sent it and the position
+// already projected onto the two maps (the map code's projections).
+struct TrackSample {
+    TrackTime time;
+    bool fixValid = false;        // the link's fixValid
+    double longitude = 0;         // signed degrees
+    double latitude = 0;          // signed degrees
+    std::string_view speedKnots;  // the receiver's texts, written as they are
+    std::string_view course;
+    std::string_view altitude;
+    bool worldValid = false;       // the current position converted
+    float worldX = 0, worldY = 0;  // on the world map
+    bool mapValid = false;         // a calibrated map is shown and the position is on it
+    float mapX = 0, mapY = 0;      // image pixels of that map
+};
+
+// A sample's texts and degrees from the fix record (the record must outlive
+// the sample); the caller adds the projections.
+TrackSample SampleFromFix(const gps::GpsState& fix, bool fixValid, const TrackTime& time);
+
+struct MapXY {
+    double x = 0, y = 0;
+};
+// Signed degrees to the pixel space of a map.
+using GeoProjection = std::function<MapXY(double latitude, double longitude)>;
+
+struct TrackProjections {
+    GeoProjection world;  // always set
+    GeoProjection map;    // empty unless a calibrated map is loaded and shown
+};
+
+struct TrackState {
+    // Recording (the options record keeps the first two).
+    bool trackLogOn = false;
+    std::uint32_t trackIntervalMs = 10000;
+    std::string trackFolder;
+    std::string trackFilePath;  // empty when no log is being written
+    TrackWrite lastWrite = TrackWrite::Created;
+
+    // Viewing.
+    bool trackViewOn = false;
+    std::string viewedTrackPath;
+    std::string viewedTrackName;
+
+    // Following the position on the map is paused after a manual move.
+    bool followPaused = false;
+
+    mutable std::mutex trackLock;  // guards the four trails
+    TrackList liveWorldTrail;
+    TrackList liveMapTrail;
+    TrackList viewedWorldTrail;
+    TrackList viewedMapTrail;
+};
+
+// Starts a new log named after the sample's time and writes the sample to
+// it at once.
+void StartTrackLog(TrackState& state, const TrackSample& sample);
+
+// One sample: a line in the log when recording (the file is made even
+// without a fix, the line needs one), a point on each trail whose position
+// is known. A log that cannot be written is skipped silently; the trails go
+// on.
+void AppendTrackSample(TrackState& state, const TrackSample& sample);
+
+// The track timer's tick. Returns false when the link has stopped: the live
+// trails are cleared, recording is off, and the caller kills the timer.
+// The caller repaints when the map screen is shown.
+bool OnTrackTick(TrackState& state, bool linkRunning, const TrackSample& sample);
+
+// The save-track-log command. Returns true when the caller must (re)arm the
+// track timer with trackIntervalMs, showing kTrackTimerFailedOnSave if that
+// fails.
+bool OnSaveTrackLogCommand(TrackState& state, bool linkRunning, const TrackSample& sample);
+
+// The link has started: a log begins when recording is on. The caller then
+// arms the track timer.
+void OnLinkStarted(TrackState& state, const TrackSample& sample);
+
+enum class ViewResult {
+    Shown,
+    BeingWritten,  // the log being recorded cannot be viewed (string 40105)
+    OpenFailed,    // kOpenTrackLogFailed; the previous view stays
+};
+
+// Views the log at `path` ("name" as the file browser showed it): refuses
+// the log being written, reads it into the viewed trails, sets the view.
+ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::string& name,
+                        const TrackProjections& projections, const TrackProgress& progress = {});
+
+// Reads the viewed log again into both viewed trails (after the map's
+// geometry changed). False when it could not be opened.
+bool ReadViewedTrack(TrackState& state, const TrackProjections& projections,
+                     const TrackProgress& progress = {});
+
+// Rebuilds the live map trail from the log being written; silently false
+// when it cannot be read. The live world trail is not rebuilt.
+bool RebuildLiveMapTrail(TrackState& state, const TrackProjections& projections);
+
+// Closes the view: both viewed trails emptied, the path and name cleared.
+void CloseViewedTrack(TrackState& state);
+
+// Called when the user moves the map by hand while the link runs; the
+// caller (re)arms the follow timer and shows kFollowTimerFailed if that
+// fails (the pause stays on).
+void StartFollowPause(TrackState& state);
+// The follow timer's expiry (the caller kills the timer: it runs once), and
+// a change of map mode.
+void EndFollowPause(TrackState& state);
+
+}  // namespace satwalk::track

@@ -1,0 +1,179 @@
+// A Bluetooth receiver's port: the COM index it is given, and the link on a
+// socket pair standing in for the RFCOMM connection.
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "LinkTestSupport.h"
+#include "ReceiverSettingsModel.h"
+#include "RfcommPort.h"
+
+namespace satwalk::link::test {
+namespace {
+
+constexpr std::uint64_t kReceiver = 0x0011223344AA;
+
+RfcommPortDriver Driver(std::set<int> devices) {
+    RfcommPortDriver driver;
+    driver.tryBindTty = false;
+    driver.deviceBehind = [devices](int index) { return devices.count(index) != 0; };
+    return driver;
+}
+
+TEST(BluetoothPortTest, IndexesAreTakenFromNineDown) {
+    struct Case {
+        std::set<int> devices;  // indexes with a device behind them
+        int links;              // links registering one after the other
+        std::string lastPort;   // the last link's port, or its error
+    };
+    const Case cases[] = {
+        {{}, 1, "COM9:"},
+        {{9, 8}, 1, "COM7:"},
+        {{9}, 3, "COM6:"},
+        {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 1, "0x08200a10"},
+        {{1, 3, 5, 7, 9}, 6, "0x08200a10"},
+    };
+    for (const Case& c : cases) {
+        RfcommPortDriver driver = Driver(c.devices);
+        std::vector<std::unique_ptr<ReceiverLink>> links;
+        std::string last;
+        for (int i = 0; i < c.links; ++i) {
+            links.push_back(std::make_unique<ReceiverLink>());
+            ReceiverLink& link = *links.back();
+            link.portDriver = &driver;
+            last = RegisterBluetoothPort(link, kReceiver) == 1 ? link.portName : link.lastErrorCode;
+        }
+        EXPECT_EQ(last, c.lastPort) << c.links << " links";
+        for (auto& link : links) DeregisterVirtualPort(*link);
+        EXPECT_TRUE(RegisterBluetoothPort(*links.front(), kReceiver) == 1 || c.devices.size() == 10)
+            << "indexes come back at deregistration";
+        DeregisterVirtualPort(*links.front());
+    }
+}
+
+TEST(BluetoothPortTest, TheComboShowsFreeIndexesAndTheDeviceBehindEach) {
+    const std::string dir = MakeTempDir();
+    const std::string device = dir + "/ttyACM0";
+    std::ofstream(device) << "";
+    std::filesystem::create_directory(dir + "/by-id");
+    std::filesystem::create_symlink(device, dir + "/by-id/usb-GPS_Receiver-if00");
+
+    RfcommPortDriver driver;
+    driver.portMap = {{3, device}, {4, dir + "/ttyUSB9"}};
+    const std::vector<PortSlot> slots = ProbePortSlots(&driver, driver.portMap);
+    ASSERT_EQ(slots.size(), 10u);
+    EXPECT_FALSE(slots[3].free);
+    EXPECT_TRUE(slots[4].free);
+    EXPECT_EQ(slots[4].device, dir + "/ttyUSB9");
+    EXPECT_EQ(DescribePortDevice(device, dir + "/by-id"), device + " usb-GPS_Receiver-if00");
+    for (int n = 0; n < 10; ++n) EXPECT_FALSE(driver.Registered(n)) << "probing registers nothing";
+    std::filesystem::remove_all(dir);
+}
+
+// The link to a Bluetooth receiver whose RFCOMM connection is one end of a
+// socket pair; the test holds the receiver's end.
+class BluetoothLinkTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        driver.connect = [this](std::uint64_t address, int channel) {
+            connectedTo = address;
+            connectedChannel = channel;
+            if (refuse)
+                return -1;
+            int pair[2];
+            if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0)
+                return -1;
+            receiverEnd = pair[1];
+            return pair[0];
+        };
+        link.portDriver = &driver;
+        link.sink = &sink;
+    }
+    void TearDown() override {
+        StopLink(link);
+        DropConnection();
+    }
+    void Send(const std::string& bytes) {
+        ASSERT_EQ(::write(receiverEnd, bytes.data(), bytes.size()),
+                  static_cast<ssize_t>(bytes.size()));
+    }
+    void DropConnection() {
+        if (receiverEnd >= 0)
+            ::close(receiverEnd);
+        receiverEnd = -1;
+    }
+
+    RfcommPortDriver driver = Driver({});
+    ReceiverLink link;
+    RecordingSink sink{link};
+    int receiverEnd = -1;
+    bool refuse = false;
+    std::uint64_t connectedTo = 0;
+    int connectedChannel = 0;
+};
+
+TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
+    ASSERT_EQ(RegisterBluetoothPort(link, kReceiver), 1);
+    ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
+    EXPECT_EQ(connectedTo, kReceiver);
+    EXPECT_EQ(connectedChannel, 1);
+    ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
+
+    Send(Rmc("3112.0001"));
+    ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
+    LinkTimerProc(link);
+    ASSERT_TRUE(sink.WaitBatches(1));
+    EXPECT_EQ(sink.latitude(0), "3112.0001");
+
+    // Out of range: the connection drops, the next tick gives the link up.
+    DropConnection();
+    ASSERT_TRUE(WaitFor([&] { return link.deviceGone.load(); }));
+    LinkTimerProc(link);
+    EXPECT_EQ(sink.stopCommands, 1);
+    EXPECT_EQ(sink.stopResult, kLossDeviceGone);
+    EXPECT_FALSE(link.running);
+    EXPECT_FALSE(link.virtualPortRegistered);
+    EXPECT_FALSE(driver.Registered(9)) << "the index is free again";
+}
+
+TEST_F(BluetoothLinkTest, EveryEndGivesTheIndexBack) {
+    struct Case {
+        const char* what;
+        bool refuse;
+        bool start;
+        int openResult;
+    };
+    const Case cases[] = {
+        {"refused connection", true, false, 0},
+        {"stopped by the user", false, true, 1},
+    };
+    for (const Case& c : cases) {
+        refuse = c.refuse;
+        ASSERT_EQ(RegisterBluetoothPort(link, kReceiver), 1) << c.what;
+        EXPECT_TRUE(driver.Registered(9)) << c.what;
+        EXPECT_EQ(OpenPort(link), c.openResult) << c.what;
+        if (c.openResult == 0) {
+            EXPECT_EQ(link.lastErrorCode, "0x08200a06") << c.what;
+        }
+        if (c.start) {
+            ASSERT_EQ(StartLink(link), 1) << c.what;
+            EXPECT_EQ(StopLink(link), kLossNone) << c.what;
+        }
+        EXPECT_FALSE(driver.Registered(9)) << c.what;
+        DropConnection();
+    }
+}
+
+TEST(RfcommSocketTest, NoBluetoothInTheKernelFailsAtOnce) {
+    // Where the machine has Bluetooth this asks a receiver that is not there,
+    // which fails within the bound as well.
+    EXPECT_EQ(ConnectRfcommSocket(kReceiver, 1, 200), -1);
+}
+
+}  // namespace
+}  // namespace satwalk::link::test

@@ -1,0 +1,295 @@
+// The Bluetooth search against a fake BlueZ (python3-dbusmock's bluez5
+// template) on a private bus: adapters powered on and off, none at all, one
+// that goes away, devices cached, answering, nameless and vanishing.
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <cstdio>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include "BluezSearch.h"
+
+namespace satwalk::link {
+namespace {
+
+// A private bus with the fake BlueZ on it, for the life of the test.
+class FakeBluez {
+  public:
+    ~FakeBluez() {
+        if (mock_ > 0) {
+            ::kill(mock_, SIGTERM);
+            ::waitpid(mock_, nullptr, 0);
+        }
+        QDBusConnection::disconnectFromBus("fake-bluez-control");
+        if (daemon_ > 0)
+            ::kill(daemon_, SIGTERM);
+    }
+
+    // Empty when the fake can be had; else why not.
+    std::string Start() {
+        FILE* p = ::popen("dbus-daemon --session --fork --print-address=1 --print-pid=1", "r");
+        if (p == nullptr)
+            return "no dbus-daemon";
+        char line[512] = {};
+        char pid[32] = {};
+        const bool read = std::fgets(line, sizeof line, p) != nullptr &&
+                          std::fgets(pid, sizeof pid, p) != nullptr;
+        ::pclose(p);
+        if (!read)
+            return "dbus-daemon did not start";
+        address = QString::fromUtf8(line).trimmed();
+        daemon_ = std::atoi(pid);
+
+        mock_ = ::fork();
+        if (mock_ == 0) {
+            ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address.toUtf8().constData(), 1);
+            std::freopen("/dev/null", "w", stdout);
+            std::freopen("/dev/null", "w", stderr);
+            ::execl("/usr/bin/python3", "python3", "-m", "dbusmock", "--system", "--template",
+                    "bluez5", static_cast<char*>(nullptr));
+            ::_exit(127);
+        }
+        bus_.emplace(QDBusConnection::connectToBus(address, "fake-bluez-control"));
+        QElapsedTimer t;
+        t.start();
+        while (t.elapsed() < 15000) {
+            if (bus_->interface()->isServiceRegistered("org.bluez"))
+                return {};
+            int status = 0;
+            if (::waitpid(mock_, &status, WNOHANG) == mock_) {
+                mock_ = -1;
+                return "python3-dbusmock is not installed";
+            }
+            QThread::msleep(50);
+        }
+        return "the fake BlueZ did not appear";
+    }
+
+    QDBusConnection& bus() { return *bus_; }
+
+    bool Call(const QString& path, const QString& interface, const QString& method,
+              const QVariantList& args) {
+        QDBusMessage m = QDBusMessage::createMethodCall("org.bluez", path, interface, method);
+        m.setArguments(args);
+        return bus_->call(m, QDBus::Block, 5000).type() == QDBusMessage::ReplyMessage;
+    }
+    void AddAdapter() { Call("/", "org.bluez.Mock", "AddAdapter", {"hci0", "laptop"}); }
+    void RemoveAdapter() { Call("/", "org.bluez.Mock", "RemoveAdapterWithDevices", {"hci0"}); }
+    void AddDevice(const QString& device, const QString& name) {
+        Call("/", "org.bluez.Mock", "AddDevice", {"hci0", device, name});
+    }
+    void RemoveDevice(const QString& device) {
+        const QString path = "/org/bluez/hci0/dev_" + QString(device).replace(':', '_');
+        Call("/org/bluez/hci0", "org.bluez.Adapter1", "RemoveDevice",
+             {QVariant::fromValue(QDBusObjectPath(path))});
+    }
+    std::optional<bool> Property(const QString& name) {
+        QDBusMessage m = QDBusMessage::createMethodCall("org.bluez", "/org/bluez/hci0",
+                                                        "org.freedesktop.DBus.Properties", "Get");
+        m.setArguments({"org.bluez.Adapter1", name});
+        const QDBusMessage r = bus_->call(m, QDBus::Block, 5000);
+        if (r.type() != QDBusMessage::ReplyMessage)
+            return std::nullopt;
+        return r.arguments().at(0).value<QDBusVariant>().variant().toBool();
+    }
+    void SetPowered(bool on) {
+        Call("/org/bluez/hci0", "org.freedesktop.DBus.Properties", "Set",
+             {"org.bluez.Adapter1", "Powered", QVariant::fromValue(QDBusVariant(on))});
+    }
+
+    QString address;
+
+  private:
+    pid_t daemon_ = -1;
+    pid_t mock_ = -1;
+    std::optional<QDBusConnection> bus_;
+};
+
+bool WaitUntil(const std::function<bool()>& done, int limitMs = 10000) {
+    QElapsedTimer t;
+    t.start();
+    while (!done()) {
+        if (t.elapsed() > limitMs)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+QString Address(int i) {
+    return QString("00:11:22:33:44:%1").arg(i, 2, 16, QChar('0')).toUpper();
+}
+
+struct Device {
+    QString address;
+    QString name;
+};
+
+std::vector<Device> Numbered(int count) {
+    std::vector<Device> d;
+    for (int i = 0; i < count; ++i) d.push_back({Address(i), QString("GPS %1").arg(i)});
+    return d;
+}
+
+class BluezSearchTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        const std::string why = bluez.Start();
+        if (!why.empty())
+            GTEST_SKIP() << "no fake BlueZ: " << why;
+        search.busAddress = bluez.address;
+        search.inquiryMs = 700;
+        search.onFinished = [this](const SearchOutcome& o) { outcome = o; };
+        search.onRadioSwitchedOn = [this] { radioReported = true; };
+    }
+
+    FakeBluez bluez;
+    BluetoothSearch search;
+    std::optional<SearchOutcome> outcome;
+    bool radioReported = false;
+};
+
+TEST_F(BluezSearchTest, SearchResultsFollowTheInquiryRules) {
+    struct Case {
+        const char* what;
+        bool adapter = true;
+        bool powered = true;
+        bool autoBluetooth = false;
+        std::vector<Device> cached = {};     // known to BlueZ before the search
+        std::vector<Device> answering = {};  // appearing while it runs
+        std::vector<QString> vanishing = {};
+        bool adapterGoes = false;
+        int result = kInquiryOk;
+        const char* code = "";
+        std::vector<std::string> names = {};
+        std::uint64_t firstAddress = 0;
+        bool radioSwitchedOn = false;
+    };
+    const std::vector<std::string> sixteen = [] {
+        std::vector<std::string> n;
+        for (int i = 0; i < 16; ++i) n.push_back("GPS " + std::to_string(i));
+        return n;
+    }();
+    const Case cases[] = {
+        {.what = "no adapter", .adapter = false, .result = kInquiryFailed, .code = "0x08200a01"},
+        {.what = "radio off",
+         .powered = false,
+         .answering = Numbered(1),
+         .result = kInquiryRadioOff},
+        {.what = "radio switched on",
+         .powered = false,
+         .autoBluetooth = true,
+         .answering = Numbered(1),
+         .names = {"GPS 0"},
+         .radioSwitchedOn = true},
+        {.what = "nobody answers"},
+        {.what = "one receiver",
+         .answering = {{"00:0A:3A:1B:2C:3D", "接收机 GPS"}},
+         .names = {"接收机 GPS"},
+         .firstAddress = 0x000A3A1B2C3D},
+        {.what = "cached first",
+         .cached = {{Address(0x20), "Old GPS"}},
+         .answering = Numbered(1),
+         .names = {"Old GPS", "GPS 0"}},
+        {.what = "sixteen", .answering = Numbered(16), .result = kInquiryFailed, .names = sixteen},
+        {.what = "seventeen",
+         .answering = Numbered(17),
+         .result = kInquiryFailed,
+         .names = sixteen},
+        {.what = "a nameless device", .answering = {{Address(1), "GPS"}, {Address(2), ""}}},
+        {.what = "a device that vanishes",
+         .answering = Numbered(3),
+         .vanishing = {Address(1)},
+         .names = {"GPS 0", "GPS 2"}},
+        {.what = "the adapter goes",
+         .answering = Numbered(2),
+         .adapterGoes = true,
+         .result = kInquiryFailed,
+         .code = "0x08200a03"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        bluez.RemoveAdapter();
+        if (c.adapter) {
+            bluez.AddAdapter();
+            bluez.SetPowered(c.powered);
+        }
+        for (const Device& d : c.cached) bluez.AddDevice(d.address, d.name);
+        outcome.reset();
+        radioReported = false;
+        ASSERT_TRUE(search.Start(c.autoBluetooth));
+        if (!c.answering.empty() && (c.powered || c.autoBluetooth)) {
+            ASSERT_TRUE(WaitUntil([&] { return bluez.Property("Discovering") == true; }));
+        }
+        for (const Device& d : c.answering) bluez.AddDevice(d.address, d.name);
+        for (const QString& a : c.vanishing) bluez.RemoveDevice(a);
+        if (c.adapterGoes)
+            bluez.RemoveAdapter();
+        ASSERT_TRUE(WaitUntil([&] { return outcome.has_value(); }));
+
+        EXPECT_EQ(outcome->inquiry.result, c.result);
+        EXPECT_EQ(outcome->inquiry.errorCode, c.code);
+        std::vector<std::string> names;
+        for (const BluetoothDevice& d : outcome->inquiry.devices) names.push_back(d.name);
+        EXPECT_EQ(names, c.names);
+        if (c.firstAddress != 0) {
+            EXPECT_EQ(outcome->inquiry.devices.at(0).address, c.firstAddress);
+        }
+        EXPECT_EQ(outcome->radioSwitchedOn, c.radioSwitchedOn);
+        EXPECT_EQ(radioReported, c.radioSwitchedOn);
+        if (c.adapter && !c.adapterGoes) {
+            EXPECT_EQ(bluez.Property("Discovering"), false) << "discovery is stopped";
+        }
+    }
+}
+
+TEST_F(BluezSearchTest, CancelledSearchReportsNothingButItsRadio) {
+    bluez.AddAdapter();
+    bluez.SetPowered(false);
+    search.inquiryMs = 60000;
+    ASSERT_TRUE(search.Start(true));
+    ASSERT_TRUE(WaitUntil([&] { return bluez.Property("Discovering") == true; }));
+    EXPECT_FALSE(search.Start(true)) << "one search at a time";
+    search.Cancel();
+    ASSERT_TRUE(WaitUntil([&] { return !search.Running(); }, 3000)) << "the worker ends soon";
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(outcome.has_value());
+    EXPECT_TRUE(radioReported);
+
+    // At exit the radio goes off again, once.
+    BluezRadio radio(bluez.bus());
+    bool switchedOn = true;
+    SwitchRadioBackOff(radio, switchedOn);
+    EXPECT_EQ(bluez.Property("Powered"), false);
+    EXPECT_EQ(radio.ReadRadioMode(), 0);
+}
+
+TEST_F(BluezSearchTest, WithoutBluezTheRadioIsUnknown) {
+    QDBusConnection none = QDBusConnection::connectToBus(QString("unix:path=/nonexistent"), "none");
+    BluezRadio radio(none, 200);
+    EXPECT_EQ(radio.ReadRadioMode(), -1);
+    EXPECT_FALSE(radio.SetRadioMode(1));
+    EXPECT_EQ(BluezInquiry(none, 16, 100).errorCode, kErrInquiryBegin);
+    QDBusConnection::disconnectFromBus("none");
+}
+
+}  // namespace
+}  // namespace satwalk::link
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

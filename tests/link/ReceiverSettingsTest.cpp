@@ -1,0 +1,297 @@
+// The receiver settings dialog's rules and the search's result handling,
+// with the radio and the inquiry faked.
+#include <gtest/gtest.h>
+
+#include "BluetoothSearch.h"
+#include "ReceiverSettingsModel.h"
+
+namespace satwalk::link {
+namespace {
+
+InquiryAnswer Answer(std::string name, std::string address, bool hasName = true) {
+    return {hasName, std::move(name), std::move(address)};
+}
+
+std::string Address(int i) {
+    char text[18];
+    std::snprintf(text, sizeof text, "00:11:22:33:44:%02X", i);
+    return text;
+}
+
+std::string Repeat(const std::string& piece, int times) {
+    std::string s;
+    for (int i = 0; i < times; ++i) s += piece;
+    return s;
+}
+
+std::vector<InquiryAnswer> Named(int count) {
+    std::vector<InquiryAnswer> a;
+    for (int i = 0; i < count; ++i) a.push_back(Answer("GPS " + std::to_string(i), Address(i)));
+    return a;
+}
+
+TEST(BluetoothInquiryTest, AnswersBecomeRowsByTheInquiryRules) {
+    std::vector<InquiryAnswer> nameless = Named(3);
+    nameless[1].hasName = false;
+    std::vector<InquiryAnswer> emptyName = Named(3);
+    emptyName[2].name = "";
+    std::vector<InquiryAnswer> badAddress = Named(3);
+    badAddress[1].address = "00:11:22:33:44";
+    std::vector<InquiryAnswer> repeated = Named(2);
+    repeated.push_back(repeated[0]);
+    struct Case {
+        const char* what;
+        std::vector<InquiryAnswer> answers;
+        int result;
+        const char* code;
+        std::size_t rows;
+    };
+    const Case cases[] = {
+        {"none", {}, kInquiryOk, "", 0},
+        {"one", Named(1), kInquiryOk, "", 1},
+        {"fifteen", Named(15), kInquiryOk, "", 15},
+        {"sixteen reach the maximum", Named(16), kInquiryFailed, "", 16},
+        {"seventeen stop at the maximum", Named(17), kInquiryFailed, "", 16},
+        {"a nameless answer ends with nothing", nameless, kInquiryOk, "", 0},
+        {"an empty name ends with nothing", emptyName, kInquiryOk, "", 0},
+        {"an answer without an address", badAddress, kInquiryFailed, "0x08200a04", 0},
+        {"a repeated address counts once", repeated, kInquiryOk, "", 2},
+    };
+    for (const Case& c : cases) {
+        const InquiryResult r = FinishInquiry(c.answers, kMaxDevices);
+        EXPECT_EQ(r.result, c.result) << c.what;
+        EXPECT_EQ(r.errorCode, c.code) << c.what;
+        EXPECT_EQ(r.devices.size(), c.rows) << c.what;
+    }
+}
+
+TEST(BluetoothInquiryTest, NamesAreCleanedAndCutToTheRow) {
+    const std::string cjk = "接";                  // 3 bytes, 1 unit
+    const std::string emoji = "\xF0\x9F\x9B\xB0";  // 4 bytes, 2 units
+    struct Case {
+        std::string raw;
+        std::string clean;
+    };
+    const Case cases[] = {
+        {"Holux GR-231", "Holux GR-231"},
+        {"bad\xFF\xFEname", "bad\xEF\xBF\xBD\xEF\xBF\xBDname"},
+        {"cut\xE6\x8E", "cut\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {"overlong\xC0\xAF", "overlong\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {std::string(248, 'n'), std::string(248, 'n')},
+        {std::string(300, 'n'), std::string(255, 'n')},
+        {Repeat(cjk, 300), Repeat(cjk, 255)},  // counted in UTF-16 units, not bytes
+        {std::string(254, 'n') + emoji, std::string(254, 'n')},
+        {std::string("a\0b", 3), "a"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(CleanDeviceName(c.raw), c.clean) << c.raw.substr(0, 20);
+}
+
+// ---- the dialog ----
+
+const BluetoothDevice kChosen{"Chosen GPS", 0x00AABBCCDDEE};
+const BluetoothDevice kOther{"Other GPS", 0x001122334455};
+
+std::vector<PortSlot> Slots() {
+    std::vector<PortSlot> s(10);
+    s[5].device = "/dev/ttyACM0";
+    s[9] = {true, ""};
+    s[8] = {true, "/dev/ttyACM3"};
+    return s;
+}
+
+ReceiverSettings Settings(bool bluetooth) {
+    ReceiverSettings s;
+    s.bluetoothReceiver = bluetooth;
+    s.comPort = 5;
+    s.baudIndex = 1;
+    s.chosen = kChosen;
+    s.table = {kOther, kChosen};
+    return s;
+}
+
+TEST(ReceiverSettingsDialogTest, OpensInTheModeOfTheSettings) {
+    for (const bool bluetooth : {true, false}) {
+        const ReceiverSettings s = Settings(bluetooth);
+        const ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+        SCOPED_TRACE(bluetooth);
+        EXPECT_EQ(d.autoSearch, bluetooth);
+        EXPECT_EQ(d.deviceLabelEnabled, bluetooth);
+        EXPECT_EQ(d.search.enabled, bluetooth);
+        EXPECT_EQ(d.bauds.selection, 1);
+        EXPECT_EQ(d.bauds.entries.back(), "57600");
+        EXPECT_EQ(d.ports.entries[5], "COM5  /dev/ttyACM0");
+        EXPECT_EQ(d.ports.entries[8], "COM8 (可用)  /dev/ttyACM3");
+        EXPECT_EQ(d.ports.entries[9], "COM9 (可用)");
+        EXPECT_EQ(d.ports.entries[0], "COM0");
+        if (bluetooth) {
+            EXPECT_EQ(d.ports.entries.size(), 11u);
+            EXPECT_EQ(d.ports.entries[10], "自动");
+            EXPECT_EQ(d.ports.selection, 10);
+            EXPECT_EQ(d.devices.entries, (std::vector<std::string>{"Other GPS", "Chosen GPS"}));
+            EXPECT_EQ(d.devices.selection, 1);
+        } else {
+            EXPECT_EQ(d.ports.entries.size(), 10u);
+            EXPECT_EQ(d.ports.selection, 5);
+            EXPECT_EQ(d.devices.entries.back(), "系统设置");
+            EXPECT_EQ(d.devices.selection, 2);
+        }
+    }
+}
+
+TEST(ReceiverSettingsDialogTest, TogglingTheModeSwapsTheExtraEntries) {
+    ReceiverSettings s = Settings(false);
+    s.chosen = BluetoothDevice{"gone", 1};  // not in the table: row 0
+    ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+    SelectPort(d, 7);
+    ToggleAutoSearch(d, s);  // to Bluetooth
+    EXPECT_TRUE(d.autoSearch);
+    EXPECT_TRUE(d.search.enabled);
+    EXPECT_EQ(d.ports.entries.back(), "自动");
+    EXPECT_EQ(d.ports.selection, 10);
+    EXPECT_EQ(d.devices.entries.size(), 2u);
+    EXPECT_EQ(d.devices.selection, 0);
+    SelectPort(d, 10);       // "自动" is not a port to remember
+    ToggleAutoSearch(d, s);  // back to manual
+    EXPECT_FALSE(d.search.enabled);
+    EXPECT_FALSE(d.deviceLabelEnabled);
+    EXPECT_EQ(d.ports.entries.size(), 10u);
+    EXPECT_EQ(d.ports.selection, 7);
+    EXPECT_EQ(d.devices.entries.back(), "系统设置");
+}
+
+TEST(ReceiverSettingsDialogTest, OkAndCancel) {
+    struct Case {
+        const char* what;
+        bool bluetooth;
+        std::vector<BluetoothDevice> table;
+        int deviceRow;
+        BluetoothDevice chosen;
+        std::string portName;
+    };
+    const Case cases[] = {
+        {"bluetooth, a row chosen", true, {kOther, kChosen}, 0, kOther, ""},
+        {"bluetooth, no devices clears the choice", true, {}, -1, BluetoothDevice{}, ""},
+        {"manual keeps the device, names the port", false, {kOther}, 0, kChosen, "COM7:"},
+    };
+    for (const Case& c : cases) {
+        ReceiverSettings s = Settings(c.bluetooth);
+        s.table = c.table;
+        ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+        SelectPort(d, 7);
+        d.bauds.selection = 4;
+        if (c.deviceRow >= 0)
+            d.devices.selection = c.deviceRow;
+        AcceptReceiverSettings(d, s);
+        EXPECT_TRUE(d.ended && d.endResult == 1) << c.what;
+        EXPECT_EQ(s.chosen, c.chosen) << c.what;
+        EXPECT_EQ(s.comPort, 7u) << c.what;
+        EXPECT_EQ(s.baudIndex, 4u) << c.what;
+        EXPECT_EQ(s.linkBaud, 38400u) << c.what;
+        EXPECT_EQ(s.linkPortName, c.portName) << c.what;
+    }
+
+    ReceiverSettings s = Settings(true);
+    ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+    SelectPort(d, 2);
+    CancelReceiverSettings(d, s);
+    EXPECT_EQ(s.table, std::vector<BluetoothDevice>{kChosen});
+    EXPECT_EQ(s.comPort, 5u);
+    EXPECT_EQ(d.endResult, 0);
+}
+
+TEST(ReceiverSettingsDialogTest, SearchButtonBecomesRetryAndFailsToStartWithItsCode) {
+    ReceiverSettings s = Settings(true);
+    ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+    std::vector<DialogMessage> messages;
+    ASSERT_TRUE(BeginSearch(d, true, messages));
+    EXPECT_EQ(d.search.id, kCmdRetry);
+    EXPECT_EQ(d.search.text, "重试");
+    EXPECT_FALSE(d.search.enabled);
+    EXPECT_FALSE(BeginSearch(d, true, messages)) << "a second search while one runs";
+    bool radio = false;
+    SearchStarted(d, s);
+    ApplySearchOutcome(d, s, SearchOutcome{}, radio);
+    EXPECT_TRUE(d.search.enabled);
+
+    EXPECT_FALSE(BeginSearch(d, false, messages));
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].text,
+              "Search Bluetooth GPS Receiver failed:0x08200a26\n\nPlease try again!");
+    EXPECT_TRUE(d.ended);
+
+    ReceiverSettingsDialog first = OpenReceiverSettings(s, Slots());
+    messages.clear();
+    BeginSearch(first, false, messages);
+    EXPECT_NE(messages.at(0).text.find("0x08200a25"), std::string::npos);
+}
+
+TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
+    const std::vector<BluetoothDevice> found = {{"A", 1}, {"B", 2}};
+    std::vector<BluetoothDevice> sixteen;
+    for (int i = 0; i < 16; ++i) sixteen.push_back({"D" + std::to_string(i), 100u + i});
+    std::vector<BluetoothDevice> sixteenKept = sixteen;
+    sixteenKept[0] = kOther;  // the first row as it was
+
+    struct Case {
+        const char* what;
+        SearchOutcome outcome;
+        std::vector<std::string> texts;
+        std::vector<BluetoothDevice> table;
+        std::vector<std::string> combo;
+    };
+    const std::vector<std::string> oldCombo = {"Other GPS", "Chosen GPS"};
+    const Case cases[] = {
+        {"found two", {false, false, {kInquiryOk, "", found}}, {}, found, {"A", "B"}},
+        {"found none", {false, false, {kInquiryOk, "", {}}}, {kTextNoReceiver}, {}, {}},
+        {"radio off", {false, false, {kInquiryRadioOff, "", {}}}, {kTextRadioOff}, {}, oldCombo},
+        {"radio switch failed, then off",
+         {true, false, {kInquiryRadioOff, "", {}}},
+         {kTextRadioSwitchFailed, kTextRadioOff},
+         {},
+         oldCombo},
+        {"failed to begin",
+         {false, false, {kInquiryFailed, "0x08200a01", {}}},
+         {"搜索蓝牙GPS接收机失败: 0x08200a01\n\n请重新再次搜索！"},
+         {},
+         oldCombo},
+        {"the maximum reached",
+         {false, false, {kInquiryFailed, "", sixteen}},
+         {"搜索蓝牙GPS接收机失败: \n\n请重新再次搜索！"},
+         sixteenKept,
+         oldCombo},
+    };
+    for (const Case& c : cases) {
+        ReceiverSettings s = Settings(true);
+        ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+        std::vector<DialogMessage> none;
+        ASSERT_TRUE(BeginSearch(d, true, none));
+        SearchStarted(d, s);
+        EXPECT_FALSE(d.autoSearchEnabled);
+        EXPECT_EQ(s.table[0], BluetoothDevice{}) << "row 0 is cleared while searching";
+        bool radio = false;
+        const std::vector<DialogMessage> shown = ApplySearchOutcome(d, s, c.outcome, radio);
+        std::vector<std::string> texts;
+        for (const DialogMessage& m : shown) texts.push_back(m.text);
+        EXPECT_EQ(texts, c.texts) << c.what;
+        EXPECT_EQ(s.table, c.table) << c.what;
+        EXPECT_EQ(d.devices.entries, c.combo) << c.what;
+        EXPECT_TRUE(d.autoSearchEnabled && d.search.enabled && !d.waitCursor) << c.what;
+    }
+}
+
+TEST(ReceiverSettingsDialogTest, ASearchThatOutlivesItsDialogChangesNothing) {
+    ReceiverSettings s = Settings(true);
+    ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
+    std::vector<DialogMessage> none;
+    BeginSearch(d, true, none);
+    SearchStarted(d, s);
+    CancelReceiverSettings(d, s);
+    bool radio = false;
+    SearchOutcome late{false, true, {kInquiryOk, "", {{"Late", 9}}}};
+    EXPECT_TRUE(ApplySearchOutcome(d, s, late, radio).empty());
+    EXPECT_EQ(s.table, std::vector<BluetoothDevice>{kChosen});
+    EXPECT_TRUE(radio) << "the radio was still switched on and must go off at exit";
+}
+
+}  // namespace
+}  // namespace satwalk::link

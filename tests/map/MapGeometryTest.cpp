@@ -1,0 +1,293 @@
+// Calibration, conversions and the world projection, checked against worked
+// examples whose numbers come from the map and not from the code.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <initializer_list>
+
+#include "MapGeometry.h"
+
+namespace satwalk::map {
+namespace {
+
+struct Ref {
+    int slot;  // 1..5
+    double x, y, lat, lon;
+};
+
+ReferencePoints Slots(std::initializer_list<Ref> refs) {
+    ReferencePoints s{};
+    for (const Ref& r : refs) s[r.slot - 1] = GeoPoint{1, r.lat, r.lon, 0, 0, r.x, r.y};
+    return s;
+}
+
+GeoPoint AtPixel(double x, double y) {
+    GeoPoint p;
+    p.imageX = x;
+    p.imageY = y;
+    return p;
+}
+
+// Two points a degree apart each way, 200 rows and 100 columns apart.
+const ReferencePoints kTwo = Slots({{1, 0, 0, 30, 110}, {2, 100, 200, 29, 111}});
+
+TEST(Calibration, TwoPointsGiveScalesAndConvertBothWays) {
+    const MapCalibration c = ComputeCalibration(kTwo);
+    ASSERT_TRUE(c.IsValid());
+    EXPECT_EQ(c.activeCount, 2);
+    EXPECT_DOUBLE_EQ(c.latPerPixel[0], 0.005);
+    EXPECT_DOUBLE_EQ(c.lonPerPixel[0], 0.01);
+
+    GeoPoint p = AtPixel(50, 100);
+    ImageToGeo(c, p);
+    EXPECT_DOUBLE_EQ(p.latitude, 29.5);
+    EXPECT_DOUBLE_EQ(p.longitude, 110.5);
+
+    GeoPoint q;
+    const PointF px = GeoToImage(c, q, 29.5, 110.5);
+    EXPECT_DOUBLE_EQ(px.x, 50);
+    EXPECT_DOUBLE_EQ(px.y, 100);
+    EXPECT_EQ(q.imageX, px.x);
+    EXPECT_EQ(q.imageY, px.y);
+}
+
+TEST(Calibration, PairScalesLandAtTheirPairIndex) {
+    // Slot k sits at (10k, 10k) with 0.1° per pixel both ways, so every
+    // active pair gives 0.1 and the others stay 0.
+    struct Case {
+        std::initializer_list<int> active;
+        std::initializer_list<int> pairIndexes;
+    };
+    const Case cases[] = {
+        {{1, 2}, {1}},
+        {{1, 3, 5}, {2, 4, 9}},
+        {{2, 4}, {6}},
+        {{4, 5}, {10}},
+        {{1, 2, 3, 4, 5}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+    };
+    for (const Case& tc : cases) {
+        ReferencePoints s{};
+        for (int slot : tc.active)
+            s[slot - 1] = GeoPoint{1, -slot * 1.0, slot * 1.0, 0, 0, slot * 10.0, slot * 10.0};
+        const MapCalibration c = ComputeCalibration(s);
+        ASSERT_TRUE(c.IsValid());
+        for (int k = 1; k <= kPairCount; ++k) {
+            bool expected = false;
+            for (int i : tc.pairIndexes) expected |= i == k;
+            EXPECT_NEAR(c.latPerPixel[k], expected ? 0.1 : 0.0, 1e-12) << "pair " << k;
+            EXPECT_NEAR(c.lonPerPixel[k], expected ? 0.1 : 0.0, 1e-12) << "pair " << k;
+        }
+        EXPECT_NEAR(c.latPerPixel[0], 0.1, 1e-12);
+    }
+}
+
+TEST(Calibration, ThreePointsBlendByRunningHalving) {
+    // Pair scales 0.01, 0.02 and 0.03 per pixel: the three estimates of
+    // pixel (100, 100) are -1, -2 and -1 degrees of latitude (and 1, 2, 1
+    // of longitude). Halving gives ((-1 - 2) / 2 - 1) / 2, not their mean.
+    const ReferencePoints s = Slots({{1, 0, 0, 0, 0}, {2, 100, 100, -1, 1}, {3, 200, 200, -4, 4}});
+    const MapCalibration c = ComputeCalibration(s);
+    ASSERT_TRUE(c.IsValid());
+    EXPECT_DOUBLE_EQ(c.latPerPixel[0], 0.02);
+    GeoPoint p = AtPixel(100, 100);
+    ImageToGeo(c, p);
+    EXPECT_DOUBLE_EQ(p.latitude, -1.25);
+    EXPECT_DOUBLE_EQ(p.longitude, 1.25);
+
+    ImageSize image{200, 200};
+    MapExtent e;
+    ComputeMapExtent(c, image, e);
+    // Top-left from the three pairs: 0, 0 and -1 + 100 * 0.03 = 2.
+    EXPECT_DOUBLE_EQ(e.topLeft.latitude, 1.0);
+    EXPECT_DOUBLE_EQ(e.topLeft.longitude, -1.0);
+    EXPECT_DOUBLE_EQ(e.centre.latitude, -1.25);
+}
+
+TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
+    struct Case {
+        const char* what;
+        ReferencePoints slots;
+        bool calibrated;
+    };
+    const Case cases[] = {
+        {"no active slot", ReferencePoints{}, false},
+        {"one active slot", Slots({{3, 5, 5, 10, 10}}), false},
+        {"same row, columns apart", Slots({{1, 0, 50, 30, 110}, {2, 100, 50, 29, 111}}), false},
+        {"same column, rows apart", Slots({{1, 50, 0, 30, 110}, {2, 50, 100, 29, 111}}), false},
+        {"rows 10.5 and 10.9 round alike", Slots({{1, 0, 10.5, 30, 110}, {2, 100, 10.9, 29, 111}}),
+         false},
+        {"rows -0.6 and 0.4 both cut to 0", Slots({{1, 0, -0.6, 30, 110}, {2, 100, 0.4, 29, 111}}),
+         false},
+        {"rows 10.4 and 10.6 round apart", Slots({{1, 0, 10.4, 30, 110}, {2, 100, 10.6, 29, 111}}),
+         true},
+        {"three points on one row", Slots({{1, 0, 7, 1, 1}, {2, 9, 7, 2, 2}, {5, 20, 7.2, 3, 3}}),
+         false},
+        {"a third point breaks the tie",
+         Slots({{1, 0, 7, 1, 1}, {2, 9, 7, 2, 2}, {5, 20, 30, 3, 3}}), true},
+    };
+    for (const Case& tc : cases) {
+        const MapCalibration c = ComputeCalibration(tc.slots);
+        EXPECT_EQ(c.IsValid(), tc.calibrated) << tc.what;
+        if (!tc.calibrated) {
+            EXPECT_EQ(c.latPerPixel[0], 0.0) << tc.what;
+            EXPECT_EQ(c.lonPerPixel[0], 0.0) << tc.what;
+        }
+    }
+}
+
+TEST(Calibration, MapAcrossTheDateLine) {
+    // Column 10 at 179.5°E, column 110 at 179.5°W: one degree in 100 pixels
+    // the short way round.
+    const ReferencePoints s = Slots({{1, 10, 0, 10, 179.5}, {2, 110, 100, 9, -179.5}});
+    const MapCalibration c = ComputeCalibration(s);
+    ASSERT_TRUE(c.IsValid());
+    EXPECT_DOUBLE_EQ(c.lonPerPixel[0], 0.01);
+
+    struct Case {
+        double x;
+        double longitude;
+    };
+    const Case cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
+    for (const Case& tc : cases) {
+        GeoPoint p = AtPixel(tc.x, 0);
+        ImageToGeo(c, p);
+        EXPECT_NEAR(p.longitude, tc.longitude, 1e-9) << tc.x;
+    }
+
+    MapExtent e;
+    ComputeMapExtent(c, {200, 100}, e);
+    EXPECT_NEAR(e.topLeft.longitude, 179.4, 1e-9);
+    EXPECT_NEAR(e.bottomRight.longitude, -178.6, 1e-9);
+    EXPECT_NEAR(e.centre.longitude, 179.5 + 0.9 - 360, 1e-9);
+    EXPECT_NEAR(e.bottomRight.latitude, 9.0, 1e-9);
+
+    // The reverse takes the longitude as given: the western side comes out
+    // 360° worth of pixels away.
+    GeoPoint q;
+    EXPECT_NEAR(GeoToImage(c, q, 10, -179.5).x, 10 - 35900.0, 1e-6);
+}
+
+TEST(Calibration, EqualLongitudesAtDifferentColumnsCountAsAroundTheWorld) {
+    const MapCalibration c = ComputeCalibration(Slots({{1, 0, 0, 1, 20}, {2, 360, 10, 0, 20}}));
+    ASSERT_TRUE(c.IsValid());
+    EXPECT_DOUBLE_EQ(c.lonPerPixel[1], 1.0);
+}
+
+TEST(Conversions, WithoutActivePairsEverythingIsZero) {
+    const MapCalibration none = ComputeCalibration(ReferencePoints{});
+    GeoPoint p = AtPixel(123, 456);
+    p.latitude = 5;
+    p.longitude = 6;
+    ImageToGeo(none, p);
+    EXPECT_EQ(p.latitude, 0.0);
+    EXPECT_EQ(p.longitude, 0.0);
+    GeoPoint q;
+    EXPECT_EQ(GeoToImage(none, q, 45, 45), (PointF{0, 0}));
+}
+
+TEST(Conversions, PairWithoutLatitudeScaleMakesTheRowNonFinite) {
+    const MapCalibration c =
+        ComputeCalibration(Slots({{1, 0, 50, 30, 110}, {2, 100, 50, 29, 111}}));
+    GeoPoint q;
+    const PointF px = GeoToImage(c, q, 29.5, 110.5);
+    EXPECT_DOUBLE_EQ(px.x, 50);
+    EXPECT_FALSE(std::isfinite(px.y));
+}
+
+TEST(Conversions, ExtentKeepsTheRecordsOtherFields) {
+    const MapCalibration c = ComputeCalibration(kTwo);
+    MapExtent e;
+    e.centre = GeoPoint{1, 0, 0, 120, 134, 0, 0};
+    ComputeMapExtent(c, {100, 200}, e);
+    EXPECT_EQ(e.centre.valid, 1);
+    EXPECT_EQ(e.centre.screenX, 120);
+    EXPECT_DOUBLE_EQ(e.topLeft.latitude, 30);
+    EXPECT_DOUBLE_EQ(e.topLeft.longitude, 110);
+    EXPECT_DOUBLE_EQ(e.bottomRight.latitude, 29);
+    EXPECT_DOUBLE_EQ(e.bottomRight.longitude, 111);
+    EXPECT_DOUBLE_EQ(e.centre.latitude, 29.5);
+    EXPECT_DOUBLE_EQ(e.centre.longitude, 110.5);
+    // 1° of longitude over 240 displayed pixels, a 60-pixel bar: a quarter
+    // of the 99.58 km a degree has at 29.5°N.
+    EXPECT_NEAR(ScaleBarDistance(e, 240, 60), 24.894386, 1e-6);
+}
+
+TEST(Conversions, DisplayAndImageRescale) {
+    // A 1000 x 500 image shown 250 x 125 at (10, 20), scrolled by (100, 50).
+    const ImageSize image{1000, 500};
+    const PointF span{250, 125}, display{10, 20}, origin{100, 50};
+    struct Case {
+        PointF screen, image;
+    };
+    const Case cases[] = {
+        {{10, 20}, {100, 50}},
+        {{260, 145}, {1100, 550}},
+        {{35, 30}, {200, 90}},
+        {{0, 0}, {60, -30}},
+    };
+    for (const Case& tc : cases) {
+        const PointF i = DisplayToImage(span, display, origin, tc.screen, image);
+        EXPECT_DOUBLE_EQ(i.x, tc.image.x);
+        EXPECT_DOUBLE_EQ(i.y, tc.image.y);
+        const PointF back = ImageToDisplay(span, display, origin, i, image);
+        EXPECT_DOUBLE_EQ(back.x, tc.screen.x);
+        EXPECT_DOUBLE_EQ(back.y, tc.screen.y);
+    }
+}
+
+TEST(Projection, StretchTableUsesTheProgramsOwnLengths) {
+    const LatitudeStretchTable& t = StretchTable();
+    EXPECT_EQ(t[0], 1.0);
+    // At 60°: 114.319 / (114.413 / 2 + 0.094).
+    EXPECT_NEAR(t[60], 1.9950785, 1e-6);
+    EXPECT_NEAR(t[80], 5.7404, 1e-3);
+}
+
+TEST(Projection, NorthingCountsItsBandTwice) {
+    // Factor with a 100-pixel bar for 2 km: 50 pixels per km, 111 km a band.
+    const double band = 100.0 / 2.0 * 111.0;
+    const LatitudeStretchTable& t = StretchTable();
+    struct Case {
+        double latitude;
+        double bands;
+    };
+    const Case cases[] = {
+        {0.0, 1.0},
+        {0.5, 1.5},
+        {-0.5, -1.5},
+        {1.0, 1.0 + t[1] + t[1] * 0.0},
+        {1.25, 1.0 + t[1] + 0.25 * t[1]},
+        {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])},
+    };
+    for (const Case& tc : cases)
+        EXPECT_NEAR(MercatorNorthing(tc.latitude, 2.0, 100), tc.bands * band, 1e-9) << tc.latitude;
+    EXPECT_EQ(MercatorNorthing(85, 2.0, 100), MercatorNorthing(80, 2.0, 100));
+    EXPECT_EQ(MercatorNorthing(-90, 2.0, 100), -MercatorNorthing(80, 2.0, 100));
+}
+
+TEST(Projection, ProjectToViewAndStretch) {
+    GeoPoint origin;
+    origin.longitude = 100;
+    origin.screenX = 240;
+    origin.screenY = 320;
+    GeoPoint p;
+    p.longitude = 101;
+    p.latitude = 0;
+    const PointF s = ProjectToView(origin, p, 1000.0, 100);
+    EXPECT_NEAR(s.x, 240 + 11.4319, 1e-9);
+    EXPECT_NEAR(s.y, 320 - 11.1, 1e-9);
+
+    EXPECT_DOUBLE_EQ(StretchAtLatitude(60.9, 10.0), 10.0 / StretchTable()[60]);
+    EXPECT_DOUBLE_EQ(StretchAtLatitude(-60.9, 10.0), 10.0 / StretchTable()[60]);
+    EXPECT_DOUBLE_EQ(StretchAtLatitude(89, 10.0), 10.0 / StretchTable()[80]);
+}
+
+TEST(Geometry, GroundDistance) {
+    // A degree of latitude on the mean-radius sphere, and a quarter turn.
+    EXPECT_NEAR(GroundDistanceMetres(0, 0, 1, 0), 111195.08, 0.01);
+    EXPECT_NEAR(GroundDistanceMetres(0, 0, 0, 90), 10007557.2, 0.1);
+    EXPECT_NEAR(GroundDistanceMetres(0, 179.9, 0, -179.9), 22239.0, 0.1);
+}
+
+}  // namespace
+}  // namespace satwalk::map

@@ -1,0 +1,198 @@
+// Map images: every format loads, every hostile file fails with a reason
+// and leaves the previous map, the halved levels average what they cover,
+// and painting puts the visible part where the view says.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QTemporaryDir>
+
+#include "ImageFiles.h"
+#include "MapImage.h"
+
+namespace satwalk::map {
+namespace {
+
+using namespace testing;
+
+class MapImageFiles : public ::testing::Test {
+  protected:
+    QString Write(const QString& name, const QByteArray& bytes) {
+        const QString path = dir_.filePath(name);
+        EXPECT_TRUE(WriteFile(path, bytes));
+        return path;
+    }
+    QTemporaryDir dir_;
+};
+
+TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
+    const QImage picture = BusyPicture(300, 200);
+    const QByteArray png = Encode(picture, "png"), jpeg = Encode(picture, "jpg", 85),
+                     bmp = Encode(picture, "bmp");
+    QByteArray garbledPng = png;
+    garbledPng.replace(png.size() / 2, 64, QByteArray(64, '\x5A'));
+    struct Case {
+        const char* name;
+        QByteArray bytes;
+        ImageLoadError error;
+        ImageSize size;
+    };
+    const Case cases[] = {
+        {"map.png", png, ImageLoadError::None, {300, 200}},
+        {"map.jpg", jpeg, ImageLoadError::None, {300, 200}},
+        {"map.bmp", bmp, ImageLoadError::None, {300, 200}},
+        {"map.gif", TinyGif(), ImageLoadError::None, {1, 1}},
+        {"named wrong.jpg", png, ImageLoadError::None, {300, 200}},
+        {"no suffix", jpeg, ImageLoadError::None, {300, 200}},
+        {"empty.png", QByteArray(), ImageLoadError::NotAnImage, {}},
+        {"notes.png", "just some text, no picture\n", ImageLoadError::NotAnImage, {}},
+        {"icon.png", Encode(picture.scaled(32, 32), "ico"), ImageLoadError::NotAnImage, {}},
+        {"cut.png", png.left(png.size() / 2), ImageLoadError::Damaged, {}},
+        {"cut.jpg", jpeg.left(jpeg.size() / 2), ImageLoadError::Damaged, {}},
+        {"cut.bmp", bmp.left(bmp.size() / 2), ImageLoadError::Damaged, {}},
+        {"cut.gif", TinyGif().left(25), ImageLoadError::Damaged, {}},
+        {"header only.png", png.left(40), ImageLoadError::Damaged, {}},
+        {"garbled.png", garbledPng, ImageLoadError::Damaged, {}},
+        {"zero.png", WithDeclaredSize(png, "png", 0, 0), ImageLoadError::Damaged, {}},
+        {"zero.jpg", WithDeclaredSize(jpeg, "jpeg", 0, 0), ImageLoadError::Damaged, {}},
+        {"zero.bmp", WithDeclaredSize(bmp, "bmp", 0, 200), ImageLoadError::Damaged, {}},
+        {"zero.gif", WithDeclaredSize(TinyGif(), "gif", 0, 0), ImageLoadError::Damaged, {}},
+        {"bomb.png", WithDeclaredSize(png, "png", 60000, 60000), ImageLoadError::TooLarge, {}},
+        {"bomb.jpg", WithDeclaredSize(jpeg, "jpeg", 60000, 60000), ImageLoadError::TooLarge, {}},
+        {"bomb.bmp", WithDeclaredSize(bmp, "bmp", 60000, 60000), ImageLoadError::TooLarge, {}},
+        {"bomb.gif",
+         WithDeclaredSize(TinyGif(), "gif", 60000, 60000),
+         ImageLoadError::TooLarge,
+         {}},
+        // One pixel past the budget in a single long row.
+        {"long.bmp",
+         WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1),
+         ImageLoadError::TooLarge,
+         {}},
+    };
+    for (const Case& c : cases) {
+        MapImage image, fromMemory;
+        EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
+        EXPECT_EQ(image.Size().width, c.size.width) << c.name;
+        EXPECT_EQ(image.Size().height, c.size.height) << c.name;
+        EXPECT_EQ(LoadMapImageData(c.bytes, fromMemory), c.error) << c.name;
+    }
+}
+
+TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
+    MapImage image;
+    ASSERT_EQ(LoadMapImage(Write("a.png", Encode(BusyPicture(64, 48), "png")), image),
+              ImageLoadError::None);
+    ASSERT_TRUE(QDir(dir_.path()).mkdir("folder.png"));
+    const struct {
+        QString path;
+        ImageLoadError error;
+    } cases[] = {
+        {dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
+        {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
+        {Write("b.png", "PNG?"), ImageLoadError::NotAnImage},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(LoadMapImage(c.path, image), c.error);
+        EXPECT_EQ(image.Size().width, 64);
+    }
+}
+
+TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
+    struct Case {
+        ImageSize size;
+        std::vector<std::pair<int, int>> levels;
+    };
+    const Case cases[] = {
+        {{512, 300}, {{512, 300}}},
+        {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
+        {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
+        {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}},
+    };
+    for (const Case& c : cases) {
+        const MapImage image =
+            MapImage::FromImage(QImage(c.size.width, c.size.height, QImage::Format_RGB32));
+        std::vector<std::pair<int, int>> levels;
+        for (int i = 0; i < image.LevelCount(); ++i)
+            levels.emplace_back(image.Level(i).width(), image.Level(i).height());
+        EXPECT_EQ(levels, c.levels) << c.size.width << "x" << c.size.height;
+        EXPECT_EQ(image.Level(image.LevelCount() - 1).format(), QImage::Format_RGB32);
+    }
+}
+
+TEST(MapImageLevels, AverageWhatTheyCoverAndLayTransparencyOnWhite) {
+    // An odd number of rows and columns: the last ones average with
+    // themselves.
+    QImage image(1031, 3, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    image.setPixel(0, 0, qRgb(200, 0, 0));
+    image.setPixel(1, 0, qRgb(0, 100, 0));
+    image.setPixel(0, 1, qRgb(0, 0, 40));
+    image.setPixel(1, 1, qRgb(0, 0, 40));
+    image.setPixel(1030, 2, qRgb(10, 20, 30));
+    image.setPixel(2, 0, qRgba(0, 0, 0, 128));
+    const MapImage map = MapImage::FromImage(image);
+    ASSERT_EQ(map.LevelCount(), 3);
+    EXPECT_EQ(map.Level(0).pixel(5, 0), qRgb(255, 255, 255));
+    EXPECT_EQ(map.Level(0).pixel(2, 0), qRgb(127, 127, 127));
+    EXPECT_EQ(map.Level(1).pixel(0, 0), qRgb(50, 25, 20));
+    EXPECT_EQ(map.Level(1).pixel(515, 1), qRgb(10, 20, 30));
+}
+
+TEST(MapImageLevels, LevelForTheZoom) {
+    const MapImage map = MapImage::FromImage(QImage(4000, 100, QImage::Format_RGB32));
+    ASSERT_EQ(map.LevelCount(), 4);  // 4000, 2000, 1000, 500
+    const std::pair<double, int> cases[] = {
+        {8.0, 0}, {1.0, 0}, {0.51, 0}, {0.5, 1}, {0.3, 1}, {0.25, 2}, {0.2, 2}, {0.01, 3},
+    };
+    for (auto [scale, level] : cases) EXPECT_EQ(map.LevelFor(scale), level) << scale;
+}
+
+// Paints a picture whose left half is red and right half blue, the two
+// halves meeting at the view's centre, and reads the target back.
+TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
+    QImage picture(2000, 1000, QImage::Format_RGB32);
+    picture.fill(qRgb(220, 0, 0));
+    QPainter(&picture).fillRect(1000, 0, 1000, 1000, QColor(0, 0, 220));
+    const MapImage map = MapImage::FromImage(picture);
+    const screens::Rect view{0, 0, 480, 640};
+    struct Case {
+        const char* what;
+        double width;  // displayed width; height is half
+        PointF centre;
+    };
+    const Case cases[] = {
+        {"fitted, from a reduced level", 480, {1000, 500}},
+        {"zoomed in", 4000, {1000, 500}},
+        {"zoomed in, off centre", 8000, {1000, 250}},
+    };
+    for (const Case& c : cases) {
+        const VisiblePart part =
+            ComputeVisiblePart(map.Size(), c.width, c.width / 2, c.centre, view);
+        QImage target(480, 640, QImage::Format_RGB32);
+        target.fill(Qt::white);
+        {
+            QPainter painter(&target);
+            DrawMapImage(painter, map, part);
+        }
+        const screens::Rect& d = part.destination;
+        EXPECT_EQ(target.pixel(236, d.top + 2), qRgb(220, 0, 0)) << c.what;
+        EXPECT_EQ(target.pixel(244, d.bottom - 2), qRgb(0, 0, 220)) << c.what;
+        if (d.top > 0) {
+            EXPECT_EQ(target.pixel(240, d.top - 1), qRgb(255, 255, 255)) << c.what;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::map
+
+int main(int argc, char** argv) {
+    // Test discovery runs this too, with no display to talk to.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

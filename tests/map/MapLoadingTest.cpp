@@ -1,0 +1,204 @@
+// Fitting a new map into the view, where the view looks at it, and the list
+// of recent maps.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "ImageViewport.h"
+#include "MapLoading.h"
+
+namespace satwalk::map {
+namespace {
+
+using screens::Rect;
+
+// The small portrait screen: 240 wide, 268 high with a 26-pixel bar.
+constexpr Rect kSmallView{0, 0, 240, 268};
+constexpr int kSmallBar = 26;
+constexpr Rect kView{0, 0, 480, 640};
+
+TEST(MapFit, FitsTheRelativelyLongerSide) {
+    // Zoom step 20 throughout.
+    struct Case {
+        const char* what;
+        ImageSize image;
+        Rect view;
+        int bar;
+        MapFit fit;
+    };
+    const Case cases[] = {
+        {"wide image", {1000, 500}, kSmallView, kSmallBar, {0, 240.0, 120.0, 20, 10}},
+        {"tall image", {300, 900}, kSmallView, kSmallBar, {1, 242.0 / 3, 242.0, 6, 20}},
+        // 242 < 240 * 242 / 242 is false: a tie goes to the width.
+        {"view's shape", {240, 242}, kSmallView, kSmallBar, {0, 240.0, 242.0, 20, 20}},
+        // 240 * 243 / 242 = 240 in integers, so the image counts as no taller.
+        {"a row taller", {240, 243}, kSmallView, kSmallBar, {0, 240.0, 243.0, 20, 20}},
+        {"view inset", {480, 2000}, {10, 30, 490, 670}, 52, {1, 141.12, 588.0, 4, 20}},
+        // 480 * 2,000,000,000 passes 32 bits.
+        {"huge height", {100, 2'000'000'000}, {0, 0, 480, 640}, 0, {1, 3.2e-5, 640.0, 0, 20}},
+        {"empty image", {0, 500}, kSmallView, kSmallBar, {}},
+        {"bar fills view", {1000, 500}, kSmallView, 268, {}},
+        {"view no wider", {1000, 500}, {50, 0, 50, 268}, kSmallBar, {}},
+    };
+    for (const Case& c : cases) {
+        const MapFit fit = FitImageToView(c.image, c.view, c.bar, 20);
+        EXPECT_EQ(fit.fitByHeight, c.fit.fitByHeight) << c.what;
+        EXPECT_DOUBLE_EQ(fit.displayedWidth, c.fit.displayedWidth) << c.what;
+        EXPECT_DOUBLE_EQ(fit.displayedHeight, c.fit.displayedHeight) << c.what;
+        EXPECT_EQ(fit.zoomStepX, c.fit.zoomStepX) << c.what;
+        EXPECT_EQ(fit.zoomStepY, c.fit.zoomStepY) << c.what;
+    }
+}
+
+TEST(MapFit, LoadedImageStartsFittedAndCentred) {
+    struct Case {
+        const char* path;
+        const char* fileName;
+        const char* stem;
+    };
+    const Case cases[] = {
+        {"/home/u/maps/Hangzhou.west.lake.png", "Hangzhou.west.lake.png", "Hangzhou"},
+        {"/home/u/maps/scan", "scan", "scan"},
+        {"relative.bmp", "relative.bmp", "relative"},
+        {"/home/u/maps/.hidden.gif", ".hidden.gif", ""},
+        {"/home/u/maps.d/plan", "plan", "plan"},
+    };
+    for (const Case& c : cases) {
+        LoadedMap map;
+        map.outsideMap = 1;
+        ApplyLoadedImage(map, c.path, {300, 900}, kSmallView, kSmallBar, 20);
+        EXPECT_EQ(map.mapMode, 1);
+        EXPECT_EQ(map.outsideMap, 0);
+        EXPECT_EQ(map.mapFileName, c.fileName);
+        EXPECT_EQ(map.mapStem, c.stem) << c.path;
+        EXPECT_DOUBLE_EQ(map.currentHeight, 242.0);
+        EXPECT_DOUBLE_EQ(map.currentWidth, map.fit.displayedWidth);
+        EXPECT_EQ(map.scrollCentre, (PointF{150.0, 450.0}));
+    }
+}
+
+using List = std::vector<std::string>;
+
+List Entries(const RecentMaps& r) {
+    return List(r.begin(), r.end());
+}
+
+TEST(RecentMaps, ChoosingAndOpeningReorderWithoutDuplicates) {
+    const RecentMaps full = {"a", "b", "c", "d", "e"};
+    struct Step {
+        enum { Choose, Open } kind;
+        std::string path;    // Choose: the file chosen
+        int index;           // Choose: the entry it returns; Open: the entry opened
+        std::string loaded;  // Open: the path it returns
+        List after;
+    };
+    struct Case {
+        const char* what;
+        RecentMaps start;
+        std::vector<Step> steps;
+    };
+    const Case cases[] = {
+        {"first map",
+         {},
+         {{Step::Choose, "a", 0, "", {"a", "", "", "", ""}},
+          {Step::Open, "", 0, "a", {"a", "", "", "", ""}}}},
+        {"new map drops the fifth", full, {{Step::Choose, "n", 0, "", {"n", "a", "b", "c", "d"}}}},
+        {"entry 3 chosen again moves to the top",
+         full,
+         {{Step::Choose, "c", 2, "", Entries(full)},
+          {Step::Open, "", 2, "c", {"c", "a", "b", "d", "e"}}}},
+        {"last entry from the menu", full, {{Step::Open, "", 4, "e", {"e", "a", "b", "c", "d"}}}},
+        {"paths compare case and all",
+         full,
+         {{Step::Choose, "A", 0, "", {"A", "a", "b", "c", "d"}},
+          {Step::Choose, "a ", 0, "", {"a ", "A", "a", "b", "c"}}}},
+        {"nothing chosen", full, {{Step::Choose, "", -1, "", Entries(full)}}},
+        {"unused entry opens nothing",
+         {"a", "", "", "", ""},
+         {{Step::Open, "", 3, "", {"a", "", "", "", ""}},
+          {Step::Open, "", 5, "", {"a", "", "", "", ""}},
+          {Step::Open, "", -1, "", {"a", "", "", "", ""}}}},
+    };
+    for (const Case& c : cases) {
+        RecentMaps recent = c.start;
+        for (const Step& s : c.steps) {
+            if (s.kind == Step::Choose) {
+                EXPECT_EQ(ChooseMapFile(recent, s.path), s.index) << c.what;
+            } else {
+                EXPECT_EQ(OpenRecentMap(recent, s.index), s.loaded) << c.what;
+            }
+            EXPECT_EQ(Entries(recent), s.after) << c.what;
+        }
+    }
+}
+
+TEST(RecentMaps, MenuShowsFileNamesAndEmptyEntries) {
+    const RecentMaps recent = {"/m/west lake.jpg", "scan", "", "/m/图/地图.png", ""};
+    const List texts = {RecentMapMenuText(recent, 0), RecentMapMenuText(recent, 1),
+                        RecentMapMenuText(recent, 2), RecentMapMenuText(recent, 3),
+                        RecentMapMenuText(recent, 4), RecentMapMenuText(recent, 5)};
+    EXPECT_EQ(texts, (List{"west lake.jpg", "scan", "空", "地图.png", "空", "空"}));
+}
+
+// ----- the visible part of the picture -----
+
+TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
+    // A 480 × 640 view; an empty destination says nothing is visible.
+    struct Case {
+        const char* what;
+        ImageSize image;
+        double width, height;  // displayed size
+        PointF centre;         // image pixel at the view's centre
+        RectF source;
+        Rect destination;
+    };
+    constexpr ImageSize kSquare{1000, 1000};
+    constexpr double kHalf = 1000.0 / 479 * 0.5;
+    const Case cases[] = {
+        {"zoomed in 2x", kSquare, 2000, 2000, {500, 500}, {380, 340, 620, 660}, kView},
+        {"fitted", {1000, 500}, 480, 240, {500, 250}, {0, 0, 1000, 500}, {0, 200, 480, 440}},
+        {"at left edge", kSquare, 2000, 2000, {0, 500}, {0, 340, 120, 660}, {240, 0, 480, 640}},
+        {"at far corner", kSquare, 2000, 2000, {1e3, 1e3}, {880, 840, 1e3, 1e3}, {0, 0, 240, 320}},
+        {"small image", {100, 50}, 100, 50, {50, 25}, {0, 0, 100, 50}, {190, 295, 290, 345}},
+        {"zoomed out 4x", {10000, 10000}, 2500, 2500, {5e3, 5e3}, {4040, 3720, 5960, 6280}, kView},
+        // The picture spans 0.5 to 479.5 across: edges round away from zero,
+        // so the destination starts a pixel in, half a source pixel later.
+        {"half pixels", kSquare, 479, 479, {500, 500}, {kHalf, kHalf, 1e3, 1e3}, {1, 81, 480, 560}},
+        {"past the image", kSquare, 2000, 2000, {-200, 500}, {}, {}},
+        {"far past it", kSquare, 2000, 2000, {1e300, 500}, {}, {}},
+        {"no image", {0, 0}, 480, 240, {0, 0}, {}, {}},
+        {"no size", {1000, 500}, 0, 0, {500, 250}, {}, {}},
+        {"not a number", {1000, 500}, 480, 240, {NAN, 250}, {}, {}},
+    };
+    for (const Case& c : cases) {
+        const VisiblePart part = ComputeVisiblePart(c.image, c.width, c.height, c.centre, kView);
+        EXPECT_EQ(part.empty, c.destination == Rect{}) << c.what;
+        EXPECT_EQ(part.destination, c.destination) << c.what;
+        EXPECT_NEAR(part.source.left, c.source.left, 1e-9) << c.what;
+        EXPECT_NEAR(part.source.top, c.source.top, 1e-9) << c.what;
+        EXPECT_NEAR(part.source.right, c.source.right, 1e-9) << c.what;
+        EXPECT_NEAR(part.source.bottom, c.source.bottom, 1e-9) << c.what;
+    }
+    // A view away from the screen's corner moves the destination only.
+    const VisiblePart inset =
+        ComputeVisiblePart({1000, 1000}, 2000, 2000, {500, 500}, {20, 100, 500, 740});
+    EXPECT_EQ(inset.destination, (Rect{20, 100, 500, 740}));
+    EXPECT_EQ(inset.source, (RectF{380, 340, 620, 660}));
+}
+
+TEST(VisiblePart, OriginAgreesWithTheRescale) {
+    // The origin is what DisplayToImage needs to turn a tap into the pixel
+    // under it: the view's centre must give back the scroll centre.
+    const ImageSize image{1200, 900};
+    const PointF centre{333.25, 871.5};
+    const Rect view{0, 26, 480, 614};
+    const VisiblePart part = ComputeVisiblePart(image, 1700, 1275, centre, view);
+    const PointF back = DisplayToImage({1700, 1275}, part.displayOrigin, {}, {240, 320}, image);
+    EXPECT_NEAR(back.x, centre.x, 1e-9);
+    EXPECT_NEAR(back.y, centre.y, 1e-9);
+}
+
+}  // namespace
+}  // namespace satwalk::map

@@ -1,0 +1,318 @@
+// The reference-point file (name, text both ways, hostile contents) and the
+// dialog's degrees, minutes and seconds.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+#include <string>
+
+#include "ReferencePoints.h"
+
+namespace satwalk::map {
+namespace {
+
+using namespace std::string_literals;
+
+ReferencePoints Parse(const std::string& text, int* active = nullptr) {
+    ReferencePoints s{};
+    const int n = ParseReferenceText(std::span<const char>(text.data(), text.size()), s);
+    if (active)
+        *active = n;
+    return s;
+}
+
+std::string TempPath(const std::string& name) {
+    return ::testing::TempDir() + name;
+}
+
+std::string Slurp(const std::string& path) {
+    std::ifstream f(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(f), {});
+}
+
+TEST(ReferenceFileName, StemUpToTheFirstDot) {
+    struct Case {
+        const char* root;
+        const char* map;
+        const char* file;
+    };
+    const Case cases[] = {
+        {"/media/card/Documents", "/home/u/Maps/city.2007.jpg",
+         "/media/card/Documents/My GPS/Reference Points/Ref Pt_city.rpt"},
+        {"/home/u/Documents/", "scan", "/home/u/Documents/My GPS/Reference Points/Ref Pt_scan.rpt"},
+        {"/d", "/maps/.hidden.png", "/d/My GPS/Reference Points/Ref Pt_.rpt"},
+        {"/d", "/maps.v2/plain", "/d/My GPS/Reference Points/Ref Pt_plain.rpt"},
+    };
+    for (const Case& tc : cases) EXPECT_EQ(MakeReferenceFileName(tc.root, tc.map), tc.file);
+}
+
+TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
+    ReferencePoints s{};
+    s[0] = GeoPoint{1, 30.5, 114.3, 0, 0, 120, 245};
+    s[3] = GeoPoint{0, -33.5, -70.25, 0, 0, 1.5, 2.25};
+    const std::string zero = "0,0.000000,0.000000,0.000000,0.000000,\r\n";
+    EXPECT_EQ(FormatReferenceText(s), "1,30.500000,114.300000,120.000000,245.000000,\r\n" + zero +
+                                          zero + "0,-33.500000,-70.250000,1.500000,2.250000,\r\n" +
+                                          zero);
+    // Absurd values fill the text's room and no more.
+    s[1].latitude = 1e200;
+    EXPECT_EQ(FormatReferenceText(s).size(), kReferenceTextLimit - 1);
+}
+
+TEST(ReferenceText, WrittenFileReadsBack) {
+    ReferencePoints s{};
+    s[0] = GeoPoint{1, -33.5, 151.25, 0, 0, 10, 20};
+    s[2] = GeoPoint{1, 12.3456789, -0.5, 0, 0, 3000.125, 4000.5};
+    s[4] = GeoPoint{0, 1, 2, 0, 0, 3, 4};
+    const std::string path = TempPath("roundtrip.rpt");
+    ASSERT_TRUE(WriteReferenceFile(path, s));
+    EXPECT_EQ(Slurp(path), FormatReferenceText(s));
+
+    ReferencePoints back;
+    back.fill(GeoPoint{1, 9, 9, 9, 9, 9, 9});
+    int active = -1;
+    ASSERT_EQ(ReadReferenceFile(path, back, active), ReferenceRead::Read);
+    EXPECT_EQ(active, 2);
+    for (int i = 0; i < kReferenceSlotCount; ++i) {
+        EXPECT_EQ(back[i].valid, s[i].valid) << i;
+        EXPECT_NEAR(back[i].latitude, s[i].latitude, 5e-7) << i;
+        EXPECT_NEAR(back[i].longitude, s[i].longitude, 5e-7) << i;
+        EXPECT_EQ(back[i].imageX, s[i].imageX) << i;
+        EXPECT_EQ(back[i].imageY, s[i].imageY) << i;
+        EXPECT_EQ(back[i].screenX, 0.0) << i;
+    }
+}
+
+TEST(ReferenceText, TokenRules) {
+    struct Case {
+        const char* what;
+        std::string text;
+        int active;
+        GeoPoint first;
+    };
+    const Case cases[] = {
+        {"empty", "", 0, {}},
+        {"no line end, no trailing comma", "1,30,114,10,20", 1, {1, 30, 114, 0, 0, 10, 20}},
+        {"line breaks inside tokens vanish",
+         "1,3\r\n0.5,1\n14,\r10,20,\r\n",
+         1,
+         {1, 30.5, 114, 0, 0, 10, 20}},
+        {"empty tokens read 0", "1,,5,,7,", 1, {1, 0, 5, 0, 0, 0, 7}},
+        {"flag 1.9 counts as 1", "1.9,1,2,3,4,", 1, {1, 1, 2, 0, 0, 3, 4}},
+        {"flag with leading blank", " 1,1,2,3,4,", 1, {1, 1, 2, 0, 0, 3, 4}},
+        {"flag 2 is inactive", "2,1,2,3,4,", 0, {0, 1, 2, 0, 0, 3, 4}},
+        {"flag past int range is not 1", "4294967297,1,2,3,4,", 0, {0, 1, 2, 0, 0, 3, 4}},
+        {"garbage numbers read 0", "1,north,1e999x,-,0x10,", 1, {1, 0, HUGE_VAL, 0, 0, 0, 16}},
+        {"number prefix counts", "1,12abc,3.5.6,7e1,8,", 1, {1, 12, 3.5, 0, 0, 70, 8}},
+        {"over-long token keeps its tail",
+         "1,12345678901234567890123,2,3,4,",
+         1,
+         {1, 123, 2, 0, 0, 3, 4}},
+        {"token of exactly 19 characters is empty",
+         "1,1234567890123456789,2,3,4,",
+         1,
+         {1, 0, 2, 0, 0, 3, 4}},
+        {"NUL ends the text", "1,10,20,30,40,\0"s + "1,1,1,1,1,", 1, {1, 10, 20, 0, 0, 30, 40}},
+        {"binary", "\xff\xfe\x01,\x80\x7f,\x1b[0m"s, 0, {0, 0, 0, 0, 0, 0, 0}},
+        {"NUL inside a token ends it too", "1,10,2\0"s + "5,1,1,", 1, {1, 10, 2, 0, 0, 0, 0}},
+    };
+    for (const Case& tc : cases) {
+        int active = -1;
+        const ReferencePoints s = Parse(tc.text, &active);
+        EXPECT_EQ(active, tc.active) << tc.what;
+        EXPECT_EQ(s[0], tc.first) << tc.what;
+        EXPECT_EQ(s[1], GeoPoint{}) << tc.what;
+    }
+    // Seven slots' worth of tokens: the last two slots' are ignored.
+    std::string seven;
+    for (int i = 0; i < 7; ++i) seven += "1,1,1,1,1,\r\n";
+    int active = 0;
+    EXPECT_EQ(Parse(seven, &active)[4], (GeoPoint{1, 1, 1, 0, 0, 1, 1}));
+    EXPECT_EQ(active, 5);
+}
+
+TEST(ReferenceFile, ReadsOnlyTheFirst300Bytes) {
+    // Four slots, then line breaks up to well past byte 300, then slot 5.
+    std::string text;
+    for (int i = 0; i < 4; ++i) text += "1,1.5,2.5,3.5,4.5,\r\n";
+    text += std::string(300, '\n') + "1,9,9,9,9,\r\n";
+    const std::string path = TempPath("long.rpt");
+    std::ofstream(path, std::ios::binary) << text;
+
+    ReferencePoints s;
+    int active = -1;
+    ASSERT_EQ(ReadReferenceFile(path, s, active), ReferenceRead::Read);
+    EXPECT_EQ(active, 4);
+    EXPECT_EQ(s[3], (GeoPoint{1, 1.5, 2.5, 0, 0, 3.5, 4.5}));
+    EXPECT_EQ(s[4], GeoPoint{});
+}
+
+TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
+    ReferencePoints s;
+    s.fill(GeoPoint{1, 1, 1, 1, 1, 1, 1});
+    int active = -1;
+    EXPECT_EQ(ReadReferenceFile(TempPath("no-such.rpt"), s, active), ReferenceRead::NotOpened);
+    EXPECT_EQ(active, 0);
+    EXPECT_EQ(s[2], GeoPoint{});
+
+    // A folder where the file should be: opened, nothing read.
+    const std::string dir = TempPath("folder.rpt");
+    ::mkdir(dir.c_str(), 0755);
+    EXPECT_EQ(ReadReferenceFile(dir, s, active), ReferenceRead::ReadFailed);
+    EXPECT_EQ(active, 0);
+
+    EXPECT_FALSE(WriteReferenceFile(TempPath("no-such-folder/x.rpt"), s));
+    EXPECT_FALSE(WriteReferenceFile(dir, s));
+}
+
+TEST(Dms, SplitAndJoin) {
+    struct Case {
+        double value;
+        const char* deg;
+        const char* min;
+        const char* sec;
+    };
+    const Case cases[] = {
+        {-33.5, "33.000000", "30.000000", "0.000000"},
+        // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show
+        // as 60.
+        {114.3, "114.000000", "17.000000", "60.000000"},
+        {0.0, "0.000000", "0.000000", "0.000000"},
+        {-179.999999, "179.000000", "59.000000", "59.996400"},
+    };
+    for (const Case& tc : cases) {
+        GeoPoint slot;
+        slot.latitude = tc.value;
+        slot.longitude = tc.value;
+        const ReferenceDialogFields f = OpenReferenceDialog(slot);
+        EXPECT_EQ(f.latitude[0], tc.deg) << tc.value;
+        EXPECT_EQ(f.latitude[1], tc.min) << tc.value;
+        EXPECT_EQ(f.latitude[2], tc.sec) << tc.value;
+        EXPECT_EQ(f.longitude, f.latitude) << tc.value;
+        // The lists stay at north/east, so the point comes back positive.
+        EXPECT_EQ(f.latitudeHemisphere, 0);
+        GeoPoint back;
+        FieldsToSlot(f, back);
+        EXPECT_NEAR(back.latitude, std::fabs(tc.value), 1e-9) << tc.value;
+    }
+}
+
+TEST(Dms, DialogReadsItsEdits) {
+    struct Case {
+        const char* what;
+        std::array<std::string, 3> lat, lon;
+        int latHem, lonHem;
+        double latitude, longitude;
+    };
+    const Case cases[] = {
+        {"longitude seconds keep nine characters",
+         {"0", "0", "59.9999999999"},
+         {"0", "0", "59.9999999999"},
+         0,
+         0,
+         59.9999999999 / 3600,
+         59.999999 / 3600},
+        {"south and west", {"33", "30", "0"}, {"70", "15", "36"}, 1, 1, -33.5, -70.26},
+        {"south of zero stays zero", {"0", "0", "0"}, {"0", "0", "0"}, 1, 1, 0, 0},
+        {"minutes and seconds not range checked",
+         {"1", "90", "3600"},
+         {"", "x", " 2"},
+         0,
+         0,
+         3.5,
+         2.0 / 3600},
+        {"negative degrees in the south stay negative",
+         {"-5", "0", "0"},
+         {"5", "0", "0"},
+         1,
+         0,
+         -5,
+         5},
+    };
+    for (const Case& tc : cases) {
+        ReferenceDialogFields f;
+        f.active = true;
+        f.latitude = tc.lat;
+        f.longitude = tc.lon;
+        f.latitudeHemisphere = tc.latHem;
+        f.longitudeHemisphere = tc.lonHem;
+        GeoPoint slot;
+        FieldsToSlot(f, slot);
+        EXPECT_EQ(slot.valid, 1) << tc.what;
+        EXPECT_NEAR(slot.latitude, tc.latitude, 1e-12) << tc.what;
+        EXPECT_NEAR(slot.longitude, tc.longitude, 1e-12) << tc.what;
+    }
+}
+
+TEST(Dms, InsertCurrentCoordinate) {
+    ReferenceDialogFields f;
+    InsertGpsCoordinate(f, true, -33.5, -70.25);
+    EXPECT_TRUE(f.active);
+    EXPECT_EQ(f.latitudeHemisphere, 1);
+    EXPECT_EQ(f.longitudeHemisphere, 1);
+    EXPECT_EQ(f.longitude, (std::array<std::string, 3>{"70.000000", "15.000000", "0.000000"}));
+
+    InsertGpsCoordinate(f, false, -33.5, -70.25);
+    EXPECT_EQ(f.latitudeHemisphere, 0);
+    EXPECT_EQ(f.longitudeHemisphere, 0);
+    EXPECT_EQ(f.latitude, (std::array<std::string, 3>{"0.000000", "0.000000", "0.000000"}));
+    EXPECT_EQ(ActivateCheckBoxText("Activate", 4), "Activate 5");
+}
+
+class Confirm : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        editing_.referencePoints[0] = GeoPoint{1, 30, 110, 0, 0, 0, 0};
+        editing_.activeReferenceCount = 1;
+        editing_.placementCursor = GeoPoint{1, 0, 0, 7, 8, 0, 0};
+    }
+    // Places slot 2 at `pixel` with 29°N 111°E typed in.
+    ReferenceConfirmation Place(PointF pixel, const std::string& file) {
+        EnterPlacementMode(editing_, 1);
+        PlaceCursor(editing_, {50, 60}, pixel);
+        ReferenceDialogFields f = OpenReferenceDialog(editing_.referencePoints[1]);
+        f.active = true;
+        f.latitude = {"29", "0", "0"};
+        f.longitude = {"111", "0", "0"};
+        return ConfirmReferencePoint(editing_, f, file, true, {100, 200}, 240, 60, calibration_,
+                                     extent_);
+    }
+    ReferenceEditing editing_;
+    MapCalibration calibration_;
+    MapExtent extent_;
+};
+
+TEST_F(Confirm, SecondPointCalibratesAndMovesTheCursorToTheCentre) {
+    const std::string file = TempPath("confirm.rpt");
+    const ReferenceConfirmation r = Place({100, 200}, file);
+    EXPECT_TRUE(r.saved);
+    EXPECT_TRUE(r.calibrated);
+    EXPECT_EQ(editing_.placingReferencePoint, 0);
+    EXPECT_EQ(editing_.activeReferenceCount, 2);
+    EXPECT_EQ(editing_.referencePoints[1], (GeoPoint{1, 29, 111, 0, 0, 100, 200}));
+    EXPECT_TRUE(calibration_.IsValid());
+    EXPECT_DOUBLE_EQ(extent_.centre.latitude, 29.5);
+    EXPECT_DOUBLE_EQ(editing_.placementCursor.latitude, 29.5);
+    EXPECT_DOUBLE_EQ(editing_.placementCursor.longitude, 110.5);
+    EXPECT_GT(r.scaleBarDistance, 0.0);
+    int active = 0;
+    ReferencePoints back;
+    ASSERT_EQ(ReadReferenceFile(file, back, active), ReferenceRead::Read);
+    EXPECT_EQ(active, 2);
+}
+
+TEST_F(Confirm, FailedCalibrationRestoresTheCursorAndUnsavedFileIsReported) {
+    // Same row as slot 1: no latitude scale; the folder does not exist.
+    const ReferenceConfirmation r = Place({100, 0}, TempPath("missing/confirm.rpt"));
+    EXPECT_FALSE(r.saved);
+    EXPECT_FALSE(r.calibrated);
+    EXPECT_FALSE(calibration_.IsValid());
+    EXPECT_EQ(editing_.placementCursor, (GeoPoint{1, 0, 0, 7, 8, 0, 0}));
+    // The slots keep what was typed for this run.
+    EXPECT_EQ(editing_.referencePoints[1].valid, 1);
+}
+
+}  // namespace
+}  // namespace satwalk::map

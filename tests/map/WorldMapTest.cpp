@@ -1,0 +1,161 @@
+// The world map's data file and its drawing at the widest and closest views.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "RecordingCanvas.h"
+#include "WorldMap.h"
+
+namespace satwalk::map {
+namespace {
+
+using screens::CanvasCall;
+using screens::RecordingCanvas;
+using screens::Rect;
+
+const WorldLand& Land() {
+    static const WorldLand land = [] {
+        WorldLand l;
+        EXPECT_TRUE(LoadWorldLand(SATWALK_WORLD_LAND_FILE, l));
+        return l;
+    }();
+    return land;
+}
+
+TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
+    struct Case {
+        const char* what;
+        const char* text;
+        std::size_t rings;
+        std::size_t points;
+    };
+    const Case cases[] = {
+        {"empty", "", 0, 0},
+        {"comment only", "# 1,2 3,4 5,6\n", 0, 0},
+        {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
+        {"CR LF lines", "0,0 1,0 0,1\r\n0,0 1,0 0,1\r\n", 2, 6},
+        {"too short", "0,0 1,1\n", 0, 0},
+        {"garbage line", "north,east\nx\n,,,\n", 0, 0},
+        {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
+        {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
+        {"overflowing number", "0,0 1,0 0,1 99999999999999,1\n", 1, 3},
+        {"no final newline", "0,0 1,0 0,1", 1, 3},
+    };
+    for (const Case& tc : cases) {
+        const WorldLand land = ParseWorldLand(tc.text);
+        EXPECT_EQ(land.rings.size(), tc.rings) << tc.what;
+        EXPECT_EQ(land.PointCount(), tc.points) << tc.what;
+    }
+    const WorldLand one = ParseWorldLand("100,200 10,0 0,10 -10,0");
+    EXPECT_EQ(one.rings[0].maxLon, 110);
+    EXPECT_EQ(one.rings[0].maxLat, 210);
+    WorldLand none;
+    EXPECT_FALSE(LoadWorldLand("/nonexistent/world.txt", none));
+}
+
+TEST(WorldLandFile, CommittedDataCoversTheGlobe) {
+    const WorldLand& land = Land();
+    EXPECT_GT(land.rings.size(), 1000u);
+    EXPECT_GT(land.PointCount(), 50000u);
+    std::int32_t west = 0, east = 0, south = 0, north = 0;
+    for (const LandRing& r : land.rings) {
+        west = std::min(west, r.minLon);
+        east = std::max(east, r.maxLon);
+        south = std::min(south, r.minLat);
+        north = std::max(north, r.maxLat);
+    }
+    EXPECT_EQ(west, -18000);
+    EXPECT_EQ(east, 18000);
+    EXPECT_LT(south, -8900);
+    EXPECT_GT(north, 8300);
+}
+
+// A view of `rect` centred on (lat, lon) with the scale bar of 100 pixels
+// standing for `km`.
+WorldView CentredOn(double lat, double lon, double km, Rect rect) {
+    WorldView v;
+    v.scale = km;
+    v.scaleBarPixels = 100;
+    v.rect = rect;
+    v.origin.longitude = lon;
+    v.origin.screenX = (rect.left + rect.right) / 2.0;
+    v.origin.screenY = (rect.top + rect.bottom) / 2.0 + MercatorNorthing(lat, km, 100);
+    return v;
+}
+
+struct Drawn {
+    std::size_t polygons = 0;
+    bool allInside = true;
+    bool coversView = false;  // one polygon holds all four corners
+    bool leftHalf = false, rightHalf = false;
+};
+
+Drawn Draw(const WorldView& v) {
+    RecordingCanvas canvas(v.rect);
+    DrawWorldMap(canvas, Land(), v);
+    Drawn d;
+    EXPECT_EQ(canvas.Calls().front().kind, CanvasCall::Kind::FillRect);
+    const int midX = (v.rect.left + v.rect.right) / 2;
+    for (const CanvasCall& c : canvas.OfKind(CanvasCall::Kind::Polygon)) {
+        ++d.polygons;
+        int corners = 0;
+        for (const screens::Point& p : c.points) {
+            d.allInside &= p.x >= v.rect.left - 2 && p.x <= v.rect.right + 2 &&
+                           p.y >= v.rect.top - 2 && p.y <= v.rect.bottom + 2;
+            corners += (p.x <= v.rect.left - 1 || p.x >= v.rect.right + 1) &&
+                       (p.y <= v.rect.top - 1 || p.y >= v.rect.bottom + 1);
+            (p.x < midX ? d.leftHalf : d.rightHalf) = true;
+        }
+        d.coversView |= corners >= 4;
+    }
+    return d;
+}
+
+TEST(WorldMapDrawing, EveryZoomStaysInsideTheView) {
+    const Rect view{0, 30, 480, 610};
+    struct Case {
+        const char* what;
+        double lat, lon, km;
+        bool land, covers;
+    };
+    const Case cases[] = {
+        {"whole world", 0, 0, 20000, true, false},
+        {"China, close", 30, 110, 1, true, true},
+        {"open Pacific, close", 0, -150, 1, false, false},
+        {"Mediterranean coast", 43.3, 5.4, 50, true, false},
+        {"south of 80, flattened", -85, 0, 100, true, false},
+    };
+    for (const Case& tc : cases) {
+        const Drawn d = Draw(CentredOn(tc.lat, tc.lon, tc.km, view));
+        EXPECT_EQ(d.polygons > 0, tc.land) << tc.what;
+        EXPECT_TRUE(d.allInside) << tc.what;
+        EXPECT_EQ(d.coversView, tc.covers) << tc.what;
+    }
+}
+
+TEST(WorldMapDrawing, PanningPastTheDateLineShowsTheOtherSide) {
+    // The Bering Strait: Russia to the left of 180°, Alaska to the right.
+    const Drawn d = Draw(CentredOn(65, 180, 500, Rect{0, 0, 480, 640}));
+    EXPECT_TRUE(d.leftHalf);
+    EXPECT_TRUE(d.rightHalf);
+    const Drawn past = Draw(CentredOn(65, 180 + 360, 500, Rect{0, 0, 480, 640}));
+    EXPECT_EQ(past.polygons, d.polygons);
+}
+
+TEST(WorldMapDrawing, AbsurdViewsNeitherFailNorFlood) {
+    struct Case {
+        double km, lon;
+    };
+    const Case cases[] = {{0.0, 0}, {-5.0, 0}, {1e-300, 0}, {1e300, 0}, {1, 1e15}, {1, NAN}};
+    for (const auto& [km, lon] : cases) {
+        WorldView v = CentredOn(0, 0, 1, Rect{0, 0, 100, 100});
+        v.scale = km;
+        v.origin.longitude = lon;
+        RecordingCanvas canvas(v.rect);
+        DrawWorldMap(canvas, Land(), v);
+        EXPECT_LE(canvas.OfKind(CanvasCall::Kind::Polygon).size(), 3000u) << km;
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::map

@@ -1,0 +1,182 @@
+// The options dialog's list, layout and OK, with the running program faked
+// and the folders made in a temporary directory.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "OptionsDialogModel.h"
+
+namespace satwalk::shell {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FakeEffects final : public OptionsEffects {
+  public:
+    bool LinkRunning() const override { return running; }
+    void SetRecordNmea(bool on) override { calls.push_back(on ? "record on" : "record off"); }
+    void StartNewNmeaLog(const std::string& folder) override { calls.push_back("nmea " + folder); }
+    void StartNewTrackLog(const std::string& folder) override {
+        calls.push_back("track " + folder);
+    }
+    void SetScreenAwake(bool hold) override { calls.push_back(hold ? "awake" : "sleep"); }
+    bool running = false;
+    std::vector<std::string> calls;
+};
+
+TEST(OptionsDialogTest, StorageListOffersEachRootOnceAndSelectsTheCurrent) {
+    ProgramSettings s;
+    s.storageRoot = "/media/u/CARD/My Documents";
+    const OptionsDialog d =
+        OpenOptionsDialog(s, "/home/u/Documents", {"/media/u/CARD/", "/media/u/STICK", "/"});
+    EXPECT_EQ(d.storage,
+              (std::vector<std::string>{"/home/u/Documents", "/media/u/CARD/My Documents",
+                                        "/media/u/STICK/My Documents", "/My Documents"}));
+    EXPECT_EQ(d.storageSelection, 1);
+    EXPECT_TRUE(d.keepAwake);  // built-in value
+    EXPECT_FALSE(d.recordNmea);
+
+    s.storageRoot = "/somewhere/else";
+    EXPECT_EQ(OpenOptionsDialog(s, "/home/u/Documents", {}).storageSelection, -1);
+}
+
+TEST(OptionsDialogTest, LayoutFollowsTheBaseTextHeight) {
+    struct Case {
+        int width, b;
+        int left, right, height;
+        int tops[6];
+    };
+    // b = 15 (96 dpi) and 30 (192 dpi), and an odd height for the divisions.
+    const Case cases[] = {
+        {240, 15, 7, 232, 18, {7, 30, 53, 76, 104, 124}},
+        {480, 30, 15, 465, 36, {15, 61, 107, 153, 209, 248}},
+        {320, 17, 8, 311, 20, {8, 33, 59, 85, 116, 138}},
+    };
+    for (const Case& c : cases) {
+        const OptionsLayout l = LayOutOptionsDialog(c.width, c.b);
+        const screens::Rect rects[] = {l.heading,    l.autoBluetooth, l.keepAwake,
+                                       l.recordNmea, l.storageLabel,  l.storage};
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(rects[i].left, c.left) << c.b << " " << i;
+            EXPECT_EQ(rects[i].right, c.right) << c.b << " " << i;
+            EXPECT_EQ(rects[i].Height(), c.height) << c.b << " " << i;
+            EXPECT_EQ(rects[i].top, c.tops[i]) << c.b << " " << i;
+        }
+    }
+    EXPECT_EQ(OptionsBoldFontHeight(30), 33);
+}
+
+class OptionsOkTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/satwalk-options-XXXXXX";
+        ASSERT_NE(::mkdtemp(pattern), nullptr);
+        temp = pattern;
+        home = temp + "/Documents";
+        settings.storageRoot = home;
+        folders = MakeStorageFolders(home);
+        CreateStorageTree(folders);
+    }
+    void TearDown() override { fs::remove_all(temp); }
+
+    OptionsDialog Dialog(const std::string& root) {
+        OptionsDialog d = OpenOptionsDialog(settings, home, {});
+        d.storage.push_back(root);
+        d.storageSelection = static_cast<int>(d.storage.size()) - 1;
+        return d;
+    }
+
+    std::string temp, home;
+    ProgramSettings settings;
+    StorageFolders folders;
+    FakeEffects effects;
+};
+
+TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
+    struct Case {
+        const char* what;
+        bool running, nmeaBefore, nmeaAfter, trackLog, newRoot;
+        std::vector<std::string> calls;  // with ROOT for the chosen root's folder
+    };
+    const Case cases[] = {
+        {"same root, nothing new", true, true, true, true, false, {"awake"}},
+        {"recording switched on while running",
+         true,
+         false,
+         true,
+         false,
+         false,
+         {"record on", "nmea ROOT/My GPS/NMEA0183", "awake"}},
+        {"recording switched on while stopped",
+         false,
+         false,
+         true,
+         true,
+         true,
+         {"record on", "awake"}},
+        {"recording switched off", true, true, false, true, false, {"record off", "awake"}},
+        {"new root while recording both",
+         true,
+         true,
+         true,
+         true,
+         true,
+         {"nmea ROOT/My GPS/NMEA0183", "track ROOT/My GPS/Track Log", "awake"}},
+        {"new root, no recording", true, false, false, false, true, {"awake"}},
+    };
+    for (const Case& c : cases) {
+        SetUp();
+        settings.recordNmea = c.nmeaBefore;
+        settings.trackLogOn = c.trackLog;
+        effects = FakeEffects{};
+        effects.running = c.running;
+        const std::string root = c.newRoot ? temp + "/card/My Documents" : home;
+        OptionsDialog d = Dialog(root);
+        d.recordNmea = c.nmeaAfter;
+        const OptionsApplied a = AcceptOptionsDialog(d, settings, folders, effects);
+        std::vector<std::string> expected;
+        for (std::string e : c.calls) {
+            if (const std::size_t at = e.find("ROOT"); at != std::string::npos)
+                e.replace(at, 4, root);
+            expected.push_back(e);
+        }
+        EXPECT_EQ(effects.calls, expected) << c.what;
+        EXPECT_EQ(a.rootChanged, c.newRoot) << c.what;
+        EXPECT_EQ(settings.storageRoot, root) << c.what;
+        EXPECT_EQ(folders.nmea, root + "/My GPS/NMEA0183") << c.what;
+        EXPECT_EQ(settings.recordNmea, c.nmeaAfter ? 1u : 0u) << c.what;
+        TearDown();
+    }
+}
+
+TEST_F(OptionsOkTest, ANewRootGetsItsFoldersUnlessItIsAFile) {
+    struct Case {
+        const char* what;
+        std::function<void(const std::string&)> prepare;
+        bool tree;
+    };
+    const Case cases[] = {
+        {"missing root", [](const std::string&) {}, true},
+        {"empty folder", [](const std::string& r) { fs::create_directories(r); }, true},
+        {"half a tree",
+         [](const std::string& r) { fs::create_directories(r + "/My GPS/Track Log"); }, true},
+        {"a file", [](const std::string& r) { std::ofstream(r) << "x"; }, false},
+    };
+    for (const Case& c : cases) {
+        const std::string root = temp + "/" + c.what;
+        c.prepare(root);
+        OptionsDialog d = Dialog(root);
+        d.keepAwake = false;
+        AcceptOptionsDialog(d, settings, folders, effects);
+        for (const char* sub :
+             {"/My GPS/Reference Points", "/My GPS/Track Log", "/My GPS/NMEA0183"})
+            EXPECT_EQ(fs::is_directory(root + sub), c.tree) << c.what << sub;
+        EXPECT_EQ(settings.storageRoot, root) << c.what;
+        EXPECT_EQ(effects.calls.back(), "sleep");
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::shell

@@ -1,0 +1,81 @@
+// satwalk-tool track and poi as whole processes: the exact objects printed.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace {
+
+struct ToolRun {
+    int status;
+    std::string out;
+};
+
+ToolRun Tool(const std::string& args) {
+    const std::string cmd = std::string(SATWALK_TOOL) + " " + args + " 2>/dev/null";
+    ToolRun r{};
+    FILE* p = popen(cmd.c_str(), "r");
+    char buffer[4096];
+    std::size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, p)) > 0) r.out.append(buffer, n);
+    r.status = WEXITSTATUS(pclose(p));
+    return r;
+}
+
+std::string Write(const std::string& name, const std::string& bytes) {
+    const std::string path = ::testing::TempDir() + name;
+    std::ofstream(path, std::ios::binary) << bytes;
+    return "'" + path + "'";
+}
+
+TEST(TrackCommand, PrintsThePointsTheReaderMakes) {
+    const std::string log = Write("20240501080000.log",
+                                  "120.150000,30.250000,,20240501 08:00:01,12.5,90.0,10.2\r\n"
+                                  "bad,line\r\n"
+                                  "abc,-30.5,,2024 5 1  8  0  9,,,\r\n");
+    const struct {
+        const char* args;
+        const char* out;
+    } cases[] = {
+        {"",
+         "{\"points\":[{\"longitude\":120.15,\"latitude\":30.25,\"time\":\"2024-05-01 08:00:01\"},"
+         "{\"longitude\":0,\"latitude\":-30.5,\"time\":\"2024-05-01 08:00:09\"}]}\n"},
+        {" --gpx",
+         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+         "<gpx version=\"1.1\" creator=\"Satwalk\" xmlns=\"http://www.topografix.com/GPX/1/1\">\n"
+         "<trk>\n<trkseg>\n"
+         "<trkpt lat=\"30.25\" lon=\"120.15\"><time>2024-05-01T00:00:01Z</time></trkpt>\n"
+         "<trkpt lat=\"-30.5\" lon=\"0\"><time>2024-05-01T00:00:09Z</time></trkpt>\n"
+         "</trkseg>\n</trk>\n</gpx>\n"},
+    };
+    setenv("TZ", "Asia/Shanghai", 1);  // local time is UTC+8 for the GPX times
+    for (const auto& c : cases) {
+        const ToolRun r = Tool("track " + log + c.args);
+        EXPECT_EQ(r.status, 0) << c.args;
+        EXPECT_EQ(r.out, c.out) << c.args;
+    }
+    unsetenv("TZ");
+    EXPECT_EQ(Tool("track /no/such.log").status, 1);
+    EXPECT_EQ(Tool("track").status, 2);
+}
+
+TEST(PoiCommand, PrintsWhatTheImportStores) {
+    const std::string gas = Write("gas station.csv",
+                                  ";lon,lat,name,note\r\n"
+                                  "120.1551,30.2599,\"Shell\" Beishan,24h\r\n"
+                                  "120.16,30.25,\xCE\xF7\xBA\xFE\r\n");  // GB18030
+    const ToolRun r = Tool("poi " + gas);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out,
+              "{\"category\":19,\"categoryName\":\"Gas Station\",\"points\":["
+              "{\"latitude\":30.2599,\"longitude\":120.1551,\"name\":\"Shell Beishan\","
+              "\"note\":\"24h\"},"
+              "{\"latitude\":30.25,\"longitude\":120.16,\"name\":\"西湖\",\"note\":\"\"}]}\n");
+    EXPECT_EQ(Tool("poi /no/such.csv").status, 1);
+}
+
+}  // namespace

@@ -1,0 +1,154 @@
+// The log reader on real and hostile logs, and viewing a log.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+#include "TrackState.h"
+#include "TrackTestSupport.h"
+
+namespace satwalk::track {
+namespace {
+
+using namespace std::string_literals;
+
+std::string Points(const std::string& bytes, std::size_t piece = 0) {
+    TrackLogParser parser;
+    std::string out;
+    const auto add = [&](const TrackLogPoint& p) {
+        char text[96];
+        std::snprintf(text, sizeof text, "%g,%g,%s;", p.longitude, p.latitude,
+                      FormatTrackTime(p.time).c_str());
+        out += text;
+    };
+    if (piece == 0)
+        piece = bytes.size() + 1;
+    for (std::size_t at = 0; at < bytes.size(); at += piece)
+        parser.Feed(bytes.data() + at, std::min(piece, bytes.size() - at), add);
+    return out;
+}
+
+const std::string kLine = "120.150000,30.250000,,20240501 08:00:01,12.5,90.0,10.2\r\n";
+
+TEST(TrackLogReader, HostileLogs) {
+    const std::string field258(258, 'x'), field259(259, 'x');
+    struct ReaderCase {
+        const char* name;
+        std::string bytes;
+        std::string points;
+    };
+    const ReaderCase cases[] = {
+        {"a recorded line", kLine, "120.15,30.25,2024-05-01 08:00:01;"},
+        {"empty altitude", "1,2,,20240501 08:00:01,0.5,90,\r\n", "1,2,2024-05-01 08:00:01;"},
+        {"empty file", "", ""},
+        {"three fields only", "1,2,\r\n1,2\r\n", ""},
+        {"non-numeric coordinates", "abc,x1,,20240501 08:00:01\r\n", "0,0,2024-05-01 08:00:01;"},
+        {"numbers read as atof reads", " +1.5e1x,-0x10,,20240501 08:00:01\r\n",
+         "15,-16,2024-05-01 08:00:01;"},
+        {"date-time ended by a bare line feed", "1,2,,20240501 08:00:01\n", ""},
+        {"last line without a line feed", kLine + "3,4,,20240502 09:00:00,",
+         "120.15,30.25,2024-05-01 08:00:01;3,4,2024-05-02 09:00:00;"},
+        {"last line cut inside the date-time", kLine + "3,4,,20240502 09",
+         "120.15,30.25,2024-05-01 08:00:01;"},
+        {"carriage returns only: one point at most",
+         "1,2,,20240501 08:00:01\r3,4,,20240501 08:00:02\r", "1,2,2024-05-01 08:00:01;"},
+        {"258-byte field is kept", "1,2," + field258 + ",20240501 08:00:01\r\n",
+         "1,2,2024-05-01 08:00:01;"},
+        {"259-byte field is dropped, later fields keep their numbers",
+         "1,2," + field259 + ",20240501 08:00:01\r\n", "1,2,2024-05-01 08:00:01;"},
+        {"259-byte longitude drops to what follows", field259 + "7,2,,20240501 08:00:01\r\n",
+         "7,2,2024-05-01 08:00:01;"},
+        {"megabyte line", std::string(1 << 20, '9') + ",2,,20240501 08:00:01\r\n",
+         "1e+144,2,2024-05-01 08:00:01;"},
+        {"NUL ends a field's text",
+         "1.5\0"
+         "99,2,,2024\0"
+         "0501 08:00:01\r\n"s,
+         "1.5,2,2024-00-00 00:00:00;"},
+        {"short and odd date-times", "1,2,,2024\r\n1,2,,-3 x5\r\n",
+         "1,2,2024-00-00 00:00:00;1,2,-003-05-00 00:00:00;"},
+        {"binary noise", "\xff\xfe\x01\x02,\x80\r\n\r\n,,,\r\n"s, "0,0,0000-00-00 00:00:00;"},
+    };
+    for (const ReaderCase& c : cases) {
+        EXPECT_EQ(Points(c.bytes), c.points) << c.name;
+        // Pieces of any size give the same points as the whole.
+        for (const std::size_t piece : {1u, 7u, 4096u})
+            ASSERT_EQ(Points(c.bytes, piece), c.points) << c.name << " in pieces of " << piece;
+    }
+}
+
+TrackProjections Projections(bool withMap) {
+    TrackProjections p;
+    p.world = [](double lat, double lon) { return MapXY{lon * 10, lat * 10}; };
+    if (withMap)
+        p.map = [](double lat, double lon) { return MapXY{lon, -lat}; };
+    return p;
+}
+
+TEST(TrackViewing, ViewRefuseRebuildAndClose) {
+    const std::string dir = test::ScratchFolder("view");
+    const std::string a = dir + "/a.log", b = dir + "/b.log";
+    test::WriteFile(a, kLine + kLine);
+    test::WriteFile(b, kLine);
+
+    TrackState state;
+    EXPECT_EQ(ViewTrackLog(state, a, "a.log", Projections(true)), ViewResult::Shown);
+    EXPECT_TRUE(state.trackViewOn);
+    EXPECT_EQ(state.viewedWorldTrail.Count(), 2u);
+    EXPECT_EQ(state.viewedMapTrail.Count(), 2u);
+    EXPECT_FLOAT_EQ(state.viewedWorldTrail.At(0).x, 1201.5f);
+    EXPECT_EQ(state.viewedWorldTrail.At(0).time, test::Time(2024, 5, 1, 8, 0, 1));
+
+    // A failed open keeps the view; the log being written is refused.
+    EXPECT_EQ(ViewTrackLog(state, dir + "/missing.log", "missing.log", Projections(true)),
+              ViewResult::OpenFailed);
+    EXPECT_EQ(ViewTrackLog(state, dir, "folder", Projections(true)), ViewResult::OpenFailed);
+    EXPECT_EQ(state.viewedTrackPath, a);
+    EXPECT_EQ(state.viewedWorldTrail.Count(), 2u);
+    state.trackFilePath = b;
+    EXPECT_EQ(ViewTrackLog(state, b, "b.log", Projections(true)), ViewResult::BeingWritten);
+
+    // The map changed: the viewed log is read again for it, and the live map
+    // trail is rebuilt from the log being written.
+    EXPECT_TRUE(ReadViewedTrack(state, Projections(false)));
+    EXPECT_EQ(state.viewedWorldTrail.Count(), 2u);
+    EXPECT_EQ(state.viewedMapTrail.Count(), 0u);
+    EXPECT_TRUE(RebuildLiveMapTrail(state, Projections(true)));
+    EXPECT_EQ(state.liveMapTrail.Count(), 1u);
+    EXPECT_EQ(state.liveWorldTrail.Count(), 0u);
+
+    CloseViewedTrack(state);
+    EXPECT_FALSE(state.trackViewOn);
+    EXPECT_TRUE(state.viewedTrackPath.empty());
+    EXPECT_TRUE(state.viewedWorldTrail.Empty());
+
+    StartFollowPause(state);
+    EXPECT_TRUE(state.followPaused);
+    EndFollowPause(state);
+    EXPECT_FALSE(state.followPaused);
+}
+
+TEST(TrackViewing, ProgressReportsTheWholeFile) {
+    const std::string dir = test::ScratchFolder("progress");
+    std::string log;
+    while (log.size() < (3u << 20)) log += kLine;
+    test::WriteFile(dir + "/big.log", log);
+    std::uint64_t last = 0, total = 0, calls = 0, points = 0;
+    ReadTrackLog(
+        dir + "/big.log", [&](const TrackLogPoint&) { ++points; },
+        [&](std::uint64_t done, std::uint64_t all) {
+            EXPECT_GT(done, last);
+            last = done;
+            total = all;
+            ++calls;
+        });
+    EXPECT_EQ(last, log.size());
+    EXPECT_EQ(total, log.size());
+    EXPECT_GE(calls, 3u);
+    EXPECT_EQ(points, log.size() / kLine.size());
+}
+
+}  // namespace
+}  // namespace satwalk::track

@@ -1,0 +1,161 @@
+// Recording: the log's name and lines, what each sample and tick does to
+// the file and the trails, and a disk that fills mid-line.
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <clocale>
+
+#include "TrackState.h"
+#include "TrackTestSupport.h"
+
+namespace satwalk::track {
+namespace {
+
+using test::ReadFile;
+using test::ScratchFolder;
+using test::Time;
+
+const TrackTime kStart = Time(2007, 3, 15, 14, 25, 30);
+
+TEST(TrackLogFile, NameAndLines) {
+    EXPECT_EQ(TrackFilePath("/logs/Track Log", kStart), "/logs/Track Log/20070315142530.log");
+    EXPECT_EQ(TrackFileName(Time(2026, 1, 2, 3, 4, 5)), "20260102030405.log");
+
+    struct LineCase {
+        double lon, lat;
+        const char *speed, *course, *altitude, *line;
+    };
+    const LineCase cases[] = {
+        {12.5, -33.25, "0.52", "123.40", "35.2",
+         "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"},
+        {-0.1234565, 51.5, "", "", "", "-0.123456,51.500000,,20070315 14:25:30,,,\r\n"},
+        {120.15, 30.25, "10.0", "90.0", "",
+         "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"},
+    };
+    // The line is the same whatever the user's locale says about decimals.
+    const bool german = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
+    for (const LineCase& c : cases)
+        EXPECT_EQ(FormatTrackLine(c.lon, c.lat, kStart, c.speed, c.course, c.altitude), c.line)
+            << "german locale: " << german;
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(FormatTrackLine(1e300, 0, kStart, "", "", "").size(), kTrackLineMax);
+}
+
+TrackSample Sample(bool fix, bool world, bool map, int second = 30) {
+    TrackSample s;
+    s.time = Time(2007, 3, 15, 14, 25, second);
+    s.fixValid = fix;
+    s.longitude = 12.5;
+    s.latitude = -33.25;
+    s.speedKnots = "0.52";
+    s.course = "123.40";
+    s.altitude = "35.2";
+    s.worldValid = world;
+    s.worldX = 10;
+    s.worldY = 20;
+    s.mapValid = map;
+    s.mapX = 30;
+    s.mapY = 40;
+    return s;
+}
+
+TEST(TrackRecording, SamplesGoToTheFileAndTheTrails) {
+    struct SampleCase {
+        const char* name;
+        bool recording, fix, world, map;
+        std::size_t lines, worldPoints, mapPoints;
+        bool fileExists;
+    };
+    const SampleCase cases[] = {
+        {"recording with a fix", true, true, true, true, 1, 1, 1, true},
+        {"no fix: the file is made, no line", true, false, true, false, 0, 1, 0, true},
+        {"not recording", false, true, true, true, 0, 1, 1, false},
+        {"no calibrated map", true, true, true, false, 1, 1, 0, true},
+        {"position not converted", true, true, false, false, 1, 0, 0, true},
+    };
+    for (const SampleCase& c : cases) {
+        TrackState state;
+        state.trackFolder = ScratchFolder("samples");
+        state.trackLogOn = c.recording;
+        StartTrackLog(state, Sample(c.fix, c.world, c.map));
+        const std::string path = state.trackFolder + "/20070315142530.log";
+        const std::string text = ReadFile(path);
+        EXPECT_EQ(access(path.c_str(), F_OK) == 0, c.fileExists) << c.name;
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), static_cast<long>(c.lines)) << c.name;
+        EXPECT_EQ(state.liveWorldTrail.Count(), c.worldPoints) << c.name;
+        EXPECT_EQ(state.liveMapTrail.Count(), c.mapPoints) << c.name;
+    }
+}
+
+TEST(TrackRecording, TicksCommandsAndTheLinkStopping) {
+    TrackState state;
+    state.trackFolder = ScratchFolder("ticks");
+    const std::string path = state.trackFolder + "/20070315142530.log";
+
+    // Switched on while the link is down: nothing is written until it starts.
+    EXPECT_FALSE(OnSaveTrackLogCommand(state, false, Sample(true, true, false)));
+    EXPECT_TRUE(state.trackLogOn);
+    EXPECT_TRUE(state.trackFilePath.empty());
+    OnLinkStarted(state, Sample(true, true, false));
+    EXPECT_EQ(state.trackFilePath, path);
+
+    EXPECT_TRUE(OnTrackTick(state, true, Sample(true, true, false, 40)));
+    EXPECT_TRUE(OnTrackTick(state, true, Sample(false, true, false, 50)));  // no fix: no sample
+    EXPECT_EQ(state.liveWorldTrail.Count(), 2u);
+    EXPECT_EQ(ReadFile(path),
+              "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"
+              "12.500000,-33.250000,,20070315 14:25:40,0.52,123.40,35.2\r\n");
+
+    // A second start within the same second appends to the same file.
+    EXPECT_FALSE(OnSaveTrackLogCommand(state, true, Sample(true, true, false)));
+    EXPECT_FALSE(state.trackLogOn);
+    EXPECT_TRUE(OnSaveTrackLogCommand(state, true, Sample(true, true, false)));
+    const std::string three = ReadFile(path);
+    EXPECT_EQ(std::count(three.begin(), three.end(), '\n'), 3);
+
+    // The link stopped: recording ends and does not come back by itself.
+    EXPECT_FALSE(OnTrackTick(state, false, Sample(true, true, false)));
+    EXPECT_FALSE(state.trackLogOn);
+    EXPECT_TRUE(state.trackFilePath.empty());
+    EXPECT_TRUE(state.liveWorldTrail.Empty());
+    OnLinkStarted(state, Sample(true, true, false, 59));
+    EXPECT_TRUE(state.trackFilePath.empty());
+}
+
+// In a child: a file-size limit stands for a disk that fills up.
+void AppendOnAFullDisk(const std::string& path, const std::string& line, rlim_t room) {
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{room, room};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::exit(AppendTrackLine(path, line) == TrackWrite::NotWritten ? 3 : 4);
+}
+
+TEST(TrackRecording, UnwritableLogsLoseNothing) {
+    const std::string dir = ScratchFolder("unwritable");
+    const std::string fifo = dir + "/fifo.log";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0644), 0);
+    const std::string line = "1.000000,2.000000,,20070315 14:25:30,,,\r\n";
+    EXPECT_EQ(AppendTrackLine(dir + "/missing/x.log", line), TrackWrite::NotOpened);
+    EXPECT_EQ(AppendTrackLine(fifo, line), TrackWrite::NotOpened);  // and no hang
+
+    // A disk that fills mid-line: the file keeps exactly its earlier lines.
+    const std::string path = dir + "/full.log";
+    test::WriteFile(path, std::string(100, 'x') + "\r\n");
+    EXPECT_EXIT(AppendOnAFullDisk(path, line, 120), ::testing::ExitedWithCode(3), "");
+    EXPECT_EQ(ReadFile(path), std::string(100, 'x') + "\r\n");
+
+    // The trails go on when the log cannot be written.
+    TrackState state;
+    state.trackFolder = dir + "/missing";
+    state.trackLogOn = true;
+    StartTrackLog(state, Sample(true, true, true));
+    EXPECT_EQ(state.lastWrite, TrackWrite::NotOpened);
+    EXPECT_EQ(state.liveWorldTrail.Count(), 1u);
+}
+
+}  // namespace
+}  // namespace satwalk::track

@@ -1,0 +1,276 @@
+// satwalk-tool map: a reference-point file through the calibration, with
+// conversions on request and how far each reference point lands from where
+// it was stated, as one JSON object.
+#include <unistd.h>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "MapGeometry.h"
+#include "ReferencePoints.h"
+#include "ToolCommands.h"
+
+namespace satwalk::tools {
+
+namespace {
+
+using map::GeoPoint;
+
+constexpr const char* kMapUsage =
+    "usage: satwalk-tool map --rpt FILE --size WxH [--to-geo X,Y]... [--to-image LAT,LON]...\n"
+    "                        [--northing LAT]... [--view-scale KM] [--scale-bar PX]\n"
+    "  Reads a reference-point file, calibrates an image of the given size and prints\n"
+    "  the calibration, the map's extent, the requested conversions and each active\n"
+    "  point's residual in metres as one JSON object.\n"
+    "  --to-geo X,Y        image pixel to latitude and longitude (repeatable)\n"
+    "  --to-image LAT,LON  latitude and longitude to image pixel (repeatable)\n"
+    "  --northing LAT      world-view northing of a latitude (repeatable)\n"
+    "  --view-scale KM     kilometres the scale bar stands for (default 1)\n"
+    "  --scale-bar PX      length of the scale bar in pixels (default 100)\n";
+
+bool ParseDouble(std::string_view text, double& out) {
+    const auto r = std::from_chars(text.data(), text.data() + text.size(), out);
+    return r.ec == std::errc() && r.ptr == text.data() + text.size() && std::isfinite(out);
+}
+
+bool ParseInt(std::string_view text, int& out) {
+    const auto r = std::from_chars(text.data(), text.data() + text.size(), out);
+    return r.ec == std::errc() && r.ptr == text.data() + text.size();
+}
+
+bool ParsePair(std::string_view text, char separator, double& a, double& b) {
+    const std::size_t at = text.find(separator);
+    return at != std::string_view::npos && ParseDouble(text.substr(0, at), a) &&
+           ParseDouble(text.substr(at + 1), b);
+}
+
+bool ParseSize(std::string_view text, map::ImageSize& size) {
+    const std::size_t at = text.find_first_of("xX");
+    return at != std::string_view::npos && ParseInt(text.substr(0, at), size.width) &&
+           ParseInt(text.substr(at + 1), size.height) && size.width >= 0 && size.height >= 0;
+}
+
+// Doubles with 17 significant digits, so that they read back to the same
+// value; anything non-finite is null.
+void Number(std::string& out, double v) {
+    if (!std::isfinite(v)) {
+        out += "null";
+        return;
+    }
+    char buf[40];
+    const auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 17);
+    out.append(buf, r.ptr);
+}
+
+void Member(std::string& out, const char* name) {
+    if (out.back() != '{' && out.back() != '[')
+        out += ',';
+    out += '"';
+    out += name;
+    out += "\":";
+}
+
+void NumberMember(std::string& out, const char* name, double v) {
+    Member(out, name);
+    Number(out, v);
+}
+
+void Table(std::string& out, const char* name, const std::array<double, map::kPairCount + 1>& t) {
+    Member(out, name);
+    out += '[';
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        if (i)
+            out += ',';
+        Number(out, t[i]);
+    }
+    out += ']';
+}
+
+void Position(std::string& out, const char* name, const GeoPoint& p, bool present) {
+    Member(out, name);
+    if (!present) {
+        out += "null";
+        return;
+    }
+    out += '{';
+    NumberMember(out, "latitude", p.latitude);
+    NumberMember(out, "longitude", p.longitude);
+    out += '}';
+}
+
+struct Request {
+    double a = 0.0;
+    double b = 0.0;
+};
+
+}  // namespace
+
+int RunMap(int argc, char** argv) {
+    const char* rpt = nullptr;
+    map::ImageSize size{-1, -1};
+    std::vector<Request> toGeo, toImage;
+    std::vector<double> northing;
+    double viewScale = 1.0;
+    int scaleBar = 100;
+    for (int i = 0; i < argc; ++i) {
+        const std::string_view arg = argv[i];
+        if (arg == "-h" || arg == "--help") {
+            std::fputs(kMapUsage, stdout);
+            return 0;
+        }
+        const bool takesValue = arg == "--rpt" || arg == "--size" || arg == "--to-geo" ||
+                                arg == "--to-image" || arg == "--northing" ||
+                                arg == "--view-scale" || arg == "--scale-bar";
+        if (!takesValue) {
+            std::fprintf(stderr, "satwalk-tool map: unknown argument %s\n%s", argv[i], kMapUsage);
+            return 2;
+        }
+        if (i + 1 >= argc) {
+            std::fprintf(stderr, "satwalk-tool map: %s needs a value\n%s", argv[i], kMapUsage);
+            return 2;
+        }
+        const std::string_view value = argv[++i];
+        Request r;
+        double d = 0.0;
+        bool ok = true;
+        if (arg == "--rpt") {
+            rpt = argv[i];
+        } else if (arg == "--size") {
+            ok = ParseSize(value, size);
+        } else if (arg == "--to-geo") {
+            ok = ParsePair(value, ',', r.a, r.b);
+            toGeo.push_back(r);
+        } else if (arg == "--to-image") {
+            ok = ParsePair(value, ',', r.a, r.b);
+            toImage.push_back(r);
+        } else if (arg == "--northing") {
+            ok = ParseDouble(value, d);
+            northing.push_back(d);
+        } else if (arg == "--view-scale") {
+            ok = ParseDouble(value, viewScale) && viewScale > 0.0;
+        } else {
+            ok = ParseInt(value, scaleBar) && scaleBar > 0;
+        }
+        if (!ok) {
+            std::fprintf(stderr, "satwalk-tool map: bad value for %s: %s\n%s", argv[i - 1], argv[i],
+                         kMapUsage);
+            return 2;
+        }
+    }
+    if (rpt == nullptr || size.width < 0) {
+        std::fprintf(stderr, "satwalk-tool map: --rpt and --size are required\n%s", kMapUsage);
+        return 2;
+    }
+
+    map::ReferencePoints slots;
+    int active = 0;
+    const map::ReferenceRead read = map::ReadReferenceFile(rpt, slots, active);
+    if (read != map::ReferenceRead::Read) {
+        const int err = errno;
+        std::fprintf(stderr, "satwalk-tool map: cannot %s %s: %s\n",
+                     read == map::ReferenceRead::NotOpened ? "open" : "read", rpt,
+                     read == map::ReferenceRead::NotOpened ? std::strerror(err)
+                                                           : "not a readable regular file");
+        return 2;
+    }
+
+    const map::MapCalibration calibration = map::ComputeCalibration(slots);
+    const bool calibrated = calibration.IsValid();
+    map::MapExtent extent;
+    if (calibrated)
+        map::ComputeMapExtent(calibration, size, extent);
+
+    std::string out = "{";
+    Member(out, "slots");
+    out += '[';
+    for (const GeoPoint& s : slots) {
+        if (out.back() != '[')
+            out += ',';
+        out += "{\"valid\":";
+        out += std::to_string(s.valid);
+        NumberMember(out, "latitude", s.latitude);
+        NumberMember(out, "longitude", s.longitude);
+        NumberMember(out, "imageX", s.imageX);
+        NumberMember(out, "imageY", s.imageY);
+        out += '}';
+    }
+    out += ']';
+    Member(out, "activeReferenceCount");
+    out += std::to_string(active);
+    Member(out, "calibrated");
+    out += calibrated ? "true" : "false";
+    Table(out, "latPerPixel", calibration.latPerPixel);
+    Table(out, "lonPerPixel", calibration.lonPerPixel);
+    Position(out, "mapTopLeft", extent.topLeft, calibrated);
+    Position(out, "mapBottomRight", extent.bottomRight, calibrated);
+    Position(out, "mapCentre", extent.centre, calibrated);
+
+    Member(out, "toGeo");
+    out += '[';
+    for (const Request& r : toGeo) {
+        GeoPoint p;
+        p.imageX = r.a;
+        p.imageY = r.b;
+        map::ImageToGeo(calibration, p);
+        out += out.back() == '[' ? "{" : ",{";
+        NumberMember(out, "imageX", r.a);
+        NumberMember(out, "imageY", r.b);
+        NumberMember(out, "latitude", p.latitude);
+        NumberMember(out, "longitude", p.longitude);
+        out += '}';
+    }
+    out += ']';
+
+    Member(out, "toImage");
+    out += '[';
+    for (const Request& r : toImage) {
+        GeoPoint p;
+        const map::PointF px = map::GeoToImage(calibration, p, r.a, r.b);
+        out += out.back() == '[' ? "{" : ",{";
+        NumberMember(out, "latitude", r.a);
+        NumberMember(out, "longitude", r.b);
+        NumberMember(out, "imageX", px.x);
+        NumberMember(out, "imageY", px.y);
+        out += '}';
+    }
+    out += ']';
+
+    Member(out, "northing");
+    out += '[';
+    for (double lat : northing) {
+        out += out.back() == '[' ? "{" : ",{";
+        NumberMember(out, "latitude", lat);
+        NumberMember(out, "value", map::MercatorNorthing(lat, viewScale, scaleBar));
+        out += '}';
+    }
+    out += ']';
+
+    // How far the calibration puts each active point's pixel from the
+    // position stated for it.
+    Member(out, "residualsMetres");
+    if (calibrated) {
+        out += '[';
+        for (const GeoPoint& s : slots) {
+            if (s.valid != 1)
+                continue;
+            GeoPoint p = s;
+            map::ImageToGeo(calibration, p);
+            if (out.back() != '[')
+                out += ',';
+            Number(out,
+                   map::GroundDistanceMetres(s.latitude, s.longitude, p.latitude, p.longitude));
+        }
+        out += ']';
+    } else {
+        out += "null";
+    }
+    out += "}\n";
+    return WriteAll(STDOUT_FILENO, out) ? 0 : 1;
+}
+
+}  // namespace satwalk::tools
