@@ -29,12 +29,9 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"decode", satwalk::tools::RunDecode},
-    {"replay", satwalk::tools::RunReplay},
-    {"log", satwalk::tools::RunLog},
-    {"map", satwalk::tools::RunMap},
-    {"track", satwalk::tools::RunTrack},
-    {"poi", satwalk::tools::RunPoi},
+    {"decode", satwalk::tools::RunDecode}, {"replay", satwalk::tools::RunReplay},
+    {"log", satwalk::tools::RunLog},       {"map", satwalk::tools::RunMap},
+    {"track", satwalk::tools::RunTrack},   {"poi", satwalk::tools::RunPoi},
 };
 
 }  // namespace

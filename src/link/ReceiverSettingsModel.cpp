@@ -107,8 +107,10 @@ ReceiverSettingsDialog OpenReceiverSettings(const ReceiverSettings& s,
     FillDeviceCombo(d.devices, s.table);
     d.devices.selection = DeviceRow(s.table, s.chosen);
 
-    for (const std::uint32_t rate : common::kBaudRates) d.bauds.entries.push_back(std::to_string(rate));
-    d.bauds.selection = s.baudIndex < std::size(common::kBaudRates) ? static_cast<int>(s.baudIndex) : 0;
+    for (const std::uint32_t rate : common::kBaudRates)
+        d.bauds.entries.push_back(std::to_string(rate));
+    d.bauds.selection =
+        s.baudIndex < std::size(common::kBaudRates) ? static_cast<int>(s.baudIndex) : 0;
 
     for (int n = 0; n < kPortCount; ++n) {
         const PortSlot slot = n < static_cast<int>(portSlots.size())
@@ -151,7 +153,8 @@ void SelectPort(ReceiverSettingsDialog& d, int index) {
 
 void AcceptReceiverSettings(ReceiverSettingsDialog& d, ReceiverSettings& s) {
     s.comPort = static_cast<std::uint32_t>(d.pendingPort);
-    if (d.bauds.selection >= 0 && d.bauds.selection < static_cast<int>(std::size(common::kBaudRates)))
+    if (d.bauds.selection >= 0 &&
+        d.bauds.selection < static_cast<int>(std::size(common::kBaudRates)))
         s.baudIndex = static_cast<std::uint32_t>(d.bauds.selection);
     s.bluetoothReceiver = d.autoSearch;
     s.linkBaud = common::kBaudRates[s.baudIndex];

@@ -24,8 +24,8 @@ TrackSample SampleFromFix(const gps::GpsState& fix, bool fixValid, const TrackTi
     s.fixValid = fixValid;
     gps::GpsState copy = fix;  // NmeaToDegrees wants terminated texts
     copy.TerminateTexts();
-    common::NmeaToDegrees(copy.latitude, copy.northSouth, copy.longitude, copy.eastWest, &s.latitude,
-                       &s.longitude);
+    common::NmeaToDegrees(copy.latitude, copy.northSouth, copy.longitude, copy.eastWest,
+                          &s.latitude, &s.longitude);
     s.speedKnots = Text(fix.speedKnots, sizeof fix.speedKnots);
     s.course = Text(fix.course, sizeof fix.course);
     s.altitude = Text(fix.altitude, sizeof fix.altitude);
