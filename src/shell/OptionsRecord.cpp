@@ -204,9 +204,12 @@ int WriteOptionsFile(const std::string& path, const OptionsRecord& record, int a
 
 std::string WideSlotToUtf8(const char16_t* slot, std::size_t chars) {
     std::string out;
-    for (std::size_t i = 0; i < chars && slot[i] != 0; ++i) {
+    // The last unit of a slot is its terminator's place: a slot filled to
+    // the end reads as the text a save would write back, so settings survive
+    // any number of loads and saves unchanged.
+    for (std::size_t i = 0; i + 1 < chars && slot[i] != 0; ++i) {
         char32_t c = slot[i];
-        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < chars && slot[i + 1] >= 0xDC00 &&
+        if (c >= 0xD800 && c <= 0xDBFF && i + 2 < chars && slot[i + 1] >= 0xDC00 &&
             slot[i + 1] <= 0xDFFF) {
             c = 0x10000 + ((c - 0xD800) << 10) + (slot[i + 1] - 0xDC00);
             ++i;

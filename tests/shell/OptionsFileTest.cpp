@@ -245,11 +245,22 @@ TEST(OptionsRecordTest, PathWithoutTerminatorIsCutAtItsSlot) {
     for (char16_t& c : r.recentMaps[0]) c = u'y';
     ProgramSettings s;
     SettingsFromRecord(r, s);
-    EXPECT_EQ(s.storageRoot, std::string(kPathChars, 'x'));
-    // Written back, the slot keeps room for its terminator.
+    // The last unit is the terminator's place, so a load and a save agree.
+    EXPECT_EQ(s.storageRoot, std::string(kPathChars - 1, 'x'));
     RecordFromSettings(s, r);
     EXPECT_EQ(r.storageLocation[kPathChars - 1], 0);
     EXPECT_EQ(r.storageLocation[kPathChars - 2], u'x');
+    ProgramSettings again;
+    SettingsFromRecord(r, again);
+    EXPECT_EQ(again.storageRoot, s.storageRoot);
+    // A surrogate pair that would straddle the terminator's place is cut whole.
+    for (char16_t& c : r.storageLocation) c = u'z';
+    r.storageLocation[kPathChars - 2] = 0xD83D;
+    r.storageLocation[kPathChars - 1] = 0xDE00;
+    SettingsFromRecord(r, s);
+    RecordFromSettings(s, r);
+    SettingsFromRecord(r, again);
+    EXPECT_EQ(again.storageRoot, s.storageRoot);
 }
 
 TEST(StorageTest, FallsBackToDocumentsAndBuildsTheTree) {
