@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 
+#include "FileBrowser.h"
 #include "MainWindow.h"
 
 namespace satwalk::app {
@@ -42,6 +43,17 @@ class TestHooks final : public shell::Feature {
 
     void Register(shell::FeatureRegistry& registry) override {
         registry.AddCommand(kTestFormCommand, {[this](int) { OpenForm(); }, {}});
+        for (int mode = browser::kBrowseMaps; mode <= browser::kBrowsePoi; ++mode) {
+            registry.AddCommand(
+                kTestBrowserCommand + mode - browser::kBrowseMaps,
+                {[this, mode](int) {
+                     browser::qt::ChooseFile(
+                         window_.dialogs(), mode, 40118, [this](const std::string& path) {
+                             Tell(QStringLiteral("chosen ") + QString::fromStdString(path));
+                         });
+                 },
+                 {}});
+        }
     }
 
   private:

@@ -6,6 +6,7 @@
 //
 //   49900  a small form: label 901, edit 902, check box 903 (enables 902),
 //          list 904 of three entries
+//   49901..49903  the file browser in mode 1..3; tells "chosen PATH"
 #pragma once
 
 #include <memory>
@@ -17,6 +18,7 @@ namespace satwalk::app {
 class MainWindow;
 
 inline constexpr int kTestFormCommand = 49900;
+inline constexpr int kTestBrowserCommand = 49901;  // to 49903
 
 // Null unless SATWALK_TEST_HOOKS is set.
 std::unique_ptr<shell::Feature> MakeTestHooks(MainWindow& window);
