@@ -34,8 +34,8 @@ class FileBrowserTest : public ::testing::Test {
         const struct {
             const char* name;
             std::uintmax_t size;
-        } files[] = {{"MAP.Bmp", 10},          {"photo.jpeg", 5},    {"b.png", 1536},
-                     {"c.GIF", 0},             {"track.log", 2000},  {"poi.csv", 150 * 1024},
+        } files[] = {{"MAP.Bmp", 10},       {"photo.jpeg", 5},   {"b.png", 1536},
+                     {"c.GIF", 0},          {"track.log", 2000}, {"poi.csv", 150 * 1024},
                      {"big.jpg", 15u << 20}};
         for (const auto& f : files) {
             std::ofstream(root_ / "maps" / f.name).put('x');
@@ -55,8 +55,8 @@ class FileBrowserTest : public ::testing::Test {
 
     FileBrowser* Open(int mode, const std::string& folder) {
         chosen_.reset();
-        FileBrowser* b = ChooseFile(stack_, mode, 40118,
-                                    [this](const std::string& path) { chosen_ = path; }, folder);
+        FileBrowser* b = ChooseFile(
+            stack_, mode, 40118, [this](const std::string& path) { chosen_ = path; }, folder);
         b->ListFolder(folder);  // the folder of the last use does not count here
         return b;
     }
@@ -127,9 +127,12 @@ TEST_F(FileBrowserTest, WalkingTheTree) {
         std::string folder;
         const char* selected;
     } steps[] = {
-        {OpenSub, Maps() + "/sub", ".."},  {Back, Maps(), "sub"},
-        {UpKey, top, "maps"},              {EnterKey, Maps(), ".."},
-        {OpenSub, Maps() + "/sub", ".."},  {Escape, Maps(), "sub"},
+        {OpenSub, Maps() + "/sub", ".."},
+        {Back, Maps(), "sub"},
+        {UpKey, top, "maps"},
+        {EnterKey, Maps(), ".."},
+        {OpenSub, Maps() + "/sub", ".."},
+        {Escape, Maps(), "sub"},
         {TapDotDot, top, "maps"},
     };
     for (const auto& s : steps) {
@@ -180,13 +183,10 @@ TEST_F(FileBrowserTest, ChoosingAFile) {
         std::string path;
         bool chosen;
     } cases[] = {
-        {"choose", Maps() + "/MAP.Bmp", true},
-        {"choose", Maps() + "/../maps/./b.png", true},
+        {"choose", Maps() + "/MAP.Bmp", true},     {"choose", Maps() + "/../maps/./b.png", true},
         {"choose", Maps() + "/photo.jpeg", false},  // not a map: not listed
-        {"choose", Maps() + "/gone.png", false},
-        {"enter", Maps() + "/c.GIF", true},
-        {"tap", Maps() + "/big.jpg", true},
-        {"cancel", "", false},
+        {"choose", Maps() + "/gone.png", false},   {"enter", Maps() + "/c.GIF", true},
+        {"tap", Maps() + "/big.jpg", true},        {"cancel", "", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.how) + " " + c.path);
@@ -221,11 +221,12 @@ TEST_F(FileBrowserTest, StateNamesTheFolderAndRows) {
     std::string out = "{";
     common::JsonMembers m(out);
     b->WriteExtraState(m);
-    EXPECT_EQ(out, "{\"mode\":3,\"folder\":\"" + Maps() +
-                       "\",\"filter\":\"POI [*.csv]\",\"rows\":[{\"name\":\"..\",\"sizeText\":"
-                       "\"\",\"isFolder\":true},{\"name\":\"Alpha\",\"sizeText\":\"\","
-                       "\"isFolder\":true},{\"name\":\"poi.csv\",\"sizeText\":\"150K\","
-                       "\"isFolder\":false},{\"name\":\"sub\",\"sizeText\":\"\",\"isFolder\":true}]");
+    EXPECT_EQ(out,
+              "{\"mode\":3,\"folder\":\"" + Maps() +
+                  "\",\"filter\":\"POI [*.csv]\",\"rows\":[{\"name\":\"..\",\"sizeText\":"
+                  "\"\",\"isFolder\":true},{\"name\":\"Alpha\",\"sizeText\":\"\","
+                  "\"isFolder\":true},{\"name\":\"poi.csv\",\"sizeText\":\"150K\","
+                  "\"isFolder\":false},{\"name\":\"sub\",\"sizeText\":\"\",\"isFolder\":true}]");
 }
 
 }  // namespace

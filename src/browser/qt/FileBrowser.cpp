@@ -48,16 +48,16 @@ class PathLabel final : public QLabel {
 // The system's icons for folders and for files by their extension, asked
 // once per kind and size: a folder of thousands of photos costs one look-up.
 // Without a desktop (no icon theme named) the installed Adwaita theme stands
-// in when there is one, asked by the file's type; each icon is drawn from its largest picture so that
-// every row's icon has the same size and sharpness.
+// in when there is one, asked by the file's type; each icon is drawn from its largest picture so
+// that every row's icon has the same size and sharpness.
 class IconCache {
   public:
     IconCache() {
         if (!QIcon::themeName().isEmpty())
             return;
-        const QStringList folders = QStandardPaths::locateAll(
-            QStandardPaths::GenericDataLocation, QStringLiteral("icons"),
-            QStandardPaths::LocateDirectory);
+        const QStringList folders =
+            QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QStringLiteral("icons"),
+                                      QStandardPaths::LocateDirectory);
         for (const QString& folder : folders) {
             if (QFileInfo::exists(folder + QStringLiteral("/Adwaita/index.theme"))) {
                 QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() + folders);
@@ -84,12 +84,12 @@ class IconCache {
             if (icon.isNull())
                 icon = provider_.icon(info);
             if (icon.isNull())
-                icon = provider_.icon(isFolder ? QFileIconProvider::Folder
-                                               : QFileIconProvider::File);
+                icon =
+                    provider_.icon(isFolder ? QFileIconProvider::Folder : QFileIconProvider::File);
             const QPixmap largest = icon.pixmap(icon.actualSize(QSize(256, 256)));
             if (!largest.isNull()) {
-                icon = QIcon(largest.scaled(size, size, Qt::KeepAspectRatio,
-                                            Qt::SmoothTransformation));
+                icon = QIcon(
+                    largest.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
             }
             it = icons_.emplace(key, icon).first;
         }
@@ -165,9 +165,9 @@ FileBrowser::FileBrowser(shell::qt::DialogStack& stack, int mode, const QString&
     AddControl(kFilterLabel, shell::ControlKind::Label, filter);
     layout->addWidget(filter);
 
-    SetSoftKeys({QString::fromUtf8(common::LoadString(40200)), [this] { GoUp(); }, true},
-                {QString::fromUtf8(common::LoadString(common::kStrCancel)), [this] { Reject(); },
-                 true});
+    SetSoftKeys(
+        {QString::fromUtf8(common::LoadString(40200)), [this] { GoUp(); }, true},
+        {QString::fromUtf8(common::LoadString(common::kStrCancel)), [this] { Reject(); }, true});
     ListFolder(folder.empty() ? std::string("/") : folder);
 }
 
@@ -188,8 +188,8 @@ void FileBrowser::ListFolder(const std::string& folder, const std::string& cameF
         item->setText(1, FromUtf8(row.sizeText));
         item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
         // ".." wears the icon of the folder it stands in.
-        item->setIcon(0, Icons().For(row.isUp ? folder : ChildPath(folder, row.name),
-                                     row.isFolder, list_->iconSize().width()));
+        item->setIcon(0, Icons().For(row.isUp ? folder : ChildPath(folder, row.name), row.isFolder,
+                                     list_->iconSize().width()));
         items << item;
     }
     list_->addTopLevelItems(items);
@@ -230,9 +230,8 @@ int FileBrowser::currentRow() const {
 }
 
 bool FileBrowser::Choose(const std::string& path, std::string& error) {
-    const QString absolute =
-        QDir::cleanPath(QFileInfo(QFile::decodeName(QByteArray::fromStdString(path)))
-                            .absoluteFilePath());
+    const QString absolute = QDir::cleanPath(
+        QFileInfo(QFile::decodeName(QByteArray::fromStdString(path))).absoluteFilePath());
     const std::string full = QFile::encodeName(absolute).toStdString();
     const std::string name(FolderName(full));
     if (name.empty()) {
@@ -312,8 +311,8 @@ FileBrowser* ChooseFile(shell::qt::DialogStack& stack, int mode, int titleString
     std::string folder = LastFolder();
     if (folder.empty() || !QFileInfo(QFile::decodeName(QByteArray::fromStdString(folder))).isDir())
         folder = startFolder.empty() ? std::string("/") : startFolder;
-    auto* browser = new FileBrowser(stack, mode, QString::fromUtf8(common::LoadString(titleStringId)),
-                                    folder);
+    auto* browser =
+        new FileBrowser(stack, mode, QString::fromUtf8(common::LoadString(titleStringId)), folder);
     browser->onFinished = [browser, chosen = std::move(chosen)](shell::qt::DialogResult result) {
         if (result == shell::qt::DialogResult::Ok && chosen)
             chosen(browser->chosenPath());
