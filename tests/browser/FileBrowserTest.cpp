@@ -216,19 +216,6 @@ TEST_F(FileBrowserTest, ChoosingAFile) {
     }
 }
 
-TEST_F(FileBrowserTest, StateNamesTheFolderAndRows) {
-    FileBrowser* b = Open(kBrowsePoi, Maps());
-    std::string out = "{";
-    common::JsonMembers m(out);
-    b->WriteExtraState(m);
-    EXPECT_EQ(out,
-              "{\"mode\":3,\"folder\":\"" + Maps() +
-                  "\",\"filter\":\"POI [*.csv]\",\"rows\":[{\"name\":\"..\",\"sizeText\":"
-                  "\"\",\"isFolder\":true},{\"name\":\"Alpha\",\"sizeText\":\"\","
-                  "\"isFolder\":true},{\"name\":\"poi.csv\",\"sizeText\":\"150K\","
-                  "\"isFolder\":false},{\"name\":\"sub\",\"sizeText\":\"\",\"isFolder\":true}]");
-}
-
 }  // namespace
 }  // namespace satwalk::browser::qt
 

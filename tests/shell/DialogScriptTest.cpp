@@ -58,6 +58,8 @@ TEST_F(ScriptRunTest, WaysToEndADialog) {
     }
 }
 
+// The values each kind of control takes are the core's; here what only the
+// running program knows.
 TEST_F(ScriptRunTest, DialogStepsThatDoNotFitFail) {
     const struct {
         const char* lines;
@@ -65,9 +67,6 @@ TEST_F(ScriptRunTest, DialogStepsThatDoNotFitFail) {
     } cases[] = {
         {"set 902 x", "no dialog is open"},
         {"command 49900\nset 999 1", "has no control 999"},
-        {"command 49900\nset 903 2", "takes 0 or 1"},
-        {"command 49900\nset 904 3", "has no entry 3"},
-        {"command 49900\nset 901 x", "takes no value"},
         {"command 49900\nset 903 0\nset 902 x", "is greyed"},
         {"command 49900\nchoose /tmp/a.png", "file browser"},
     };

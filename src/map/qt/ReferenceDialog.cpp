@@ -58,8 +58,8 @@ ReferenceDialog::ReferenceDialog(shell::qt::DialogStack& stack, int slot, const 
     layout->setContentsMargins(b / 5, b / 5, b / 5, 0);
     layout->setSpacing(b / 3);
 
-    active_ = AddCheckBox(
-        1013, FromStd(ActivateCheckBoxText(common::LoadString(kActivateText), slot)));
+    active_ =
+        AddCheckBox(1013, FromStd(ActivateCheckBoxText(common::LoadString(kActivateText), slot)));
     layout->addWidget(active_);
 
     // The two groups one above the other, or side by side when the screen
@@ -73,8 +73,8 @@ ReferenceDialog::ReferenceDialog(shell::qt::DialogStack& stack, int slot, const 
         grid->setHorizontalSpacing(b / 3);
         grid->setVerticalSpacing(b / 5);
         grid->setColumnStretch(1, 1);
-        grid->addWidget(AddLabel(half.hemisphereLabel, QString::fromUtf8(half.hemisphereText)),
-                        0, 0);
+        grid->addWidget(AddLabel(half.hemisphereLabel, QString::fromUtf8(half.hemisphereText)), 0,
+                        0);
         hemisphere_[h] = AddList(half.list, {Text(half.entries[0]), Text(half.entries[1])});
         grid->addWidget(hemisphere_[h], 0, 1);
         for (int u = 0; u < 3; ++u) {
@@ -150,9 +150,8 @@ void ReferenceDialog::EnableFields(bool enabled) {
 
 void ReferenceDialog::resizeEvent(QResizeEvent* event) {
     FullScreenDialog::resizeEvent(event);
-    groups_->setDirection(event->size().width() > event->size().height()
-                              ? QBoxLayout::LeftToRight
-                              : QBoxLayout::TopToBottom);
+    groups_->setDirection(event->size().width() > event->size().height() ? QBoxLayout::LeftToRight
+                                                                         : QBoxLayout::TopToBottom);
 }
 
 ReferenceDialog* OpenReferencePointDialog(
