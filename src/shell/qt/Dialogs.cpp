@@ -10,12 +10,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <charconv>
+#include <map>
 
 #include "QtCanvas.h"
 #include "Strings.h"
@@ -31,6 +33,33 @@ QString Text(int id) {
 std::string Std(const QString& text) {
     return text.toStdString();
 }
+
+// Check boxes as large as the text beside them, for a finger. A style and
+// not a style sheet: a widget with a style sheet no longer takes the font
+// its dialog sets. One per size, for the program's run.
+class IndicatorStyle final : public QProxyStyle {
+  public:
+    static QStyle* For(int size) {
+        static std::map<int, IndicatorStyle*> styles;
+        IndicatorStyle*& style = styles[size];
+        if (style == nullptr)
+            style = new IndicatorStyle(size);
+        return style;
+    }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override {
+        if (metric == PM_IndicatorWidth || metric == PM_IndicatorHeight ||
+            metric == PM_ExclusiveIndicatorWidth || metric == PM_ExclusiveIndicatorHeight) {
+            return size_;
+        }
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+
+  private:
+    explicit IndicatorStyle(int size) : size_(size) {}
+    int size_;
+};
 
 }  // namespace
 
@@ -61,9 +90,7 @@ FullScreenDialog::FullScreenDialog(DialogStack& stack, int resourceId, const QSt
     titleFont.setPixelSize(std::max(10, (4 * b) / 5));
     titleFont.setBold(true);
     caption_->setFont(titleFont);
-    // Check boxes as large as the text beside them, for a finger.
-    setStyleSheet(QStringLiteral("QCheckBox::indicator { width: %1px; height: %1px; }")
-                      .arg(std::max(10, (2 * b) / 3)));
+
     caption_->setStyleSheet(QStringLiteral("color: rgb(34,89,172);"));
 
     // The caption across the top with a rule under it, as the handheld's
@@ -117,6 +144,7 @@ QLineEdit* FullScreenDialog::AddEdit(int id) {
 
 QCheckBox* FullScreenDialog::AddCheckBox(int id, const QString& text) {
     auto* w = new QCheckBox(text, body_);
+    w->setStyle(IndicatorStyle::For(std::max(10, (2 * baseTextHeight_) / 3)));
     AddControl(id, ControlKind::CheckBox, w);
     return w;
 }

@@ -39,6 +39,11 @@
 // A control changed by `set` emits the widget's own change signal
 // (textChanged, toggled, currentIndexChanged, currentRowChanged), never a
 // click: connect a dialog's rules to those.
+//
+// Fonts: the dialog sets its font (the screens' CJK family at the density's
+// size) and its controls inherit it. Qt gives a control with a style sheet
+// of its own the application's font once the dialog has a sheet too, so
+// put style rules in one sheet on the dialog.
 #pragma once
 
 #include <QRect>
