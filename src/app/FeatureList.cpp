@@ -3,12 +3,15 @@
 #include "MainWindow.h"
 #include "SatelliteDataDialog.h"
 #include "ScreenAdapter.h"
+#include "TestHooks.h"
 
 namespace satwalk::app {
 
 std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window, ScreenAdapter&) {
     std::vector<std::unique_ptr<shell::Feature>> features;
     features.push_back(shell::qt::MakeSatelliteDataFeature(window.shell(), window));
+    if (auto hooks = MakeTestHooks(window))
+        features.push_back(std::move(hooks));
     return features;
 }
 
