@@ -41,7 +41,9 @@ ReceiverSettingsFeature::ReceiverSettingsFeature(Shell& shell, ReceiverSettingsV
 void ReceiverSettingsFeature::Register(FeatureRegistry& registry) {
     registry.AddCommand(cmd::kGpsSettings,
                         Command{[this](int) { Open(); },
-                                [this](int) { return EntryState{!shell_.link().Running(), false, {}}; }});
+                                [this](int) {
+                                    return EntryState{!shell_.link().Running(), false, {}};
+                                }});
     registry.AddStateSection([this](common::JsonMembers& members) {
         members.Bool("receiverSettingsOpen", open_);
         members.Bool("bluetoothSearching", open_ && dialog_.searching);
