@@ -60,16 +60,16 @@ TEST_F(ReceiverScriptTest, SearchChooseAndRecord) {
                               R"("bluetoothDevices":[])", R"("text":"自动")"});
     ExpectHas("manual.json", {R"("items":["系统设置"])", R"("softKeys":["搜索","取消"])"});
     ExpectHas("searching.json", {R"("bluetoothSearching":true)", R"("softKeys":["重试","取消"])"});
-    ExpectHas("searched.json",
-              {R"("bluetoothSearching":false)", R"({"name":"GPS One","address":"00:11:22:33:44:01"})",
-               R"("items":["GPS One","蓝牙 GPS 二号"])"});
-    ExpectHas("chosen.json", {R"("dialog":null)",
-                              R"("bluetoothDevice":{"name":"蓝牙 GPS 二号","address":"00:11:22:33:44:02"})",
-                              R"("bluetoothReceiver":true)"});
+    ExpectHas("searched.json", {R"("bluetoothSearching":false)",
+                                R"({"name":"GPS One","address":"00:11:22:33:44:01"})",
+                                R"("items":["GPS One","蓝牙 GPS 二号"])"});
+    ExpectHas("chosen.json",
+              {R"("dialog":null)",
+               R"("bluetoothDevice":{"name":"蓝牙 GPS 二号","address":"00:11:22:33:44:02"})",
+               R"("bluetoothReceiver":true)"});
     ExpectHas("options.json", {R"("resourceId":182)", R"("caption":"选项")", R"("id":1148)"});
-    ExpectHas("recording.json",
-              {R"("dialog":null)", R"("recordNmea":true)", R"("allTalkers":true)",
-               R"("linkRunning":true)"});
+    ExpectHas("recording.json", {R"("dialog":null)", R"("recordNmea":true)", R"("allTalkers":true)",
+                                 R"("linkRunning":true)"});
 
     // The recording began when it was switched on, in the storage folder.
     int files = 0;
@@ -100,7 +100,8 @@ TEST_F(ReceiverScriptTest, SearchMessagesKeepTheDialogUsable) {
         WriteScript(std::string("key star\n") + kTapSearch + "wait " + c.waitMs +
                     "\nstate @/state.json\nset 1106 0\nstate @/manual.json\nquit\n");
         ASSERT_EQ(Run(), 0) << Read("stderr.txt");
-        ExpectHas("state.json", {c.message, R"("resourceId":115)", R"("softKeys":["重试","取消"])"});
+        ExpectHas("state.json",
+                  {c.message, R"("resourceId":115)", R"("softKeys":["重试","取消"])"});
         ExpectHas("manual.json", {R"("items":["系统设置"])"});
     }
 }

@@ -52,12 +52,12 @@ ReceiverSettingsWidget::ReceiverSettingsWidget(DialogStack& stack)
     autoSearch_ = new QPushButton(QString::fromUtf8(link::kTextAutoSearch), body());
     autoSearch_->setCheckable(true);
     autoSearch_->setMinimumHeight((7 * b) / 5);
-    autoSearch_->setStyleSheet(QStringLiteral(
-        "QPushButton { border: 1px solid rgb(120,140,170); border-radius: 3px;"
-        " background: rgb(244,247,251); color: black; padding: 2px 8px; }"
-        "QPushButton:checked { background: rgb(34,89,172); color: white;"
-        " border-color: rgb(24,64,128); }"
-        "QPushButton:disabled { color: rgb(150,150,150); }"));
+    autoSearch_->setStyleSheet(
+        QStringLiteral("QPushButton { border: 1px solid rgb(120,140,170); border-radius: 3px;"
+                       " background: rgb(244,247,251); color: black; padding: 2px 8px; }"
+                       "QPushButton:checked { background: rgb(34,89,172); color: white;"
+                       " border-color: rgb(24,64,128); }"
+                       "QPushButton:disabled { color: rgb(150,150,150); }"));
     AddControl(link::kIdAutoSearch, ControlKind::CheckBox, autoSearch_);
 
     deviceLabel_ = AddLabel(link::kIdDeviceLabel, QStringLiteral("设备:"));
