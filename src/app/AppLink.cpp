@@ -1,17 +1,27 @@
 #include "AppLink.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QMetaObject>
 #include <QThread>
 
+#include "BluezSearch.h"
 #include "CommandIds.h"
-#include "ErrorCodes.h"
 #include "MainWindow.h"
 
 namespace satwalk::app {
 
 AppLink::AppLink() {
+    rfcomm_.portMap = portMap_;
+    // The connection is begun, not waited for: the window goes on at once,
+    // the receiver's first bytes arrive when it has answered, and a receiver
+    // that does not answer is reported by the link's next tick.
+    rfcomm_.connect = [](std::uint64_t address, int channel) {
+        return link::BeginRfcommConnect(address, channel);
+    };
+    link_.portDriver = &rfcomm_;
     link_.sink = this;
     link_.timer = this;
     watchdog_.setInterval(1000);
@@ -39,10 +49,43 @@ void AppLink::Shutdown() {
     }
 }
 
-bool AppLink::RegisterBluetoothPort(std::uint64_t) {
-    // No Bluetooth port can be bound here: the receiver is reached by --port.
-    link_.lastErrorCode = common::err::kBluetoothPort;
-    return false;
+bool AppLink::RegisterBluetoothPort(std::uint64_t address) {
+    return link::RegisterBluetoothPort(link_, address);
+}
+
+std::vector<link::PortSlot> AppLink::PortSlots() {
+    return link::ProbePortSlots(&rfcomm_, portMap_);
+}
+
+bool AppLink::SwitchRadioOn() {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    link::BluezRadio radio(QDBusConnection::systemBus());
+    const bool ok = link::SwitchRadioOnIfOff(radio, radioSwitchedOn_);
+    QGuiApplication::restoreOverrideCursor();
+    return ok;
+}
+
+void AppLink::SwitchRadioBackOff() {
+    if (!radioSwitchedOn_)
+        return;
+    link::BluezRadio radio(QDBusConnection::systemBus());
+    link::SwitchRadioBackOff(radio, radioSwitchedOn_);
+}
+
+void AppLink::SetNmeaFolder(const std::string& folder) {
+    link_.nmeaFolder = folder;
+}
+
+void AppLink::SetRecordNmea(bool on) {
+    // Named before the reader sees the flag, so that no batch goes to the
+    // file of an earlier run.
+    if (on && link_.running)
+        link::MakeNmeaLogPath(link_);
+    link_.recordNmea = on;
+}
+
+void AppLink::StartNewNmeaLog() {
+    link::MakeNmeaLogPath(link_);
 }
 
 void AppLink::SetComPort(std::uint32_t comPort) {

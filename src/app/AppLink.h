@@ -14,6 +14,8 @@
 
 #include "PortNames.h"
 #include "ReceiverLink.h"
+#include "ReceiverSettingsModel.h"
+#include "RfcommPort.h"
 #include "Shell.h"
 
 namespace satwalk::app {
@@ -34,9 +36,13 @@ class AppLink : public QObject,
     // --replay).
     void SetOverridePath(std::string path) { overridePath_ = std::move(path); }
     bool HasOverride() const { return !overridePath_.empty(); }
-    void SetNmeaFolder(const std::string& folder) { link_.nmeaFolder = folder; }
-    void SetRecordNmea(bool on) { link_.recordNmea = on; }
-    void SetAllTalkers(bool on) { link_.allTalkers = on; }
+    void SetNmeaFolder(const std::string& folder) override;
+    void SetRecordNmea(bool on) override;
+    void StartNewNmeaLog() override;
+    void SetAllTalkers(bool on) override { link_.allTalkers = on; }
+
+    // The ten COM indexes as the receiver settings show them: free for a
+    // Bluetooth port or not, and the device behind each.
 
     // Stops a running link without messages, letting a reader that waits for
     // the window finish first. For the end of the program.
@@ -54,6 +60,10 @@ class AppLink : public QObject,
     std::string LastErrorCode() const override { return link_.lastErrorCode; }
     const gps::GpsState& Gps() const override { return link_.gps; }
     void ClearFixBlocks() override { link::ClearFixBlocks(link_); }
+    bool SwitchRadioOn() override;
+    void SwitchRadioBackOff() override;
+    void NoteRadioSwitchedOn() override { radioSwitchedOn_ = true; }
+    std::vector<link::PortSlot> PortSlots() override;
 
     // link::LinkSink (reader thread, except OnStopCommand)
     void OnGpsData() override;
@@ -74,8 +84,12 @@ class AppLink : public QObject,
     // Calls `slot` (one of the above) on the window's thread and waits.
     void Deliver(const char* slot);
 
-    link::ReceiverLink link_;
     link::PortMap portMap_;
+    // Bluetooth receivers' ports; declared before the link, which gives its
+    // port back to the driver as it goes.
+    link::RfcommPortDriver rfcomm_;
+    link::ReceiverLink link_;
+    bool radioSwitchedOn_ = false;  // the program switched the radio on
     std::string overridePath_;
     MainWindow* window_ = nullptr;
     QTimer watchdog_;  // id 1

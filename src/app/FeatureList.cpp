@@ -1,6 +1,8 @@
 #include "FeatureList.h"
 
 #include "MainWindow.h"
+#include "OptionsDialog.h"
+#include "ReceiverSettingsDialog.h"
 #include "SatelliteDataDialog.h"
 #include "ScreenAdapter.h"
 #include "TestHooks.h"
@@ -10,6 +12,8 @@ namespace satwalk::app {
 std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window, ScreenAdapter&) {
     std::vector<std::unique_ptr<shell::Feature>> features;
     features.push_back(shell::qt::MakeSatelliteDataFeature(window.shell(), window));
+    features.push_back(shell::qt::MakeReceiverSettingsFeature(window.shell(), window.dialogs()));
+    features.push_back(shell::qt::MakeOptionsFeature(window.shell(), window.dialogs()));
     if (auto hooks = MakeTestHooks(window))
         features.push_back(std::move(hooks));
     return features;

@@ -68,7 +68,7 @@ const char* LoadString(int id) {
 
 const char* OtherTalkersHint() {
     return "GPS接收机发送的是其他卫星系统的数据 (GN、GL、GA、GB、BD)，没有GPS (GP) 定位数据，"
-           "因此无法定位。\n\n请开启“接收所有卫星系统”设置 (启动参数 --all-talkers)。";
+           "因此无法定位。\n\n请在“选项”中开启“接收所有卫星系统” (或使用启动参数 --all-talkers)。";
 }
 
 std::string FormatString(const char* format, const std::string& argument) {

@@ -32,6 +32,7 @@ inline constexpr int kStrStartLinkFailed = 40095;
 inline constexpr int kStrConnectionLost = 40096;
 inline constexpr int kStrDataTimeout = 40097;
 inline constexpr int kStrConfirmExit = 40098;
+inline constexpr int kStrRadioSwitchFailed = 40192;
 inline constexpr int kStrStopGps = 40108;
 inline constexpr int kStrStartGps = 40109;
 inline constexpr int kStrMenu = 40077;

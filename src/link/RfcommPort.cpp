@@ -51,7 +51,7 @@ std::string TtyPath(int index) {
 
 }  // namespace
 
-int ConnectRfcommSocket(std::uint64_t address, int channel, int timeoutMs) {
+int BeginRfcommConnect(std::uint64_t address, int channel) {
     const int fd =
         ::socket(kAfBluetooth, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, kBtProtoRfcomm);
     if (fd < 0)
@@ -60,12 +60,17 @@ int ConnectRfcommSocket(std::uint64_t address, int channel, int timeoutMs) {
     to.family = kAfBluetooth;
     to.address = ToBdAddr(address);
     to.channel = static_cast<std::uint8_t>(channel);
-    if (::connect(fd, reinterpret_cast<const sockaddr*>(&to), sizeof to) == 0)
+    if (::connect(fd, reinterpret_cast<const sockaddr*>(&to), sizeof to) == 0 ||
+        errno == EINPROGRESS || errno == EAGAIN)
         return fd;
-    if (errno != EINPROGRESS && errno != EAGAIN) {
-        ::close(fd);
+    ::close(fd);
+    return -1;
+}
+
+int ConnectRfcommSocket(std::uint64_t address, int channel, int timeoutMs) {
+    const int fd = BeginRfcommConnect(address, channel);
+    if (fd < 0)
         return -1;
-    }
     // Paging the receiver takes a few seconds; a refusal or silence ends it.
     pollfd p{fd, POLLOUT, 0};
     int error = 0;

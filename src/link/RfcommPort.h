@@ -35,6 +35,14 @@ using RfcommConnector = std::function<int(std::uint64_t address, int channel)>;
 // most `timeoutMs` for the receiver to answer.
 int ConnectRfcommSocket(std::uint64_t address, int channel, int timeoutMs);
 
+// A non-blocking RFCOMM socket whose connection to the receiver is under
+// way, or -1 when it fails at once (no Bluetooth in the kernel, no adapter).
+// Nobody waits for the receiver: the reader polls the socket like a tty, its
+// first bytes come once the receiver has answered, and a receiver that
+// refuses or does not answer hangs the socket up, which the link's next
+// tick reports as a receiver gone (reason 1).
+int BeginRfcommConnect(std::uint64_t address, int channel);
+
 // Binds /dev/rfcomm<index> to the receiver; false where the kernel refuses
 // (no Bluetooth, no CAP_NET_ADMIN, the number in use).
 bool BindRfcommTty(int index, std::uint64_t address, int channel);

@@ -19,6 +19,7 @@ OptionsDialog OpenOptionsDialog(const ProgramSettings& s, const std::string& def
     d.autoBluetooth = s.autoBluetooth != 0;
     d.keepAwake = s.backlightAlwaysOn != 0;
     d.recordNmea = s.recordNmea != 0;
+    d.allTalkers = s.allTalkers != 0;
     const auto add = [&](const std::string& root) {
         for (const std::string& e : d.storage) {
             if (e == root)
@@ -45,6 +46,7 @@ OptionsLayout LayOutOptionsDialog(int clientWidth, int b) {
     l.recordNmea = at((3 * b) / 3 + 3 * h + b / 2);
     l.storageLabel = at((5 * b) / 3 + 4 * h + b / 2);
     l.storage = at((6 * b) / 3 + 5 * h - b / 4 + b / 2);
+    l.allTalkers = at(l.storage.bottom + (2 * b) / 3);
     return l;
 }
 
@@ -72,6 +74,11 @@ OptionsApplied AcceptOptionsDialog(const OptionsDialog& d, ProgramSettings& s,
     s.recordNmea = nmea;
     if (applied.nmeaSwitched)
         effects.SetRecordNmea(d.recordNmea);
+    const std::uint32_t talkers = d.allTalkers ? 1 : 0;
+    if (talkers != s.allTalkers) {
+        s.allTalkers = talkers;
+        effects.SetAllTalkers(d.allTalkers);
+    }
 
     if (d.storageSelection >= 0 && d.storageSelection < static_cast<int>(d.storage.size())) {
         const std::string& chosen = d.storage[static_cast<std::size_t>(d.storageSelection)];

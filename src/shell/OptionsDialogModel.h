@@ -18,17 +18,20 @@ inline constexpr int kIdKeepAwake = 1146;
 inline constexpr int kIdRecordNmea = 1147;
 inline constexpr int kIdStorageLabel = 1150;
 inline constexpr int kIdStorageCombo = 1148;
+inline constexpr int kIdAllTalkers = 1152;
 
 inline constexpr const char* kTextGeneralHeading = "常规设置";
 inline constexpr const char* kTextAutoBluetooth = "自动开启/关闭蓝牙";
 inline constexpr const char* kTextKeepAwake = "保持背景灯常亮";
 inline constexpr const char* kTextRecordNmea = "记录 NMEA 数据";
 inline constexpr const char* kTextStorageLabel = "存储路径:";
+inline constexpr const char* kTextAllTalkers = "接收所有卫星系统";
 
 struct OptionsDialog {
     bool autoBluetooth = false;        // 1144
     bool keepAwake = false;            // 1146
     bool recordNmea = false;           // 1147
+    bool allTalkers = false;           // 1152: accept all satellite systems
     std::vector<std::string> storage;  // 1148: storage roots
     int storageSelection = -1;
 };
@@ -42,10 +45,11 @@ std::string VolumeStorageRoot(const std::string& mountPoint);
 OptionsDialog OpenOptionsDialog(const ProgramSettings& settings, const std::string& defaultRoot,
                                 const std::vector<std::string>& mountPoints);
 
-// The rectangles of the six controls for a client width and BaseTextHeight,
-// in the order 1151, 1144, 1146, 1147, 1150, 1148.
+// The rectangles of the controls for a client width and BaseTextHeight, in
+// the order 1151, 1144, 1146, 1147, 1150, 1148, then the all-talkers check
+// box, a row below the storage list.
 struct OptionsLayout {
-    screens::Rect heading, autoBluetooth, keepAwake, recordNmea, storageLabel, storage;
+    screens::Rect heading, autoBluetooth, keepAwake, recordNmea, storageLabel, storage, allTalkers;
 };
 OptionsLayout LayOutOptionsDialog(int clientWidth, int baseTextHeight);
 
@@ -71,6 +75,9 @@ class OptionsEffects {
     virtual void StartNewTrackLog(const std::string& trackFolder) = 0;
     // Keep the screen awake (hold) or let it sleep again (release).
     virtual void SetScreenAwake(bool hold) = 0;
+    // The decoder accepts all satellite systems' talkers, or GPS's only,
+    // from the next batch on.
+    virtual void SetAllTalkers(bool on) = 0;
 
   protected:
     ~OptionsEffects() = default;

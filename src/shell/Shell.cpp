@@ -194,6 +194,8 @@ void Shell::StartGps() {
     if (link_.Running())
         return;
     Repaint();
+    if (settings_.autoBluetooth != 0 && !link_.SwitchRadioOn())
+        Message(LoadString(common::kStrRadioSwitchFailed), MessageIcon::Error);
     if (settings_.bluetoothReceiver != 0 && !forceComPort) {
         if (settings_.bluetoothAddress == 0) {
             Message(LoadString(common::kStrConfigureReceiverFirst), MessageIcon::Information);
@@ -270,6 +272,7 @@ void Shell::Exit() {
     }
     alarm_.Silence();
     features_.NotifyExit();
+    link_.SwitchRadioBackOff();
     if (settings_.backlightAlwaysOn != 0)
         ui_.SetBacklightHold(false);
     exited = true;

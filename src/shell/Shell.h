@@ -7,11 +7,13 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "DisplayState.h"
 #include "Features.h"
 #include "GpsState.h"
 #include "MenuModel.h"
+#include "ReceiverSettingsModel.h"
 #include "ScreenIds.h"
 #include "Settings.h"
 #include "SpeedAlarm.h"
@@ -67,6 +69,25 @@ class LinkControl {
     // Empties the four blocks of the link's fix (the stop command); the fix
     // time and its sync request stay. Only while the link is stopped.
     virtual void ClearFixBlocks() = 0;
+
+    // The Bluetooth radio (autoBluetooth): switched on when it is off. False
+    // only when switching was tried and failed. A radio the program switched
+    // on, here or by a search, is switched off again by SwitchRadioBackOff.
+    virtual bool SwitchRadioOn() { return true; }
+    virtual void SwitchRadioBackOff() {}
+    // A search switched the radio on.
+    virtual void NoteRadioSwitchedOn() {}
+    // The ten COM indexes as the receiver settings offer them.
+    virtual std::vector<link::PortSlot> PortSlots() { return std::vector<link::PortSlot>(10); }
+
+    // What the options dialog changes while the program runs: recording
+    // from the next batch on or not, the folder of the next recording, a new
+    // dated recording file from now on (while running), and the talkers the
+    // decoder accepts.
+    virtual void SetRecordNmea(bool on) { (void)on; }
+    virtual void SetNmeaFolder(const std::string& folder) { (void)folder; }
+    virtual void StartNewNmeaLog() {}
+    virtual void SetAllTalkers(bool on) { (void)on; }
 
   protected:
     ~LinkControl() = default;

@@ -108,8 +108,15 @@ class FakeLink : public LinkControl {
     std::string LastErrorCode() const override { return error; }
     const gps::GpsState& Gps() const override { return gps; }
     void ClearFixBlocks() override { gps.ClearAllBlocks(); }
+    bool SwitchRadioOn() override {
+        radioSwitchedOn = radioOk;
+        return radioOk;
+    }
+    void SwitchRadioBackOff() override { radioSwitchedOn = false; }
 
     bool registerOk = false;
+    bool radioOk = true;
+    bool radioSwitchedOn = false;
     bool openOk = true;
     bool running = false;
     bool fixValid = false;

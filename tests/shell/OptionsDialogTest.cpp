@@ -22,6 +22,7 @@ class FakeEffects final : public OptionsEffects {
         calls.push_back("track " + folder);
     }
     void SetScreenAwake(bool hold) override { calls.push_back(hold ? "awake" : "sleep"); }
+    void SetAllTalkers(bool on) override { calls.push_back(on ? "all talkers" : "gps only"); }
     bool running = false;
     std::vector<std::string> calls;
 };
@@ -46,19 +47,19 @@ TEST(OptionsDialogTest, LayoutFollowsTheBaseTextHeight) {
     struct Case {
         int width, b;
         int left, right, height;
-        int tops[6];
+        int tops[7];  // the six of the formula, then the all-talkers box
     };
     // b = 15 (96 dpi) and 30 (192 dpi), and an odd height for the divisions.
     const Case cases[] = {
-        {240, 15, 7, 232, 18, {7, 30, 53, 76, 104, 124}},
-        {480, 30, 15, 465, 36, {15, 61, 107, 153, 209, 248}},
-        {320, 17, 8, 311, 20, {8, 33, 59, 85, 116, 138}},
+        {240, 15, 7, 232, 18, {7, 30, 53, 76, 104, 124, 152}},
+        {480, 30, 15, 465, 36, {15, 61, 107, 153, 209, 248, 304}},
+        {320, 17, 8, 311, 20, {8, 33, 59, 85, 116, 138, 169}},
     };
     for (const Case& c : cases) {
         const OptionsLayout l = LayOutOptionsDialog(c.width, c.b);
-        const screens::Rect rects[] = {l.heading,    l.autoBluetooth, l.keepAwake,
-                                       l.recordNmea, l.storageLabel,  l.storage};
-        for (int i = 0; i < 6; ++i) {
+        const screens::Rect rects[] = {l.heading,      l.autoBluetooth, l.keepAwake, l.recordNmea,
+                                       l.storageLabel, l.storage,       l.allTalkers};
+        for (int i = 0; i < 7; ++i) {
             EXPECT_EQ(rects[i].left, c.left) << c.b << " " << i;
             EXPECT_EQ(rects[i].right, c.right) << c.b << " " << i;
             EXPECT_EQ(rects[i].Height(), c.height) << c.b << " " << i;
@@ -99,6 +100,7 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
         const char* what;
         bool running, nmeaBefore, nmeaAfter, trackLog, newRoot;
         std::vector<std::string> calls;  // with ROOT for the chosen root's folder
+        bool allTalkersBefore = false, allTalkersAfter = false;
     };
     const Case cases[] = {
         {"same root, nothing new", true, true, true, true, false, {"awake"}},
@@ -125,16 +127,29 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
          true,
          {"nmea ROOT/My GPS/NMEA0183", "track ROOT/My GPS/Track Log", "awake"}},
         {"new root, no recording", true, false, false, false, true, {"awake"}},
+        {"all talkers on",
+         false,
+         false,
+         false,
+         false,
+         false,
+         {"all talkers", "awake"},
+         false,
+         true},
+        {"all talkers off", true, true, true, false, false, {"gps only", "awake"}, true, false},
+        {"all talkers kept", true, false, false, false, false, {"awake"}, true, true},
     };
     for (const Case& c : cases) {
         SetUp();
         settings.recordNmea = c.nmeaBefore;
         settings.trackLogOn = c.trackLog;
+        settings.allTalkers = c.allTalkersBefore;
         effects = FakeEffects{};
         effects.running = c.running;
         const std::string root = c.newRoot ? temp + "/card/My Documents" : home;
         OptionsDialog d = Dialog(root);
         d.recordNmea = c.nmeaAfter;
+        d.allTalkers = c.allTalkersAfter;
         const OptionsApplied a = AcceptOptionsDialog(d, settings, folders, effects);
         std::vector<std::string> expected;
         for (std::string e : c.calls) {
@@ -147,6 +162,7 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
         EXPECT_EQ(settings.storageRoot, root) << c.what;
         EXPECT_EQ(folders.nmea, root + "/My GPS/NMEA0183") << c.what;
         EXPECT_EQ(settings.recordNmea, c.nmeaAfter ? 1u : 0u) << c.what;
+        EXPECT_EQ(settings.allTalkers, c.allTalkersAfter ? 1u : 0u) << c.what;
         TearDown();
     }
 }

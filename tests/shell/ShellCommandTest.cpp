@@ -133,14 +133,27 @@ TEST_F(ShellTest, StartGpsFailures) {
         std::uint32_t bluetooth;
         std::uint64_t address;
         bool openOk;
-        int expectedString;
-        MessageIcon icon;
+        std::vector<int> strings;  // the messages, in order
+        MessageIcon icon;          // of the last one
         int opens;
+        std::uint32_t autoBluetooth = 0;
+        bool radioOk = true;
     };
+    const int kRadio = common::kStrRadioSwitchFailed;
     const Case cases[] = {
-        {1, 0, true, common::kStrConfigureReceiverFirst, MessageIcon::Information, 0},
-        {1, 42, true, common::kStrBluetoothPortFailed, MessageIcon::Error, 0},
-        {0, 0, false, common::kStrCannotConnect, MessageIcon::Information, 1},
+        {1, 0, true, {common::kStrConfigureReceiverFirst}, MessageIcon::Information, 0},
+        {1, 42, true, {common::kStrBluetoothPortFailed}, MessageIcon::Error, 0},
+        {0, 0, false, {common::kStrCannotConnect}, MessageIcon::Information, 1},
+        // The radio is switched on first; its failure is said and the start goes on.
+        {1,
+         0,
+         true,
+         {kRadio, common::kStrConfigureReceiverFirst},
+         MessageIcon::Information,
+         0,
+         1,
+         false},
+        {1, 42, true, {common::kStrBluetoothPortFailed}, MessageIcon::Error, 0, 1, true},
     };
     for (const Case& c : cases) {
         FakeLink l;
@@ -148,16 +161,21 @@ TEST_F(ShellTest, StartGpsFailures) {
         ProgramSettings s;
         s.bluetoothReceiver = c.bluetooth;
         s.bluetoothAddress = c.address;
+        s.autoBluetooth = c.autoBluetooth;
         l.openOk = c.openOk;
+        l.radioOk = c.radioOk;
         Shell sh(s, l, u, sound, nullptr);
         sh.OnCommand(cmd::kStartGps);
-        ASSERT_EQ(u.messages.size(), 1u);
-        const std::string expected = FormatString(LoadString(c.expectedString), l.error);
-        EXPECT_EQ(u.messages[0].first, expected);
-        EXPECT_EQ(u.messages[0].second, c.icon);
+        ASSERT_EQ(u.messages.size(), c.strings.size());
+        for (std::size_t i = 0; i < c.strings.size(); ++i)
+            EXPECT_EQ(u.messages[i].first, FormatString(LoadString(c.strings[i]), l.error));
+        EXPECT_EQ(u.messages.back().second, c.icon);
         EXPECT_EQ(l.opens, c.opens);
         EXPECT_FALSE(l.running);
         EXPECT_FALSE(u.blinkRunning);
+        EXPECT_EQ(l.radioSwitchedOn, c.autoBluetooth != 0 && c.radioOk);
+        sh.OnCommand(cmd::kExit);
+        EXPECT_FALSE(l.radioSwitchedOn) << "off again at exit";
     }
 }
 

@@ -1,0 +1,199 @@
+#include "OptionsDialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QStandardPaths>
+#include <QStorageInfo>
+
+#include <algorithm>
+
+#include "OptionsFeature.h"
+#include "QtCanvas.h"
+#include "Shell.h"
+
+namespace satwalk::shell::qt {
+
+namespace {
+
+QRect ToQRect(const screens::Rect& r) {
+    return QRect(r.left, r.top, r.Width(), r.Height());
+}
+
+QString Q(const std::string& text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// A font of the given cell height in pixels: the glyphs take four fifths.
+QFont CellFont(int height, bool bold) {
+    QFont f(screens::ScreenFontFamily());
+    f.setPixelSize(std::max(8, (4 * height) / 5));
+    f.setBold(bold);
+    return f;
+}
+
+}  // namespace
+
+OptionsWidget::OptionsWidget(DialogStack& stack)
+    : FullScreenDialog(stack, 182, QStringLiteral("选项"), true) {
+    const int b = baseTextHeight();
+    const QFont regular = CellFont(OptionsRegularFontHeight(b), false);
+    const QFont bold = CellFont(OptionsBoldFontHeight(b), true);
+
+    heading_ = AddLabel(kIdGeneralHeading, QString::fromUtf8(kTextGeneralHeading));
+    autoBluetooth_ = AddCheckBox(kIdAutoBluetooth, QString::fromUtf8(kTextAutoBluetooth));
+    keepAwake_ = AddCheckBox(kIdKeepAwake, QString::fromUtf8(kTextKeepAwake));
+    recordNmea_ = AddCheckBox(kIdRecordNmea, QString::fromUtf8(kTextRecordNmea));
+    storageLabel_ = AddLabel(kIdStorageLabel, QString::fromUtf8(kTextStorageLabel));
+    storage_ = AddList(kIdStorageCombo, {});
+    allTalkers_ = AddCheckBox(kIdAllTalkers, QString::fromUtf8(kTextAllTalkers));
+
+    for (QLabel* l : {heading_, storageLabel_}) {
+        l->setFont(bold);
+        l->setStyleSheet(QStringLiteral("color: rgb(34,89,172);"));
+    }
+    const int box = std::max(12, (3 * b) / 5);
+    const QString boxStyle =
+        QStringLiteral("QCheckBox::indicator { width: %1px; height: %1px; }").arg(box);
+    for (QCheckBox* c : {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_}) {
+        c->setFont(regular);
+        c->setStyleSheet(boxStyle);
+    }
+    storage_->setFont(regular);
+    storage_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    storage_->setMinimumContentsLength(6);
+
+    const auto forward = [this](QCheckBox* check, int id) {
+        connect(check, &QCheckBox::toggled, this, [this, id](bool checked) {
+            if (!syncing_ && onCheck)
+                onCheck(id, checked);
+        });
+    };
+    forward(autoBluetooth_, kIdAutoBluetooth);
+    forward(keepAwake_, kIdKeepAwake);
+    forward(recordNmea_, kIdRecordNmea);
+    forward(allTalkers_, kIdAllTalkers);
+    connect(storage_, &QComboBox::currentIndexChanged, this, [this](int index) {
+        if (!syncing_ && onStorage)
+            onStorage(index);
+    });
+    // The controls sit where the layout puts them, at every size.
+    body()->installEventFilter(this);
+}
+
+bool OptionsWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == body() && event->type() == QEvent::Resize)
+        LayOut();
+    return FullScreenDialog::eventFilter(watched, event);
+}
+
+void OptionsWidget::LayOut() {
+    const OptionsLayout l = LayOutOptionsDialog(body()->width(), baseTextHeight());
+    heading_->setGeometry(ToQRect(l.heading));
+    autoBluetooth_->setGeometry(ToQRect(l.autoBluetooth));
+    keepAwake_->setGeometry(ToQRect(l.keepAwake));
+    recordNmea_->setGeometry(ToQRect(l.recordNmea));
+    storageLabel_->setGeometry(ToQRect(l.storageLabel));
+    storage_->setGeometry(ToQRect(l.storage));
+    allTalkers_->setGeometry(ToQRect(l.allTalkers));
+}
+
+void OptionsWidget::Sync(const OptionsDialog& d) {
+    syncing_ = true;
+    autoBluetooth_->setChecked(d.autoBluetooth);
+    keepAwake_->setChecked(d.keepAwake);
+    recordNmea_->setChecked(d.recordNmea);
+    allTalkers_->setChecked(d.allTalkers);
+    QStringList items;
+    for (const std::string& root : d.storage) items << Q(root);
+    QStringList shown;
+    for (int i = 0; i < storage_->count(); ++i) shown << storage_->itemText(i);
+    if (shown != items) {
+        storage_->clear();
+        storage_->addItems(items);
+    }
+    storage_->setCurrentIndex(d.storageSelection);
+    syncing_ = false;
+}
+
+std::vector<std::string> RemovableVolumes() {
+    std::vector<std::string> mounts;
+    for (const QStorageInfo& v : QStorageInfo::mountedVolumes()) {
+        if (!v.isValid() || !v.isReady() || v.isReadOnly())
+            continue;
+        const QString root = v.rootPath();
+        if (root.startsWith(QLatin1String("/media/")) ||
+            root.startsWith(QLatin1String("/run/media/")) ||
+            root.startsWith(QLatin1String("/mnt/")))
+            mounts.push_back(root.toStdString());
+    }
+    std::sort(mounts.begin(), mounts.end());
+    return mounts;
+}
+
+namespace {
+
+class DialogView final : public OptionsView {
+  public:
+    explicit DialogView(DialogStack& stack) : stack_(stack) {}
+
+    OptionsFeature* feature = nullptr;
+
+    void Show(const OptionsDialog& dialog) override {
+        if (widget_ != nullptr) {
+            widget_->Sync(dialog);
+            return;
+        }
+        widget_ = new OptionsWidget(stack_);
+        OptionsFeature* f = feature;
+        widget_->onCheck = [f](int id, bool checked) { f->SetCheck(id, checked); };
+        widget_->onStorage = [f](int index) { f->SelectStorage(index); };
+        widget_->onFinished = [this, f](DialogResult result) {
+            widget_ = nullptr;
+            if (result == DialogResult::Ok)
+                f->Ok();
+            else
+                f->Cancel();
+        };
+        widget_->Sync(dialog);
+        stack_.Open(widget_);
+    }
+
+    void Close() override {
+        if (OptionsWidget* w = std::exchange(widget_, nullptr))
+            w->Reject();
+    }
+
+  private:
+    DialogStack& stack_;
+    OptionsWidget* widget_ = nullptr;
+};
+
+std::string DocumentsFolder() {
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return ResolveStorageRoot({}, documents.toStdString());
+}
+
+class OptionsDialogFeature final : public Feature {
+  public:
+    OptionsDialogFeature(Shell& shell, DialogStack& stack)
+        : view_(stack), feature_(shell, view_, DocumentsFolder(), RemovableVolumes) {
+        view_.feature = &feature_;
+    }
+    void Register(FeatureRegistry& registry) override { feature_.Register(registry); }
+    void OnExit() override { feature_.OnExit(); }
+
+  private:
+    DialogView view_;
+    OptionsFeature feature_;
+};
+
+}  // namespace
+
+std::unique_ptr<Feature> MakeOptionsFeature(Shell& shell, DialogStack& dialogs) {
+    return std::make_unique<OptionsDialogFeature>(shell, dialogs);
+}
+
+}  // namespace satwalk::shell::qt

@@ -1,0 +1,59 @@
+// The options dialog (dialog 182, "选项") as a full-screen dialog: its
+// heading, check boxes, storage list and labels placed by the options
+// layout (OptionsDialogModel.h) at every size, "确定" and "取消" on the
+// soft keys. It shows what the feature's OptionsDialog says and tells the
+// feature what the user (or a script's `set`) changed.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Dialogs.h"
+#include "OptionsDialogModel.h"
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+
+namespace satwalk::shell {
+class Shell;
+}
+
+namespace satwalk::shell::qt {
+
+class OptionsWidget final : public FullScreenDialog {
+  public:
+    explicit OptionsWidget(DialogStack& stack);
+
+    // Brings every control up to `dialog` without telling anyone.
+    void Sync(const OptionsDialog& dialog);
+
+    std::function<void(int id, bool checked)> onCheck;
+    std::function<void(int index)> onStorage;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void LayOut();
+
+    QLabel* heading_;
+    QCheckBox* autoBluetooth_;
+    QCheckBox* keepAwake_;
+    QCheckBox* recordNmea_;
+    QLabel* storageLabel_;
+    QComboBox* storage_;
+    QCheckBox* allTalkers_;
+    bool syncing_ = false;
+};
+
+// The mount points of the mounted, writable volumes that look removable
+// (under /media, /run/media or /mnt).
+std::vector<std::string> RemovableVolumes();
+
+// The options feature with its dialog.
+std::unique_ptr<Feature> MakeOptionsFeature(Shell& shell, DialogStack& dialogs);
+
+}  // namespace satwalk::shell::qt
