@@ -1,14 +1,18 @@
 #include "FeatureList.h"
 
 #include "MainWindow.h"
+#include "MapFeature.h"
 #include "SatelliteDataDialog.h"
 #include "ScreenAdapter.h"
 
 namespace satwalk::app {
 
-std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window, ScreenAdapter&) {
+std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
+                                                          ScreenAdapter& screens) {
     std::vector<std::unique_ptr<shell::Feature>> features;
     features.push_back(shell::qt::MakeSatelliteDataFeature(window.shell(), window));
+    features.push_back(
+        map::qt::MakeMapFeature(window.shell(), window, screens.context(), screens.mapScreen()));
     return features;
 }
 
