@@ -4,6 +4,7 @@
 #include "MapFeature.h"
 #include "SatelliteDataDialog.h"
 #include "ScreenAdapter.h"
+#include "TestHooks.h"
 
 namespace satwalk::app {
 
@@ -13,6 +14,8 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
     features.push_back(shell::qt::MakeSatelliteDataFeature(window.shell(), window));
     features.push_back(
         map::qt::MakeMapFeature(window.shell(), window, screens.context(), screens.mapScreen()));
+    if (auto hooks = MakeTestHooks(window))
+        features.push_back(std::move(hooks));
     return features;
 }
 

@@ -24,7 +24,9 @@ using shell::MessageIcon;
 MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& link,
                        shell::AlarmSound& sound, shell::OptionsStore* options, QSize clientSize,
                        int dpi)
-    : shell_(settings, link, *this, sound, options), dpi_(dpi) {
+    : shell_(settings, link, *this, sound, options),
+      dialogs_(*this, common::BaseTextHeightForDpi(dpi)),
+      dpi_(dpi) {
     setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
@@ -35,6 +37,15 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setMinimumSize(least.width, least.height + barHeight_);
     resize(clientSize.width(), clientSize.height() + barHeight_);
     shell_.version = SATWALK_VERSION;
+    shell_.features().Add(dialogs_);
+    dialogs_.SetArea(ScreenArea());
+    dialogs_.onChange = [this] {
+        // The soft keys change with the dialog; with none left, the keys go
+        // back to what stands in the screen area.
+        if (dialogs_.empty())
+            SetScreenAreaWidget(screenAreaWidget_);
+        update();
+    };
 
     blinkTimer_.setInterval(1000);
     connect(&blinkTimer_, &QTimer::timeout, this, [this] { shell_.OnBlinkTick(); });
@@ -78,6 +89,8 @@ MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
         if (nextAnswer_) {
             answer = *nextAnswer_;
             nextAnswer_.reset();
+        } else if (followingAnswer) {
+            answer = followingAnswer(question).value_or(answer);
         }
         return answer;
     }
@@ -143,9 +156,11 @@ void MainWindow::SetScreenAreaWidget(QWidget* widget) {
     if (widget != nullptr) {
         widget->setGeometry(ScreenArea());
         widget->show();
-        widget->raise();
-        widget->setFocus();
-    } else {
+        if (dialogs_.empty()) {
+            widget->raise();
+            widget->setFocus();
+        }
+    } else if (dialogs_.empty()) {
         setFocus();
     }
 }
@@ -156,6 +171,8 @@ void MainWindow::ShowStatus(const std::string& status) {
 }
 
 QWidget* MainWindow::KeyTarget() {
+    if (QWidget* dialog = dialogs_.KeyTarget())
+        return dialog;
     if (screenAreaWidget_ != nullptr)
         return screenAreaWidget_;
     return this;
@@ -197,15 +214,26 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
     f.setPixelSize(std::max(8, barHeight_ * 9 / 20));
     f.setBold(true);
     p.setFont(f);
-    p.setPen(Qt::white);
-    // A mode may stand two plain buttons in for the drop-downs.
-    const shell::SoftKeys& keys = shell_.softKeys;
-    const QString left =
-        QString::fromUtf8(keys.Plain() ? keys.left.c_str() : common::LoadString(common::kStrView));
-    const QString right =
-        QString::fromUtf8(keys.Plain() ? keys.right.c_str() : common::LoadString(common::kStrMenu));
-    p.drawText(QRect(0, top, width() / 2, barHeight_), Qt::AlignCenter, left);
-    p.drawText(QRect(width() / 2, top, width() - width() / 2, barHeight_), Qt::AlignCenter, right);
+    // An open dialog's soft keys, or a mode's plain buttons (reference-point
+    // placement), stand in for the two drop-downs.
+    QString texts[2] = {QString::fromUtf8(common::LoadString(common::kStrView)),
+                        QString::fromUtf8(common::LoadString(common::kStrMenu))};
+    bool enabled[2] = {true, true};
+    if (const shell::qt::FullScreenDialog* dialog = dialogs_.top()) {
+        for (int i = 0; i < 2; ++i) {
+            texts[i] = dialog->softKey(i).text;
+            enabled[i] = dialog->softKey(i).enabled;
+        }
+    } else if (shell_.softKeys.Plain()) {
+        texts[0] = QString::fromUtf8(shell_.softKeys.left.c_str());
+        texts[1] = QString::fromUtf8(shell_.softKeys.right.c_str());
+    }
+    const QRect halves[2] = {QRect(0, top, width() / 2, barHeight_),
+                             QRect(width() / 2, top, width() - width() / 2, barHeight_)};
+    for (int i = 0; i < 2; ++i) {
+        p.setPen(enabled[i] ? QColor(Qt::white) : QColor(130, 136, 148));
+        p.drawText(halves[i], Qt::AlignCenter, texts[i]);
+    }
 }
 
 void MainWindow::paintEvent(QPaintEvent*) {
@@ -226,12 +254,16 @@ void MainWindow::resizeEvent(QResizeEvent*) {
         painter_->Layout(ScreenArea().size(), dpi_);
     if (screenAreaWidget_ != nullptr)
         screenAreaWidget_->setGeometry(ScreenArea());
+    dialogs_.SetArea(ScreenArea());
     update();
 }
 
 // ---- input ----
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
+    // A dialog holds the keys while it is open, as on the handheld.
+    if (!dialogs_.empty())
+        return;
     if (!HandleProgramKey(event))
         QWidget::keyPressEvent(event);
 }
@@ -270,13 +302,15 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
     const QPoint pos = event->position().toPoint();
     if (pos.y() >= height() - barHeight_) {
         const shell::SoftKeys& keys = shell_.softKeys;
-        if (keys.Plain()) {
+        if (!dialogs_.empty()) {
+            dialogs_.PressSoftKey(pos.x() < width() / 2 ? 0 : 1);
+        } else if (keys.Plain()) {
             const int id = pos.x() < width() / 2 ? keys.leftCommand : keys.rightCommand;
             if (id != 0)
                 shell_.OnCommand(id);
-            return;
+        } else {
+            OpenDropDown(pos.x() < width() / 2);
         }
-        OpenDropDown(pos.x() < width() / 2);
         return;
     }
     // The tool strip's tabs and the alarm cells take a tap first; the rest

@@ -11,6 +11,7 @@
 #include <optional>
 #include <vector>
 
+#include "Dialogs.h"
 #include "ScreenAreaHost.h"
 #include "Shell.h"
 #include "StateJson.h"
@@ -49,13 +50,19 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     void SetScreenPainter(ScreenPainter* painter);
     int softKeyBarHeight() const { return barHeight_; }
 
-    // Where keys go: a dialog standing in the screen's place, else the window.
+    // Where keys go: the open full-screen dialog, a dialog standing in the
+    // screen's place, else the window.
     QWidget* KeyTarget();
+    // The full-screen dialogs over the window; features open theirs here.
+    shell::qt::DialogStack& dialogs() { return dialogs_; }
 
     // Script mode: message boxes never block; each is logged, printed on
     // standard error and answered (`answer` chooses the next reply).
     void SetScriptMode(bool on) { scriptMode_ = on; }
     void SetNextAnswer(shell::MessageAnswer answer) { nextAnswer_ = answer; }
+    // Script mode: the reply that the script's next line gives a box just
+    // opened (a question or a notice), if it gives one.
+    std::function<std::optional<shell::MessageAnswer>(bool question)> followingAnswer;
     const std::vector<shell::LoggedMessage>& messages() const { return messages_; }
 
     // Opens the drop-down of the left (view) or right (menu) soft key.
@@ -110,6 +117,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     QRect ScreenArea() const;
 
     shell::Shell shell_;
+    shell::qt::DialogStack dialogs_;
     ScreenPainter* painter_ = nullptr;
     QWidget* screenAreaWidget_ = nullptr;  // a dialog in the screen's place
     QImage screenImage_;

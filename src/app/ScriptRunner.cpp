@@ -14,6 +14,11 @@
 
 namespace satwalk::app {
 
+ScriptRunner::ScriptRunner(MainWindow& window, std::function<std::string()> stateJson)
+    : window_(window), stateJson_(std::move(stateJson)) {
+    window_.followingAnswer = [this](bool question) { return TakeFollowingAnswer(question); };
+}
+
 bool ScriptRunner::Load(const QString& path) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly)) {
@@ -36,13 +41,38 @@ void ScriptRunner::Fail(const QString& why) {
     QApplication::exit(exitCode_);
 }
 
+QString ScriptRunner::LineAt(qsizetype i) const {
+    QString line = lines_[i];
+    const qsizetype hash = line.indexOf(QLatin1Char('#'));
+    if (hash >= 0)
+        line.truncate(hash);
+    return line.trimmed();
+}
+
+std::optional<shell::MessageAnswer> ScriptRunner::TakeFollowingAnswer(bool question) {
+    qsizetype i = index_;
+    while (i < lines_.size() && LineAt(i).isEmpty()) ++i;
+    if (i >= lines_.size())
+        return std::nullopt;
+    const QStringList words = LineAt(i).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    if (words.size() != 2 || words[0] != QLatin1String("answer"))
+        return std::nullopt;
+    const QString word = words[1].toLower();
+    std::optional<shell::MessageAnswer> answer;
+    if (question && word == QLatin1String("yes"))
+        answer = shell::MessageAnswer::Yes;
+    else if (question && word == QLatin1String("no"))
+        answer = shell::MessageAnswer::No;
+    else if (!question && word == QLatin1String("ok"))
+        answer = shell::MessageAnswer::Ok;
+    if (answer)
+        index_ = i + 1;  // the line is spent on this box
+    return answer;
+}
+
 void ScriptRunner::Next() {
     while (index_ < lines_.size()) {
-        QString line = lines_[index_++];
-        const qsizetype hash = line.indexOf(QLatin1Char('#'));
-        if (hash >= 0)
-            line.truncate(hash);
-        line = line.trimmed();
+        const QString line = LineAt(index_++);
         if (line.isEmpty())
             continue;
         int waitMs = 0;
@@ -80,12 +110,16 @@ bool ParseKey(const QString& name, int& key, QString& text) {
     return false;
 }
 
-void SendMouse(QWidget& w, QEvent::Type type, QPoint at) {
+// The stylus at `at` (window coordinates) on `target`, the window or one of
+// its children.
+void SendMouse(QWidget& window, QWidget& target, QEvent::Type type, QPoint at) {
     const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     const Qt::MouseButtons buttons =
         type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(Qt::LeftButton);
-    QMouseEvent e(type, QPointF(at), QPointF(w.mapToGlobal(at)), button, buttons, Qt::NoModifier);
-    QApplication::sendEvent(&w, &e);
+    const QPoint local = &target == &window ? at : target.mapFrom(&window, at);
+    QMouseEvent e(type, QPointF(local), QPointF(window.mapToGlobal(at)), button, buttons,
+                  Qt::NoModifier);
+    QApplication::sendEvent(&target, &e);
 }
 
 }  // namespace
@@ -124,13 +158,20 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         if (!number(1, x) || !number(2, y))
             return Fail(verb + QStringLiteral(" needs X Y")), false;
         const QPoint at(x, y);
+        // As a real stylus: the press goes to the widget under it (a
+        // dialog's control, else the window), the moves and the release
+        // follow the press.
         if (verb == QLatin1String("tap") || verb == QLatin1String("press")) {
-            SendMouse(window_, QEvent::MouseButtonPress, at);
+            QWidget* child = window_.childAt(at);
+            pressTarget_ = child != nullptr ? child : &window_;
+            SendMouse(window_, *pressTarget_, QEvent::MouseButtonPress, at);
         }
+        QWidget* target = pressTarget_ != nullptr ? pressTarget_.data() : &window_;
         if (verb == QLatin1String("move"))
-            SendMouse(window_, QEvent::MouseMove, at);
+            SendMouse(window_, *target, QEvent::MouseMove, at);
         if (verb == QLatin1String("tap") || verb == QLatin1String("release")) {
-            SendMouse(window_, QEvent::MouseButtonRelease, at);
+            SendMouse(window_, *target, QEvent::MouseButtonRelease, at);
+            pressTarget_ = nullptr;
         }
     } else if (verb == QLatin1String("wait")) {
         if (!number(1, waitMs) || waitMs < 0)
@@ -144,8 +185,15 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
                         {"ok", shell::MessageAnswer::Ok},
                         {"cancel", shell::MessageAnswer::Cancel}};
         bool found = false;
+        const QString word = words.size() > 1 ? words[1].toLower() : QString();
+        // ok and cancel end an open dialog; otherwise they wait for a box.
+        using shell::qt::DialogResult;
+        if (word == QLatin1String("ok") || word == QLatin1String("cancel")) {
+            found = window_.dialogs().Answer(word == QLatin1String("ok") ? DialogResult::Ok
+                                                                         : DialogResult::Cancel);
+        }
         for (const auto& a : kAnswers) {
-            if (words.size() > 1 && words[1].toLower() == QLatin1String(a.word)) {
+            if (!found && word == QLatin1String(a.word)) {
                 window_.SetNextAnswer(a.answer);
                 found = true;
             }

@@ -11,6 +11,7 @@ const char* LoadString(int id);
 // Fills the one "%s" of a table string (or of any format) with `argument`.
 std::string FormatString(const char* format, const std::string& argument);
 
+inline constexpr int kStrCancel = 40004;
 inline constexpr int kStrOk = 40005;
 inline constexpr int kStrAltitude = 40081;
 inline constexpr int kStrSpeed = 40082;

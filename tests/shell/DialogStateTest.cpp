@@ -1,0 +1,91 @@
+// An open dialog as the state dump writes it, and the values `set` takes.
+#include <gtest/gtest.h>
+
+#include "DialogState.h"
+
+namespace satwalk::shell {
+namespace {
+
+DialogControl Control(ControlKind kind, bool enabled = true) {
+    DialogControl c;
+    c.id = 7;
+    c.kind = kind;
+    c.enabled = enabled;
+    c.items = {"北纬", "南纬"};
+    return c;
+}
+
+TEST(DialogStateTest, ValuesThatSetTakes) {
+    const struct {
+        ControlKind kind;
+        bool enabled;
+        const char* value;
+        bool ok;
+        const char* error;
+    } cases[] = {
+        {ControlKind::Edit, true, "12.5 x", true, ""},
+        {ControlKind::Edit, true, "", true, ""},
+        {ControlKind::Edit, false, "1", false, "greyed"},
+        {ControlKind::CheckBox, true, "1", true, ""},
+        {ControlKind::CheckBox, true, "0", true, ""},
+        {ControlKind::CheckBox, true, "2", false, "0 or 1"},
+        {ControlKind::CheckBox, true, "01", false, "0 or 1"},
+        {ControlKind::List, true, "1", true, ""},
+        {ControlKind::List, true, "2", false, "no entry 2"},
+        {ControlKind::List, true, "-1", false, "no entry"},
+        {ControlKind::List, true, "1x", false, "no entry"},
+        {ControlKind::List, true, "", false, "no entry"},
+        {ControlKind::Label, true, "x", false, "takes no value"},
+        {ControlKind::Group, true, "x", false, "takes no value"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(ControlKindName(c.kind)) + " " + c.value);
+        ControlValue v;
+        std::string error;
+        EXPECT_EQ(ParseControlValue(Control(c.kind, c.enabled), c.value, v, error), c.ok);
+        EXPECT_NE(error.find(c.error), std::string::npos) << error;
+        if (c.ok && c.kind == ControlKind::Edit) {
+            EXPECT_EQ(v.text, c.value);
+        }
+    }
+    ControlValue v;
+    std::string error;
+    ASSERT_TRUE(ParseControlValue(Control(ControlKind::List), "1", v, error));
+    EXPECT_EQ(v.selected, 1);
+    ASSERT_TRUE(ParseControlValue(Control(ControlKind::CheckBox), "1", v, error));
+    EXPECT_TRUE(v.checked);
+}
+
+TEST(DialogStateTest, JsonOfEachKindAndTheExtraMembers) {
+    DialogState s;
+    s.resourceId = 113;
+    s.caption = "激活参照点";
+    s.leftSoftKey = "插入当前GPS座标";
+    s.rightSoftKey = "取消";
+    DialogControl check = Control(ControlKind::CheckBox);
+    check.id = 1013;
+    check.text = "激活参照点 1";
+    check.checked = true;
+    DialogControl list = Control(ControlKind::List, false);
+    list.id = 1010;
+    list.selected = 1;
+    list.text = "南纬";
+    DialogControl edit = Control(ControlKind::Edit);
+    edit.id = 1003;
+    edit.text = "33.000000";
+    s.controls = {check, list, edit};
+    std::string out;
+    AppendDialogJson(out, s, [](common::JsonMembers& m) { m.Text("folder", "/"); });
+    EXPECT_EQ(out,
+              "{\"resourceId\":113,\"caption\":\"激活参照点\",\"softKeys\":[\"插入当前GPS座标\","
+              "\"取消\"],\"controls\":[{\"id\":1013,\"kind\":\"checkBox\",\"text\":\"激活参照点 "
+              "1\",\"value\":1,\"enabled\":true},{\"id\":1010,\"kind\":\"list\",\"text\":\"南纬\","
+              "\"value\":1,\"enabled\":false,\"items\":[\"北纬\",\"南纬\"]},{\"id\":1003,\"kind\":"
+              "\"edit\",\"text\":\"33.000000\",\"value\":\"33.000000\",\"enabled\":true}],"
+              "\"folder\":\"/\"}");
+    EXPECT_EQ(FindControl(s, 1010)->selected, 1);
+    EXPECT_EQ(FindControl(s, 1011), nullptr);
+}
+
+}  // namespace
+}  // namespace satwalk::shell
