@@ -29,31 +29,6 @@ bool Offscreen() {
     return QGuiApplication::platformName().startsWith(QLatin1String("offscreen"));
 }
 
-// The loaded image: only the visible part, scaled from the nearest level.
-class MapImageLayer final : public MapLayer {
-  public:
-    explicit MapImageLayer(const MapImage& image) : image_(image) {}
-    void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext&,
-               const gps::GpsState&) override {
-        if (view.mapMode == 0 || !view.showMap || image_.IsNull())
-            return;
-        const VisiblePart part =
-            ComputeVisiblePart(view.imageSize, view.currentWidth, view.currentHeight,
-                               view.scrollCentre, view.viewRect);
-        if (part.empty)
-            return;
-        if (auto* qt = dynamic_cast<screens::QtCanvas*>(&canvas)) {
-            DrawMapImage(qt->painter(), image_, part);
-        } else {
-            // A canvas without Qt records where the picture lies.
-            canvas.FillRect(part.destination, screens::Rgb(200, 200, 200));
-        }
-    }
-
-  private:
-    const MapImage& image_;
-};
-
 // Until the program's own dialogs are there: the platform's file dialog on a
 // display, nothing offscreen; no reference-point dialog.
 class StandInDialogs final : public MapDialogs {
@@ -109,6 +84,22 @@ void WritePoint(std::string& out, const GeoPoint& p) {
 }
 
 }  // namespace
+
+void MapImageLayer::Paint(screens::Canvas& canvas, const MapView& view,
+                          const screens::ScreenContext&, const gps::GpsState&) {
+    if (view.mapMode == 0 || !view.showMap || image_.IsNull())
+        return;
+    const VisiblePart part = ComputeVisiblePart(
+        view.imageSize, view.currentWidth, view.currentHeight, view.scrollCentre, view.viewRect);
+    if (part.empty)
+        return;
+    if (auto* qt = dynamic_cast<screens::QtCanvas*>(&canvas)) {
+        DrawMapImage(qt->painter(), image_, part);
+    } else {
+        // A canvas without Qt records where the picture lies.
+        canvas.FillRect(part.destination, screens::Rgb(200, 200, 200));
+    }
+}
 
 // What the stylus asks of the window.
 class MapFeature::Sink final : public InteractionSink {

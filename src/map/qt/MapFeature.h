@@ -27,6 +27,18 @@ struct ScreenContext;
 
 namespace satwalk::map::qt {
 
+// The loaded image under the other layers: only the visible part, scaled
+// from the nearest halved level, through the Qt canvas's painter.
+class MapImageLayer final : public MapLayer {
+  public:
+    explicit MapImageLayer(const MapImage& image) : image_(image) {}
+    void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+               const gps::GpsState& fix) override;
+
+  private:
+    const MapImage& image_;
+};
+
 // The dialogs the map opens: the file browser and the reference-point
 // dialog. Each reports its end through the callback (a dialog may stay open
 // while the event loop runs).
