@@ -12,8 +12,8 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
                                                           ScreenAdapter& screens) {
     std::vector<std::unique_ptr<shell::Feature>> features;
     features.push_back(shell::qt::MakeSatelliteDataFeature(window.shell(), window));
-    features.push_back(
-        map::qt::MakeMapFeature(window.shell(), window, screens.context(), screens.mapScreen()));
+    features.push_back(map::qt::MakeMapFeature(window.shell(), window, screens.context(),
+                                               screens.mapScreen(), window.dialogs()));
     if (auto hooks = MakeTestHooks(window))
         features.push_back(std::move(hooks));
     return features;

@@ -8,7 +8,10 @@
 
 #include <cstdlib>
 
+#include "FileBrowser.h"
+#include "FixText.h"
 #include "MainWindow.h"
+#include "ReferenceDialog.h"
 
 namespace satwalk::app {
 
@@ -42,6 +45,21 @@ class TestHooks final : public shell::Feature {
 
     void Register(shell::FeatureRegistry& registry) override {
         registry.AddCommand(kTestFormCommand, {[this](int) { OpenForm(); }, {}});
+        for (int mode = browser::kBrowseMaps; mode <= browser::kBrowsePoi; ++mode) {
+            registry.AddCommand(
+                kTestBrowserCommand + mode - browser::kBrowseMaps,
+                {[this, mode](int) {
+                     browser::qt::ChooseFile(
+                         window_.dialogs(), mode, 40118, [this](const std::string& path) {
+                             Tell(QStringLiteral("chosen ") + QString::fromStdString(path));
+                         });
+                 },
+                 {}});
+        }
+        for (int slot = 0; slot < map::kReferenceSlotCount; ++slot) {
+            registry.AddCommand(kTestReferenceCommand + slot,
+                                {[this, slot](int) { OpenReference(slot); }, {}});
+        }
     }
 
   private:
@@ -63,6 +81,32 @@ class TestHooks final : public shell::Feature {
                      .arg(d->list->currentIndex()));
         };
         window_.dialogs().Open(d);
+    }
+
+    void OpenReference(int slot) {
+        map::GeoPoint point;
+        if (slot == 0)
+            point = {1, -33.5, 151.25, 0, 0, 0, 0};
+        auto fix = [this] {
+            map::qt::ReferenceFix f;
+            const shell::Shell& shell = window_.shell();
+            f.haveFix = shell.link().Running() && shell.link().FixValid();
+            const gps::GpsState& g = shell.fix();
+            common::NmeaToDegrees(g.latitude, g.northSouth, g.longitude, g.eastWest, &f.latitude,
+                                  &f.longitude);
+            return f;
+        };
+        map::qt::OpenReferencePointDialog(
+            window_.dialogs(), slot, point, fix,
+            [this](const map::ReferenceDialogFields& fields) {
+                map::GeoPoint stored;
+                map::FieldsToSlot(fields, stored);
+                Tell(QStringLiteral("reference ok valid=%1 latitude=%2 longitude=%3")
+                         .arg(stored.valid)
+                         .arg(stored.latitude, 0, 'f', 9)
+                         .arg(stored.longitude, 0, 'f', 9));
+            },
+            [this] { Tell(QStringLiteral("reference cancel")); });
     }
 
     MainWindow& window_;

@@ -6,6 +6,10 @@
 //
 //   49900  a small form: label 901, edit 902, check box 903 (enables 902),
 //          list 904 of three entries
+//   49901..49903  the file browser in mode 1..3; tells "chosen PATH"
+//   49910..49914  the reference-point dialog on slot 1..5, which holds
+//          -33.5, 151.25 (active) in slot 1 and nothing in the others, with
+//          the receiver's fix; tells the slot that OK would store
 #pragma once
 
 #include <memory>
@@ -17,6 +21,8 @@ namespace satwalk::app {
 class MainWindow;
 
 inline constexpr int kTestFormCommand = 49900;
+inline constexpr int kTestBrowserCommand = 49901;    // to 49903
+inline constexpr int kTestReferenceCommand = 49910;  // to 49914
 
 // Null unless SATWALK_TEST_HOOKS is set.
 std::unique_ptr<shell::Feature> MakeTestHooks(MainWindow& window);

@@ -1,4 +1,4 @@
-// An open dialog as the state dump writes it, and the values `set` takes.
+// The values the script's `set` gives each kind of control.
 #include <gtest/gtest.h>
 
 #include "DialogState.h"
@@ -54,37 +54,6 @@ TEST(DialogStateTest, ValuesThatSetTakes) {
     EXPECT_EQ(v.selected, 1);
     ASSERT_TRUE(ParseControlValue(Control(ControlKind::CheckBox), "1", v, error));
     EXPECT_TRUE(v.checked);
-}
-
-TEST(DialogStateTest, JsonOfEachKindAndTheExtraMembers) {
-    DialogState s;
-    s.resourceId = 113;
-    s.caption = "激活参照点";
-    s.leftSoftKey = "插入当前GPS座标";
-    s.rightSoftKey = "取消";
-    DialogControl check = Control(ControlKind::CheckBox);
-    check.id = 1013;
-    check.text = "激活参照点 1";
-    check.checked = true;
-    DialogControl list = Control(ControlKind::List, false);
-    list.id = 1010;
-    list.selected = 1;
-    list.text = "南纬";
-    DialogControl edit = Control(ControlKind::Edit);
-    edit.id = 1003;
-    edit.text = "33.000000";
-    s.controls = {check, list, edit};
-    std::string out;
-    AppendDialogJson(out, s, [](common::JsonMembers& m) { m.Text("folder", "/"); });
-    EXPECT_EQ(out,
-              "{\"resourceId\":113,\"caption\":\"激活参照点\",\"softKeys\":[\"插入当前GPS座标\","
-              "\"取消\"],\"controls\":[{\"id\":1013,\"kind\":\"checkBox\",\"text\":\"激活参照点 "
-              "1\",\"value\":1,\"enabled\":true},{\"id\":1010,\"kind\":\"list\",\"text\":\"南纬\","
-              "\"value\":1,\"enabled\":false,\"items\":[\"北纬\",\"南纬\"]},{\"id\":1003,\"kind\":"
-              "\"edit\",\"text\":\"33.000000\",\"value\":\"33.000000\",\"enabled\":true}],"
-              "\"folder\":\"/\"}");
-    EXPECT_EQ(FindControl(s, 1010)->selected, 1);
-    EXPECT_EQ(FindControl(s, 1011), nullptr);
 }
 
 }  // namespace

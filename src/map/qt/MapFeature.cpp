@@ -10,9 +10,12 @@
 #include <cmath>
 
 #include "CommandIds.h"
+#include "Dialogs.h"
+#include "FileBrowser.h"
 #include "FileListing.h"
 #include "MapScreenLayers.h"
 #include "QtCanvas.h"
+#include "ReferenceDialog.h"
 #include "Screens.h"
 #include "Shell.h"
 #include "Strings.h"
@@ -53,6 +56,40 @@ class StandInDialogs final : public MapDialogs {
   private:
     QWidget& window_;
 };
+
+// The program's own: the file browser and dialog 113 over the window.
+class ProgramDialogs final : public MapDialogs {
+  public:
+    ProgramDialogs(shell::qt::DialogStack& stack, shell::Shell& shell)
+        : stack_(stack), shell_(shell) {}
+    void ChooseFile(int mode, const std::string&,
+                    std::function<void(const std::string&)> done) override {
+        browser::qt::ChooseFile(stack_, mode, 40118, std::move(done));
+    }
+    void EditReferencePoint(int slot, const ReferenceDialogFields&,
+                            std::function<void(bool, const ReferenceDialogFields&)> done) override;
+
+    ReferencePoints* points = nullptr;
+
+  private:
+    shell::qt::DialogStack& stack_;
+    shell::Shell& shell_;
+};
+
+void ProgramDialogs::EditReferencePoint(
+    int slot, const ReferenceDialogFields&,
+    std::function<void(bool, const ReferenceDialogFields&)> done) {
+    const GeoPoint point =
+        points != nullptr ? (*points)[static_cast<std::size_t>(slot)] : GeoPoint{};
+    OpenReferencePointDialog(
+        stack_, slot, point,
+        [this] {
+            const screens::DisplayState& d = shell_.display();
+            return ReferenceFix{d.linkRunning && d.fixValid, d.latitude, d.longitude};
+        },
+        [done](const ReferenceDialogFields& fields) { done(true, fields); },
+        [done] { done(false, {}); });
+}
 
 shell::Key KeyOf(Arrow arrow) {
     switch (arrow) {
@@ -124,17 +161,27 @@ class MapFeature::Sink final : public InteractionSink {
 };
 
 MapFeature::MapFeature(shell::Shell& shell, QWidget& window, screens::ScreenContext& screens,
-                       MapScreen& mapScreen)
+                       MapScreen& mapScreen, shell::qt::DialogStack* dialogs)
     : shell_(shell),
       window_(window),
       screens_(screens),
       mapScreen_(mapScreen),
       sink_(std::make_unique<Sink>(*this)),
       standIn_(std::make_unique<StandInDialogs>(window)) {
+    if (dialogs != nullptr) {
+        auto own = std::make_unique<ProgramDialogs>(*dialogs, shell);
+        own->points = &model_.refs.referencePoints;
+        standIn_ = std::move(own);
+    }
     dialogs_ = standIn_.get();
-    // The first tick comes 100 ms after the press, then one every 200 ms.
+    // 100 ms after the press the 200 ms period starts: the first tick comes
+    // 300 ms after the press.
     QObject::connect(&repeatTimer_, &QTimer::timeout, &window_, [this] {
-        repeatTimer_.setInterval(kRepeatMs);
+        if (repeatTimer_.interval() != kRepeatMs) {
+            // The 100 ms wait is over: the 200 ms period starts now.
+            repeatTimer_.setInterval(kRepeatMs);
+            return;
+        }
         map::OnRepeatTick(model_.stylus, Scene(0, 0), *sink_);
         shell_.Repaint();
     });
@@ -530,8 +577,9 @@ void MapFeature::WriteState(common::JsonMembers& members) const {
 }
 
 std::unique_ptr<MapFeature> MakeMapFeature(shell::Shell& shell, QWidget& window,
-                                           screens::ScreenContext& screens, MapScreen& mapScreen) {
-    return std::make_unique<MapFeature>(shell, window, screens, mapScreen);
+                                           screens::ScreenContext& screens, MapScreen& mapScreen,
+                                           shell::qt::DialogStack& dialogs) {
+    return std::make_unique<MapFeature>(shell, window, screens, mapScreen, &dialogs);
 }
 
 }  // namespace satwalk::map::qt

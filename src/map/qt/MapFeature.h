@@ -20,7 +20,10 @@ class QWidget;
 
 namespace satwalk::shell {
 class Shell;
+namespace qt {
+class DialogStack;
 }
+}  // namespace satwalk::shell
 namespace satwalk::screens {
 struct ScreenContext;
 }
@@ -58,8 +61,11 @@ class MapDialogs {
 
 class MapFeature final : public shell::Feature {
   public:
+    // `dialogs` (the window's) opens the file browser and the reference-point
+    // dialog; without one a stand-in asks the platform for files and opens
+    // no reference-point dialog.
     MapFeature(shell::Shell& shell, QWidget& window, screens::ScreenContext& screens,
-               MapScreen& mapScreen);
+               MapScreen& mapScreen, shell::qt::DialogStack* dialogs = nullptr);
     ~MapFeature() override;
 
     void Register(shell::FeatureRegistry& registry) override;
@@ -69,8 +75,8 @@ class MapFeature final : public shell::Feature {
     void OnStylusMove(int x, int y) override;
     void OnStylusUp(int x, int y) override;
 
-    // The dialogs to open (owned by the caller); the built-in stand-ins
-    // until then.
+    // Other dialogs to open (owned by the caller; tests); null: the
+    // program's own again.
     void SetDialogs(MapDialogs* dialogs);
 
     // Loads the image at `path` as the current map, with every message of a
@@ -118,6 +124,7 @@ class MapFeature final : public shell::Feature {
 };
 
 std::unique_ptr<MapFeature> MakeMapFeature(shell::Shell& shell, QWidget& window,
-                                           screens::ScreenContext& screens, MapScreen& mapScreen);
+                                           screens::ScreenContext& screens, MapScreen& mapScreen,
+                                           shell::qt::DialogStack& dialogs);
 
 }  // namespace satwalk::map::qt

@@ -61,6 +61,9 @@ FullScreenDialog::FullScreenDialog(DialogStack& stack, int resourceId, const QSt
     titleFont.setPixelSize(std::max(10, (4 * b) / 5));
     titleFont.setBold(true);
     caption_->setFont(titleFont);
+    // Check boxes as large as the text beside them, for a finger.
+    setStyleSheet(QStringLiteral("QCheckBox::indicator { width: %1px; height: %1px; }")
+                      .arg(std::max(10, (2 * b) / 3)));
     caption_->setStyleSheet(QStringLiteral("color: rgb(34,89,172);"));
 
     // The caption across the top with a rule under it, as the handheld's

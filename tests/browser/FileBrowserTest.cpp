@@ -1,0 +1,228 @@
+// The file browser dialog offscreen, over a folder tree made for the
+// purpose: what it shows in each mode, walking up and down by every way
+// there is, choosing a file, and the root.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "FileBrowser.h"
+
+namespace satwalk::browser::qt {
+namespace {
+
+namespace fs = std::filesystem;
+using shell::qt::DialogStack;
+
+class FileBrowserTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        root_ = fs::temp_directory_path() / ("satwalk-browser-" + std::to_string(::getpid()));
+        fs::remove_all(root_);
+        fs::create_directories(root_ / "maps" / "sub");
+        fs::create_directories(root_ / "maps" / "Alpha");
+        const struct {
+            const char* name;
+            std::uintmax_t size;
+        } files[] = {{"MAP.Bmp", 10},       {"photo.jpeg", 5},   {"b.png", 1536},
+                     {"c.GIF", 0},          {"track.log", 2000}, {"poi.csv", 150 * 1024},
+                     {"big.jpg", 15u << 20}};
+        for (const auto& f : files) {
+            std::ofstream(root_ / "maps" / f.name).put('x');
+            fs::resize_file(root_ / "maps" / f.name, f.size);
+        }
+        window_.resize(480, 692);
+        window_.show();
+        stack_.SetArea(QRect(0, 0, 480, 640));
+    }
+    void TearDown() override {
+        while (!stack_.empty()) stack_.top()->Reject();
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        fs::remove_all(root_);
+    }
+
+    std::string Maps() const { return (root_ / "maps").string(); }
+
+    FileBrowser* Open(int mode, const std::string& folder) {
+        chosen_.reset();
+        FileBrowser* b = ChooseFile(
+            stack_, mode, 40118, [this](const std::string& path) { chosen_ = path; }, folder);
+        b->ListFolder(folder);  // the folder of the last use does not count here
+        return b;
+    }
+
+    // Column 0 and 1 of every row as shown, "name|size".
+    static std::vector<std::string> Shown(const FileBrowser& b) {
+        std::vector<std::string> out;
+        for (int i = 0; i < b.list()->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = b.list()->topLevelItem(i);
+            out.push_back((item->text(0) + "|" + item->text(1)).toStdString());
+        }
+        return out;
+    }
+
+    static std::string Current(const FileBrowser& b) {
+        return b.list()->currentItem()->text(0).toStdString();
+    }
+
+    static void Key(QWidget* target, int key) {
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(target, &down);
+        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier);
+        QApplication::sendEvent(target, &up);
+    }
+
+    fs::path root_;
+    QWidget window_;
+    DialogStack stack_{window_, 30};
+    std::optional<std::string> chosen_;
+};
+
+TEST_F(FileBrowserTest, RowsAndFilterOfEachMode) {
+    const struct {
+        int mode;
+        const char* filter;
+        std::vector<std::string> rows;
+    } cases[] = {
+        {kBrowseMaps,
+         "地图 [*.BMP; *.JPG; *.GIF; *.PNG]",
+         {"..|", "Alpha|", "b.png|1.50K", "big.jpg|15.0M", "c.GIF|0B", "MAP.Bmp|10B", "sub|"}},
+        {kBrowseTrackLogs, "轨迹记录 [*.log]", {"..|", "Alpha|", "sub|", "track.log|1.95K"}},
+        {kBrowsePoi, "POI [*.csv]", {"..|", "Alpha|", "poi.csv|150K", "sub|"}},
+        {7, "", {"..|"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.mode);
+        FileBrowser* b = Open(c.mode, Maps());
+        EXPECT_EQ(Shown(*b), c.rows);
+        const shell::DialogState s = b->State();
+        EXPECT_EQ(s.caption, "打开文件");
+        EXPECT_EQ(shell::FindControl(s, kFilterLabel)->text, c.filter);
+        EXPECT_EQ(shell::FindControl(s, kFolderLabel)->text, Maps());
+        EXPECT_EQ(shell::FindControl(s, kFileList)->selected, 0);
+        EXPECT_FALSE(b->list()->topLevelItem(0)->icon(0).isNull());
+        b->Reject();
+    }
+}
+
+// Each step from the folder before it: where the browser is then, which
+// row is selected (the folder just left, coming up), and whether "向上"
+// may be used.
+TEST_F(FileBrowserTest, WalkingTheTree) {
+    FileBrowser* b = Open(kBrowseMaps, Maps());
+    const std::string top = root_.string();
+    enum Step { OpenSub, Back, Escape, UpKey, EnterKey, TapDotDot };
+    const struct {
+        Step step;
+        std::string folder;
+        const char* selected;
+    } steps[] = {
+        {OpenSub, Maps() + "/sub", ".."},
+        {Back, Maps(), "sub"},
+        {UpKey, top, "maps"},
+        {EnterKey, Maps(), ".."},
+        {OpenSub, Maps() + "/sub", ".."},
+        {Escape, Maps(), "sub"},
+        {TapDotDot, top, "maps"},
+    };
+    for (const auto& s : steps) {
+        switch (s.step) {
+            case OpenSub:
+                b->Activate(6);  // sub, the last row
+                break;
+            case Back:
+                Key(stack_.KeyTarget(), Qt::Key_Backspace);
+                break;
+            case Escape:
+                Key(stack_.KeyTarget(), Qt::Key_Escape);
+                break;
+            case UpKey:
+                stack_.PressSoftKey(0);
+                break;
+            case EnterKey:
+                Key(stack_.KeyTarget(), Qt::Key_Return);
+                break;
+            case TapDotDot: {
+                QTreeWidget* list = b->list();
+                QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                                  list->visualItemRect(list->topLevelItem(0)).center());
+                break;
+            }
+        }
+        SCOPED_TRACE(s.folder);
+        EXPECT_EQ(b->folder(), s.folder);
+        EXPECT_EQ(Current(*b), s.selected);
+        EXPECT_TRUE(b->softKey(0).enabled);
+        EXPECT_EQ(stack_.top(), b);
+    }
+}
+
+TEST_F(FileBrowserTest, AtTheRootNoWayUp) {
+    FileBrowser* b = Open(kBrowseMaps, "/");
+    EXPECT_NE(Current(*b), "..");
+    EXPECT_FALSE(b->softKey(0).enabled);
+    Key(stack_.KeyTarget(), Qt::Key_Escape);
+    stack_.PressSoftKey(0);
+    EXPECT_EQ(b->folder(), "/");
+    EXPECT_EQ(stack_.top(), b);
+}
+
+TEST_F(FileBrowserTest, ChoosingAFile) {
+    const struct {
+        const char* how;
+        std::string path;
+        bool chosen;
+    } cases[] = {
+        {"choose", Maps() + "/MAP.Bmp", true},     {"choose", Maps() + "/../maps/./b.png", true},
+        {"choose", Maps() + "/photo.jpeg", false},  // not a map: not listed
+        {"choose", Maps() + "/gone.png", false},   {"enter", Maps() + "/c.GIF", true},
+        {"tap", Maps() + "/big.jpg", true},        {"cancel", "", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.how) + " " + c.path);
+        FileBrowser* b = Open(kBrowseMaps, Maps());
+        const std::string how = c.how;
+        std::string error;
+        if (how == "choose") {
+            EXPECT_EQ(b->Choose(c.path, error), c.chosen) << error;
+        } else if (how == "enter") {
+            b->list()->setCurrentItem(b->list()->topLevelItem(4));
+            Key(stack_.KeyTarget(), Qt::Key_Return);
+        } else if (how == "tap") {
+            QTreeWidget* list = b->list();
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                              list->visualItemRect(list->topLevelItem(3)).center());
+        } else {
+            stack_.PressSoftKey(1);
+        }
+        EXPECT_EQ(stack_.empty(), c.chosen || how == "cancel");
+        if (c.chosen) {
+            ASSERT_TRUE(chosen_.has_value());
+            EXPECT_EQ(fs::path(*chosen_), fs::weakly_canonical(c.path));
+        } else {
+            EXPECT_FALSE(chosen_.has_value());
+        }
+        while (!stack_.empty()) stack_.top()->Reject();
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::browser::qt
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
