@@ -188,6 +188,9 @@ void MapModel::ResetWorld() {
         if (kWorldScales[i] >= fit)
             worldScaleIndex = i;
     worldOrigin = GeoPoint{};
+    // The position, when there is one, rather than the Gulf of Guinea.
+    if (linkRunning && fixValid && Following())
+        CentreOn(latitude, longitude);
 }
 
 void MapModel::UpdateScaleBar() {

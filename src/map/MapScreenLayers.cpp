@@ -128,8 +128,9 @@ void DrawCentredMessage(Canvas& canvas, const Rect& view, int unit, const std::s
 }
 
 void DrawCoordinateLabels(Canvas& canvas, const Rect& area, int unit, double latitude,
-                          double longitude, bool rightAligned) {
-    const screens::Font old = screens::CreateScreenFont(canvas, (2 * unit) / 3, 400);
+                          double longitude, bool rightAligned, int fontHeight) {
+    const screens::Font old =
+        screens::CreateScreenFont(canvas, fontHeight > 0 ? fontHeight : (2 * unit) / 3, 400);
     const int x = rightAligned ? area.right - unit / 3 : area.left + unit / 3;
     const int y = area.top + unit / 3;
     const int line = canvas.MeasureText("0").height;
@@ -182,16 +183,17 @@ void DrawMapOverlayOnInstrument(Canvas& canvas, const screens::ScreenContext& ct
     const int b = ctx.baseTextHeight;
     if (!d.linkRunning || !d.fixValid)
         return;
-    DrawCoordinateLabels(canvas, ctx.screen, b, d.latitude, d.longitude, true);
+    // Top right, left of the status icons, small enough to stay clear of
+    // the dials.
+    Rect area = ctx.screen;
+    area.right -= screens::StatusIconSize(ctx) + b / 3;
+    DrawCoordinateLabels(canvas, area, b, d.latitude, d.longitude, true, b / 2);
     if (model.map.mapMode != 0 && model.map.outsideMap != 0) {
         const screens::Font old = screens::CreateScreenFont(canvas, b / 2, 400);
         const int line = canvas.MeasureText("0").height;
-        screens::ReleaseScreenFont(canvas, old);
-        const screens::Font big = screens::CreateScreenFont(canvas, (2 * b) / 3, 400);
-        const int two = 2 * canvas.MeasureText("0").height;
         BoxedText(canvas, common::LoadString(40091),
-                  Point{ctx.screen.right - b / 3, ctx.screen.top + b / 3 + two + line / 2}, true);
-        screens::ReleaseScreenFont(canvas, big);
+                  Point{area.right - b / 3, area.top + b / 3 + 2 * line}, true);
+        screens::ReleaseScreenFont(canvas, old);
     }
 }
 

@@ -64,9 +64,10 @@ class MapOverlayLayer final : public MapLayer {
 void DrawCentredMessage(screens::Canvas& canvas, const screens::Rect& view, int unit,
                         const std::string& text);
 // The position's coordinates as two lines in the corner of `area`
-// (`rightAligned`: the top-right corner).
+// (`rightAligned`: the top-right corner), in a font of `fontHeight` (0: two
+// thirds of the unit).
 void DrawCoordinateLabels(screens::Canvas& canvas, const screens::Rect& area, int unit,
-                          double latitude, double longitude, bool rightAligned);
+                          double latitude, double longitude, bool rightAligned, int fontHeight = 0);
 
 // What the compass and the speedometer show of the map: the position's
 // coordinates, and the outside-map message while the position is off the
