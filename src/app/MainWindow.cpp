@@ -214,7 +214,8 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
     f.setPixelSize(std::max(8, barHeight_ * 9 / 20));
     f.setBold(true);
     p.setFont(f);
-    // An open dialog's soft keys stand in for the two drop-downs.
+    // An open dialog's soft keys, or a mode's plain buttons (reference-point
+    // placement), stand in for the two drop-downs.
     QString texts[2] = {QString::fromUtf8(common::LoadString(common::kStrView)),
                         QString::fromUtf8(common::LoadString(common::kStrMenu))};
     bool enabled[2] = {true, true};
@@ -223,6 +224,9 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
             texts[i] = dialog->softKey(i).text;
             enabled[i] = dialog->softKey(i).enabled;
         }
+    } else if (shell_.softKeys.Plain()) {
+        texts[0] = QString::fromUtf8(shell_.softKeys.left.c_str());
+        texts[1] = QString::fromUtf8(shell_.softKeys.right.c_str());
     }
     const QRect halves[2] = {QRect(0, top, width() / 2, barHeight_),
                              QRect(width() / 2, top, width() - width() / 2, barHeight_)};
@@ -297,10 +301,16 @@ bool MainWindow::HandleProgramKey(QKeyEvent* event) {
 void MainWindow::mousePressEvent(QMouseEvent* event) {
     const QPoint pos = event->position().toPoint();
     if (pos.y() >= height() - barHeight_) {
-        if (!dialogs_.empty())
+        const shell::SoftKeys& keys = shell_.softKeys;
+        if (!dialogs_.empty()) {
             dialogs_.PressSoftKey(pos.x() < width() / 2 ? 0 : 1);
-        else
+        } else if (keys.Plain()) {
+            const int id = pos.x() < width() / 2 ? keys.leftCommand : keys.rightCommand;
+            if (id != 0)
+                shell_.OnCommand(id);
+        } else {
             OpenDropDown(pos.x() < width() / 2);
+        }
         return;
     }
     // The tool strip's tabs and the alarm cells take a tap first; the rest
@@ -310,6 +320,23 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
             shell_.OnTabTapped(tab);
         else if (const int cell = painter_->AlarmCellAt(pos.x(), pos.y()); cell >= 0)
             shell_.OnAlarmCellTap(cell);
+        else
+            stylusOnScreen_ = shell_.features().NotifyStylusDown(pos.x(), pos.y());
+    }
+}
+
+void MainWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (stylusOnScreen_) {
+        const QPoint pos = event->position().toPoint();
+        shell_.features().NotifyStylusMove(pos.x(), pos.y());
+    }
+}
+
+void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
+    if (stylusOnScreen_) {
+        stylusOnScreen_ = false;
+        const QPoint pos = event->position().toPoint();
+        shell_.features().NotifyStylusUp(pos.x(), pos.y());
     }
 }
 

@@ -1,0 +1,213 @@
+// The stylus on the map: buttons with auto-repeat and acceleration, drags
+// and their directions, placement taps, and the return to idle.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "MapInteraction.h"
+#include "MapLayers.h"
+#include "Screens.h"
+
+namespace satwalk::map {
+namespace {
+
+// Everything the stylus asked for, as short words.
+struct Log final : InteractionSink {
+    std::vector<std::string> calls;
+    void SendArrow(Arrow a) override {
+        static const char* const kNames[] = {"up", "down", "left", "right"};
+        calls.push_back(std::string("key ") + kNames[static_cast<int>(a)]);
+    }
+    void StartRepeat() override { calls.push_back("repeat"); }
+    void StopRepeat() override { calls.push_back("stop"); }
+    void Pan(int direction, int step) override {
+        calls.push_back("pan " + std::to_string(direction) + " " + std::to_string(step));
+    }
+    void PlacementTap(int x, int y) override {
+        calls.push_back("place " + std::to_string(x) + " " + std::to_string(y));
+    }
+    void ManualMove() override { calls.push_back("manual"); }
+    void Redraw() override {}
+};
+
+NavigationButtons Buttons() {
+    NavigationButtons b{};
+    for (int k = 0; k < kNavigationButtonCount; ++k) b[k] = {450, 100 + 34 * k, 480, 129 + 34 * k};
+    return b;
+}
+
+StylusScene Scene(bool mapMode = false, bool placing = false, int unit = 30) {
+    StylusScene s;
+    s.onMapScreen = true;
+    s.insideMap = true;
+    s.mapMode = mapMode;
+    s.placing = placing;
+    s.linkRunning = true;
+    s.unit = unit;
+    s.scaleBarPixels = unit * 10 / 3;
+    return s;
+}
+
+// The centre of button k (1..6).
+int Cy(int k) {
+    return 100 + 34 * (k - 1) + 14;
+}
+
+TEST(MapInteraction, ButtonsSendTheirKeyAtOnceAndAgainOnEveryTick) {
+    const struct {
+        int button;
+        const char* key;
+        int panMode;
+        int zoomRequest;
+    } cases[] = {
+        {1, "key up", 1, 0},    {2, "key down", 1, 0}, {3, "key left", 1, 0},
+        {4, "key right", 1, 0}, {5, "key up", 0, 1},   {6, "key down", 0, 2},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.button);
+        MapInteraction s;
+        Log log;
+        EXPECT_EQ(OnStylusDown(s, Buttons(), Scene(), 465, Cy(c.button), log),
+                  StylusDownResult::Button);
+        EXPECT_EQ(s.panMode, c.panMode);
+        EXPECT_EQ(s.zoomRequest, c.zoomRequest);
+        OnRepeatTick(s, Scene(), log);
+        EXPECT_EQ(log.calls, (std::vector<std::string>{c.key, "repeat", c.key}));
+    }
+}
+
+TEST(MapInteraction, HoldingRightAcceleratesFromTheFourthTickUpToTheScaleBar) {
+    const struct {
+        int unit;
+        std::vector<int> steps;  // panStep after each tick
+    } cases[] = {
+        {15, {1, 1, 1, 4, 7, 10, 13, 16, 19, 22, 25, 28, 31, 34, 37, 40, 43, 46, 49, 50, 50}},
+        {30, {1, 1, 1, 7, 13, 19, 25, 31, 37, 43, 49, 55, 61, 67, 73, 79, 85, 91, 97, 100, 100}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.unit);
+        MapInteraction s;
+        Log log;
+        OnStylusDown(s, Buttons(), Scene(false, false, c.unit), 465, Cy(4), log);
+        std::vector<int> steps;
+        for (std::size_t i = 0; i < c.steps.size(); ++i) {
+            OnRepeatTick(s, Scene(false, false, c.unit), log);
+            steps.push_back(s.panStep);
+        }
+        EXPECT_EQ(steps, c.steps);
+        OnStylusUp(s, log);
+        EXPECT_EQ(s.panStep, 1) << "the next press starts slow";
+        EXPECT_EQ(s.repeatTicks, 0);
+        EXPECT_EQ(log.calls.back(), "stop");
+    }
+    // The zoom buttons repeat without speeding up.
+    MapInteraction s;
+    Log log;
+    OnStylusDown(s, Buttons(), Scene(), 465, Cy(5), log);
+    for (int i = 0; i < 6; ++i) OnRepeatTick(s, Scene(), log);
+    EXPECT_EQ(s.panStep, 1);
+}
+
+TEST(MapInteraction, DragsPanAgainstTheStylusExceptWhilePlacing) {
+    const struct {
+        const char* name;
+        bool placing;
+        int dx, dy;
+        std::vector<std::string> pans;
+    } cases[] = {
+        {"left and down", false, -10, 6, {"pan 4 10", "pan 1 6"}},
+        {"left and down, placing", true, -10, 6, {"pan 3 10", "pan 2 6"}},
+        {"right and up", false, 7, -3, {"pan 3 7", "pan 2 3"}},
+        {"no movement", false, 0, 0, {"pan 4 0", "pan 2 0"}},
+        {"no movement, placing", true, 0, 0, {"pan 3 0", "pan 1 0"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        MapInteraction s;
+        Log log;
+        // Placement taps only land on a loaded map; the world map drags alike.
+        OnStylusDown(s, Buttons(), Scene(c.placing, c.placing), 200, 300, log);
+        log.calls.clear();
+        OnStylusMove(s, Scene(c.placing, c.placing), 200 + c.dx, 300 + c.dy, log);
+        std::vector<std::string> pans;
+        for (const std::string& call : log.calls)
+            if (call.rfind("pan", 0) == 0)
+                pans.push_back(call);
+        EXPECT_EQ(pans, c.pans);
+        EXPECT_EQ(s.dragging, 1);
+        EXPECT_EQ(s.panDirection, kPanNone);
+        EXPECT_EQ(s.lastStylus, (screens::Point{200 + c.dx, 300 + c.dy}));
+    }
+}
+
+TEST(MapInteraction, WhereTheStylusGoesDownDecidesWhatItDoes) {
+    const struct {
+        const char* name;
+        StylusScene scene;
+        int x, y;
+        StylusDownResult result;
+        const char* firstCall;  // "" for none
+    } cases[] = {
+        {"world map", Scene(), 200, 300, StylusDownResult::Map, ""},
+        {"loaded map: a hold may follow", Scene(true), 200, 300, StylusDownResult::MayHold, ""},
+        {"placing: the cursor moves", Scene(true, true), 200, 300, StylusDownResult::PlacementTap,
+         "place 200 300"},
+        {"button edge is not the button", Scene(), 450, Cy(1), StylusDownResult::Map, ""},
+        {"outside the picture",
+         [] {
+             StylusScene s = Scene();
+             s.insideMap = false;
+             return s;
+         }(),
+         200, 700, StylusDownResult::Ignored, ""},
+        {"another screen",
+         [] {
+             StylusScene s = Scene();
+             s.onMapScreen = false;
+             return s;
+         }(),
+         465, Cy(1), StylusDownResult::Ignored, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        MapInteraction s;
+        s.panMode = 0;
+        Log log;
+        EXPECT_EQ(OnStylusDown(s, Buttons(), c.scene, c.x, c.y, log), c.result);
+        EXPECT_EQ(log.calls.empty() ? "" : log.calls.front(), std::string(c.firstCall));
+        const bool taken = c.result != StylusDownResult::Ignored;
+        EXPECT_EQ(s.stylusDown, taken ? 1 : 0);
+        // On the map the arrows pan while the stylus is down, and go back after.
+        if (taken) {
+            EXPECT_EQ(s.panMode, 1);
+            OnStylusUp(s, log);
+            EXPECT_EQ(s.panMode, 0);
+        }
+    }
+}
+
+TEST(MapInteraction, ButtonColumnFollowsThePixelSet) {
+    const struct {
+        int dpi;
+        int height, gap;
+    } cases[] = {{96, 15, 1}, {192, 29, 5}};
+    for (const auto& c : cases) {
+        screens::ScreenContext ctx;
+        ctx.baseTextHeight = screens::BaseTextHeightForDpi(c.dpi);
+        screens::AssignBitmapHandles(ctx);
+        ctx.screen = {0, 0, 480, 500};
+        LayoutMapOverlay(ctx);
+        const NavigationButtons b = LayoutNavigationButtons(ctx);
+        for (int k = 0; k < kNavigationButtonCount; ++k) {
+            EXPECT_EQ(b[k].Height(), c.height);
+            if (k > 0) {
+                EXPECT_EQ(b[k].top - b[k - 1].bottom, c.gap);
+            }
+            EXPECT_LE(b[k].right, 480);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::map

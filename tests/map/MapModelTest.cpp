@@ -1,0 +1,267 @@
+// The map screen's state and layers: pan and zoom in both modes, following,
+// the scale bar's label, and what the layers draw on a recording canvas.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "MapScreenLayers.h"
+#include "RecordingCanvas.h"
+#include "Strings.h"
+
+namespace satwalk::map {
+namespace {
+
+using screens::CanvasCall;
+using screens::RecordingCanvas;
+using screens::Rect;
+
+constexpr Rect kView{0, 0, 480, 511};
+
+// A map of 1000 × 500 pixels, a degree per 100 columns and rows, its
+// reference file written to a temporary folder with `active` points.
+class LoadedModel : public ::testing::Test {
+  protected:
+    void Load(int active) {
+        const std::string file = (std::filesystem::temp_directory_path() /
+                                  ("satwalk-model-" + std::to_string(::getpid()) + ".rpt"))
+                                     .string();
+        ReferencePoints r{};
+        r[0] = GeoPoint{1, 31, 120, 0, 0, 0, 0};
+        r[1] = GeoPoint{active > 1 ? 1 : 0, 26, 130, 0, 0, 1000, 500};
+        ASSERT_TRUE(WriteReferenceFile(file, r));
+        model.Layout(kView, 30, 100, 0);
+        model.ApplyLoadedMap("/maps/plain.png", {1000, 500}, file);
+        std::filesystem::remove(file);
+    }
+    MapModel model;
+};
+
+TEST_F(LoadedModel, LoadingFitsCalibratesAndCentres) {
+    Load(2);
+    const MapView v = model.View();
+    EXPECT_EQ(v.mapMode, 1);
+    EXPECT_TRUE(model.referencesRead);
+    EXPECT_TRUE(v.calibration.IsValid());
+    EXPECT_DOUBLE_EQ(v.currentWidth, 480);
+    EXPECT_DOUBLE_EQ(v.currentHeight, 240);
+    EXPECT_EQ(v.zoomStepX, 240);
+    EXPECT_EQ(v.scrollCentre, (PointF{500, 250}));
+    EXPECT_EQ(model.refs.placementCursor.latitude, 28.5);
+    // 10 degrees of longitude over 480 pixels, 100 of them, at 28.5°.
+    EXPECT_NEAR(v.scaleBarDistance, KilometresPerDegreeLongitude(28.5) * 10.0 / 480 * 100, 1e-9);
+}
+
+TEST_F(LoadedModel, PanAndZoomMoveTheImageUnderTheView) {
+    Load(2);
+    const struct {
+        const char* name;
+        int direction, step;  // 0: zoom in, -1: zoom out
+        PointF scroll;
+        double width;
+    } steps[] = {
+        {"right 48 pixels is 100 image columns", kPanRight, 48, {600, 250}, 480},
+        {"down 24 rows", kPanDown, 24, {600, 300}, 480},
+        {"zoom in: half a fit more", 0, 0, {600, 300}, 720},
+        {"zoom in", 0, 0, {600, 300}, 960},
+        {"zoom in doubles from here", 0, 0, {600, 300}, 1920},
+        {"zoom in", 0, 0, {600, 300}, 3840},
+        {"no further than 4 screen pixels an image pixel", 0, 0, {600, 300}, 3840},
+        {"up past the top stops at the edge", kPanUp, 5000, {600, 0}, 3840},
+    };
+    for (const auto& s : steps) {
+        SCOPED_TRACE(s.name);
+        if (s.direction > 0)
+            model.Pan(s.direction, s.step);
+        else
+            model.Zoom(s.direction == 0);
+        EXPECT_EQ(model.map.scrollCentre, s.scroll);
+        EXPECT_DOUBLE_EQ(model.map.currentWidth, s.width);
+    }
+    for (int i = 0; i < 10; ++i) model.Zoom(false);
+    EXPECT_DOUBLE_EQ(model.map.currentWidth, 240) << "one step below the fit at most";
+    model.ResetView();
+    EXPECT_DOUBLE_EQ(model.map.currentWidth, 480);
+}
+
+TEST_F(LoadedModel, OutsideMapOnlyWhileTheLinkRunsOnACalibratedMap) {
+    Load(2);
+    const struct {
+        bool running, valid;
+        double lat, lon;
+        int outside;
+    } cases[] = {
+        {true, true, 28, 125, 0},
+        {true, true, 40, 125, 1},
+        {false, false, 40, 125, 0},
+        {true, true, 26, 130, 0},  // the corner itself is on the map
+    };
+    for (const auto& c : cases) {
+        model.UpdatePosition(c.running, c.valid, c.lat, c.lon);
+        EXPECT_EQ(model.map.outsideMap, c.outside) << c.lat << "," << c.lon;
+    }
+}
+
+TEST_F(LoadedModel, FollowingCentresOnThePositionUntilPaused) {
+    Load(2);
+    model.UpdatePosition(true, true, 30, 122);
+    EXPECT_EQ(model.map.scrollCentre, (PointF{200, 100}));
+    model.PauseFollowing();
+    model.UpdatePosition(true, true, 29, 123);
+    EXPECT_EQ(model.map.scrollCentre, (PointF{200, 100}));
+    model.ResumeFollowing();
+    EXPECT_EQ(model.map.scrollCentre, (PointF{300, 200}));
+}
+
+TEST(MapModel, WorldZoomKeepsTheCentreAndPanningWrapsTheLongitude) {
+    MapModel model;
+    model.Layout(kView, 30, 100, 0);
+    EXPECT_EQ(model.View().viewScale, 10000) << "the whole world across 480 pixels";
+    const auto centre = [&model] {
+        double lat = 0, lon = 0;
+        const MapView v = model.View();
+        EXPECT_TRUE(ScreenToGeo(v, v.ViewCentre(), lat, lon));
+        return std::pair{lat, lon};
+    };
+    model.UpdatePosition(true, true, 45, 10);
+    const auto before = centre();
+    EXPECT_NEAR(before.first, 45, 1e-6);
+    for (int i = 0; i < 3; ++i) model.Zoom(true);
+    EXPECT_EQ(model.View().viewScale, 1000);
+    EXPECT_NEAR(centre().first, 45, 1e-6);
+    EXPECT_NEAR(centre().second, 10, 1e-6);
+    model.PauseFollowing();
+    // Eastward round the world: a world is 360 × 114.319 / 1000 × 100 pixels.
+    for (int i = 0; i < 100; ++i) {
+        model.Pan(kPanRight, 41);
+        const double lon = model.worldOrigin.longitude - model.worldOrigin.screenX / 11.4319;
+        ASSERT_GE(lon, -180);
+        ASSERT_LE(lon, 180);
+    }
+    // North stops at the map's top.
+    for (int i = 0; i < 1000; ++i) model.Pan(kPanUp, 100);
+    EXPECT_NEAR(centre().first, 80, 1e-6);
+}
+
+TEST(MapModel, ScaleBarLabels) {
+    const struct {
+        double km;
+        int units;
+        bool calibrated;
+        const char* label;
+    } cases[] = {
+        {12.5, 0, true, "12.50 km"},    {1.0, 0, true, "1.00 km"},
+        {0.25, 0, true, "250.00 m"},    {0.0000004, 0, true, "1.00 m"},
+        {10.0, 1, true, "6.21 mile"},   {1.0, 1, true, "3279.38 ft"},
+        {0.0, 1, true, "5.28 ft"},      {18.5, 2, true, "10.00 nmi"},
+        {0.925, 2, true, "3038.05 ft"}, {12.5, 0, false, "0.00 km"},
+        {12.5, 1, false, "0.00 mile"},  {12.5, 7, true, "12.50 km"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ScaleBarLabel(c.km, c.units, c.calibrated), c.label) << c.km << " " << c.units;
+}
+
+TEST(MapModel, CoordinateLabels) {
+    EXPECT_EQ(FormatMapLatitude(30.2515), "30\u00b015.0900' N");
+    EXPECT_EQ(FormatMapLatitude(-5.5), "05\u00b030.0000' S");
+    EXPECT_EQ(FormatMapLongitude(120.16), "120\u00b009.6000' E");
+    EXPECT_EQ(FormatMapLongitude(-0.25), "000\u00b015.0000' W");
+}
+
+// ----- layers on a recording canvas -----
+
+screens::ScreenContext Context(bool linkRunning, double lat, double lon) {
+    screens::ScreenContext ctx;
+    ctx.baseTextHeight = 30;
+    screens::AssignBitmapHandles(ctx);
+    ctx.screen = kView;
+    ctx.display.linkRunning = linkRunning;
+    ctx.display.fixValid = linkRunning;
+    ctx.display.latitude = lat;
+    ctx.display.longitude = lon;
+    return ctx;
+}
+
+std::vector<std::string> Texts(const RecordingCanvas& canvas) {
+    std::vector<std::string> texts;
+    for (const CanvasCall& c : canvas.OfKind(CanvasCall::Kind::Text)) texts.push_back(c.text);
+    return texts;
+}
+
+bool Has(const std::vector<std::string>& texts, const std::string& text) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+TEST_F(LoadedModel, OverlayMessagesFollowCalibrationAndPosition) {
+    const std::string notCalibrated = common::LoadString(40090);
+    const std::string outside = common::LoadString(40091);
+    const struct {
+        const char* name;
+        int active;
+        bool running;
+        double lat, lon;
+        bool expectNotCalibrated, expectOutside, expectMarker;
+    } cases[] = {
+        {"one point: the image and the message, no position", 1, true, 28, 125, true, false, false},
+        {"on the map", 2, true, 28, 125, false, false, true},
+        {"off the map", 2, true, 40, 125, false, true, true},
+        {"off the map, link stopped", 2, false, 40, 125, false, false, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Load(c.active);
+        screens::ScreenContext ctx = Context(c.running, c.lat, c.lon);
+        model.UpdatePosition(c.running, c.running, c.lat, c.lon);
+        model.PauseFollowing();
+        RecordingCanvas canvas(kView);
+        const MapView view = model.View();
+        MapOverlayLayer(model).Paint(canvas, view, ctx, {});
+        PositionLayer().Paint(canvas, view, ctx, {});
+        const auto texts = Texts(canvas);
+        EXPECT_EQ(Has(texts, notCalibrated), c.expectNotCalibrated);
+        EXPECT_EQ(Has(texts, outside), c.expectOutside);
+        const auto markers = canvas.OfKind(CanvasCall::Kind::TransparentBlit);
+        ASSERT_EQ(markers.size(), c.expectMarker ? 1u : 0u);
+        if (c.expectMarker) {
+            PointF at;
+            ASSERT_TRUE(ProjectToScreen(view, c.lat, c.lon, at));
+            const screens::Point& dst = markers[0].to;
+            EXPECT_EQ(dst.x + 10, static_cast<int>(at.x)) << "centred on the position";
+            EXPECT_EQ(dst.y + 10, static_cast<int>(at.y));
+        }
+        if (c.expectNotCalibrated || c.expectOutside) {
+            // The message's box sits in the middle of the view.
+            const CanvasCall* box = canvas.FindText(c.expectOutside ? outside : notCalibrated);
+            EXPECT_EQ((box->rect.left + box->rect.right) / 2, 240);
+            EXPECT_EQ((box->rect.top + box->rect.bottom) / 2, 255);
+        }
+    }
+}
+
+TEST_F(LoadedModel, ScaleBarAndReferenceMarkersWhereTheyBelong) {
+    Load(2);
+    screens::ScreenContext ctx = Context(false, 0, 0);
+    RecordingCanvas canvas(kView);
+    const MapView view = model.View();
+    ScaleBarLayer().Paint(canvas, view, ctx, {});
+    ReferenceMarkerLayer(model).Paint(canvas, view, ctx, {});
+    const auto lines = canvas.OfKind(CanvasCall::Kind::Line);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].to.x - lines[0].from.x, 100) << "the bar is scaleBarPixels long";
+    const CanvasCall* label = canvas.FindText(ScaleBarLabel(view.scaleBarDistance, 0, true));
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ((label->rect.left + label->rect.right) / 2, lines[0].from.x + 50);
+    EXPECT_LE(label->rect.bottom, lines[0].from.y);
+    // Slots 1 and 2 at the image's corners: (0, 0) and (1000, 500).
+    const auto markers = canvas.OfKind(CanvasCall::Kind::TransparentBlit);
+    ASSERT_EQ(markers.size(), 2u);
+    EXPECT_EQ(markers[0].to, (screens::Point{0 - 10, 135 - 10}));
+    EXPECT_EQ(markers[1].to, (screens::Point{480 - 10, 375 - 10}));
+    EXPECT_TRUE(canvas.FindText("1") && canvas.FindText("2"));
+}
+
+}  // namespace
+}  // namespace satwalk::map
