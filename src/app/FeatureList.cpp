@@ -1,9 +1,9 @@
 #include "FeatureList.h"
 
 #include "MainWindow.h"
+#include "MapFeature.h"
 #include "OptionsDialog.h"
 #include "ReceiverSettingsDialog.h"
-#include "MapFeature.h"
 #include "SatelliteDataDialog.h"
 #include "ScreenAdapter.h"
 #include "TestHooks.h"
