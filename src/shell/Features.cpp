@@ -45,4 +45,20 @@ void FeatureRegistry::NotifyExit() const {
     for (Feature* f : features_) f->OnExit();
 }
 
+void FeatureRegistry::NotifyLinkStarted() const {
+    for (Feature* f : features_) f->OnLinkStarted();
+}
+
+void FeatureRegistry::NotifyLinkStopped() const {
+    for (Feature* f : features_) f->OnLinkStopped();
+}
+
+void FeatureRegistry::NotifyMapMovedByHand() const {
+    for (Feature* f : features_) f->OnMapMovedByHand();
+}
+
+void FeatureRegistry::NotifyMapGeometryChanged(bool modeChanged) const {
+    for (Feature* f : features_) f->OnMapGeometryChanged(modeChanged);
+}
+
 }  // namespace satwalk::shell

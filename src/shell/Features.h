@@ -21,7 +21,8 @@ namespace satwalk::shell {
 struct EntryState {
     bool enabled = true;
     bool checked = false;
-    std::string text;  // empty: the menu's own text
+    std::string text;     // empty: the menu's own text
+    bool present = true;  // false: the entry is left out of the menu
 };
 
 struct Command {
@@ -54,6 +55,16 @@ class Feature {
     // A confirmed exit, after the link has stopped and before the window
     // closes.
     virtual void OnExit() {}
+    // The receiver link has started (before the track timer is armed), or
+    // has been stopped.
+    virtual void OnLinkStarted() {}
+    virtual void OnLinkStopped() {}
+    // The user moved the map by hand (a direction key, a drag).
+    virtual void OnMapMovedByHand() {}
+    // What the map screen projects positions with has changed: a map
+    // loaded or calibrated anew, or the screen switched between the world
+    // and a map (`modeChanged`). Moving or zooming a view is no change.
+    virtual void OnMapGeometryChanged(bool modeChanged) { (void)modeChanged; }
 };
 
 class FeatureRegistry {
@@ -77,6 +88,10 @@ class FeatureRegistry {
     void NotifyGpsData() const;
     void NotifyScreenChosen() const;
     void NotifyExit() const;
+    void NotifyLinkStarted() const;
+    void NotifyLinkStopped() const;
+    void NotifyMapMovedByHand() const;
+    void NotifyMapGeometryChanged(bool modeChanged) const;
 
   private:
     std::vector<Feature*> features_;
