@@ -5,8 +5,8 @@
 
 #include <QWidget>
 
-#include "FileChooser.h"
 #include "Features.h"
+#include "FileChooser.h"
 
 namespace satwalk::app {
 

@@ -6,8 +6,8 @@
 #include <functional>
 #include <memory>
 
-#include "FileChooser.h"
 #include "Features.h"
+#include "FileChooser.h"
 #include "MapLayers.h"
 #include "PoiPainter.h"
 #include "PoiStore.h"

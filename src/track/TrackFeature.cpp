@@ -22,13 +22,12 @@ TrackFeature::TrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
       state_(shell.settings().trackLogOn, shell.settings().trackIntervalMs) {}
 
 void TrackFeature::Register(shell::FeatureRegistry& registry) {
-    registry.AddCommand(cmd::kSaveTrack,
-                        shell::Command{[this](int) { SaveTrackLog(); },
-                                       [this](int) {
-                                           shell::EntryState e;
-                                           e.checked = state_.trackLogOn != 0;
-                                           return e;
-                                       }});
+    registry.AddCommand(cmd::kSaveTrack, shell::Command{[this](int) { SaveTrackLog(); },
+                                                        [this](int) {
+                                                            shell::EntryState e;
+                                                            e.checked = state_.trackLogOn != 0;
+                                                            return e;
+                                                        }});
     registry.AddCommand(cmd::kViewTrack, shell::Command{[this](int) { ViewTrackLog(); },
                                                         [this](int) {
                                                             shell::EntryState e;
@@ -73,9 +72,9 @@ TrackSample TrackFeature::CurrentSample(const gps::GpsState& fix) const {
 }
 
 void TrackFeature::Message(const std::string& text, bool exclamation) {
-    shell_.ui().ShowMessage(text,
-                            exclamation ? shell::MessageIcon::Exclamation : shell::MessageIcon::Error,
-                            shell::MessageButtons::Ok);
+    shell_.ui().ShowMessage(
+        text, exclamation ? shell::MessageIcon::Exclamation : shell::MessageIcon::Error,
+        shell::MessageButtons::Ok);
 }
 
 void TrackFeature::OnTrackTick() {
@@ -114,10 +113,10 @@ void TrackFeature::ViewTrackLog() {
     chooser_.ChooseFile(browser::kBrowseTrackLogs, common::LoadString(common::kStrOpenFile),
                         [this](const browser::ChosenFile& file) {
                             if (IsBeingWritten(state_, file.path)) {
-                                Message(common::FormatString(
-                                            common::LoadString(common::kStrLogBeingWritten),
-                                            file.name),
-                                        true);
+                                Message(
+                                    common::FormatString(
+                                        common::LoadString(common::kStrLogBeingWritten), file.name),
+                                    true);
                                 return;
                             }
                             ReadForView(file.path, file.name, false);

@@ -13,8 +13,8 @@
 #include <memory>
 #include <string>
 
-#include "FileChooser.h"
 #include "Features.h"
+#include "FileChooser.h"
 #include "TrackState.h"
 
 namespace satwalk::shell {

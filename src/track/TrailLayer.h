@@ -26,9 +26,9 @@ TrailTransform WorldTrailTransform(const map::MapView& view);
 // Where the trails go on screen and whether to draw them at all.
 struct TrailView {
     bool showTrack = false;
-    bool mapMode = false;         // a calibrated map is shown: the map trails
-    TrailTransform toScreen;      // trail pixels to screen pixels
-    screens::Rect clip;           // the map's part of the screen
+    bool mapMode = false;     // a calibrated map is shown: the map trails
+    TrailTransform toScreen;  // trail pixels to screen pixels
+    screens::Rect clip;       // the map's part of the screen
 };
 
 // The trails of `state` drawn into `view`: the viewed trail first, then the

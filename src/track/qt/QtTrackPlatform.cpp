@@ -100,9 +100,9 @@ std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::Fil
                                                std::function<void()>& onTrackTick) {
     auto feature =
         std::make_unique<TrackFeature>(shell, chooser, std::make_unique<QtTrackPlatform>(window));
-    mapScreen.layers().Add(map::LayerOrder::Trails,
-                           std::make_unique<TrailLayer>(feature->state(),
-                                                        shell.settings().showTrack));
+    mapScreen.layers().Add(
+        map::LayerOrder::Trails,
+        std::make_unique<TrailLayer>(feature->state(), shell.settings().showTrack));
     onTrackTick = [f = feature.get()] { f->OnTrackTick(); };
     return feature;
 }
