@@ -2,9 +2,15 @@
 
 #include <algorithm>
 
+#include "WorldMap.h"
+
 namespace satwalk::map {
 
 using screens::Rect;
+
+namespace {
+constexpr double kEquatorDegreeKm = 114.319;
+}  // namespace
 
 void MapLayers::Add(LayerOrder order, std::unique_ptr<MapLayer> layer) {
     const auto at = std::upper_bound(layers_.begin(), layers_.end(), order,
@@ -20,41 +26,54 @@ void MapLayers::Paint(screens::Canvas& canvas, const MapView& view,
 MapView WorldMapView(const screens::ScreenContext& ctx) {
     MapView view;
     view.viewRect = ctx.screen;
-    const screens::Bitmap& world = ctx.bitmaps[screens::BitmapId::World.value];
-    const Rect v = ctx.screen;
-    if (world.width <= 0 || world.height <= 0 || v.Width() <= 0 || v.Height() <= 0)
-        return view;
-    int w = v.Width();
-    int h = w * world.height / world.width;
-    if (h > v.Height()) {
-        h = v.Height();
-        w = h * world.width / world.height;
-    }
-    view.worldOrigin = {v.left + (v.Width() - w) / 2, v.top + (v.Height() - h) / 2};
-    view.worldSize = {w, h};
+    view.scaleBarPixels = ScaleBarPixels(ctx.baseTextHeight);
+    FitWorld(view);
     return view;
 }
 
-void WorldMapLayer::Paint(screens::Canvas& canvas, const MapView& view,
-                          const screens::ScreenContext& ctx, const gps::GpsState&) {
-    const screens::Bitmap& world = ctx.bitmaps[screens::BitmapId::World.value];
-    if (view.worldSize.width <= 0 || view.worldSize.height <= 0)
+void FitWorld(MapView& view) {
+    const Rect v = view.viewRect;
+    if (v.Width() <= 0 || v.Height() <= 0)
         return;
-    const screens::Point o = view.worldOrigin;
-    canvas.StretchBlit(world, Rect{0, 0, world.width, world.height},
-                       Rect{o.x, o.y, o.x + view.worldSize.width, o.y + view.worldSize.height});
+    // The whole width of the world across the view, the equator at its middle.
+    view.viewScale = 360.0 * kEquatorDegreeKm * view.scaleBarPixels / v.Width();
+    view.worldOrigin = GeoPoint{};
+    view.worldOrigin.screenX = v.left + v.Width() * 0.5;
+    view.worldOrigin.screenY = v.top + v.Height() * 0.5;
+}
+
+int ScaleBarPixels(int baseTextHeight) {
+    return baseTextHeight * 10 / 3;
+}
+
+const WorldLand& BuiltInWorldLand() {
+    static const WorldLand land = [] {
+        WorldLand l;
+        LoadWorldLand(SATWALK_WORLD_LAND_FILE, l);
+        return l;
+    }();
+    return land;
+}
+
+void WorldMapLayer::Paint(screens::Canvas& canvas, const MapView& view,
+                          const screens::ScreenContext&, const gps::GpsState&) {
+    if (view.mapMode != 0)
+        return;
+    WorldView world;
+    world.origin = view.worldOrigin;
+    world.scale = view.viewScale;
+    world.scaleBarPixels = view.scaleBarPixels;
+    world.rect = view.viewRect;
+    DrawWorldMap(canvas, BuiltInWorldLand(), world);
 }
 
 void WorldPositionLayer::Paint(screens::Canvas& canvas, const MapView& view,
                                const screens::ScreenContext& ctx, const gps::GpsState&) {
     const screens::DisplayState& d = ctx.display;
-    if (view.worldSize.width <= 0 || view.worldSize.height <= 0 || !d.linkRunning || !d.fixValid)
+    PointF p;
+    if (!d.linkRunning || !d.fixValid || !ProjectToScreen(view, d.latitude, d.longitude, p))
         return;
-    // Longitudes -180..180 and latitudes 80..-80 span the world map.
-    const double fx = std::clamp(d.longitude / 360.0 + 0.5, 0.0, 1.0);
-    const double fy = std::clamp(0.5 - d.latitude / 160.0, 0.0, 1.0);
-    const int x = view.worldOrigin.x + static_cast<int>(fx * view.worldSize.width);
-    const int y = view.worldOrigin.y + static_cast<int>(fy * view.worldSize.height);
+    const int x = static_cast<int>(p.x), y = static_cast<int>(p.y);
     const int r = std::max(3, ctx.baseTextHeight / 5);
     canvas.Ellipse(Rect{x - r, y - r, x + r + 1, y + r + 1}, screens::Pen{.null = true},
                    screens::Brush{screens::Rgb(255, 0, 0)});

@@ -47,14 +47,14 @@ class MapLayers {
     std::vector<Entry> layers_;
 };
 
-// The world map fitted into the view, keeping its proportions.
+// The built-in world map (world mode only).
 class WorldMapLayer final : public MapLayer {
   public:
     void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
                const gps::GpsState& fix) override;
 };
 
-// The position on the world map as a red dot while there is a fix.
+// The position as a red dot while there is a fix.
 class WorldPositionLayer final : public MapLayer {
   public:
     void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
@@ -62,8 +62,12 @@ class WorldPositionLayer final : public MapLayer {
 };
 
 // The view of the map screen as the screens' layout and display state have
-// it: the screen rectangle, and the world map fitted into it.
+// it: the screen rectangle, and the whole world across its width.
 MapView WorldMapView(const screens::ScreenContext& ctx);
+// The whole world across the view's width, the equator at its middle.
+void FitWorld(MapView& view);
+// The scale bar's length in the pixel set of `baseTextHeight`.
+int ScaleBarPixels(int baseTextHeight);
 
 // Places the map's button strip inside the view's right edge (the frame
 // paints it over the map screen).
