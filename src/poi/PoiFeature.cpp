@@ -4,7 +4,6 @@
 #include "FileListing.h"
 #include "Shell.h"
 #include "Strings.h"
-#include "TrailLayer.h"
 
 namespace satwalk::poi {
 
@@ -64,24 +63,16 @@ void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
                      const screens::ScreenContext& ctx, const gps::GpsState&) {
     if (showPoi_ == 0 || feature_.store().Empty())
         return;
-    PoiProjection project;
-    if (view.imageSize.width > 0 && view.imageSize.height > 0) {
-        if (!mapProject)
-            return;  // a map without calibration shows no POI
-        project = [this, &view](double lat, double lon, double& x, double& y) {
-            return mapProject(view, lat, lon, x, y);
-        };
-    } else {
-        if (view.worldSize.width <= 0 || view.worldSize.height <= 0)
-            return;
-        const track::TrailTransform t = track::WorldTrailTransform(view);
-        project = [t](double lat, double lon, double& x, double& y) {
-            const track::MapXY w = track::WorldTrailPoint(lat, lon);
-            x = w.x * t.scaleX + t.offsetX;
-            y = w.y * t.scaleY + t.offsetY;
-            return true;
-        };
-    }
+    if (!view.Calibrated())
+        return;  // a map without calibration shows no POI
+    const PoiProjection project = [&view](double lat, double lon, double& x, double& y) {
+        map::PointF p;
+        if (!map::ProjectToScreen(view, lat, lon, p))
+            return false;
+        x = p.x;
+        y = p.y;
+        return true;
+    };
     PoiDrawStyle style;
     style.textSize = ctx.baseTextHeight;
     // The frame is painted over the map afterwards: what lies beyond the

@@ -65,12 +65,6 @@ class PoiLayer final : public map::MapLayer {
     PoiLayer(const PoiFeature& feature, const std::uint32_t& showPoi)
         : feature_(feature), showPoi_(showPoi) {}
 
-    // On a calibrated map: degrees to screen pixels for `view`; false when
-    // no calibrated map is shown. Empty: the world map only.
-    std::function<bool(const map::MapView& view, double latitude, double longitude, double& x,
-                       double& y)>
-        mapProject;
-
     void Paint(screens::Canvas& canvas, const map::MapView& view, const screens::ScreenContext& ctx,
                const gps::GpsState& fix) override;
 

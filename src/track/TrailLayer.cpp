@@ -1,21 +1,75 @@
 #include "TrailLayer.h"
 
+#include <cmath>
 #include <mutex>
 
 namespace satwalk::track {
 
-MapXY WorldTrailPoint(double latitude, double longitude) {
-    return MapXY{(longitude + 180.0) / 360.0 * kWorldTrailWidth,
-                 (80.0 - latitude) / 160.0 * kWorldTrailHeight};
+namespace {
+
+map::MapView TrailSpaceView() {
+    map::MapView v;
+    v.viewScale = 1000.0;
+    v.scaleBarPixels = 100;
+    return v;  // origin: longitude 0 at x 0, the equator at y 0
 }
 
-TrailTransform WorldTrailTransform(const map::MapView& view) {
+map::PointF WorldPixel(const map::MapView& view, double latitude, double longitude) {
+    map::GeoPoint p;
+    p.latitude = latitude;
+    p.longitude = longitude;
+    return map::ProjectToView(view.worldOrigin, p, view.viewScale, view.scaleBarPixels);
+}
+
+// The per-axis line through two points a and b of the trail space that
+// land on sa and sb.
+TrailTransform Through(map::PointF a, map::PointF b, map::PointF sa, map::PointF sb) {
     TrailTransform t;
-    t.scaleX = view.worldSize.width / kWorldTrailWidth;
-    t.offsetX = view.worldOrigin.x;
-    t.scaleY = view.worldSize.height / kWorldTrailHeight;
-    t.offsetY = view.worldOrigin.y;
+    t.scaleX = (sb.x - sa.x) / (b.x - a.x);
+    t.offsetX = sa.x - a.x * t.scaleX;
+    t.scaleY = (sb.y - sa.y) / (b.y - a.y);
+    t.offsetY = sa.y - a.y * t.scaleY;
     return t;
+}
+
+}  // namespace
+
+MapXY WorldTrailPoint(double latitude, double longitude) {
+    static const map::MapView space = TrailSpaceView();
+    const map::PointF p = WorldPixel(space, latitude, longitude);
+    return MapXY{p.x, p.y};
+}
+
+bool TrailToScreen(const map::MapView& view, TrailTransform& toScreen) {
+    if (view.mapMode != 0) {
+        if (!view.calibration.IsValid() || view.imageSize.width <= 0 || view.imageSize.height <= 0)
+            return false;
+        const map::PointF a{0, 0};
+        const map::PointF b{static_cast<double>(view.imageSize.width),
+                            static_cast<double>(view.imageSize.height)};
+        toScreen = Through(a, b, map::ImageToScreen(view, a), map::ImageToScreen(view, b));
+    } else {
+        static const map::MapView space = TrailSpaceView();
+        // Two places apart in both axes; the world projection is linear in
+        // the view's scale, so two fix the whole rescale.
+        toScreen = Through(WorldPixel(space, 20, 0), WorldPixel(space, 60, 90),
+                           WorldPixel(view, 20, 0), WorldPixel(view, 60, 90));
+    }
+    return std::isfinite(toScreen.scaleX) && std::isfinite(toScreen.scaleY) &&
+           std::isfinite(toScreen.offsetX) && std::isfinite(toScreen.offsetY);
+}
+
+TrackProjections ProjectionsFor(const map::MapView& view) {
+    TrackProjections p;
+    p.world = WorldTrailPoint;
+    if (view.mapMode != 0 && view.calibration.IsValid()) {
+        p.map = [calibration = view.calibration](double latitude, double longitude) {
+            map::GeoPoint point;
+            const map::PointF image = map::GeoToImage(calibration, point, latitude, longitude);
+            return MapXY{image.x, image.y};
+        };
+    }
+    return p;
 }
 
 void TrailLayerPainter::Draw(screens::Canvas& canvas, const TrackState& state,
@@ -36,15 +90,9 @@ void TrailLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
     TrailView v;
     v.showTrack = showTrack_ != 0;
     v.clip = view.viewRect;
-    if (view.imageSize.width > 0 && view.imageSize.height > 0) {
-        v.mapMode = true;
-        if (!mapTransform || !mapTransform(view, v.toScreen))
-            return;  // a map without calibration shows no trail
-    } else {
-        if (view.worldSize.width <= 0 || view.worldSize.height <= 0)
-            return;
-        v.toScreen = WorldTrailTransform(view);
-    }
+    v.mapMode = view.mapMode != 0;
+    if (!TrailToScreen(view, v.toScreen))
+        return;  // a map without calibration shows no trail
     painter_.Draw(canvas, state_, v);
 }
 

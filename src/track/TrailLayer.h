@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 
 #include "MapLayers.h"
 #include "TrackState.h"
@@ -13,15 +12,19 @@
 
 namespace satwalk::track {
 
-// The world trails' own pixel space: the world map from 180° W to 180° E
-// and from 80° N to 80° S, this many pixels large. The view rescales it per
-// axis, so a trail never needs rebuilding when the world view moves.
-inline constexpr double kWorldTrailWidth = 36000;
-inline constexpr double kWorldTrailHeight = 16000;
-
+// The world trails' own pixel space: the world projection of a fixed view
+// (longitude 0 and the equator at pixel 0, 1,000 km to 100 pixels). Every
+// world view is a per-axis rescale of it, so a world trail never needs
+// rebuilding when the world view moves or zooms.
 MapXY WorldTrailPoint(double latitude, double longitude);
-// World trail pixels to the screen pixels of `view`.
-TrailTransform WorldTrailTransform(const map::MapView& view);
+// Trail pixels to the screen pixels of `view`: world trail pixels in world
+// mode, image pixels on a calibrated map. False on a map that is not
+// calibrated (nothing can be placed on it).
+bool TrailToScreen(const map::MapView& view, TrailTransform& toScreen);
+// The projections a sample or a log needs for the map shown in `view`:
+// the world's always, the image's on a calibrated map (a copy of the
+// calibration, so the reader's thread may use it).
+TrackProjections ProjectionsFor(const map::MapView& view);
 
 // Where the trails go on screen and whether to draw them at all.
 struct TrailView {
@@ -55,10 +58,6 @@ class TrailLayer final : public map::MapLayer {
     // `showTrack` is the setting of the View menu's "显示轨迹".
     TrailLayer(const TrackState& state, const std::uint32_t& showTrack)
         : state_(state), showTrack_(showTrack) {}
-
-    // On a calibrated map: image pixels to screen pixels for `view`; false
-    // when no calibrated map is shown. Empty: the world map only.
-    std::function<bool(const map::MapView& view, TrailTransform& toScreen)> mapTransform;
 
     void Paint(screens::Canvas& canvas, const map::MapView& view, const screens::ScreenContext& ctx,
                const gps::GpsState& fix) override;

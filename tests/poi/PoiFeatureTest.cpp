@@ -6,7 +6,6 @@
 #include "PoiFeature.h"
 #include "RecordingCanvas.h"
 #include "StateJson.h"
-#include "TrailLayer.h"
 
 namespace satwalk::poi {
 namespace {
@@ -55,8 +54,12 @@ TEST_F(PoiFeatureTest, ImportAddsOneGroupPerFile) {
         std::uint32_t groups, lastCategory;
     };
     const Case cases[] = {
-        {"icons missing: the import goes on", dir + "Restaurant.csv", false,
-         {kLoadPoiIconsFailed}, 1, 17},
+        {"icons missing: the import goes on",
+         dir + "Restaurant.csv",
+         false,
+         {kLoadPoiIconsFailed},
+         1,
+         17},
         {"by name in any case", dir + "gas station.csv", true, {}, 2, 19},
         {"cancelled", "", true, {}, 2, 19},
         {"missing file", dir + "gone.csv", true, {kOpenPoiFileFailed}, 2, 19},
@@ -90,52 +93,55 @@ TEST_F(PoiFeatureTest, ImportAddsOneGroupPerFile) {
 }
 
 TEST_F(PoiFeatureTest, LayerDrawsWhereTheMapShowsThePoint) {
-    WriteFile(settings.storageRoot + "/00011.csv", "0,0,Here\r\n");
+    WriteFile(settings.storageRoot + "/00011.csv", "120.5,30.5,Here\r\n");
     Import(settings.storageRoot + "/00011.csv");
+    map::MapView world;
+    world.viewRect = {0, 0, 480, 560};
+    map::FitWorld(world);
+    map::MapView lake = world;
+    lake.mapMode = 1;
+    lake.imageSize = {1000, 1000};
+    lake.currentWidth = lake.currentHeight = 1000;
+    lake.scrollCentre = {500, 500};
+    map::MapView uncalibrated = lake;
+    map::ReferencePoints refs{};
+    refs[0] = map::GeoPoint{1, 31, 120, 0, 0, 0, 0};
+    refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
+    lake.calibration = map::ComputeCalibration(refs);
+
     struct Case {
         const char* name;
-        bool show, mapMode, calibrated;
+        bool show;
+        const map::MapView& view;
         bool drawn;
-        screens::Point icon;  // top-left of the icon cell
     };
     const Case cases[] = {
-        {"world: 0°, 0° in the middle", true, false, false, true, {172, 72}},
-        {"hidden", false, false, false, false, {}},
-        {"map without calibration", true, true, false, false, {}},
-        {"calibrated map", true, true, true, true, {92, 42}},
+        {"world", true, world, true},
+        {"hidden", false, world, false},
+        {"map without calibration", true, uncalibrated, false},
+        {"calibrated map", true, lake, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         std::uint32_t show = c.show ? 1 : 0;
         PoiLayer layer(*feature, show);
-        if (c.calibrated) {
-            layer.mapProject = [](const map::MapView&, double, double, double& x, double& y) {
-                x = 100.4;
-                y = 50.9;
-                return true;
-            };
-        }
-        map::MapView view;
-        view.viewRect = {0, 0, 480, 560};
-        if (c.mapMode) {
-            view.imageSize = {1000, 1000};
-        } else {
-            view.worldSize = {360, 160};
-        }
-        screens::RecordingCanvas canvas(view.viewRect);
+        screens::RecordingCanvas canvas(c.view.viewRect);
         screens::ScreenContext ctx;
         ctx.baseTextHeight = 30;
-        layer.Paint(canvas, view, ctx, gps::GpsState{});
+        layer.Paint(canvas, c.view, ctx, gps::GpsState{});
         const auto blits = canvas.OfKind(CanvasCall::Kind::Blit);
         ASSERT_EQ(blits.size(), c.drawn ? 1u : 0u);
         if (!c.drawn)
             continue;
-        EXPECT_EQ(blits[0].to, c.icon);
+        map::PointF at;
+        ASSERT_TRUE(map::ProjectToScreen(c.view, 30.5, 120.5, at));
+        const screens::Point icon{static_cast<int>(at.x) - 8, static_cast<int>(at.y) - 8};
+        EXPECT_EQ(blits[0].to, icon) << "centred on the point";
         EXPECT_EQ(blits[0].rect.left, 17 * 16) << "the category's cell";
         const CanvasCall* label = canvas.FindText("Here");
         ASSERT_NE(label, nullptr);
-        EXPECT_EQ(label->rect.left, c.icon.x + 17);
-        EXPECT_EQ(label->rect.bottom, c.icon.y + 16);
+        EXPECT_EQ(label->rect.left, icon.x + 17);
+        EXPECT_EQ(label->rect.bottom, icon.y + 16) << "level with the icon's bottom";
     }
 }
 

@@ -77,8 +77,8 @@ class FeatureFixture : public ::testing::Test {
   protected:
     FeatureFixture() : shell(settings, link, ui, sound, nullptr) {
         settings.bluetoothReceiver = 0;
-        settings.storageRoot = ScratchFolder(
-            ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        settings.storageRoot =
+            ScratchFolder(::testing::UnitTest::GetInstance()->current_test_info()->name());
         shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
     }
 

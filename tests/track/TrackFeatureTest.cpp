@@ -170,7 +170,10 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
     const Case cases[] = {
         {"a log", good, {}, true, 2},
         {"cancelled", "", {}, true, 2},
-        {"missing: the view stays", settings.storageRoot + "/gone.log", {kOpenTrackLogFailed}, true,
+        {"missing: the view stays",
+         settings.storageRoot + "/gone.log",
+         {kOpenTrackLogFailed},
+         true,
          2},
         {"the log being written",
          beingWritten,
@@ -258,8 +261,8 @@ TEST_F(TrackFeatureTest, FollowPause) {
                 break;
         }
         EXPECT_EQ(feature->followPaused(), c.paused);
-        EXPECT_EQ(MessageTexts(),
-                  c.message ? std::vector<std::string>{kFollowTimerFailed} : std::vector<std::string>{});
+        EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{kFollowTimerFailed}
+                                            : std::vector<std::string>{});
     }
 }
 

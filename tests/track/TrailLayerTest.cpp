@@ -1,6 +1,8 @@
 // The trail layer: which trails it draws in which map mode, and where.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "RecordingCanvas.h"
 #include "TrailLayer.h"
 
@@ -9,21 +11,54 @@ namespace {
 
 using screens::CanvasCall;
 
-TEST(TrailLayer, WorldPointsLandOnTheWorldView) {
-    map::MapView view;
-    view.worldOrigin = {10, 20};
-    view.worldSize = {360, 160};
-    const TrailTransform t = WorldTrailTransform(view);
-    struct Case {
-        double lat, lon;
-        double x, y;
-    };
-    const Case cases[] = {{80, -180, 10, 20}, {0, 0, 190, 100}, {-80, 180, 370, 180}};
-    for (const Case& c : cases) {
-        const MapXY w = WorldTrailPoint(c.lat, c.lon);
-        EXPECT_NEAR(w.x * t.scaleX + t.offsetX, c.x, 1e-9);
-        EXPECT_NEAR(w.y * t.scaleY + t.offsetY, c.y, 1e-9);
+// A map of West Lake: image pixel (0, 0) at 31° N 120° E, (1000, 1000) at
+// 30° N 121° E, shown `width` pixels wide with the image centre in the view's.
+map::MapView LakeMap(double width, bool calibrated = true) {
+    map::MapView v;
+    v.viewRect = {0, 0, 480, 560};
+    v.mapMode = 1;
+    v.imageSize = {1000, 1000};
+    v.currentWidth = v.currentHeight = width;
+    v.scrollCentre = {500, 500};
+    if (calibrated) {
+        map::ReferencePoints refs{};
+        refs[0] = map::GeoPoint{1, 31, 120, 0, 0, 0, 0};
+        refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
+        v.calibration = map::ComputeCalibration(refs);
     }
+    return v;
+}
+
+map::MapView World(double scale, double originLongitude) {
+    map::MapView v;
+    v.viewRect = {0, 0, 480, 560};
+    v.viewScale = scale;
+    v.worldOrigin.longitude = originLongitude;
+    v.worldOrigin.screenX = 240;
+    v.worldOrigin.screenY = 280;
+    return v;
+}
+
+// A trail point lands where the map view places its position, in every
+// view: the trail's rescale and the view's projection agree.
+TEST(TrailLayer, TrailPointsLandWhereTheViewProjects) {
+    const map::MapView views[] = {World(40000, 0), World(5, 120.1), LakeMap(1000), LakeMap(4000)};
+    const double places[][2] = {{30.25, 120.16}, {30.9, 120.05}, {-33.9, 18.4}};
+    for (const map::MapView& view : views) {
+        const TrackProjections p = ProjectionsFor(view);
+        ASSERT_EQ(static_cast<bool>(p.map), view.mapMode != 0);
+        TrailTransform t;
+        ASSERT_TRUE(TrailToScreen(view, t));
+        for (const auto& place : places) {
+            const MapXY trail = (view.mapMode != 0 ? p.map : p.world)(place[0], place[1]);
+            map::PointF want;
+            ASSERT_TRUE(map::ProjectToScreen(view, place[0], place[1], want));
+            EXPECT_NEAR(trail.x * t.scaleX + t.offsetX, want.x, 1e-6 * (1 + std::fabs(want.x)));
+            EXPECT_NEAR(trail.y * t.scaleY + t.offsetY, want.y, 1e-6 * (1 + std::fabs(want.y)));
+        }
+    }
+    TrailTransform t;
+    EXPECT_FALSE(TrailToScreen(LakeMap(1000, false), t));
 }
 
 TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
@@ -42,12 +77,24 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
     const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
     const auto live = TrailLayerPainter::kLiveStyle.line.colour;
     const Case cases[] = {
-        {"world: viewed under live", ViewedWorld | ViewedMap | LiveWorld, false, true, true,
+        {"world: viewed under live",
+         ViewedWorld | ViewedMap | LiveWorld,
+         false,
+         true,
+         true,
          {viewed, live}},
         {"track hidden", ViewedWorld | LiveWorld, false, false, true, {}},
-        {"map: its own trails", ViewedWorld | ViewedMap | LiveMap, true, true, true,
+        {"map: its own trails",
+         ViewedWorld | ViewedMap | LiveMap,
+         true,
+         true,
+         true,
          {viewed, live}},
-        {"map: viewed map trail only with a world trail", ViewedMap | LiveMap, true, true, true,
+        {"map: viewed map trail only with a world trail",
+         ViewedMap | LiveMap,
+         true,
+         true,
+         true,
          {live}},
         {"map without calibration", ViewedWorld | ViewedMap | LiveMap, true, true, false, {}},
     };
@@ -58,27 +105,16 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
         state.liveWorldTrail.Clear();
         state.liveMapTrail.Clear();
         if (c.trails & ViewedWorld)
-            fill(state.viewedWorldTrail, 100);
+            fill(state.viewedWorldTrail, 300);
         if (c.trails & ViewedMap)
-            fill(state.viewedMapTrail, 110);
+            fill(state.viewedMapTrail, 310);
         if (c.trails & LiveWorld)
-            fill(state.liveWorldTrail, 120);
+            fill(state.liveWorldTrail, 320);
         if (c.trails & LiveMap)
-            fill(state.liveMapTrail, 130);
+            fill(state.liveMapTrail, 330);
         std::uint32_t show = c.show ? 1 : 0;
         TrailLayer layer(state, show);
-        layer.mapTransform = [&c](const map::MapView&, TrailTransform& t) {
-            t = TrailTransform{};
-            return c.calibrated;
-        };
-        map::MapView view;
-        view.viewRect = {0, 0, 480, 560};
-        if (c.mapMode) {
-            view.imageSize = {1000, 1000};
-        } else {
-            view.worldOrigin = {0, 0};
-            view.worldSize = {static_cast<int>(kWorldTrailWidth), static_cast<int>(kWorldTrailHeight)};
-        }
+        const map::MapView view = c.mapMode ? LakeMap(1000, c.calibrated) : World(10000, 0);
         screens::RecordingCanvas canvas(view.viewRect);
         layer.Paint(canvas, view, screens::ScreenContext{}, gps::GpsState{});
         std::vector<screens::Colour> lines;
