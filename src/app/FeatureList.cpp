@@ -2,6 +2,7 @@
 
 #include "FileChooserStandIn.h"
 #include "MainWindow.h"
+#include "MapFeature.h"
 #include "QtPoiIcons.h"
 #include "QtTrackPlatform.h"
 #include "SatelliteDataDialog.h"
@@ -9,16 +10,31 @@
 
 namespace satwalk::app {
 
+namespace {
+
+// Adds `feature` and returns it, for features that others are tied to.
+template <typename F>
+F& Keep(std::vector<std::unique_ptr<shell::Feature>>& features, std::unique_ptr<F> feature) {
+    F& kept = *feature;
+    features.push_back(std::move(feature));
+    return kept;
+}
+
+}  // namespace
+
 std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
                                                           ScreenAdapter& screens) {
     std::vector<std::unique_ptr<shell::Feature>> features;
     features.push_back(shell::qt::MakeSatelliteDataFeature(window.shell(), window));
-    auto& chooser = *static_cast<FileChooserStandIn*>(
-        features.emplace_back(std::make_unique<FileChooserStandIn>(window)).get());
-    features.push_back(track::qt::MakeTrackFeature(window.shell(), chooser, &window,
+    map::qt::MapFeature& map = Keep(
+        features,
+        map::qt::MakeMapFeature(window.shell(), window, screens.context(), screens.mapScreen()));
+    FileChooserStandIn& chooser = Keep(features, std::make_unique<FileChooserStandIn>(window));
+    map.SetDialogs(&chooser);
+    features.push_back(track::qt::MakeTrackFeature(window.shell(), chooser, &window, map,
                                                    screens.mapScreen(), window.onTrackTick));
-    features.push_back(
-        poi::qt::MakePoiFeature(window.shell(), chooser, screens.bitmaps(), screens.mapScreen()));
+    features.push_back(poi::qt::MakePoiFeature(window.shell(), chooser, map, screens.bitmaps(),
+                                               screens.mapScreen()));
     return features;
 }
 

@@ -198,10 +198,14 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
     f.setBold(true);
     p.setFont(f);
     p.setPen(Qt::white);
-    p.drawText(QRect(0, top, width() / 2, barHeight_), Qt::AlignCenter,
-               QString::fromUtf8(common::LoadString(common::kStrView)));
-    p.drawText(QRect(width() / 2, top, width() - width() / 2, barHeight_), Qt::AlignCenter,
-               QString::fromUtf8(common::LoadString(common::kStrMenu)));
+    // A mode may stand two plain buttons in for the drop-downs.
+    const shell::SoftKeys& keys = shell_.softKeys;
+    const QString left =
+        QString::fromUtf8(keys.Plain() ? keys.left.c_str() : common::LoadString(common::kStrView));
+    const QString right =
+        QString::fromUtf8(keys.Plain() ? keys.right.c_str() : common::LoadString(common::kStrMenu));
+    p.drawText(QRect(0, top, width() / 2, barHeight_), Qt::AlignCenter, left);
+    p.drawText(QRect(width() / 2, top, width() - width() / 2, barHeight_), Qt::AlignCenter, right);
 }
 
 void MainWindow::paintEvent(QPaintEvent*) {
@@ -265,6 +269,13 @@ bool MainWindow::HandleProgramKey(QKeyEvent* event) {
 void MainWindow::mousePressEvent(QMouseEvent* event) {
     const QPoint pos = event->position().toPoint();
     if (pos.y() >= height() - barHeight_) {
+        const shell::SoftKeys& keys = shell_.softKeys;
+        if (keys.Plain()) {
+            const int id = pos.x() < width() / 2 ? keys.leftCommand : keys.rightCommand;
+            if (id != 0)
+                shell_.OnCommand(id);
+            return;
+        }
         OpenDropDown(pos.x() < width() / 2);
         return;
     }
@@ -275,6 +286,23 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
             shell_.OnTabTapped(tab);
         else if (const int cell = painter_->AlarmCellAt(pos.x(), pos.y()); cell >= 0)
             shell_.OnAlarmCellTap(cell);
+        else
+            stylusOnScreen_ = shell_.features().NotifyStylusDown(pos.x(), pos.y());
+    }
+}
+
+void MainWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (stylusOnScreen_) {
+        const QPoint pos = event->position().toPoint();
+        shell_.features().NotifyStylusMove(pos.x(), pos.y());
+    }
+}
+
+void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
+    if (stylusOnScreen_) {
+        stylusOnScreen_ = false;
+        const QPoint pos = event->position().toPoint();
+        shell_.features().NotifyStylusUp(pos.x(), pos.y());
     }
 }
 

@@ -100,6 +100,8 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     void resizeEvent(QResizeEvent*) override;
     void keyPressEvent(QKeyEvent*) override;
     void mousePressEvent(QMouseEvent*) override;
+    void mouseMoveEvent(QMouseEvent*) override;
+    void mouseReleaseEvent(QMouseEvent*) override;
     void closeEvent(QCloseEvent*) override;
 
   private:
@@ -117,6 +119,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     bool firstFramePainted_ = false;
     bool scriptMode_ = false;
     bool closing_ = false;
+    bool stylusOnScreen_ = false;  // a press on the screen area is held
     std::optional<shell::MessageAnswer> nextAnswer_;
     std::vector<shell::LoggedMessage> messages_;
     QTimer blinkTimer_;

@@ -27,6 +27,9 @@ class ScreenAdapter final : public ScreenPainter {
     int AlarmCellAt(int x, int y) const override;
 
     map::MapScreen& mapScreen() { return *mapScreen_; }
+    // The screens' layout as last laid out (the map's buttons and overlay
+    // helper read and set it).
+    screens::ScreenContext& context() { return ctx_; }
     screens::ScreenBitmaps& bitmaps() { return bitmaps_; }
 
   private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "MapScreenLayers.h"
 #include "WorldMap.h"
 
 namespace satwalk::map {
@@ -89,14 +90,14 @@ void LayoutMapOverlay(screens::ScreenContext& ctx) {
 
 void MapScreen::Paint(screens::Canvas& canvas, screens::ScreenContext& ctx,
                       const gps::GpsState& fix) {
-    layers_.Paint(canvas, WorldMapView(ctx), ctx, fix);
+    layers_.Paint(canvas, viewSource ? viewSource(ctx) : WorldMapView(ctx), ctx, fix);
     screens::DrawScreenFrame(canvas, ctx, fix);
 }
 
 std::unique_ptr<MapScreen> MakeWorldMapScreen() {
     auto screen = std::make_unique<MapScreen>();
     screen->layers().Add(LayerOrder::BaseMap, std::make_unique<WorldMapLayer>());
-    screen->layers().Add(LayerOrder::Position, std::make_unique<WorldPositionLayer>());
+    screen->layers().Add(LayerOrder::Position, std::make_unique<PositionLayer>());
     return screen;
 }
 

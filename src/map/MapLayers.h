@@ -5,6 +5,7 @@
 // painted over them all.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -78,6 +79,9 @@ void LayoutMapOverlay(screens::ScreenContext& ctx);
 class MapScreen {
   public:
     MapLayers& layers() { return layers_; }
+    // Builds the view of each paint; without one the whole world fits the
+    // screen.
+    std::function<MapView(const screens::ScreenContext&)> viewSource;
     void Paint(screens::Canvas& canvas, screens::ScreenContext& ctx, const gps::GpsState& fix);
 
   private:

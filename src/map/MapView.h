@@ -22,6 +22,11 @@ struct MapView {
     screens::Rect viewRect;  // the part of the screen the map covers
     int mapMode = 0;         // 1: the loaded image, 0: the world map
     int scaleBarPixels = 100;
+    // The View menu's display flags.
+    bool showMap = true;
+    bool showReferencePoints = true;
+    bool showTrack = true;
+    bool showPoi = true;
 
     // ----- world mode -----
     GeoPoint worldOrigin;

@@ -35,6 +35,39 @@ bool ReadCell(std::string_view& line, std::int32_t& a, std::int32_t& b) {
     return true;
 }
 
+// A few outlines cut at the 180° meridian step across to the other side and
+// back (a coast along the meridian). Drawn as they stand, those steps would
+// be edges around the whole world; taken the short way round they run along
+// the meridian. A ring that crosses only once (the one around the south
+// pole) closes along its bottom edge and stays as it is.
+void UnwrapAntimeridian(std::vector<std::int32_t>& lon) {
+    int jumps = 0;
+    for (std::size_t i = 1; i < lon.size(); ++i)
+        if (std::abs(lon[i] - lon[i - 1]) > kMaxLon)
+            ++jumps;
+    if (jumps == 0 || jumps % 2 != 0)
+        return;
+    std::int32_t shift = 0;
+    std::int32_t previous = lon[0];
+    for (std::size_t i = 1; i < lon.size(); ++i) {
+        const std::int32_t raw = lon[i];
+        const std::int32_t step = raw - previous;
+        if (step > kMaxLon)
+            shift -= 2 * kMaxLon;
+        else if (step < -kMaxLon)
+            shift += 2 * kMaxLon;
+        previous = raw;
+        lon[i] = raw + shift;
+    }
+    // The ring back round as a whole when most of it went out: the step
+    // taken first may have been the one out.
+    std::int64_t sum = 0;
+    for (const std::int32_t x : lon) sum += x;
+    const std::int64_t mean = sum / static_cast<std::int64_t>(lon.size());
+    const std::int32_t whole = mean < -kMaxLon ? 2 * kMaxLon : (mean > kMaxLon ? -2 * kMaxLon : 0);
+    for (std::int32_t& x : lon) x += whole;
+}
+
 void ParseRing(std::string_view line, WorldLand& land) {
     LandRing ring;
     std::int32_t x = 0, y = 0;
@@ -56,6 +89,7 @@ void ParseRing(std::string_view line, WorldLand& land) {
     }
     if (ring.lon.size() < 3)
         return;
+    UnwrapAntimeridian(ring.lon);
     const auto [minLon, maxLon] = std::minmax_element(ring.lon.begin(), ring.lon.end());
     const auto [minLat, maxLat] = std::minmax_element(ring.lat.begin(), ring.lat.end());
     ring.minLon = *minLon;

@@ -6,6 +6,7 @@ namespace satwalk::shell::cmd {
 
 inline constexpr int kExit = 40003;
 inline constexpr int kAbout = 40006;
+inline constexpr int kLeftSoftKey = 40007;  // the left button of a plain soft-key bar
 inline constexpr int kStartGps = 40011;
 inline constexpr int kStopGps = 40012;
 inline constexpr int kSkyPlot = 40013;
@@ -33,6 +34,7 @@ inline constexpr int kShowReferencePoints = 40053;
 inline constexpr int kTrack10s = 40055;  // to 40058 (60 s)
 inline constexpr int kGpsInfo = 40059;
 inline constexpr int kDeleteAllPoi = 40068;
+inline constexpr int kCancelPlacement = 40071;
 inline constexpr int kOptions = 40197;
 inline constexpr int kUserManual = 40201;
 inline constexpr int kRecentMap1 = 40203;  // to 40207

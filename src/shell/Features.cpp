@@ -53,12 +53,34 @@ void FeatureRegistry::NotifyLinkStopped() const {
     for (Feature* f : features_) f->OnLinkStopped();
 }
 
-void FeatureRegistry::NotifyMapMovedByHand() const {
-    for (Feature* f : features_) f->OnMapMovedByHand();
+bool FeatureRegistry::NotifyKeyDown(Key key) const {
+    for (Feature* f : features_)
+        if (f->OnKeyDown(key))
+            return true;
+    return false;
 }
 
-void FeatureRegistry::NotifyMapGeometryChanged(bool modeChanged) const {
-    for (Feature* f : features_) f->OnMapGeometryChanged(modeChanged);
+bool FeatureRegistry::NotifyStylusDown(int x, int y) {
+    stylusOwner_ = nullptr;
+    for (Feature* f : features_) {
+        if (f->OnStylusDown(x, y)) {
+            stylusOwner_ = f;
+            return true;
+        }
+    }
+    return false;
+}
+
+void FeatureRegistry::NotifyStylusMove(int x, int y) const {
+    if (stylusOwner_ != nullptr)
+        stylusOwner_->OnStylusMove(x, y);
+}
+
+void FeatureRegistry::NotifyStylusUp(int x, int y) {
+    Feature* owner = stylusOwner_;
+    stylusOwner_ = nullptr;
+    if (owner != nullptr)
+        owner->OnStylusUp(x, y);
 }
 
 }  // namespace satwalk::shell

@@ -39,6 +39,7 @@ using StateSection = std::function<void(common::JsonMembers& members)>;
 using ScriptStep = std::function<bool(const std::vector<std::string>& words, std::string& error)>;
 
 class FeatureRegistry;
+enum class Key;
 
 class Feature {
   public:
@@ -59,12 +60,27 @@ class Feature {
     // has been stopped.
     virtual void OnLinkStarted() {}
     virtual void OnLinkStopped() {}
-    // The user moved the map by hand (a direction key, a drag).
-    virtual void OnMapMovedByHand() {}
-    // What the map screen projects positions with has changed: a map
-    // loaded or calibrated anew, or the screen switched between the world
-    // and a map (`modeChanged`). Moving or zooming a view is no change.
-    virtual void OnMapGeometryChanged(bool modeChanged) { (void)modeChanged; }
+    // A hardware key, before the shell's own keys; true when taken.
+    virtual bool OnKeyDown(Key key) {
+        (void)key;
+        return false;
+    }
+    // The stylus on the screen area (screen-area pixels) where no tab or
+    // alarm cell took it. A feature that takes the down (true) sees the
+    // moves and the up that follow.
+    virtual bool OnStylusDown(int x, int y) {
+        (void)x;
+        (void)y;
+        return false;
+    }
+    virtual void OnStylusMove(int x, int y) {
+        (void)x;
+        (void)y;
+    }
+    virtual void OnStylusUp(int x, int y) {
+        (void)x;
+        (void)y;
+    }
 };
 
 class FeatureRegistry {
@@ -90,11 +106,15 @@ class FeatureRegistry {
     void NotifyExit() const;
     void NotifyLinkStarted() const;
     void NotifyLinkStopped() const;
-    void NotifyMapMovedByHand() const;
-    void NotifyMapGeometryChanged(bool modeChanged) const;
+    bool NotifyKeyDown(Key key) const;
+    // The first feature that takes the down gets the moves and the up.
+    bool NotifyStylusDown(int x, int y);
+    void NotifyStylusMove(int x, int y) const;
+    void NotifyStylusUp(int x, int y);
 
   private:
     std::vector<Feature*> features_;
+    Feature* stylusOwner_ = nullptr;
     std::map<int, Command> commands_;
     std::vector<StateSection> sections_;
     std::map<std::string, ScriptStep, std::less<>> scriptSteps_;

@@ -279,6 +279,8 @@ void Shell::Exit() {
 }
 
 void Shell::OnKeyDown(Key key) {
+    if (features_.NotifyKeyDown(key))
+        return;
     if (key == Key::Left || key == Key::Right) {
         if (currentScreen == kScreenSpeedometer)
             StepAlarm(key == Key::Right ? 1 : -1);

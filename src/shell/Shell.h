@@ -100,6 +100,17 @@ using common::kScreenSatelliteData;
 using common::kScreenSkyPlot;
 using common::kScreenSpeedometer;
 
+// The soft-key bar while a mode replaces the two drop-downs by two plain
+// buttons (reference-point placement: "确定" and "取消"). Empty texts: the
+// drop-downs.
+struct SoftKeys {
+    std::string left;
+    int leftCommand = 0;
+    std::string right;
+    int rightCommand = 0;
+    bool Plain() const { return !left.empty() || !right.empty(); }
+};
+
 // The status shown when the alarm sound fails to play.
 extern const char* const kAlarmSoundFailedStatus;
 
@@ -170,6 +181,7 @@ class Shell {
     std::string status;
     bool mapLoaded = false;
     std::string mapLabel;
+    SoftKeys softKeys;
     bool exited = false;
     bool otherTalkersHintShown = false;
     // A port given for this run (a replay, --port) stands for the receiver:

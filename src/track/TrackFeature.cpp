@@ -160,6 +160,8 @@ void TrackFeature::OnMapMovedByHand() {
     if (!shell_.link().Running())
         return;
     StartFollowPause(state_);
+    if (onFollowPause)
+        onFollowPause(true);
     platform_.StopFollowTimer();
     if (!platform_.StartFollowTimer(kFollowPauseMs, [this] { EndFollowPause(); }))
         Message(kFollowTimerFailed);
@@ -170,6 +172,8 @@ void TrackFeature::EndFollowPause() {
     if (!state_.followPaused)
         return;
     track::EndFollowPause(state_);
+    if (onFollowPause)
+        onFollowPause(false);
     if (shell_.currentScreen == shell::kScreenMap)
         shell_.Repaint();
 }

@@ -47,11 +47,20 @@ class TrackFeature final : public shell::Feature {
     void Register(shell::FeatureRegistry& registry) override;
     void OnLinkStarted() override;
     void OnLinkStopped() override;
-    void OnMapMovedByHand() override;
-    void OnMapGeometryChanged(bool modeChanged) override;
 
     // Timer 1027.
     void OnTrackTick();
+    // The user moved the map by hand (a direction key, a drag): following
+    // the position pauses for ten seconds while the link runs.
+    void OnMapMovedByHand();
+    // What the map screen projects positions with has changed: a map
+    // loaded or calibrated anew, or the screen switched between the world
+    // and a map (`modeChanged`, which also ends a pause). The map trails
+    // are read again; moving or zooming a view is no change.
+    void OnMapGeometryChanged(bool modeChanged);
+
+    // Told when following pauses (true) and resumes (false).
+    std::function<void(bool paused)> onFollowPause;
 
     // The projections of the map screen as it is now; by default the world
     // map only. The map screen supplies the calibrated map's.

@@ -242,7 +242,9 @@ TEST_F(TrackFeatureTest, FollowPause) {
             StartLink();
         ui.messages.clear();
         platform->failFollowTimer = c.timerFails;
-        shell.features().NotifyMapMovedByHand();
+        bool told = false;
+        feature->onFollowPause = [&told](bool paused) { told = paused; };
+        feature->OnMapMovedByHand();
         if (c.running && !c.timerFails) {
             EXPECT_EQ(platform->followPeriod, 10000u);
         }
@@ -254,13 +256,14 @@ TEST_F(TrackFeatureTest, FollowPause) {
                 break;
             case Then::ModeChange:
             case Then::MapChange:
-                shell.features().NotifyMapGeometryChanged(c.then == Then::ModeChange);
+                feature->OnMapGeometryChanged(c.then == Then::ModeChange);
                 break;
             case Then::StopLink:
                 shell.OnCommand(cmd::kStopGps);
                 break;
         }
         EXPECT_EQ(feature->followPaused(), c.paused);
+        EXPECT_EQ(told, c.paused) << "the map is told";
         EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{kFollowTimerFailed}
                                             : std::vector<std::string>{});
     }
@@ -282,7 +285,7 @@ TEST_F(TrackFeatureTest, MapChangeRebuildsTheMapTrails) {
         p.map = [](double lat, double lon) { return MapXY{lon * 10, lat * 10}; };
         return p;
     };
-    shell.features().NotifyMapGeometryChanged(true);
+    feature->OnMapGeometryChanged(true);
     ASSERT_EQ(Count(&TrackState::viewedMapTrail), 2u);
     EXPECT_EQ(state().viewedMapTrail.At(1).x, 30.0f);
     ASSERT_EQ(Count(&TrackState::liveMapTrail), 1u) << "the one line written";

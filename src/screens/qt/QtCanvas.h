@@ -67,6 +67,9 @@ class QtCanvas final : public Canvas {
     void TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) override;
     void PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) override;
 
+    // For layers that paint with Qt themselves (the loaded map image).
+    QPainter& painter() { return painter_; }
+
   private:
     void ApplyPen(Pen pen);
     void ApplyBrush(Brush brush);

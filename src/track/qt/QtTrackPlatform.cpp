@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QProgressDialog>
 
+#include "MapFeature.h"
 #include "Shell.h"
 #include "TrackState.h"
 #include "TrailLayer.h"
@@ -96,10 +97,26 @@ void QtTrackPlatform::Finish(std::function<void()> done) {
 }
 
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
-                                               QWidget* window, map::MapScreen& mapScreen,
+                                               QWidget* window, map::qt::MapFeature& mapFeature,
+                                               map::MapScreen& mapScreen,
                                                std::function<void()>& onTrackTick) {
     auto feature =
         std::make_unique<TrackFeature>(shell, chooser, std::make_unique<QtTrackPlatform>(window));
+    TrackFeature* track = feature.get();
+    map::qt::MapFeature* map = &mapFeature;
+    track->projections = [map] { return ProjectionsFor(map->model().View()); };
+    track->onFollowPause = [map](bool paused) {
+        if (paused)
+            map->PauseFollowing();
+        else
+            map->ResumeFollowing();
+    };
+    mapFeature.onManualMove = [track] { track->OnMapMovedByHand(); };
+    mapFeature.onCalibrationChanged = [track, map, mode = map->model().View().mapMode]() mutable {
+        const int now = map->model().View().mapMode;
+        track->OnMapGeometryChanged(now != mode);
+        mode = now;
+    };
     mapScreen.layers().Add(
         map::LayerOrder::Trails,
         std::make_unique<TrailLayer>(feature->state(), shell.settings().showTrack));

@@ -13,6 +13,7 @@
 #include <memory>
 #include <thread>
 
+#include "MapFeature.h"
 #include "MapLayers.h"
 #include "TrackFeature.h"
 
@@ -46,10 +47,13 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     QPointer<QProgressDialog> progress_;
 };
 
-// The track feature on `window`, its trail layer added to `mapScreen`, the
-// window's track timer (`onTrackTick`) wired to it.
+// The track feature on `window`: its trail layer added to `mapScreen`, the
+// window's track timer (`onTrackTick`) wired to it, and tied to the map
+// feature both ways (the map's projections and its manual moves and new
+// calibrations in, the follow pause out).
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
-                                               QWidget* window, map::MapScreen& mapScreen,
+                                               QWidget* window, map::qt::MapFeature& mapFeature,
+                                               map::MapScreen& mapScreen,
                                                std::function<void()>& onTrackTick);
 
 }  // namespace satwalk::track::qt

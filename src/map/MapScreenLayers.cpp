@@ -1,0 +1,198 @@
+#include "MapScreenLayers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "Strings.h"
+
+namespace satwalk::map {
+
+using screens::Canvas;
+using screens::Point;
+using screens::Rect;
+using screens::Rgb;
+
+namespace {
+
+constexpr screens::Colour kInk = Rgb(32, 32, 40);
+constexpr screens::Colour kBoxFill = Rgb(255, 250, 215);
+constexpr screens::Colour kCursor = Rgb(220, 0, 0);
+
+int Trunc(double v) {
+    return static_cast<int>(std::clamp(v, -1.0e9, 1.0e9));
+}
+
+// A text on a white box of its own size, so it reads on any map.
+void BoxedText(Canvas& canvas, const std::string& text, Point at, bool rightAligned) {
+    const screens::Size s = canvas.MeasureText(text);
+    const int pad = std::max(1, s.height / 8);
+    const int left = rightAligned ? at.x - s.width - 2 * pad : at.x;
+    const Rect box{left, at.y, left + s.width + 2 * pad, at.y + s.height};
+    canvas.FillRect(box, screens::kWhite);
+    canvas.DrawText(text, Rect{box.left + pad, box.top, box.right - pad, box.bottom},
+                    screens::kTextLeft | screens::kTextVCenter, kInk);
+}
+
+}  // namespace
+
+void DrawMarker(Canvas& canvas, const screens::ScreenContext& ctx, MarkerFrame frame, int x,
+                int y) {
+    const screens::Bitmap& markers = ctx.bitmaps[screens::BitmapId::Markers.value];
+    const int s = markers.height;
+    if (s <= 0)
+        return;
+    const int k = static_cast<int>(frame);
+    canvas.TransparentBlit(markers, Rect{k * s, 0, (k + 1) * s, s}, Point{x - s / 2, y - s / 2},
+                           screens::kMagenta);
+}
+
+// ----- scale bar -----
+
+ScaleBarGeometry LayoutScaleBar(const MapView& view, int unit, screens::Size labelSize) {
+    const Rect& v = view.viewRect;
+    ScaleBarGeometry g;
+    const int x = v.left + unit / 3;
+    const int y = v.bottom - unit / 3;
+    g.from = {x, y};
+    g.to = {x + view.scaleBarPixels, y};
+    const int mid = x + view.scaleBarPixels / 2;
+    const int bottom = y - unit / 6;
+    g.label = {mid - labelSize.width / 2 - 1, bottom - labelSize.height,
+               mid - labelSize.width / 2 + labelSize.width + 1, bottom};
+    return g;
+}
+
+void ScaleBarLayer::Paint(Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+                          const gps::GpsState&) {
+    const int b = ctx.baseTextHeight;
+    const screens::Font old = screens::CreateScreenFont(canvas, (2 * b) / 3, 400);
+    const std::string label = ScaleBarLabel(view.ScaleBarKilometres(), ctx.display.unitSystem,
+                                            view.mapMode == 0 || view.calibration.IsValid());
+    // Measured first, then drawn centred above the bar.
+    const ScaleBarGeometry g = LayoutScaleBar(view, b, canvas.MeasureText(label));
+    const int tick = std::max(3, b / 4);
+    const screens::Pen pen{kInk, std::max(1, b / 12), false};
+    canvas.Line(g.from, g.to, pen);
+    canvas.Line(g.from, Point{g.from.x, g.from.y - tick}, pen);
+    canvas.Line(g.to, Point{g.to.x, g.to.y - tick}, pen);
+    canvas.DrawText(label, g.label, screens::kTextCenter | screens::kTextBottom, kInk);
+    screens::ReleaseScreenFont(canvas, old);
+}
+
+// ----- markers -----
+
+void ReferenceMarkerLayer::Paint(Canvas& canvas, const MapView& view,
+                                 const screens::ScreenContext& ctx, const gps::GpsState&) {
+    if (view.mapMode == 0 || !view.showReferencePoints)
+        return;
+    const int b = ctx.baseTextHeight;
+    const screens::Font old = screens::CreateScreenFont(canvas, b / 2 + 2, 700);
+    const ReferencePoints& slots = model_.refs.referencePoints;
+    for (int i = 0; i < kReferenceSlotCount; ++i) {
+        const GeoPoint& p = slots[static_cast<std::size_t>(i)];
+        if (p.valid != 1)
+            continue;
+        const PointF at = ImageToScreen(view, {p.imageX, p.imageY});
+        if (!std::isfinite(at.x) || !std::isfinite(at.y))
+            continue;
+        const int x = Trunc(at.x), y = Trunc(at.y);
+        DrawMarker(canvas, ctx, MarkerFrame::Reference, x, y);
+        const int s = ctx.bitmaps[screens::BitmapId::Markers.value].height;
+        BoxedText(canvas, std::to_string(i + 1), Point{x + s / 2, y - s / 2 - b / 3}, false);
+    }
+    screens::ReleaseScreenFont(canvas, old);
+}
+
+void PositionLayer::Paint(Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+                          const gps::GpsState&) {
+    const screens::DisplayState& d = ctx.display;
+    PointF p;
+    if (!d.linkRunning || !d.fixValid || !ProjectToScreen(view, d.latitude, d.longitude, p))
+        return;
+    DrawMarker(canvas, ctx, MarkerFrame::Position, Trunc(p.x), Trunc(p.y));
+}
+
+// ----- overlay texts -----
+
+void DrawCentredMessage(Canvas& canvas, const Rect& view, int unit, const std::string& text) {
+    const screens::Font old = screens::CreateScreenFont(canvas, (2 * unit) / 3, 700);
+    const screens::Size s = canvas.MeasureText(text);
+    const int padX = unit / 2, padY = unit / 4;
+    const int cx = view.left + view.Width() / 2, cy = view.top + view.Height() / 2;
+    const Rect box{cx - s.width / 2 - padX, cy - s.height / 2 - padY,
+                   cx - s.width / 2 + s.width + padX, cy - s.height / 2 + s.height + padY};
+    canvas.Rectangle(box, screens::Pen{kInk, 1, false}, screens::Brush{kBoxFill, false});
+    canvas.DrawText(text, box, screens::kTextCenter | screens::kTextVCenter, kInk);
+    screens::ReleaseScreenFont(canvas, old);
+}
+
+void DrawCoordinateLabels(Canvas& canvas, const Rect& area, int unit, double latitude,
+                          double longitude, bool rightAligned) {
+    const screens::Font old = screens::CreateScreenFont(canvas, (2 * unit) / 3, 400);
+    const int x = rightAligned ? area.right - unit / 3 : area.left + unit / 3;
+    const int y = area.top + unit / 3;
+    const int line = canvas.MeasureText("0").height;
+    BoxedText(canvas, FormatMapLatitude(latitude), Point{x, y}, rightAligned);
+    BoxedText(canvas, FormatMapLongitude(longitude), Point{x, y + line}, rightAligned);
+    screens::ReleaseScreenFont(canvas, old);
+}
+
+void MapOverlayLayer::Paint(Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
+                            const gps::GpsState&) {
+    const int b = ctx.baseTextHeight;
+    const screens::DisplayState& d = ctx.display;
+    const ReferenceEditing& refs = model_.refs;
+    if (view.mapMode != 0 && refs.placingReferencePoint != 0) {
+        // The placement cursor stays on its image pixel as the map moves.
+        const PointF at =
+            ImageToScreen(view, {refs.placementCursor.imageX, refs.placementCursor.imageY});
+        if (std::isfinite(at.x) && std::isfinite(at.y)) {
+            const int x = Trunc(at.x), y = Trunc(at.y), r = b / 2;
+            const screens::Pen pen{kCursor, std::max(1, b / 12), false};
+            canvas.Line(Point{x - r, y}, Point{x + r + 1, y}, pen);
+            canvas.Line(Point{x, y - r}, Point{x, y + r + 1}, pen);
+        }
+    }
+    if (view.mapMode != 0) {
+        if (!view.calibration.IsValid() || refs.activeReferenceCount < 2) {
+            DrawCentredMessage(canvas, view.viewRect, b, common::LoadString(40090));
+        } else if (d.linkRunning && model_.map.outsideMap != 0) {
+            DrawCentredMessage(canvas, view.viewRect, b, common::LoadString(40091));
+        }
+    } else if (d.linkRunning && d.fixValid) {
+        DrawCoordinateLabels(canvas, view.viewRect, b, d.latitude, d.longitude, false);
+    }
+    if (view.mapMode != 0 && refs.placingReferencePoint != 0) {
+        const screens::Font old = screens::CreateScreenFont(canvas, (2 * b) / 3, 400);
+        char x[64], y[64];
+        std::snprintf(x, sizeof x, "X : %0.4f", refs.placementCursor.imageX);
+        std::snprintf(y, sizeof y, "Y : %0.4f", refs.placementCursor.imageY);
+        const int line = canvas.MeasureText("0").height;
+        const Rect& v = view.viewRect;
+        BoxedText(canvas, x, Point{v.left + b / 3, v.top + b / 3}, false);
+        BoxedText(canvas, y, Point{v.left + b / 3, v.top + b / 3 + line}, false);
+        screens::ReleaseScreenFont(canvas, old);
+    }
+}
+
+void DrawMapOverlayOnInstrument(Canvas& canvas, const screens::ScreenContext& ctx,
+                                const MapModel& model) {
+    const screens::DisplayState& d = ctx.display;
+    const int b = ctx.baseTextHeight;
+    if (!d.linkRunning || !d.fixValid)
+        return;
+    DrawCoordinateLabels(canvas, ctx.screen, b, d.latitude, d.longitude, true);
+    if (model.map.mapMode != 0 && model.map.outsideMap != 0) {
+        const screens::Font old = screens::CreateScreenFont(canvas, b / 2, 400);
+        const int line = canvas.MeasureText("0").height;
+        screens::ReleaseScreenFont(canvas, old);
+        const screens::Font big = screens::CreateScreenFont(canvas, (2 * b) / 3, 400);
+        const int two = 2 * canvas.MeasureText("0").height;
+        BoxedText(canvas, common::LoadString(40091),
+                  Point{ctx.screen.right - b / 3, ctx.screen.top + b / 3 + two + line / 2}, true);
+        screens::ReleaseScreenFont(canvas, big);
+    }
+}
+
+}  // namespace satwalk::map

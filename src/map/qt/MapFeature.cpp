@@ -1,0 +1,546 @@
+#include "MapFeature.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPainter>
+#include <QWidget>
+
+#include <cmath>
+
+#include "CommandIds.h"
+#include "FileListing.h"
+#include "MapScreenLayers.h"
+#include "QtCanvas.h"
+#include "Screens.h"
+#include "Shell.h"
+#include "Strings.h"
+
+namespace satwalk::map::qt {
+
+namespace {
+
+constexpr int kHoldMs = 600;         // press-and-hold without moving
+constexpr int kRepeatDelayMs = 100;  // then the auto-repeat's period
+constexpr int kRepeatMs = 200;
+
+bool Offscreen() {
+    return QGuiApplication::platformName().startsWith(QLatin1String("offscreen"));
+}
+
+// The loaded image: only the visible part, scaled from the nearest level.
+class MapImageLayer final : public MapLayer {
+  public:
+    explicit MapImageLayer(const MapImage& image) : image_(image) {}
+    void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext&,
+               const gps::GpsState&) override {
+        if (view.mapMode == 0 || !view.showMap || image_.IsNull())
+            return;
+        const VisiblePart part =
+            ComputeVisiblePart(view.imageSize, view.currentWidth, view.currentHeight,
+                               view.scrollCentre, view.viewRect);
+        if (part.empty)
+            return;
+        if (auto* qt = dynamic_cast<screens::QtCanvas*>(&canvas)) {
+            DrawMapImage(qt->painter(), image_, part);
+        } else {
+            // A canvas without Qt records where the picture lies.
+            canvas.FillRect(part.destination, screens::Rgb(200, 200, 200));
+        }
+    }
+
+  private:
+    const MapImage& image_;
+};
+
+// Until the program's own dialogs are there: the platform's file dialog on a
+// display, nothing offscreen; no reference-point dialog.
+class StandInDialogs final : public MapDialogs {
+  public:
+    explicit StandInDialogs(QWidget& window) : window_(window) {}
+    void ChooseFile(int, const std::string& title,
+                    std::function<void(const std::string&)> done) override {
+        if (Offscreen()) {
+            done({});
+            return;
+        }
+        const QString path =
+            QFileDialog::getOpenFileName(&window_, QString::fromStdString(title), QString(),
+                                         QStringLiteral("Images (*.bmp *.jpg *.jpeg *.gif *.png)"));
+        done(path.toStdString());
+    }
+    void EditReferencePoint(int, const ReferenceDialogFields& fields,
+                            std::function<void(bool, const ReferenceDialogFields&)> done) override {
+        done(false, fields);
+    }
+
+  private:
+    QWidget& window_;
+};
+
+shell::Key KeyOf(Arrow arrow) {
+    switch (arrow) {
+        case Arrow::Up:
+            return shell::Key::Up;
+        case Arrow::Down:
+            return shell::Key::Down;
+        case Arrow::Left:
+            return shell::Key::Left;
+        case Arrow::Right:
+            break;
+    }
+    return shell::Key::Right;
+}
+
+void Number(common::JsonMembers& m, std::string_view name, double value) {
+    common::AppendJsonNumber(m.Name(name), value);
+}
+
+void WritePoint(std::string& out, const GeoPoint& p) {
+    out += '{';
+    common::JsonMembers m(out);
+    m.Bool("valid", p.valid == 1);
+    Number(m, "latitude", p.latitude);
+    Number(m, "longitude", p.longitude);
+    Number(m, "imageX", p.imageX);
+    Number(m, "imageY", p.imageY);
+    out += '}';
+}
+
+}  // namespace
+
+// What the stylus asks of the window.
+class MapFeature::Sink final : public InteractionSink {
+  public:
+    explicit Sink(MapFeature& f) : f_(f) {}
+    void SendArrow(Arrow arrow) override { f_.shell_.OnKeyDown(KeyOf(arrow)); }
+    void StartRepeat() override {
+        f_.repeatTimer_.stop();
+        f_.repeatTimer_.start(kRepeatDelayMs);
+    }
+    void StopRepeat() override { f_.repeatTimer_.stop(); }
+    void Pan(int direction, int step) override { f_.model_.Pan(direction, step); }
+    void PlacementTap(int x, int y) override { f_.model_.PlacementTap(x, y); }
+    void ManualMove() override {
+        if (f_.onManualMove)
+            f_.onManualMove();
+    }
+    void Redraw() override { f_.shell_.Repaint(); }
+
+  private:
+    MapFeature& f_;
+};
+
+MapFeature::MapFeature(shell::Shell& shell, QWidget& window, screens::ScreenContext& screens,
+                       MapScreen& mapScreen)
+    : shell_(shell),
+      window_(window),
+      screens_(screens),
+      mapScreen_(mapScreen),
+      sink_(std::make_unique<Sink>(*this)),
+      standIn_(std::make_unique<StandInDialogs>(window)) {
+    dialogs_ = standIn_.get();
+    // The first tick comes 100 ms after the press, then one every 200 ms.
+    QObject::connect(&repeatTimer_, &QTimer::timeout, &window_, [this] {
+        repeatTimer_.setInterval(kRepeatMs);
+        map::OnRepeatTick(model_.stylus, Scene(0, 0), *sink_);
+        shell_.Repaint();
+    });
+    holdTimer_.setSingleShot(true);
+    holdTimer_.setInterval(kHoldMs);
+    QObject::connect(&holdTimer_, &QTimer::timeout, &window_, [this] {
+        if (holdPending_) {
+            holdPending_ = false;
+            ShowHoldMenu(holdAt_.x, holdAt_.y);
+        }
+    });
+}
+
+MapFeature::~MapFeature() = default;
+
+void MapFeature::SetDialogs(MapDialogs* dialogs) {
+    dialogs_ = dialogs != nullptr ? dialogs : standIn_.get();
+}
+
+void MapFeature::Register(shell::FeatureRegistry& registry) {
+    auto& layers = mapScreen_.layers();
+    layers.Add(LayerOrder::BaseMap, std::make_unique<MapImageLayer>(image_));
+    layers.Add(LayerOrder::BaseMap, std::make_unique<ScaleBarLayer>());
+    layers.Add(LayerOrder::ReferenceMarkers, std::make_unique<ReferenceMarkerLayer>(model_));
+    layers.Add(LayerOrder::Overlay, std::make_unique<MapOverlayLayer>(model_));
+    mapScreen_.viewSource = [this](const screens::ScreenContext& ctx) {
+        const int b = ctx.baseTextHeight;
+        model_.Layout(ctx.screen, b, ScaleBarPixels(b), 0);
+        if (!ctx.display.linkRunning || !ctx.display.fixValid)
+            model_.UpdatePosition(ctx.display.linkRunning, ctx.display.fixValid, 0, 0);
+        MapView v = model_.View();
+        const shell::ProgramSettings& s = shell_.settings();
+        v.showMap = s.showMap != 0;
+        v.showReferencePoints = s.showReferencePoints != 0;
+        v.showTrack = s.showTrack != 0;
+        v.showPoi = s.showPoi != 0;
+        return v;
+    };
+    screens_.drawMapOverlay = [this](screens::Canvas& canvas, screens::ScreenContext& ctx) {
+        DrawMapOverlayOnInstrument(canvas, ctx, model_);
+    };
+
+    using shell::Command;
+    using shell::EntryState;
+    registry.AddCommand(shell::cmd::kLoadMap,
+                        Command{[this](int) {
+                                    dialogs_->ChooseFile(
+                                        browser::kBrowseMaps, common::LoadString(40118),
+                                        [this](const std::string& path) {
+                                            const int i =
+                                                ChooseMapFile(shell_.settings().recentMaps, path);
+                                            if (i >= 0)
+                                                OpenRecent(i);
+                                        });
+                                },
+                                {}});
+    for (int i = 0; i < kRecentMapCount; ++i) {
+        registry.AddCommand(
+            kCmdRecentMapFirst + i,
+            Command{[this, i](int) { OpenRecent(i); },
+                    [this, i](int) {
+                        EntryState e;
+                        e.text = RecentMapMenuText(shell_.settings().recentMaps, i);
+                        e.enabled =
+                            !shell_.settings().recentMaps[static_cast<std::size_t>(i)].empty();
+                        return e;
+                    }});
+    }
+    for (int i = 0; i < kReferenceSlotCount; ++i) {
+        registry.AddCommand(shell::cmd::kSetReferencePoint1 + i,
+                            Command{[this, i](int) { StartPlacement(i); },
+                                    [this](int) {
+                                        EntryState e;
+                                        e.enabled = model_.map.mapMode != 0;
+                                        return e;
+                                    }});
+    }
+    registry.AddCommand(shell::cmd::kLeftSoftKey,
+                        Command{[this](int) {
+                                    if (model_.refs.placingReferencePoint != 0)
+                                        OpenReferenceDialog();
+                                },
+                                {}});
+    registry.AddCommand(shell::cmd::kCancelPlacement,
+                        Command{[this](int) {
+                                    if (model_.refs.placingReferencePoint != 0)
+                                        EndPlacement(true);
+                                },
+                                {}});
+    registry.AddStateSection([this](common::JsonMembers& members) { WriteState(members); });
+}
+
+// ----- loading -----
+
+bool MapFeature::LoadMap(const std::string& path) {
+    const std::string name(MapFileName(path));
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    MapImage loaded;
+    const ImageLoadError error = LoadMapImage(QString::fromStdString(path), loaded);
+    QApplication::restoreOverrideCursor();
+    if (error != ImageLoadError::None) {
+        // The map shown before stays.
+        shell_.ui().ShowMessage(common::FormatString(common::LoadString(kStrImportFailed), name),
+                                shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        return false;
+    }
+    const ImageSize size = loaded.Size();
+    if (size.width <= 0 || size.height <= 0) {
+        shell_.ui().ShowMessage(std::string(kReadImageInformationFailedMessage),
+                                shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        image_ = MapImage{};
+        model_.map = LoadedMap{};
+        shell_.mapLoaded = false;
+        return false;
+    }
+    image_ = std::move(loaded);
+    model_.ApplyLoadedMap(path, size, MakeReferenceFileName(shell_.settings().storageRoot, path));
+    if (model_.referencesRead)
+        shell_.settings().showReferencePoints = 1;
+    shell_.mapLoaded = true;
+    shell_.mapLabel = model_.map.mapFileName;
+    if (onCalibrationChanged)
+        onCalibrationChanged();
+    return true;
+}
+
+void MapFeature::OpenRecent(int index) {
+    const std::string path = OpenRecentMap(shell_.settings().recentMaps, index);
+    if (path.empty())
+        return;
+    if (!LoadMap(path)) {
+        shell_.Repaint();
+        return;
+    }
+    shell_.ChooseScreen(shell::kScreenMap);
+    shell_.Repaint();
+}
+
+// ----- reference points -----
+
+void MapFeature::StartPlacement(int slot) {
+    if (model_.map.mapMode == 0)
+        return;
+    model_.StartPlacement(slot);
+    shell_.settings().showReferencePoints = 1;
+    shell_.softKeys = {common::LoadString(40073), shell::cmd::kLeftSoftKey,
+                       common::LoadString(40071), shell::cmd::kCancelPlacement};
+    if (shell_.currentScreen != shell::kScreenMap)
+        shell_.ChooseScreen(shell::kScreenMap);
+    shell_.Repaint();
+}
+
+void MapFeature::EndPlacement(bool restoreCursor) {
+    if (restoreCursor)
+        model_.CancelPlacement();
+    shell_.softKeys = {};
+    shell_.Repaint();
+}
+
+void MapFeature::OpenReferenceDialog() {
+    if (dialogOpen_)
+        return;
+    dialogOpen_ = true;
+    const int slot = model_.refs.editedSlot;
+    const ReferenceDialogFields fields =
+        map::OpenReferenceDialog(model_.refs.referencePoints[static_cast<std::size_t>(slot)]);
+    dialogs_->EditReferencePoint(slot, fields, [this](bool ok, const ReferenceDialogFields& f) {
+        dialogOpen_ = false;
+        if (!ok || model_.map.mapMode == 0) {
+            // Placement goes on: the user may tap again and retry.
+            shell_.Repaint();
+            return;
+        }
+        const ReferenceConfirmation c = ConfirmReferencePoint(
+            model_.refs, f, MakeReferenceFileName(shell_.settings().storageRoot, model_.mapPath),
+            !image_.IsNull(), model_.map.image, model_.map.fit.displayedWidth,
+            model_.scaleBarPixels(), model_.calibration, model_.extent);
+        if (!c.saved) {
+            shell_.ui().ShowMessage(std::string(kSaveReferenceFailedMessage),
+                                    shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        }
+        model_.ApplyConfirmation(c);
+        if (onCalibrationChanged)
+            onCalibrationChanged();
+        EndPlacement(false);
+    });
+}
+
+void MapFeature::ShowHoldMenu(int x, int y) {
+    // The stylus-up of the hold is not the map's.
+    map::OnStylusUp(model_.stylus, *sink_);
+    swallowUp_ = true;
+    model_.holdMenuOpen = true;
+    if (Offscreen()) {
+        // Scripts pick the entry with its command.
+        shell_.Repaint();
+        return;
+    }
+    auto* menu = new QMenu(&window_);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (int i = 0; i < kReferenceSlotCount; ++i) {
+        QAction* a = menu->addAction(QStringLiteral("Set Ref Point %1").arg(i + 1));
+        const int id = shell::cmd::kSetReferencePoint1 + i;
+        QObject::connect(
+            a, &QAction::triggered, &window_, [this, id] { shell_.OnCommand(id); },
+            Qt::QueuedConnection);
+    }
+    QObject::connect(menu, &QMenu::aboutToHide, &window_, [this] { model_.holdMenuOpen = false; });
+    menu->popup(window_.mapToGlobal(QPoint(x, y)));
+}
+
+// ----- keys and stylus -----
+
+bool MapFeature::OnKeyDown(shell::Key key) {
+    if (shell_.currentScreen != shell::kScreenMap)
+        return false;
+    switch (key) {
+        case shell::Key::Up:
+            model_.ArrowKey(Arrow::Up);
+            break;
+        case shell::Key::Down:
+            model_.ArrowKey(Arrow::Down);
+            break;
+        case shell::Key::Left:
+            model_.ArrowKey(Arrow::Left);
+            break;
+        case shell::Key::Right:
+            model_.ArrowKey(Arrow::Right);
+            break;
+        case shell::Key::Return:
+            if (model_.refs.placingReferencePoint != 0) {
+                OpenReferenceDialog();
+                return true;
+            }
+            model_.TogglePanMode();
+            break;
+        default:
+            return false;
+    }
+    shell_.Repaint();
+    return true;
+}
+
+StylusScene MapFeature::Scene(int x, int y) const {
+    StylusScene s;
+    const screens::Rect& v = screens_.screen;
+    s.onMapScreen = shell_.currentScreen == shell::kScreenMap;
+    s.insideMap = x >= v.left && x < v.right && y >= v.top && y < v.bottom;
+    s.mapMode = model_.map.mapMode != 0;
+    s.placing = model_.refs.placingReferencePoint != 0;
+    s.linkRunning = shell_.link().Running();
+    s.unit = screens_.baseTextHeight;
+    s.scaleBarPixels = model_.scaleBarPixels();
+    return s;
+}
+
+bool MapFeature::OnStylusDown(int x, int y) {
+    model_.holdMenuOpen = false;
+    swallowUp_ = false;
+    const StylusDownResult r = map::OnStylusDown(model_.stylus, LayoutNavigationButtons(screens_),
+                                                 Scene(x, y), x, y, *sink_);
+    if (r == StylusDownResult::Ignored)
+        return false;
+    if (r == StylusDownResult::MayHold) {
+        holdPending_ = true;
+        holdAt_ = {x, y};
+        holdTimer_.start();
+    }
+    return true;
+}
+
+void MapFeature::OnStylusMove(int x, int y) {
+    // A hold is a press that stays put: more than a little way and it is a drag.
+    const int slack = std::max(3, screens_.baseTextHeight / 5);
+    if (holdPending_ && (std::abs(x - holdAt_.x) > slack || std::abs(y - holdAt_.y) > slack)) {
+        holdPending_ = false;
+        holdTimer_.stop();
+    }
+    if (holdPending_)
+        return;
+    map::OnStylusMove(model_.stylus, Scene(x, y), x, y, *sink_);
+}
+
+void MapFeature::OnStylusUp(int, int) {
+    holdPending_ = false;
+    holdTimer_.stop();
+    if (swallowUp_) {
+        swallowUp_ = false;
+        return;
+    }
+    map::OnStylusUp(model_.stylus, *sink_);
+}
+
+void MapFeature::OnGpsData() {
+    const screens::DisplayState& d = shell_.display();
+    const MapView before = model_.View();
+    model_.UpdatePosition(d.linkRunning, d.fixValid, d.latitude, d.longitude);
+    const MapView after = model_.View();
+    // Following moved the view: show it now rather than at the next fix.
+    if (shell_.currentScreen == shell::kScreenMap &&
+        (before.worldOrigin != after.worldOrigin || before.scrollCentre != after.scrollCentre))
+        shell_.Repaint();
+}
+
+// ----- state -----
+
+void MapFeature::WriteState(common::JsonMembers& members) const {
+    std::string& out = members.Name("map");
+    out += '{';
+    common::JsonMembers m(out);
+    const MapView v = model_.View();
+    const LoadedMap& map = model_.map;
+    m.Text("mode", map.mapMode != 0 ? "map" : "world");
+    m.Text("fileName", map.mapFileName);
+    m.Text("path", model_.mapPath);
+    m.Int("imageWidth", map.image.width);
+    m.Int("imageHeight", map.image.height);
+    m.Bool("calibrated", model_.calibration.IsValid());
+    m.Int("activeReferenceCount", model_.refs.activeReferenceCount);
+    {
+        std::string& list = m.Name("slots");
+        list += '[';
+        for (int i = 0; i < kReferenceSlotCount; ++i) {
+            if (i > 0)
+                list += ',';
+            WritePoint(list, model_.refs.referencePoints[static_cast<std::size_t>(i)]);
+        }
+        list += ']';
+    }
+    {
+        std::string& e = m.Name("extent");
+        e += '{';
+        common::JsonMembers em(e);
+        WritePoint(em.Name("topLeft"), model_.extent.topLeft);
+        WritePoint(em.Name("bottomRight"), model_.extent.bottomRight);
+        WritePoint(em.Name("centre"), model_.extent.centre);
+        e += '}';
+    }
+    Number(m, "viewScale", v.viewScale);
+    Number(m, "scaleBarDistance", v.scaleBarDistance);
+    m.Int("scaleBarPixels", v.scaleBarPixels);
+    m.Int("zoom", map.mapMode != 0 ? model_.zoom : model_.worldScaleIndex);
+    Number(m, "displayedWidth", v.displayedWidth);
+    Number(m, "displayedHeight", v.displayedHeight);
+    Number(m, "currentWidth", v.currentWidth);
+    Number(m, "currentHeight", v.currentHeight);
+    Number(m, "scrollX", v.scrollCentre.x);
+    Number(m, "scrollY", v.scrollCentre.y);
+    Number(m, "worldOriginLongitude", v.worldOrigin.longitude);
+    Number(m, "worldOriginX", v.worldOrigin.screenX);
+    Number(m, "worldOriginY", v.worldOrigin.screenY);
+    {
+        std::string& p = m.Name("position");
+        PointF at;
+        const bool placed = model_.linkRunning && model_.fixValid &&
+                            ProjectToScreen(v, model_.latitude, model_.longitude, at);
+        if (!placed) {
+            p += "null";
+        } else {
+            p += '{';
+            common::JsonMembers pm(p);
+            Number(pm, "x", at.x);
+            Number(pm, "y", at.y);
+            p += '}';
+        }
+    }
+    m.Bool("outsideMap", map.outsideMap != 0);
+    {
+        std::string& r = m.Name("recentMaps");
+        r += '[';
+        const auto& recent = shell_.settings().recentMaps;
+        for (std::size_t i = 0; i < recent.size(); ++i) {
+            if (i > 0)
+                r += ',';
+            common::AppendJsonString(r, recent[i]);
+        }
+        r += ']';
+    }
+    const shell::ProgramSettings& s = shell_.settings();
+    m.Bool("showMap", s.showMap != 0);
+    m.Bool("showReferencePoints", s.showReferencePoints != 0);
+    m.Bool("showTrack", s.showTrack != 0);
+    m.Bool("showPoi", s.showPoi != 0);
+    m.Bool("placing", model_.refs.placingReferencePoint != 0);
+    m.Int("editedSlot", model_.refs.editedSlot);
+    Number(m, "placementX", model_.refs.placementCursor.imageX);
+    Number(m, "placementY", model_.refs.placementCursor.imageY);
+    m.Bool("holdMenuOpen", model_.holdMenuOpen);
+    m.Bool("following", model_.Following());
+    m.Int("panMode", model_.stylus.panMode);
+    m.Int("panStep", model_.stylus.panStep);
+    out += '}';
+}
+
+std::unique_ptr<MapFeature> MakeMapFeature(shell::Shell& shell, QWidget& window,
+                                           screens::ScreenContext& screens, MapScreen& mapScreen) {
+    return std::make_unique<MapFeature>(shell, window, screens, mapScreen);
+}
+
+}  // namespace satwalk::map::qt
