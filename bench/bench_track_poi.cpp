@@ -13,6 +13,7 @@
 #include <string>
 
 #include "Canvas.h"
+#include "MapView.h"
 #include "PoiPainter.h"
 #include "TrackLogFile.h"
 #include "TrackState.h"
@@ -162,7 +163,7 @@ BENCHMARK(BM_TrailRepaint)
 
 // 100,000 POIs in ten groups over a 40 × 40 km square; the view shows
 // about a 2 km square of it.
-void BM_PoiRepaint(benchmark::State& state) {
+const poi::PoiStore& HundredThousandPois() {
     static const poi::PoiStore store = [] {
         poi::PoiStore s;
         std::mt19937 rng(5);
@@ -181,6 +182,11 @@ void BM_PoiRepaint(benchmark::State& state) {
         }
         return s;
     }();
+    return store;
+}
+
+void BM_PoiRepaint(benchmark::State& state) {
+    const poi::PoiStore& store = HundredThousandPois();
     // Degrees to pixels: 2 km is about 0.02° across 480 pixels.
     const poi::PoiProjection project = [](double lat, double lon, double& x, double& y) {
         x = (lon - 120.14) * 24000;
@@ -201,6 +207,40 @@ void BM_PoiRepaint(benchmark::State& state) {
     state.counters["storeMB"] = static_cast<double>(bytes) / 1e6;
 }
 BENCHMARK(BM_PoiRepaint)->Unit(benchmark::kMillisecond);
+
+// The same store placed as the map screen's POI layer places it: through
+// the map view's own projection, on a world view about 2 km across.
+void BM_PoiLayerProjection(benchmark::State& state) {
+    const poi::PoiStore& store = HundredThousandPois();
+    map::MapView view;
+    view.viewRect = {0, 0, 480, 560};
+    view.viewScale = 0.4;  // the 100-pixel scale bar stands for 400 m
+    view.worldOrigin.latitude = 0;
+    view.worldOrigin.longitude = 120.14;
+    view.worldOrigin.screenX = 240;
+    map::GeoPoint centre;
+    centre.latitude = 30.26;
+    view.worldOrigin.screenY =
+        280 + map::MercatorNorthing(centre.latitude, view.viewScale, view.scaleBarPixels);
+    const poi::PoiProjection project = [&view](double lat, double lon, double& x, double& y) {
+        map::PointF p;
+        if (!map::ProjectToScreen(view, lat, lon, p))
+            return false;
+        x = p.x;
+        y = p.y;
+        return true;
+    };
+    const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
+    CountingCanvas canvas;
+    std::size_t calls = 0;
+    for (auto _ : state) {
+        canvas.calls = 0;
+        poi::DrawPois(canvas, store, project, &icons);
+        calls = canvas.calls;
+    }
+    state.counters["drawCalls"] = static_cast<double>(calls);
+}
+BENCHMARK(BM_PoiLayerProjection)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

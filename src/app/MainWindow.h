@@ -59,6 +59,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     // Script mode: message boxes never block; each is logged, printed on
     // standard error and answered (`answer` chooses the next reply).
     void SetScriptMode(bool on) { scriptMode_ = on; }
+    bool scriptMode() const { return scriptMode_; }
     void SetNextAnswer(shell::MessageAnswer answer) { nextAnswer_ = answer; }
     // Script mode: the reply that the script's next line gives a box just
     // opened (a question or a notice), if it gives one.

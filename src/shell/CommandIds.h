@@ -25,6 +25,7 @@ inline constexpr int kShowPoi = 40033;
 inline constexpr int kSetReferencePoint1 = 40034;  // to 40038
 inline constexpr int kSaveTrack = 40039;
 inline constexpr int kViewTrack = 40040;
+inline constexpr int kCloseTrack = 40041;
 inline constexpr int kImportPoi = 40042;
 inline constexpr int kGpsSettings = 40043;
 inline constexpr int kAlarmOff = 40044;

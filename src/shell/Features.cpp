@@ -45,6 +45,14 @@ void FeatureRegistry::NotifyExit() const {
     for (Feature* f : features_) f->OnExit();
 }
 
+void FeatureRegistry::NotifyLinkStarted() const {
+    for (Feature* f : features_) f->OnLinkStarted();
+}
+
+void FeatureRegistry::NotifyLinkStopped() const {
+    for (Feature* f : features_) f->OnLinkStopped();
+}
+
 bool FeatureRegistry::NotifyKeyDown(Key key) const {
     for (Feature* f : features_)
         if (f->OnKeyDown(key))

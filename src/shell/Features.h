@@ -21,7 +21,8 @@ namespace satwalk::shell {
 struct EntryState {
     bool enabled = true;
     bool checked = false;
-    std::string text;  // empty: the menu's own text
+    std::string text;     // empty: the menu's own text
+    bool present = true;  // false: the entry is left out of the menu
 };
 
 struct Command {
@@ -55,6 +56,10 @@ class Feature {
     // A confirmed exit, after the link has stopped and before the window
     // closes.
     virtual void OnExit() {}
+    // The receiver link has started (before the track timer is armed), or
+    // has been stopped.
+    virtual void OnLinkStarted() {}
+    virtual void OnLinkStopped() {}
     // A hardware key, before the shell's own keys; true when taken.
     virtual bool OnKeyDown(Key key) {
         (void)key;
@@ -99,6 +104,8 @@ class FeatureRegistry {
     void NotifyGpsData() const;
     void NotifyScreenChosen() const;
     void NotifyExit() const;
+    void NotifyLinkStarted() const;
+    void NotifyLinkStopped() const;
     bool NotifyKeyDown(Key key) const;
     // The first feature that takes the down gets the moves and the up.
     bool NotifyStylusDown(int x, int y);

@@ -226,6 +226,7 @@ void Shell::StartGps() {
     }
     ui_.StartBlinkTimer();
     settings_.showTrack = 1;
+    features_.NotifyLinkStarted();
     ui_.StopTrackTimer();
     if (!ui_.StartTrackTimer(settings_.trackIntervalMs)) {
         Message(FormatString("Create Track Timer failed:%s\n\nPress OK to continue...",
@@ -246,6 +247,7 @@ void Shell::StopGps() {
     ui_.StopTrackTimer();
     ui_.StopBlinkTimer();
     const int reason = link_.StopLink();
+    features_.NotifyLinkStopped();
     fixTimeKnown = false;
     alarm_.Silence();
     alarmFlashPhase = false;
@@ -485,8 +487,13 @@ MenuEntry Shell::BuildMainMenu() const {
         track.push_back(
             Radio(cmd::kTrack10s + i, kTexts[i], settings_.trackIntervalMs == kTrackIntervals[i]));
     }
-    track.push_back(later(cmd::kSaveTrack, "保存轨迹记录"));
+    MenuEntry save = Check(cmd::kSaveTrack, "保存轨迹记录", settings_.trackLogOn != 0);
+    save.enabled = HasHandler(cmd::kSaveTrack);
+    track.push_back(std::move(save));
     track.push_back(later(cmd::kViewTrack, "查看轨迹记录"));
+    // Present only while a log is viewed (its feature says when).
+    if (HasHandler(cmd::kCloseTrack))
+        track.push_back(Item(cmd::kCloseTrack, "关闭轨迹记录"));
 
     std::vector<MenuEntry> alarm{Radio(cmd::kAlarmOff, "关闭", settings_.speedAlarmOn == 0)};
     for (int i = 0; i < 8; ++i) {
@@ -515,7 +522,14 @@ MenuEntry Shell::BuildMainMenu() const {
 }
 
 MenuEntry Shell::Decorated(MenuEntry entry) const {
-    for (MenuEntry& item : entry.items) item = Decorated(std::move(item));
+    std::vector<MenuEntry> items;
+    for (MenuEntry& item : entry.items) {
+        const Command* command = item.IsSubmenu() ? nullptr : features_.FindCommand(item.id);
+        if (command != nullptr && command->state && !command->state(item.id).present)
+            continue;
+        items.push_back(Decorated(std::move(item)));
+    }
+    entry.items = std::move(items);
     if (entry.IsSubmenu())
         return entry;
     // A feature's own view of its entry: greyed, checked, or named anew.

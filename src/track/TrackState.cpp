@@ -39,7 +39,7 @@ void StartTrackLog(TrackState& state, const TrackSample& sample) {
 
 void AppendTrackSample(TrackState& state, const TrackSample& sample) {
     const std::lock_guard lock(state.trackLock);
-    if (state.trackLogOn && !state.trackFilePath.empty()) {
+    if (state.trackLogOn != 0 && !state.trackFilePath.empty()) {
         const std::string line =
             sample.fixValid ? FormatTrackLine(sample.longitude, sample.latitude, sample.time,
                                               sample.speedKnots, sample.course, sample.altitude)
@@ -60,7 +60,7 @@ bool OnTrackTick(TrackState& state, bool linkRunning, const TrackSample& sample)
             state.liveMapTrail.Clear();
         }
         state.trackFilePath.clear();
-        state.trackLogOn = false;
+        state.trackLogOn = 0;
         return false;
     }
     if (sample.fixValid)
@@ -69,12 +69,12 @@ bool OnTrackTick(TrackState& state, bool linkRunning, const TrackSample& sample)
 }
 
 bool OnSaveTrackLogCommand(TrackState& state, bool linkRunning, const TrackSample& sample) {
-    if (state.trackLogOn) {
-        state.trackLogOn = false;
+    if (state.trackLogOn != 0) {
+        state.trackLogOn = 0;
         state.trackFilePath.clear();  // the file stays on disk
         return false;
     }
-    state.trackLogOn = true;
+    state.trackLogOn = 1;
     if (!linkRunning)
         return false;  // the log begins when the link starts
     StartTrackLog(state, sample);
@@ -82,7 +82,7 @@ bool OnSaveTrackLogCommand(TrackState& state, bool linkRunning, const TrackSampl
 }
 
 void OnLinkStarted(TrackState& state, const TrackSample& sample) {
-    if (state.trackLogOn)
+    if (state.trackLogOn != 0)
         StartTrackLog(state, sample);
 }
 
@@ -129,9 +129,35 @@ bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
 
 }  // namespace
 
+bool IsBeingWritten(const TrackState& state, const std::string& path) {
+    return !state.trackFilePath.empty() && path == state.trackFilePath;
+}
+
+TrackRead ReadTrackTrails(const std::string& path, const TrackProjections& projections,
+                          const TrackProgress& progress) {
+    TrackRead read;
+    read.opened = ReadInto(path, &read.world, &read.map, projections, progress);
+    return read;
+}
+
+ViewResult ShowViewedTrack(TrackState& state, TrackRead&& read, const std::string& path,
+                           const std::string& name) {
+    if (!read.opened)
+        return ViewResult::OpenFailed;
+    {
+        const std::lock_guard lock(state.trackLock);
+        state.viewedWorldTrail = std::move(read.world);
+        state.viewedMapTrail = std::move(read.map);
+    }
+    state.viewedTrackPath = path;
+    state.viewedTrackName = name;
+    state.trackViewOn = true;
+    return ViewResult::Shown;
+}
+
 ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::string& name,
                         const TrackProjections& projections, const TrackProgress& progress) {
-    if (!state.trackFilePath.empty() && path == state.trackFilePath)
+    if (IsBeingWritten(state, path))
         return ViewResult::BeingWritten;
     {
         const std::lock_guard lock(state.trackLock);

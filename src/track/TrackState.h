@@ -70,9 +70,23 @@ struct TrackProjections {
 };
 
 struct TrackState {
-    // Recording (the options record keeps the first two).
-    bool trackLogOn = false;
-    std::uint32_t trackIntervalMs = 10000;
+    // The two recording settings live in the program's settings (the
+    // options record keeps them); a TrackState made without them keeps its
+    // own.
+    TrackState() : TrackState(ownLogOn_, ownIntervalMs_) {}
+    TrackState(std::uint32_t& logOn, std::uint32_t& intervalMs)
+        : trackLogOn(logOn), trackIntervalMs(intervalMs) {}
+    TrackState(const TrackState&) = delete;
+    TrackState& operator=(const TrackState&) = delete;
+
+  private:
+    std::uint32_t ownLogOn_ = 0;
+    std::uint32_t ownIntervalMs_ = 10000;
+
+  public:
+    // Recording.
+    std::uint32_t& trackLogOn;
+    std::uint32_t& trackIntervalMs;
     std::string trackFolder;
     std::string trackFilePath;  // empty when no log is being written
     TrackWrite lastWrite = TrackWrite::Created;
@@ -121,6 +135,25 @@ enum class ViewResult {
     BeingWritten,  // the log being recorded cannot be viewed (string 40105)
     OpenFailed,    // kOpenTrackLogFailed; the previous view stays
 };
+
+// Whether `path` is the log being written, which cannot be viewed.
+bool IsBeingWritten(const TrackState& state, const std::string& path);
+
+// A log read into trails of its own, away from the state: a long log is
+// read off the user-interface thread and shown once complete.
+struct TrackRead {
+    bool opened = false;  // false: kOpenTrackLogFailed
+    TrackList world;
+    TrackList map;  // empty without a map projection
+};
+TrackRead ReadTrackTrails(const std::string& path, const TrackProjections& projections,
+                          const TrackProgress& progress = {});
+
+// Shows a read log: its trails replace the viewed ones (under the lock),
+// the path and name are kept and the view is on. A read that failed leaves
+// the previous view as it was.
+ViewResult ShowViewedTrack(TrackState& state, TrackRead&& read, const std::string& path,
+                           const std::string& name);
 
 // Views the log at `path` ("name" as the file browser showed it): refuses
 // the log being written, reads it into the viewed trails, sets the view.

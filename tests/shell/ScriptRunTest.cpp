@@ -3,6 +3,9 @@
 
 #include <QImage>
 
+#include <sys/wait.h>
+
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -188,3 +191,42 @@ TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
 }
 
 }  // namespace
+
+// Tracks and points of interest against the demo drive: a log recorded for
+// two ticks at 10 s, ended by stopping the link, then, in a second run,
+// viewed on the map beside the sample POIs.
+TEST_F(ScriptRunTest, RecordViewAndImport) {
+    WriteScript(
+        "wait 2000\ncommand 40055\ncommand 40039\nwait 21000\nstate @/recording.json\n"
+        "command 40012\nstate @/stopped.json\nquit\n");
+    ASSERT_EQ(Run("--replay --replay-rate 10"), 0) << Read("stderr.txt");
+    ExpectHas("recording.json", {"\"tracks\":{\"recording\":true", "\"liveWorldPoints\":3",
+                                 "\"trackLogOn\":true", "\"messages\":[]"});
+    ExpectHas("stopped.json",
+              {"\"tracks\":{\"recording\":false,\"trackFile\":\"\",\"liveWorldPoints\":0",
+               "\"trackLogOn\":false"});
+    const std::string recording = Read("recording.json");
+    const std::size_t at = recording.find("\"trackFile\":\"") + 13;
+    const std::string log = recording.substr(at, recording.find('"', at) - at);
+    ASSERT_EQ(log.rfind(Path("home/Documents/My GPS/Track Log/"), 0), 0u) << log;
+    const std::string lines = Read(log.substr(dir_.string().size() + 1));
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 3) << lines;
+    EXPECT_EQ(lines.rfind("120.", 0), 0u) << lines;
+
+    WriteScript("command 40040\nchoose " + log +
+                "\nwait 500\n"
+                "command 40042\nchoose " SATWALK_RESOURCES
+                "/demo/poi/Restaurant.csv\n"
+                "command 40042\nchoose " SATWALK_RESOURCES
+                "/demo/poi/00008.csv\n"
+                "state @/viewing.json\nsnapshot @/map.png\n"
+                "command 40041\nstate @/closed.json\nquit\n");
+    ASSERT_EQ(Run(), 0) << Read("stderr.txt");
+    ExpectHas("viewing.json",
+              {"\"currentScreen\":4", "\"viewedWorldPoints\":3", "\"viewing\":true",
+               "\"viewedPath\":\"" + log + "\"", "\"showPoi\":true", "\"showTrack\":true",
+               "{\"category\":17,\"name\":\"Restaurant\",\"points\":8}",
+               "{\"category\":19,\"name\":\"Gas Station\",\"points\":4}", "\"messages\":[]"});
+    ExpectHas("closed.json", {"\"viewedWorldPoints\":0", "\"viewing\":false"});
+    EXPECT_GT(fs::file_size(Path("map.png")), 1000u);
+}

@@ -1,0 +1,76 @@
+// The POI feature: importing a CSV file as one group (through the file
+// browser), deleting them all, the icon strip loaded on the first import,
+// the POI layer of the map screen and the "poi" member of the state dump.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "Features.h"
+#include "FileChooser.h"
+#include "MapLayers.h"
+#include "PoiPainter.h"
+#include "PoiStore.h"
+
+namespace satwalk::shell {
+class Shell;
+}
+
+namespace satwalk::poi {
+
+inline constexpr const char* kLoadPoiIconsFailed =
+    "Load POI Icons failed: 0x08200a19\n\nPress OK to continue...";
+
+class PoiPlatform {
+  public:
+    // Loads the 496 × 16 icon strip into the screens' bitmaps; false when
+    // it cannot be loaded.
+    virtual bool LoadIcons(screens::Bitmap& icons) = 0;
+
+    virtual ~PoiPlatform() = default;
+};
+
+class PoiFeature final : public shell::Feature {
+  public:
+    PoiFeature(shell::Shell& shell, browser::FileChooser& chooser,
+               std::unique_ptr<PoiPlatform> platform)
+        : shell_(shell), chooser_(chooser), platform_(std::move(platform)) {}
+
+    void Register(shell::FeatureRegistry& registry) override;
+
+    // Whether a calibrated map is shown: an import then goes to it rather
+    // than to the world map. Empty: never.
+    std::function<bool()> calibratedMapShown;
+
+    const PoiStore& store() const { return store_; }
+    // Null until the strip has been loaded.
+    const screens::Bitmap* icons() const { return iconsLoaded_ ? &icons_ : nullptr; }
+
+  private:
+    void Import();
+    void WriteState(common::JsonMembers& members) const;
+
+    shell::Shell& shell_;
+    browser::FileChooser& chooser_;
+    std::unique_ptr<PoiPlatform> platform_;
+    PoiStore store_;
+    screens::Bitmap icons_;
+    bool iconsLoaded_ = false;
+};
+
+// The layer on the map screen (LayerOrder::PointsOfInterest).
+class PoiLayer final : public map::MapLayer {
+  public:
+    // `showPoi` is the setting of the View menu's "显示 POI".
+    PoiLayer(const PoiFeature& feature, const std::uint32_t& showPoi)
+        : feature_(feature), showPoi_(showPoi) {}
+
+    void Paint(screens::Canvas& canvas, const map::MapView& view, const screens::ScreenContext& ctx,
+               const gps::GpsState& fix) override;
+
+  private:
+    const PoiFeature& feature_;
+    const std::uint32_t& showPoi_;
+};
+
+}  // namespace satwalk::poi

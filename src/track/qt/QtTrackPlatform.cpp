@@ -1,0 +1,127 @@
+#include "QtTrackPlatform.h"
+
+#include <QApplication>
+#include <QProgressDialog>
+
+#include "MapFeature.h"
+#include "Shell.h"
+#include "TrackState.h"
+#include "TrailLayer.h"
+
+namespace satwalk::track::qt {
+
+namespace {
+
+constexpr int kProgressDelayMs = 500;
+constexpr int kProgressSteps = 1000;
+
+}  // namespace
+
+QtTrackPlatform::QtTrackPlatform(QWidget* window) : window_(window) {
+    followTimer_.setSingleShot(true);
+    connect(&followTimer_, &QTimer::timeout, this, [this] {
+        if (followExpired_)
+            followExpired_();
+    });
+    progressTimer_.setInterval(100);
+    connect(&progressTimer_, &QTimer::timeout, this, [this] { ShowProgress(); });
+}
+
+QtTrackPlatform::~QtTrackPlatform() {
+    if (worker_.joinable())
+        worker_.join();
+    if (progress_)
+        delete progress_.data();
+}
+
+bool QtTrackPlatform::StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) {
+    followExpired_ = std::move(expired);
+    followTimer_.start(static_cast<int>(periodMs));
+    return followTimer_.isActive();
+}
+
+void QtTrackPlatform::StopFollowTimer() {
+    followTimer_.stop();
+}
+
+void QtTrackPlatform::RunReader(std::function<void(const TrackProgress& progress)> work,
+                                std::function<void()> done) {
+    if (worker_.joinable())
+        worker_.join();  // the previous read has posted its end already
+    done_ = 0;
+    total_ = 0;
+    QApplication::setOverrideCursor(Qt::BusyCursor);
+    ShowProgress();  // made now, shown only once the read lasts
+    progressTimer_.start();
+    worker_ = std::thread([this, work = std::move(work), done = std::move(done)]() mutable {
+        work([this](std::uint64_t d, std::uint64_t t) {
+            done_ = d;
+            total_ = t;
+        });
+        QMetaObject::invokeMethod(
+            this, [this, done = std::move(done)]() mutable { Finish(std::move(done)); },
+            Qt::QueuedConnection);
+    });
+}
+
+void QtTrackPlatform::ShowProgress() {
+    if (!progress_) {
+        progress_ = new QProgressDialog(window_);
+        progress_->setWindowTitle(window_ != nullptr ? window_->windowTitle() : QString());
+        progress_->setLabelText(QStringLiteral("正在读取轨迹记录…"));
+        progress_->setCancelButton(nullptr);
+        progress_->setWindowModality(Qt::NonModal);
+        progress_->setRange(0, kProgressSteps);
+        progress_->setMinimumDuration(kProgressDelayMs);
+        progress_->setAutoClose(false);
+        progress_->setAutoReset(false);
+        progress_->setValue(0);
+    }
+    const std::uint64_t total = total_;
+    const std::uint64_t done = done_;
+    if (total > 0)
+        progress_->setValue(static_cast<int>(done * kProgressSteps / total));
+}
+
+void QtTrackPlatform::Finish(std::function<void()> done) {
+    if (worker_.joinable())
+        worker_.join();
+    progressTimer_.stop();
+    if (progress_) {
+        progress_->close();
+        progress_->deleteLater();
+    }
+    QApplication::restoreOverrideCursor();
+    if (done)
+        done();
+}
+
+std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
+                                               QWidget* window, map::qt::MapFeature& mapFeature,
+                                               map::MapScreen& mapScreen,
+                                               std::function<void()>& onTrackTick) {
+    auto feature =
+        std::make_unique<TrackFeature>(shell, chooser, std::make_unique<QtTrackPlatform>(window));
+    TrackFeature* track = feature.get();
+    map::qt::MapFeature* map = &mapFeature;
+    track->projections = [map] { return ProjectionsFor(map->model().View()); };
+    track->onFollowPause = [map](bool paused) {
+        if (paused)
+            map->PauseFollowing();
+        else
+            map->ResumeFollowing();
+    };
+    mapFeature.onManualMove = [track] { track->OnMapMovedByHand(); };
+    mapFeature.onCalibrationChanged = [track, map, mode = map->model().View().mapMode]() mutable {
+        const int now = map->model().View().mapMode;
+        track->OnMapGeometryChanged(now != mode);
+        mode = now;
+    };
+    mapScreen.layers().Add(
+        map::LayerOrder::Trails,
+        std::make_unique<TrailLayer>(feature->state(), shell.settings().showTrack));
+    onTrackTick = [f = feature.get()] { f->OnTrackTick(); };
+    return feature;
+}
+
+}  // namespace satwalk::track::qt

@@ -1,0 +1,59 @@
+// The track feature's platform on Qt: timer 1026 as a single-shot QTimer,
+// and the log reader on a thread of its own, with a progress dialog that
+// appears once a read has taken half a second.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "MapFeature.h"
+#include "MapLayers.h"
+#include "TrackFeature.h"
+
+class QProgressDialog;
+class QWidget;
+
+namespace satwalk::track::qt {
+
+class QtTrackPlatform final : public QObject, public TrackPlatform {
+  public:
+    explicit QtTrackPlatform(QWidget* window);
+    // Waits for a read under way; its result is dropped.
+    ~QtTrackPlatform() override;
+
+    bool StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) override;
+    void StopFollowTimer() override;
+    void RunReader(std::function<void(const TrackProgress& progress)> work,
+                   std::function<void()> done) override;
+
+  private:
+    void ShowProgress();
+    void Finish(std::function<void()> done);
+
+    QWidget* window_;
+    QTimer followTimer_;
+    std::function<void()> followExpired_;
+    std::thread worker_;
+    std::atomic<std::uint64_t> done_{0};
+    std::atomic<std::uint64_t> total_{0};
+    QTimer progressTimer_;
+    QPointer<QProgressDialog> progress_;
+};
+
+// The track feature on `window`: its trail layer added to `mapScreen`, the
+// window's track timer (`onTrackTick`) wired to it, and tied to the map
+// feature both ways (the map's projections and its manual moves and new
+// calibrations in, the follow pause out).
+std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
+                                               QWidget* window, map::qt::MapFeature& mapFeature,
+                                               map::MapScreen& mapScreen,
+                                               std::function<void()>& onTrackTick);
+
+}  // namespace satwalk::track::qt

@@ -1,0 +1,122 @@
+// A shell with the window, the link, the file browser and the platform
+// faked, for the track and POI features' rules.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "FakeShellParts.h"
+#include "FileChooser.h"
+#include "Shell.h"
+#include "TrackFeature.h"
+#include "TrackTestSupport.h"
+
+namespace satwalk::track::test {
+
+class FakeChooser : public browser::FileChooser {
+  public:
+    void ChooseFile(int mode, const std::string& caption, browser::FileChosen chosen) override {
+        modes.push_back(mode);
+        title = caption;
+        pending = std::move(chosen);
+    }
+    // The user picks `path` (or cancels with an empty one).
+    void Pick(const std::string& path) {
+        auto chosen = std::move(pending);
+        pending = nullptr;
+        if (chosen && !path.empty())
+            chosen({path, path.substr(path.find_last_of('/') + 1)});
+    }
+    std::vector<int> modes;
+    std::string title;
+    browser::FileChosen pending;
+};
+
+// Runs reads at once; the follow timer is only remembered.
+class FakeTrackPlatform : public TrackPlatform {
+  public:
+    bool StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) override {
+        if (failFollowTimer)
+            return false;
+        followPeriod = periodMs;
+        followExpired = std::move(expired);
+        return true;
+    }
+    void StopFollowTimer() override { followExpired = nullptr; }
+    void RunReader(std::function<void(const TrackProgress&)> work,
+                   std::function<void()> done) override {
+        ++reads;
+        work([](std::uint64_t, std::uint64_t) {});
+        if (deferDone)
+            deferred = std::move(done);
+        else
+            done();
+    }
+    bool failFollowTimer = false;
+    bool deferDone = false;  // the read ends only when the test says
+    std::function<void()> deferred;
+    std::uint32_t followPeriod = 0;
+    std::function<void()> followExpired;
+    int reads = 0;
+};
+
+// Fails every track timer it is asked for.
+class TimerlessUi : public shell::testing::FakeUi {
+  public:
+    bool StartTrackTimer(std::uint32_t periodMs) override {
+        trackPeriod = periodMs;
+        return failTimer ? false : (trackRunning = true);
+    }
+    bool failTimer = false;
+};
+
+class FeatureFixture : public ::testing::Test {
+  protected:
+    FeatureFixture() : shell(settings, link, ui, sound, nullptr) {
+        settings.bluetoothReceiver = 0;
+        settings.storageRoot =
+            ScratchFolder(::testing::UnitTest::GetInstance()->current_test_info()->name());
+        shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
+    }
+
+    std::string TrackFolder() const { return settings.storageRoot + "/My GPS/Track Log"; }
+
+    // A fix at 30°15'N 120°10'E, or none.
+    void SetFix(bool valid) {
+        gps::GpsState& g = link.gps;
+        std::strcpy(g.latitude, valid ? "3015.0000" : "");
+        g.northSouth = valid ? 'N' : 0;
+        std::strcpy(g.longitude, valid ? "12010.0000" : "");
+        g.eastWest = valid ? 'E' : 0;
+        std::strcpy(g.speedKnots, "1.50");
+        std::strcpy(g.course, "90.0");
+        std::strcpy(g.altitude, "");
+        link.fixValid = valid;
+        if (link.running)
+            shell.OnGpsData();
+    }
+    void StartLink() {
+        shell.OnCommand(shell::cmd::kStartGps);
+        ASSERT_TRUE(link.running);
+    }
+    bool MenuHas(int id) const {
+        return shell::FindMenuEntry(shell.BuildMainMenu(), id) != nullptr;
+    }
+    std::vector<std::string> MessageTexts() const {
+        std::vector<std::string> texts;
+        for (const auto& m : ui.messages) texts.push_back(m.first);
+        return texts;
+    }
+
+    shell::ProgramSettings settings;
+    shell::testing::FakeLink link;
+    TimerlessUi ui;
+    shell::testing::FakeSound sound;
+    shell::Shell shell;
+    FakeChooser chooser;
+};
+
+}  // namespace satwalk::track::test

@@ -1,0 +1,297 @@
+// The track feature's rules through the shell's commands, with the window,
+// the link, the file browser and the platform faked.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "CommandIds.h"
+#include "FeatureFixture.h"
+#include "StateJson.h"
+#include "Strings.h"
+
+namespace satwalk::track {
+namespace {
+
+namespace cmd = shell::cmd;
+namespace fs = std::filesystem;
+using test::ReadFile;
+using test::WriteFile;
+
+class TrackFeatureTest : public test::FeatureFixture {
+  protected:
+    TrackFeatureTest() {
+        auto fake = std::make_unique<test::FakeTrackPlatform>();
+        platform = fake.get();
+        feature = std::make_unique<TrackFeature>(shell, chooser, std::move(fake));
+        shell.features().Add(*feature);
+    }
+    const TrackState& state() const { return feature->state(); }
+    std::uint32_t Count(const TrackList TrackState::*list) const { return (state().*list).Count(); }
+    bool SaveChecked() const {
+        return shell::FindMenuEntry(shell.BuildMainMenu(), cmd::kSaveTrack)->checked;
+    }
+    void View(const std::string& path) {
+        shell.OnCommand(cmd::kViewTrack);
+        chooser.Pick(path);
+    }
+
+    test::FakeTrackPlatform* platform = nullptr;
+    std::unique_ptr<TrackFeature> feature;
+};
+
+TEST_F(TrackFeatureTest, SaveCommandStartsAndEndsLogs) {
+    struct Case {
+        const char* name;
+        bool running, fix, recordingBefore;
+        bool recordingAfter;
+        int lines;  // -1: no file
+        bool timerArmed;
+    };
+    const Case cases[] = {
+        {"on with a fix", true, true, false, true, 1, true},
+        {"on without a fix: the file is made empty", true, false, false, true, 0, true},
+        {"on while stopped: the log waits for the link", false, false, false, true, -1, false},
+        {"off: the file stays", true, true, true, false, 1, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        shell.OnCommand(cmd::kStopGps);
+        fs::remove_all(TrackFolder());
+        fs::create_directories(TrackFolder());
+        settings.trackLogOn = 0;
+        if (c.running) {
+            StartLink();
+            SetFix(c.fix);
+        }
+        if (c.recordingBefore)
+            shell.OnCommand(cmd::kSaveTrack);
+        const std::string path = state().trackFilePath;
+        ui.trackRunning = false;
+        shell.OnCommand(cmd::kSaveTrack);
+
+        EXPECT_EQ(settings.trackLogOn != 0, c.recordingAfter);
+        EXPECT_EQ(SaveChecked(), c.recordingAfter);
+        EXPECT_EQ(ui.trackRunning, c.timerArmed);
+        const std::string file = c.recordingBefore ? path : state().trackFilePath;
+        if (c.lines < 0) {
+            EXPECT_TRUE(fs::is_empty(TrackFolder()));
+            continue;
+        }
+        ASSERT_FALSE(file.empty());
+        const std::string text = ReadFile(file);
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), c.lines);
+        if (c.recordingBefore) {
+            EXPECT_EQ(state().trackFilePath, "");
+        }
+    }
+}
+
+TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
+    settings.trackLogOn = 1;
+    settings.trackIntervalMs = 30000;
+    StartLink();
+    EXPECT_EQ(ui.trackPeriod, 30000u);
+    const std::string path = state().trackFilePath;
+    EXPECT_EQ(path.rfind(TrackFolder() + "/", 0), 0u) << path;
+    SetFix(true);
+    feature->OnTrackTick();
+    feature->OnTrackTick();
+    const std::string text = ReadFile(path);
+    EXPECT_EQ(text.rfind("120.166667,30.250000,,", 0), 0u) << text << " in " << path;
+    EXPECT_NE(text.find(",1.50,90.0,\r\n"), std::string::npos) << "empty altitude";
+    EXPECT_EQ(Count(&TrackState::liveWorldTrail), 2u);
+    EXPECT_NE(shell::BuildStateJson(shell, {}).find("\"tracks\":{\"recording\":true"),
+              std::string::npos);
+
+    // The link dies under the timer: the next tick ends everything but the file.
+    link.running = false;
+    feature->OnTrackTick();
+    EXPECT_FALSE(ui.trackRunning);
+    EXPECT_EQ(settings.trackLogOn, 0u);
+    EXPECT_EQ(state().trackFilePath, "");
+    EXPECT_EQ(Count(&TrackState::liveWorldTrail), 0u);
+    EXPECT_EQ(ReadFile(path), text);
+
+    // Stopping by command ends recording too; a new start does not resume it.
+    settings.trackLogOn = 1;
+    StartLink();
+    shell.OnCommand(cmd::kStopGps);
+    EXPECT_FALSE(SaveChecked());
+    StartLink();
+    EXPECT_EQ(state().trackFilePath, "");
+}
+
+TEST_F(TrackFeatureTest, TimerFailuresAreSaid) {
+    const std::string tail = "\n\nPress OK to continue...";
+    struct Case {
+        const char* name;
+        int command;
+        std::string message;
+    };
+    const Case cases[] = {
+        {"save", cmd::kSaveTrack, kTrackTimerFailedOnSave},
+        {"interval", cmd::kTrack10s + 1, kTrackTimerFailedOnInterval},
+        {"start", cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        shell.OnCommand(cmd::kStopGps);
+        settings.trackLogOn = 0;
+        if (c.command != cmd::kStartGps)
+            StartLink();
+        ui.messages.clear();
+        ui.failTimer = true;
+        shell.OnCommand(c.command);
+        ui.failTimer = false;
+        ASSERT_EQ(MessageTexts(), std::vector<std::string>{c.message});
+        EXPECT_EQ(ui.messages[0].second, shell::MessageIcon::Error);
+    }
+    EXPECT_EQ(settings.trackIntervalMs, 20000u) << "the new interval stays";
+}
+
+TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
+    const std::string good = settings.storageRoot + "/good.log";
+    WriteFile(good,
+              "120.1,30.2,,20260516 09:58:50,0,0,1\r\n"
+              "120.2,30.3,,20260516 09:59:00,0,0,1\r\n"
+              "bad line\r\n");
+    settings.trackLogOn = 1;
+    StartLink();
+    const std::string beingWritten = state().trackFilePath;
+    settings.showTrack = 0;
+
+    struct Case {
+        const char* name;
+        std::string pick;
+        std::vector<std::string> messages;
+        bool viewing;
+        std::uint32_t points;
+    };
+    const Case cases[] = {
+        {"a log", good, {}, true, 2},
+        {"cancelled", "", {}, true, 2},
+        {"missing: the view stays",
+         settings.storageRoot + "/gone.log",
+         {kOpenTrackLogFailed},
+         true,
+         2},
+        {"the log being written",
+         beingWritten,
+         {common::FormatString(common::LoadString(common::kStrLogBeingWritten),
+                               beingWritten.substr(beingWritten.rfind('/') + 1))},
+         true,
+         2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ui.messages.clear();
+        View(c.pick);
+        EXPECT_EQ(chooser.modes.back(), 2);
+        EXPECT_EQ(chooser.title, "打开文件");
+        EXPECT_EQ(MessageTexts(), c.messages);
+        EXPECT_EQ(state().trackViewOn, c.viewing);
+        EXPECT_EQ(Count(&TrackState::viewedWorldTrail), c.points);
+    }
+    EXPECT_EQ(state().viewedTrackPath, good);
+    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+    EXPECT_EQ(settings.showTrack, 1u);
+    EXPECT_TRUE(MenuHas(cmd::kCloseTrack));
+
+    shell.OnCommand(cmd::kCloseTrack);
+    EXPECT_FALSE(state().trackViewOn);
+    EXPECT_EQ(state().viewedTrackPath, "");
+    EXPECT_EQ(Count(&TrackState::viewedWorldTrail), 0u);
+    EXPECT_FALSE(MenuHas(cmd::kCloseTrack));
+}
+
+TEST_F(TrackFeatureTest, ReadClosedBeforeItEndsIsNotShown) {
+    const std::string log = settings.storageRoot + "/a.log";
+    WriteFile(log, "1,2,,20260516 09:58:50,\r\n");
+    platform->deferDone = true;
+    View(log);
+    EXPECT_TRUE(feature->reading());
+    EXPECT_FALSE(shell::FindMenuEntry(shell.BuildMainMenu(), cmd::kViewTrack)->enabled);
+    shell.OnCommand(cmd::kCloseTrack);
+    platform->deferred();
+    EXPECT_FALSE(state().trackViewOn);
+    EXPECT_EQ(Count(&TrackState::viewedWorldTrail), 0u);
+}
+
+TEST_F(TrackFeatureTest, FollowPause) {
+    enum class Then { Nothing, Expire, ModeChange, MapChange, StopLink };
+    struct Case {
+        const char* name;
+        bool running, timerFails;
+        Then then;
+        bool paused;
+        bool message;
+    };
+    const Case cases[] = {
+        {"moved by hand", true, false, Then::Nothing, true, false},
+        {"link stopped: no pause", false, false, Then::Nothing, false, false},
+        {"timer refused: paused anyway", true, true, Then::Nothing, true, true},
+        {"ten seconds on", true, false, Then::Expire, false, false},
+        {"map mode switched", true, false, Then::ModeChange, false, false},
+        {"same mode, new map", true, false, Then::MapChange, true, false},
+        {"link stopped", true, false, Then::StopLink, false, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        shell.OnCommand(cmd::kStopGps);
+        if (c.running)
+            StartLink();
+        ui.messages.clear();
+        platform->failFollowTimer = c.timerFails;
+        bool told = false;
+        feature->onFollowPause = [&told](bool paused) { told = paused; };
+        feature->OnMapMovedByHand();
+        if (c.running && !c.timerFails) {
+            EXPECT_EQ(platform->followPeriod, 10000u);
+        }
+        switch (c.then) {
+            case Then::Nothing:
+                break;
+            case Then::Expire:
+                platform->followExpired();
+                break;
+            case Then::ModeChange:
+            case Then::MapChange:
+                feature->OnMapGeometryChanged(c.then == Then::ModeChange);
+                break;
+            case Then::StopLink:
+                shell.OnCommand(cmd::kStopGps);
+                break;
+        }
+        EXPECT_EQ(feature->followPaused(), c.paused);
+        EXPECT_EQ(told, c.paused) << "the map is told";
+        EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{kFollowTimerFailed}
+                                            : std::vector<std::string>{});
+    }
+}
+
+TEST_F(TrackFeatureTest, MapChangeRebuildsTheMapTrails) {
+    const std::string log = settings.storageRoot + "/a.log";
+    WriteFile(log, "1,2,,20260516 09:58:50,\r\n3,4,,20260516 09:59:00,\r\n");
+    View(log);
+    settings.trackLogOn = 1;
+    StartLink();
+    SetFix(true);
+    feature->OnTrackTick();
+    EXPECT_EQ(Count(&TrackState::viewedMapTrail), 0u) << "no calibrated map yet";
+
+    // A calibrated map is loaded: both map trails follow it.
+    feature->projections = [] {
+        TrackProjections p;
+        p.map = [](double lat, double lon) { return MapXY{lon * 10, lat * 10}; };
+        return p;
+    };
+    feature->OnMapGeometryChanged(true);
+    ASSERT_EQ(Count(&TrackState::viewedMapTrail), 2u);
+    EXPECT_EQ(state().viewedMapTrail.At(1).x, 30.0f);
+    ASSERT_EQ(Count(&TrackState::liveMapTrail), 1u) << "the one line written";
+    EXPECT_FLOAT_EQ(state().liveMapTrail.At(0).y, 302.5f);
+    EXPECT_EQ(Count(&TrackState::liveWorldTrail), 1u) << "the world trail is not rebuilt";
+}
+
+}  // namespace
+}  // namespace satwalk::track

@@ -1,0 +1,130 @@
+// The trail layer: which trails it draws in which map mode, and where.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "RecordingCanvas.h"
+#include "TrailLayer.h"
+
+namespace satwalk::track {
+namespace {
+
+using screens::CanvasCall;
+
+// A map of West Lake: image pixel (0, 0) at 31° N 120° E, (1000, 1000) at
+// 30° N 121° E, shown `width` pixels wide with the image centre in the view's.
+map::MapView LakeMap(double width, bool calibrated = true) {
+    map::MapView v;
+    v.viewRect = {0, 0, 480, 560};
+    v.mapMode = 1;
+    v.imageSize = {1000, 1000};
+    v.currentWidth = v.currentHeight = width;
+    v.scrollCentre = {500, 500};
+    if (calibrated) {
+        map::ReferencePoints refs{};
+        refs[0] = map::GeoPoint{1, 31, 120, 0, 0, 0, 0};
+        refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
+        v.calibration = map::ComputeCalibration(refs);
+    }
+    return v;
+}
+
+map::MapView World(double scale, double originLongitude) {
+    map::MapView v;
+    v.viewRect = {0, 0, 480, 560};
+    v.viewScale = scale;
+    v.worldOrigin.longitude = originLongitude;
+    v.worldOrigin.screenX = 240;
+    v.worldOrigin.screenY = 280;
+    return v;
+}
+
+// A trail point lands where the map view places its position, in every
+// view: the trail's rescale and the view's projection agree.
+TEST(TrailLayer, TrailPointsLandWhereTheViewProjects) {
+    const map::MapView views[] = {World(40000, 0), World(5, 120.1), LakeMap(1000), LakeMap(4000)};
+    const double places[][2] = {{30.25, 120.16}, {30.9, 120.05}, {-33.9, 18.4}};
+    for (const map::MapView& view : views) {
+        const TrackProjections p = ProjectionsFor(view);
+        ASSERT_EQ(static_cast<bool>(p.map), view.mapMode != 0);
+        TrailTransform t;
+        ASSERT_TRUE(TrailToScreen(view, t));
+        for (const auto& place : places) {
+            const MapXY trail = (view.mapMode != 0 ? p.map : p.world)(place[0], place[1]);
+            map::PointF want;
+            ASSERT_TRUE(map::ProjectToScreen(view, place[0], place[1], want));
+            EXPECT_NEAR(trail.x * t.scaleX + t.offsetX, want.x, 1e-6 * (1 + std::fabs(want.x)));
+            EXPECT_NEAR(trail.y * t.scaleY + t.offsetY, want.y, 1e-6 * (1 + std::fabs(want.y)));
+        }
+    }
+    TrailTransform t;
+    EXPECT_FALSE(TrailToScreen(LakeMap(1000, false), t));
+}
+
+TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
+    TrackState state;
+    auto fill = [](TrackList& list, float at) {
+        list.Append(TrackPoint{at, at, {}});
+        list.Append(TrackPoint{at + 50, at + 20, {}});
+    };
+    enum Trail { ViewedWorld = 1, ViewedMap = 2, LiveWorld = 4, LiveMap = 8 };
+    struct Case {
+        const char* name;
+        int trails;  // which trails hold points
+        bool mapMode, show, calibrated;
+        std::vector<screens::Colour> lines;  // polyline colours, in order
+    };
+    const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
+    const auto live = TrailLayerPainter::kLiveStyle.line.colour;
+    const Case cases[] = {
+        {"world: viewed under live",
+         ViewedWorld | ViewedMap | LiveWorld,
+         false,
+         true,
+         true,
+         {viewed, live}},
+        {"track hidden", ViewedWorld | LiveWorld, false, false, true, {}},
+        {"map: its own trails",
+         ViewedWorld | ViewedMap | LiveMap,
+         true,
+         true,
+         true,
+         {viewed, live}},
+        {"map: viewed map trail only with a world trail",
+         ViewedMap | LiveMap,
+         true,
+         true,
+         true,
+         {live}},
+        {"map without calibration", ViewedWorld | ViewedMap | LiveMap, true, true, false, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        state.viewedWorldTrail.Clear();
+        state.viewedMapTrail.Clear();
+        state.liveWorldTrail.Clear();
+        state.liveMapTrail.Clear();
+        if (c.trails & ViewedWorld)
+            fill(state.viewedWorldTrail, 300);
+        if (c.trails & ViewedMap)
+            fill(state.viewedMapTrail, 310);
+        if (c.trails & LiveWorld)
+            fill(state.liveWorldTrail, 320);
+        if (c.trails & LiveMap)
+            fill(state.liveMapTrail, 330);
+        std::uint32_t show = c.show ? 1 : 0;
+        TrailLayer layer(state, show);
+        const map::MapView view = c.mapMode ? LakeMap(1000, c.calibrated) : World(10000, 0);
+        screens::RecordingCanvas canvas(view.viewRect);
+        layer.Paint(canvas, view, screens::ScreenContext{}, gps::GpsState{});
+        std::vector<screens::Colour> lines;
+        for (const CanvasCall& call : canvas.OfKind(CanvasCall::Kind::Polyline))
+            lines.push_back(call.pen.colour);
+        EXPECT_EQ(lines, c.lines);
+        // Every vertex drawn is marked in red.
+        EXPECT_EQ(canvas.OfKind(CanvasCall::Kind::FillRect).empty(), c.lines.empty());
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::track
