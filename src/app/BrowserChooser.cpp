@@ -16,7 +16,8 @@ void BrowserChooser::ChooseFile(int mode, const std::string&, browser::FileChose
         [chosen = std::move(chosen)](const std::string& path) {
             if (path.empty() || !chosen)
                 return;
-            const QString name = QFileInfo(QFile::decodeName(QByteArray::fromStdString(path))).fileName();
+            const QString name =
+                QFileInfo(QFile::decodeName(QByteArray::fromStdString(path))).fileName();
             chosen({path, name.toStdString()});
         },
         QFile::encodeName(QDir::homePath()).toStdString());

@@ -1,6 +1,6 @@
 // The map screen as an ordered list of layers, painted bottom first through
 // the screens' Canvas with one MapView: the world map or the loaded image,
-// then trails, POIs, reference markers, the position, and the overlay. A
+// then reference markers, POIs, trails, the position, and the overlay. A
 // feature adds its layer at its place in the order; the screen frame is
 // painted over them all.
 #pragma once
@@ -18,10 +18,10 @@ namespace satwalk::map {
 // The place of a layer in the order; layers of the same place paint in the
 // order they were added.
 enum class LayerOrder {
-    BaseMap,
-    Trails,
-    PointsOfInterest,
+    BaseMap,  // the world map or the image, then the scale bar
     ReferenceMarkers,
+    PointsOfInterest,
+    Trails,  // over the POIs, so a route stays readable through a crowd of icons
     Position,
     Overlay,
 };
