@@ -4,10 +4,12 @@
 #pragma once
 
 #include <QImage>
+#include <QMessageBox>
 #include <QTimer>
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -57,6 +59,8 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     void SetScriptMode(bool on) { scriptMode_ = on; }
     void SetNextAnswer(shell::MessageAnswer answer) { nextAnswer_ = answer; }
     const std::vector<shell::LoggedMessage>& messages() const { return messages_; }
+    // Script mode: the box the last message would have been shown in.
+    QMessageBox* lastMessageBox() const { return lastBox_.get(); }
 
     // Opens the drop-down of the left (view) or right (menu) soft key.
     QMenu* OpenDropDown(bool viewMenu);
@@ -118,6 +122,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     bool closing_ = false;
     std::optional<shell::MessageAnswer> nextAnswer_;
     std::vector<shell::LoggedMessage> messages_;
+    std::unique_ptr<QMessageBox> lastBox_;
     QTimer blinkTimer_;
     QTimer clockTimer_;  // 1028
     QTimer trackTimer_;  // 1027

@@ -22,6 +22,7 @@
 #include "CommandIds.h"
 #include "FeatureList.h"
 #include "MainWindow.h"
+#include "MessageBoxes.h"
 #include "QtPlatform.h"
 #include "ScreenAdapter.h"
 #include "ScriptRunner.h"
@@ -162,6 +163,8 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("satwalk");
     QApplication::setApplicationVersion(SATWALK_VERSION);
+    // Standard buttons in the interface's language.
+    app::InstallQtTranslation(app);
 
     const QStringList rawArgs = QApplication::arguments();
     if (rawArgs.contains("--help") || rawArgs.contains("-h")) {
