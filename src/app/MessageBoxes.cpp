@@ -74,7 +74,11 @@ std::unique_ptr<QMessageBox> MakeMessageBox(QWidget* parent, const std::string& 
     }
     // The style's icon drawn at the scale of the text beside it.
     const int iconPixels = std::max(16, (3 * baseTextHeight) / 2);
-    box->setIconPixmap(box->style()->standardIcon(standard, nullptr, box.get()).pixmap(iconPixels));
+    QPixmap pixmap = box->style()->standardIcon(standard, nullptr, box.get()).pixmap(iconPixels);
+    if (pixmap.width() < iconPixels)  // an icon is never drawn larger than its largest size
+        pixmap =
+            pixmap.scaled(iconPixels, iconPixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    box->setIconPixmap(pixmap);
 
     box->setStandardButtons(buttons == MessageButtons::YesNo ? QMessageBox::Yes | QMessageBox::No
                                                              : QMessageBox::Ok);

@@ -33,8 +33,8 @@ QString WithoutMnemonic(QString text);
 
 // The box the window shows for a message, not yet shown.
 std::unique_ptr<QMessageBox> MakeMessageBox(QWidget* parent, const std::string& text,
-                                            shell::MessageIcon icon,
-                                            shell::MessageButtons buttons, int baseTextHeight);
+                                            shell::MessageIcon icon, shell::MessageButtons buttons,
+                                            int baseTextHeight);
 
 // The script step `message-snapshot FILE.png`: the last message box of the
 // run as the window would have shown it.
