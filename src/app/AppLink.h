@@ -37,6 +37,8 @@ class AppLink : public QObject,
     void SetNmeaFolder(const std::string& folder) { link_.nmeaFolder = folder; }
     void SetRecordNmea(bool on) { link_.recordNmea = on; }
     void SetAllTalkers(bool on) { link_.allTalkers = on; }
+    // The port map file (lines "COM3=/dev/ttyS0"); a missing file is no map.
+    void LoadPortMap(const std::string& path) { link::LoadPortMap(path, portMap_); }
 
     // Stops a running link without messages, letting a reader that waits for
     // the window finish first. For the end of the program.
