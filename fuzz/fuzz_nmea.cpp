@@ -85,8 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     double lat = 0;
     double lon = 0;
-    common::NmeaToDegrees(state.latitude, state.northSouth, state.longitude, state.eastWest, &lat,
-                          &lon);
+    satwalk::common::NmeaToDegrees(state.latitude, state.northSouth, state.longitude,
+                                   state.eastWest, &lat, &lon);
     json.clear();
     AppendGpsJsonMembers(json, state, true);
     return 0;

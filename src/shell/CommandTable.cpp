@@ -45,8 +45,8 @@ std::string CommandTable(const Shell& shell) {
     std::string out = "| Id | Menu entry | Works |\n|---|---|---|\n";
     for (const Row& r : rows) {
         const bool handled = shell.features().FindCommand(r.id) != nullptr;
-        out += "| " + std::to_string(r.id) + " | " + r.path + " | " +
-               (handled ? "yes" : "coming") + " |\n";
+        out += "| " + std::to_string(r.id) + " | " + r.path + " | " + (handled ? "yes" : "coming") +
+               " |\n";
     }
     const std::vector<std::string> verbs = shell.features().ScriptVerbs();
     if (!verbs.empty()) {

@@ -35,7 +35,8 @@ std::string Capture(const std::string& command, int& status) {
     if (pipe == nullptr)
         return out;
     char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        out.append(buffer, n);
     const int raw = ::pclose(pipe);
     status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     return out;
@@ -45,14 +46,15 @@ TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
     const struct {
         const char* flag;
         const char* starts;
-    } cases[] = {{"--help", "usage: satwalk"}, {"-h", "usage: satwalk"}, {"--version", "satwalk 0."}};
+    } cases[] = {
+        {"--help", "usage: satwalk"}, {"-h", "usage: satwalk"}, {"--version", "satwalk 0."}};
     for (const auto& c : cases) {
         // The xcb platform with no display would abort any Qt start-up.
         int status = -1;
-        const std::string out = Capture(
-            "env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " +
-                std::string(c.flag) + " 2>&1",
-            status);
+        const std::string out =
+            Capture("env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " +
+                        std::string(c.flag) + " 2>&1",
+                    status);
         EXPECT_EQ(status, 0) << c.flag << "\n" << out;
         EXPECT_EQ(out.rfind(c.starts, 0), 0u) << c.flag << "\n" << out;
     }
@@ -108,8 +110,8 @@ class SingleInstanceTest : public ::testing::Test {
         const std::string options = (dir_ / ("options-" + std::to_string(n))).string();
         const std::string script = (dir_ / "script.txt").string();
         const std::string err = (dir_ / ("err-" + std::to_string(n) + ".txt")).string();
-        std::vector<std::string> args = {SATWALK_BINARY, "--options", options, "--script", script,
-                                         "--single-instance"};
+        std::vector<std::string> args = {SATWALK_BINARY, "--options", options,
+                                         "--script",     script,      "--single-instance"};
         std::vector<char*> argv, envp;
         for (std::string& a : args) argv.push_back(a.data());
         argv.push_back(nullptr);
@@ -180,15 +182,17 @@ TEST_F(SingleInstanceTest, FortySimultaneousStartsLeaveOne) {
 
         // Every start that ended found the survivor; a later one does too.
         for (int n = 0; n < kCopies; ++n) {
-            EXPECT_EQ(ReadFile(dir_ / ("err-" + std::to_string(n) + ".txt")).find("does not answer"),
-                      std::string::npos);
+            EXPECT_EQ(
+                ReadFile(dir_ / ("err-" + std::to_string(n) + ".txt")).find("does not answer"),
+                std::string::npos);
         }
         const pid_t late = Start(kCopies);
         int status = 0;
         ASSERT_EQ(::waitpid(late, &status, 0), late);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-        EXPECT_EQ(ReadFile(dir_ / ("err-" + std::to_string(kCopies) + ".txt")).find("does not answer"),
-                  std::string::npos);
+        EXPECT_EQ(
+            ReadFile(dir_ / ("err-" + std::to_string(kCopies) + ".txt")).find("does not answer"),
+            std::string::npos);
         int survivorStatus = 0;
         EXPECT_EQ(::waitpid(alive[0], &survivorStatus, WNOHANG), 0) << "the survivor ended";
 
