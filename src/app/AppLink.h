@@ -40,6 +40,8 @@ class AppLink : public QObject,
     void SetRecordNmea(bool on) override;
     void StartNewNmeaLog() override;
     void SetAllTalkers(bool on) override { link_.allTalkers = on; }
+    // The port map file (lines "COM3=/dev/ttyS0"); a missing file is no map.
+    void LoadPortMap(const std::string& path) { link::LoadPortMap(path, portMap_); }
 
     // The ten COM indexes as the receiver settings show them: free for a
     // Bluetooth port or not, and the device behind each.

@@ -3,6 +3,7 @@
 #include "BrowserChooser.h"
 #include "MainWindow.h"
 #include "MapFeature.h"
+#include "MessageBoxes.h"
 #include "OptionsDialog.h"
 #include "QtPoiIcons.h"
 #include "QtTrackPlatform.h"
@@ -41,6 +42,7 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
                                                screens.mapScreen()));
     if (auto hooks = MakeTestHooks(window))
         features.push_back(std::move(hooks));
+    features.push_back(MakeMessageSnapshotFeature(window));
     return features;
 }
 

@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include "CommandIds.h"
+#include "MessageBoxes.h"
 #include "Screens.h"
 #include "Strings.h"
 
@@ -83,6 +84,7 @@ MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
     const bool question = buttons == MessageButtons::YesNo;
     if (scriptMode_) {
         messages_.push_back({text, icon});
+        lastBox_ = MakeMessageBox(this, text, icon, buttons, BaseTextHeight());
         std::fprintf(stderr, "satwalk: message (%s): %s\n", shell::MessageIconName(icon),
                      text.c_str());
         MessageAnswer answer = question ? MessageAnswer::Yes : MessageAnswer::Ok;
@@ -94,25 +96,9 @@ MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
         }
         return answer;
     }
-    QMessageBox box(this);
-    box.setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
-    box.setText(QString::fromUtf8(text.c_str()));
-    switch (icon) {
-        case MessageIcon::Error:
-            box.setIcon(QMessageBox::Critical);
-            break;
-        case MessageIcon::Information:
-            box.setIcon(QMessageBox::Information);
-            break;
-        case MessageIcon::Question:
-            box.setIcon(QMessageBox::Question);
-            break;
-        case MessageIcon::Exclamation:
-            box.setIcon(QMessageBox::Warning);
-            break;
-    }
-    box.setStandardButtons(question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
-    const int result = box.exec();
+    const std::unique_ptr<QMessageBox> box =
+        MakeMessageBox(this, text, icon, buttons, BaseTextHeight());
+    const int result = box->exec();
     if (!question)
         return MessageAnswer::Ok;
     return result == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
@@ -345,7 +331,9 @@ void MainWindow::PopulateMenu(QMenu* menu, const shell::MenuEntry& entry) {
     for (const shell::MenuEntry& e : entry.items) {
         if (e.IsSubmenu()) {
             group = nullptr;
-            PopulateMenu(menu->addMenu(QString::fromUtf8(e.text.c_str())), e);
+            QMenu* sub = menu->addMenu(QString::fromUtf8(e.text.c_str()));
+            sub->setFont(menu->font());  // a pop-up does not take its parent's font
+            PopulateMenu(sub, e);
             continue;
         }
         // Qt shows the shortcut after a tab at the right edge, as the

@@ -4,10 +4,12 @@
 #pragma once
 
 #include <QImage>
+#include <QMessageBox>
 #include <QTimer>
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -65,6 +67,8 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     // opened (a question or a notice), if it gives one.
     std::function<std::optional<shell::MessageAnswer>(bool question)> followingAnswer;
     const std::vector<shell::LoggedMessage>& messages() const { return messages_; }
+    // Script mode: the box the last message would have been shown in.
+    QMessageBox* lastMessageBox() const { return lastBox_.get(); }
 
     // Opens the drop-down of the left (view) or right (menu) soft key.
     QMenu* OpenDropDown(bool viewMenu);
@@ -130,6 +134,7 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     bool stylusOnScreen_ = false;  // a press on the screen area is held
     std::optional<shell::MessageAnswer> nextAnswer_;
     std::vector<shell::LoggedMessage> messages_;
+    std::unique_ptr<QMessageBox> lastBox_;
     QTimer blinkTimer_;
     QTimer clockTimer_;  // 1028
     QTimer trackTimer_;  // 1027

@@ -5,12 +5,21 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMediaDevices>
 #include <QSoundEffect>
+#include <QThread>
 #include <QUrl>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cstdio>
 
 namespace satwalk::app {
 
@@ -90,6 +99,41 @@ void IdleInhibitor::Hold(bool hold) {
 
 // ---- single instance ----
 
+SingleInstance::~SingleInstance() {
+    if (lockFd_ >= 0)
+        ::close(lockFd_);  // releases the lock; the file stays for the next copy
+}
+
+bool SingleInstance::Claim() {
+    // Where QLocalServer puts the socket of a plain name.
+    const QString socketPath =
+        name_.startsWith(QLatin1Char('/')) ? name_ : QDir(QDir::tempPath()).filePath(name_);
+    lockFd_ = ::open(QFile::encodeName(socketPath + ".lock").constData(),
+                     O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (lockFd_ < 0) {
+        // No lock to be had: the socket alone decides, as well as it can.
+        if (AskRunningCopy())
+            return false;
+        Listen();
+        return true;
+    }
+    // The holder may still be on its way to listening, or just ending: ask,
+    // and try the lock again, for up to five seconds.
+    for (int round = 0; round < 25; ++round) {
+        if (::flock(lockFd_, LOCK_EX | LOCK_NB) == 0) {
+            // Whatever socket is there was left by a copy that is gone.
+            QLocalServer::removeServer(name_);
+            Listen();
+            return true;
+        }
+        if (AskRunningCopy())
+            return false;
+        QThread::msleep(200);
+    }
+    std::fprintf(stderr, "satwalk: another copy is running and does not answer\n");
+    return false;
+}
+
 bool SingleInstance::AskRunningCopy() {
     QLocalSocket socket;
     socket.connectToServer(name_);
@@ -102,14 +146,10 @@ bool SingleInstance::AskRunningCopy() {
     return true;
 }
 
-bool SingleInstance::Listen() {
+void SingleInstance::Listen() {
     server_ = new QLocalServer(this);
-    if (!server_->listen(name_)) {
-        // A socket left behind by a copy that crashed.
-        QLocalServer::removeServer(name_);
-        if (!server_->listen(name_))
-            return false;
-    }
+    if (!server_->listen(name_))
+        return;  // runs on, only without being brought forward
     connect(server_, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* s = server_->nextPendingConnection()) {
             connect(s, &QLocalSocket::readyRead, this, [this, s] {
@@ -119,7 +159,6 @@ bool SingleInstance::Listen() {
             connect(s, &QLocalSocket::disconnected, s, &QObject::deleteLater);
         }
     });
-    return true;
 }
 
 }  // namespace satwalk::app

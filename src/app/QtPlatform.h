@@ -44,23 +44,32 @@ class IdleInhibitor : public QObject {
     bool wanted_ = false;
 };
 
-// One running copy: the first start listens on a local socket, a later one
-// asks it to come forward and ends.
+// One running copy. The copy that holds an advisory lock on a file beside
+// the socket (`<socket>.lock`) is the one; the kernel hands the lock to
+// exactly one of any number of simultaneous starts and drops it when its
+// holder ends, however it ends. Only the holder removes a socket left
+// behind and listens; every other start asks the holder to come forward.
 class SingleInstance : public QObject {
     Q_OBJECT
   public:
     explicit SingleInstance(QString name) : name_(std::move(name)) {}
-    // True when another copy answered (and was asked to raise itself).
-    bool AskRunningCopy();
-    // Starts listening; raiseRequested() follows each later start.
-    bool Listen();
+    ~SingleInstance() override;
+    // True when this copy is the one and listens; false when another copy
+    // holds the lock (and was asked to raise itself if it answered within
+    // five seconds).
+    bool Claim();
 
   signals:
+    // A later start asked this copy to come forward.
     void raiseRequested();
 
   private:
+    bool AskRunningCopy();
+    void Listen();
+
     QString name_;
     QLocalServer* server_ = nullptr;
+    int lockFd_ = -1;
 };
 
 }  // namespace satwalk::app

@@ -3,6 +3,7 @@
 //   satwalk [--options PATH] [--size WxH] [--dpi N] [--port PATH]
 //           [--replay [FILE] [--replay-rate X]] [--script FILE] [--single-instance]
 //           [--all-talkers]
+//   satwalk --help | --version | --list-commands
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -12,16 +13,21 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <string_view>
 
 #include "CommandIds.h"
+#include "CommandTable.h"
 #include "FeatureList.h"
 #include "MainWindow.h"
+#include "MessageBoxes.h"
 #include "QtPlatform.h"
 #include "ScreenAdapter.h"
 #include "ScriptRunner.h"
@@ -46,7 +52,10 @@ constexpr const char* kUsage =
     "  --replay-rate X       replay speed, epochs per second (default 1)\n"
     "  --script FILE         run a script (works with -platform offscreen)\n"
     "  --single-instance     take part in the one-copy rule in script mode too\n"
-    "  --all-talkers         accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n";
+    "  --all-talkers         accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n"
+    "  --list-commands       print the command ids of the menus and scripts, and exit\n"
+    "  --version             print the version and exit\n"
+    "  --help                print this and exit\n";
 
 struct Arguments {
     QString optionsPath;
@@ -59,6 +68,7 @@ struct Arguments {
     QString script;
     bool singleInstance = false;
     bool allTalkers = false;
+    bool listCommands = false;
 };
 
 std::optional<Arguments> ParseArguments(const QStringList& args) {
@@ -116,6 +126,8 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
             a.singleInstance = true;
         } else if (arg == "--all-talkers") {
             a.allTalkers = true;
+        } else if (arg == "--list-commands") {
+            a.listCommands = true;
         } else {
             return std::nullopt;
         }
@@ -156,35 +168,67 @@ long long MillisecondsSinceProcessStart() {
            static_cast<long long>(startTicks * 1000ULL / static_cast<unsigned long long>(hz));
 }
 
+// The command table of the whole program, features included, as a fresh
+// start with the built-in settings would have it.
+int ListCommands(const Arguments& args) {
+    shell::ProgramSettings settings;
+    app::AppLink link;
+    app::QtAlarmSound sound{QString()};
+    app::ScreenAdapter screens;
+    app::MainWindow window(settings, link, sound, nullptr, args.size, args.dpi);
+    const std::vector<std::unique_ptr<shell::Feature>> features =
+        app::MakeFeatures(window, screens);
+    for (const auto& feature : features) window.shell().features().Add(*feature);
+    std::fputs(shell::CommandTable(window.shell()).c_str(), stdout);
+    return 0;
+}
+
+bool HasArgument(int argc, char** argv, std::initializer_list<std::string_view> names) {
+    for (int i = 1; i < argc; ++i) {
+        if (std::find(names.begin(), names.end(), std::string_view(argv[i])) != names.end())
+            return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("satwalk");
-    QApplication::setApplicationVersion(SATWALK_VERSION);
-
-    const QStringList rawArgs = QApplication::arguments();
-    if (rawArgs.contains("--help") || rawArgs.contains("-h")) {
+    // These need no display: they answer before Qt looks for one.
+    if (HasArgument(argc, argv, {"--help", "-h"})) {
         std::fputs(kUsage, stdout);
         return 0;
     }
+    if (HasArgument(argc, argv, {"--version"})) {
+        std::printf("satwalk %s\n", SATWALK_VERSION);
+        return 0;
+    }
+    if (HasArgument(argc, argv, {"--list-commands"}))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("satwalk");
+    QApplication::setApplicationVersion(SATWALK_VERSION);
+    // Standard buttons in the interface's language.
+    app::InstallQtTranslation(app);
+
+    const QStringList rawArgs = QApplication::arguments();
     const std::optional<Arguments> parsed = ParseArguments(rawArgs);
     if (!parsed) {
         std::fputs(kUsage, stderr);
         return 2;
     }
     const Arguments& args = *parsed;
+    if (args.listCommands)
+        return ListCommands(args);
     const bool scriptMode = !args.script.isEmpty();
 
     // One copy at a time: a second start brings the first forward.
     const char* instanceEnv = std::getenv("SATWALK_INSTANCE_NAME");
     app::SingleInstance instance(instanceEnv != nullptr ? QString(instanceEnv)
                                                         : QStringLiteral("Orvane_Satwalk"));
-    if (!scriptMode || args.singleInstance) {
-        if (instance.AskRunningCopy())
-            return 0;
-        instance.Listen();
-    }
+    if ((!scriptMode || args.singleInstance) && !instance.Claim())
+        return 0;
 
     // Options, before anything is shown.
     QString optionsPath = args.optionsPath;
@@ -208,6 +252,8 @@ int main(int argc, char** argv) {
     link.SetRecordNmea(settings.recordNmea != 0);
     // The flag turns the setting on for this run; the saved choice stays.
     link.SetAllTalkers(settings.allTalkers != 0 || args.allTalkers);
+    // COMn to device paths, beside the options file.
+    link.LoadPortMap(QFileInfo(optionsPath).dir().filePath("ports").toStdString());
     std::unique_ptr<link::ReplayReceiver> replay;
     if (args.replay) {
         replay = std::make_unique<link::ReplayReceiver>();

@@ -29,6 +29,18 @@ const ScriptStep* FeatureRegistry::FindScriptStep(std::string_view verb) const {
     return it == scriptSteps_.end() ? nullptr : &it->second;
 }
 
+std::vector<int> FeatureRegistry::CommandIds() const {
+    std::vector<int> ids;
+    for (const auto& [id, command] : commands_) ids.push_back(id);
+    return ids;
+}
+
+std::vector<std::string> FeatureRegistry::ScriptVerbs() const {
+    std::vector<std::string> verbs;
+    for (const auto& [verb, step] : scriptSteps_) verbs.push_back(verb);
+    return verbs;
+}
+
 void FeatureRegistry::WriteStateSections(common::JsonMembers& members) const {
     for (const StateSection& section : sections_) section(members);
 }

@@ -100,6 +100,11 @@ class FeatureRegistry {
 
     void WriteStateSections(common::JsonMembers& members) const;
 
+    // Every command id with a handler, and every registered script verb, in
+    // ascending order.
+    std::vector<int> CommandIds() const;
+    std::vector<std::string> ScriptVerbs() const;
+
     // Each registered feature in turn.
     void NotifyGpsData() const;
     void NotifyScreenChosen() const;

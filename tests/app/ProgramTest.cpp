@@ -1,0 +1,204 @@
+// The satwalk binary from outside: what it answers without a display, the
+// one-copy rule under simultaneous starts, and the README's command list.
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+std::string ReadFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// Standard output of a shell command, and its exit status.
+std::string Capture(const std::string& command, int& status) {
+    std::string out;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr)
+        return out;
+    char buffer[4096];
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        out.append(buffer, n);
+    const int raw = ::pclose(pipe);
+    status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return out;
+}
+
+TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
+    const struct {
+        const char* flag;
+        const char* starts;
+    } cases[] = {
+        {"--help", "usage: satwalk"}, {"-h", "usage: satwalk"}, {"--version", "satwalk 0."}};
+    for (const auto& c : cases) {
+        // The xcb platform with no display would abort any Qt start-up.
+        int status = -1;
+        const std::string out =
+            Capture("env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " +
+                        std::string(c.flag) + " 2>&1",
+                    status);
+        EXPECT_EQ(status, 0) << c.flag << "\n" << out;
+        EXPECT_EQ(out.rfind(c.starts, 0), 0u) << c.flag << "\n" << out;
+    }
+}
+
+// The README's list of command ids is the one the program prints.
+TEST(ProgramTest, ReadmeListsTheProgramsCommands) {
+    int status = -1;
+    const std::string listed =
+        Capture("env -u DISPLAY '" SATWALK_BINARY "' --list-commands 2>/dev/null", status);
+    ASSERT_EQ(status, 0);
+    ASSERT_NE(listed.find("| 40011 |"), std::string::npos) << listed;
+    const std::string readme = ReadFile(fs::path(SATWALK_SOURCE_DIR) / "README.md");
+    const std::string begin = "<!-- command list: scripts/readme-commands writes it -->\n";
+    const std::string end = "<!-- end of the command list -->";
+    const auto from = readme.find(begin);
+    const auto to = readme.find(end);
+    ASSERT_NE(from, std::string::npos);
+    ASSERT_NE(to, std::string::npos);
+    EXPECT_EQ(readme.substr(from + begin.size(), to - from - begin.size()), "\n" + listed + "\n")
+        << "the README's command list is out of date: scripts/readme-commands rewrites it";
+}
+
+// Forty copies started at the same moment under one instance name: exactly
+// one keeps running, every other one reaches it and ends, and the survivor
+// still answers a later start. Four rounds, each ending the survivor
+// abruptly so that the next round meets the socket it left behind.
+class SingleInstanceTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() / ("satwalk-one-copy-" + std::to_string(::getpid()));
+        fs::remove_all(dir_);
+        fs::create_directories(dir_ / "home");
+        std::ofstream(dir_ / "script.txt") << "wait 60000\nquit\n";
+        env_ = {"QT_QPA_PLATFORM=offscreen", "HOME=" + (dir_ / "home").string(),
+                "XDG_CONFIG_HOME=" + (dir_ / "home/.config").string(),
+                "XDG_RUNTIME_DIR=" + (dir_ / "home").string(),
+                "SATWALK_INSTANCE_NAME=satwalk-one-" + std::to_string(::getpid())};
+        for (char** e = environ; *e != nullptr; ++e) {
+            const std::string var = *e;
+            if (var.rfind("DISPLAY=", 0) != 0 && var.rfind("WAYLAND_DISPLAY=", 0) != 0 &&
+                var.rfind("QT_QPA_PLATFORM=", 0) != 0 && var.rfind("HOME=", 0) != 0 &&
+                var.rfind("XDG_", 0) != 0 && var.rfind("SATWALK_", 0) != 0)
+                env_.push_back(var);
+        }
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    // Starts one copy with its own options file; its standard error goes to
+    // err-N.txt. With a `gate` (a pipe) the copy waits until the parent
+    // closes the pipe's write end, so that many start at one moment.
+    pid_t Start(int n, const int* gate = nullptr) const {
+        const std::string options = (dir_ / ("options-" + std::to_string(n))).string();
+        const std::string script = (dir_ / "script.txt").string();
+        const std::string err = (dir_ / ("err-" + std::to_string(n) + ".txt")).string();
+        std::vector<std::string> args = {SATWALK_BINARY, "--options", options,
+                                         "--script",     script,      "--single-instance"};
+        std::vector<char*> argv, envp;
+        for (std::string& a : args) argv.push_back(a.data());
+        argv.push_back(nullptr);
+        std::vector<std::string> env = env_;
+        for (std::string& e : env) envp.push_back(e.data());
+        envp.push_back(nullptr);
+        const pid_t pid = ::fork();
+        if (pid != 0)
+            return pid;
+        const int fd = ::open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        ::dup2(fd, 2);
+        if (gate != nullptr) {
+            ::close(gate[1]);
+            char c;
+            while (::read(gate[0], &c, 1) > 0) {
+            }
+            ::close(gate[0]);
+        }
+        ::execve(SATWALK_BINARY, argv.data(), envp.data());
+        ::_exit(127);
+    }
+
+    fs::path dir_;
+    std::vector<std::string> env_;
+};
+
+TEST_F(SingleInstanceTest, FortySimultaneousStartsLeaveOne) {
+    constexpr int kCopies = 40;
+    for (int round = 0; round < 4; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        std::vector<pid_t> alive;
+        int gate[2];
+        ASSERT_EQ(::pipe(gate), 0);
+        for (int n = 0; n < kCopies; ++n) {
+            const pid_t pid = Start(n, gate);
+            ASSERT_GT(pid, 0);
+            alive.push_back(pid);
+        }
+        ::close(gate[0]);
+        ::close(gate[1]);  // and they are off
+        // Reap the copies that end; every one of them ends well.
+        const auto deadline = std::chrono::steady_clock::now() + 20s;
+        auto reap = [&] {
+            for (auto it = alive.begin(); it != alive.end();) {
+                int status = 0;
+                if (::waitpid(*it, &status, WNOHANG) == *it) {
+                    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+                    it = alive.erase(it);
+                } else {
+                    ++it;
+                }
+            }
+        };
+        while (alive.size() > 1 && std::chrono::steady_clock::now() < deadline) {
+            reap();
+            std::this_thread::sleep_for(50ms);
+        }
+        std::this_thread::sleep_for(300ms);
+        reap();
+        if (alive.size() != 1) {
+            ADD_FAILURE() << alive.size() << " copies still running";
+            for (const pid_t pid : alive) {
+                ::kill(pid, SIGKILL);
+                ::waitpid(pid, nullptr, 0);
+            }
+            return;
+        }
+
+        // Every start that ended found the survivor; a later one does too.
+        for (int n = 0; n < kCopies; ++n) {
+            EXPECT_EQ(
+                ReadFile(dir_ / ("err-" + std::to_string(n) + ".txt")).find("does not answer"),
+                std::string::npos);
+        }
+        const pid_t late = Start(kCopies);
+        int status = 0;
+        ASSERT_EQ(::waitpid(late, &status, 0), late);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        EXPECT_EQ(
+            ReadFile(dir_ / ("err-" + std::to_string(kCopies) + ".txt")).find("does not answer"),
+            std::string::npos);
+        int survivorStatus = 0;
+        EXPECT_EQ(::waitpid(alive[0], &survivorStatus, WNOHANG), 0) << "the survivor ended";
+
+        ::kill(alive[0], SIGKILL);
+        ::waitpid(alive[0], &survivorStatus, 0);
+    }
+}
+
+}  // namespace
