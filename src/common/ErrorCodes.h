@@ -16,6 +16,15 @@ inline constexpr const char* kReaderStart = "0x08200a0e";    // the reader canno
 inline constexpr const char* kReaderClose = "0x08200a0f";    // the reader did not end in time
 inline constexpr const char* kBluetoothPort = "0x08200a10";  // no Bluetooth port for the receiver
 
+// The Bluetooth receiver search.
+inline constexpr const char* kInquiryBegin = "0x08200a01";    // no service, no adapter, refused
+inline constexpr const char* kInquiryBuffer = "0x08200a02";   // no room for the results
+inline constexpr const char* kInquiryLost = "0x08200a03";     // the adapter went away meanwhile
+inline constexpr const char* kInquiryAddress = "0x08200a04";  // an answer without an address
+inline constexpr const char* kInquiryRelease = "0x08200a05";  // the search could not be ended
+inline constexpr const char* kSearchStart = "0x08200a25";     // the search worker did not start
+inline constexpr const char* kSearchRetry = "0x08200a26";     // ... nor on a retry
+
 // The window's timers.
 inline constexpr const char* kTrackTimer = "0x08200a13";
 inline constexpr const char* kClockTimer = "0x08200a21";

@@ -1,4 +1,5 @@
 #include "BluetoothSearch.h"
+#include "ErrorCodes.h"
 
 #include <cctype>
 #include <cstdio>
@@ -120,7 +121,7 @@ InquiryResult FinishInquiry(const std::vector<InquiryAnswer>& answers, int maxCo
         d.address = ParseBluetoothAddress(a.address);
         if (d.address == 0) {
             r.result = kInquiryFailed;
-            r.errorCode = kErrInquiryAddress;
+            r.errorCode = common::err::kInquiryAddress;
             r.devices.clear();  // the count is not reported on this failure
             return r;
         }

@@ -31,12 +31,6 @@ inline constexpr int kInquiryOk = 0;
 inline constexpr int kInquiryFailed = -1;
 inline constexpr int kInquiryRadioOff = -2;
 
-inline constexpr const char* kErrInquiryBegin = "0x08200a01";    // no service, no adapter, refused
-inline constexpr const char* kErrInquiryBuffer = "0x08200a02";   // no room for the results
-inline constexpr const char* kErrInquiryLost = "0x08200a03";     // the adapter went away meanwhile
-inline constexpr const char* kErrInquiryAddress = "0x08200a04";  // an answer without an address
-inline constexpr const char* kErrInquiryRelease = "0x08200a05";  // the search could not be ended
-
 struct InquiryResult {
     int result = kInquiryOk;
     std::string errorCode;                 // the link's lastErrorCode after the inquiry

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "BaudRates.h"
+#include "ErrorCodes.h"
 
 namespace satwalk::link {
 
@@ -191,7 +192,8 @@ bool BeginSearch(ReceiverSettingsDialog& d, bool workerStarted,
     d.search = MenuButton{kCmdRetry, kTextRetry, false};
     if (!workerStarted) {
         messages.push_back({std::string("Search Bluetooth GPS Receiver failed:") +
-                                (retry ? "0x08200a26" : "0x08200a25") + "\n\nPlease try again!",
+                                (retry ? common::err::kSearchRetry : common::err::kSearchStart) +
+                                "\n\nPlease try again!",
                             true});
         d.ended = true;
         d.endResult = 0;

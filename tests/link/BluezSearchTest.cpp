@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "BluezSearch.h"
+#include "ErrorCodes.h"
 #include "FakeBluez.h"
 
 namespace satwalk::link {
@@ -180,7 +181,7 @@ TEST_F(BluezSearchTest, WithoutBluezTheRadioIsUnknown) {
     BluezRadio radio(none, 200);
     EXPECT_EQ(radio.ReadRadioMode(), -1);
     EXPECT_FALSE(radio.SetRadioMode(1));
-    EXPECT_EQ(BluezInquiry(none, 16, 100).errorCode, kErrInquiryBegin);
+    EXPECT_EQ(BluezInquiry(none, 16, 100).errorCode, common::err::kInquiryBegin);
     QDBusConnection::disconnectFromBus("none");
 }
 

@@ -16,6 +16,8 @@
 #include <mutex>
 #include <vector>
 
+#include "ErrorCodes.h"
+
 namespace satwalk::link {
 
 namespace {
@@ -208,7 +210,7 @@ InquiryResult BluezInquiry(const QDBusConnection& bus, int maxCount, int duratio
                            const std::atomic<bool>* cancel) {
     InquiryResult failed;
     failed.result = kInquiryFailed;
-    failed.errorCode = kErrInquiryBegin;
+    failed.errorCode = common::err::kInquiryBegin;
 
     std::map<QString, Interfaces> objects;
     if (!ManagedObjects(bus, 3000, objects))
@@ -252,7 +254,7 @@ InquiryResult BluezInquiry(const QDBusConnection& bus, int maxCount, int duratio
     loop.exec();
 
     if (watcher.adapterLost) {
-        failed.errorCode = kErrInquiryLost;
+        failed.errorCode = common::err::kInquiryLost;
         return failed;
     }
     CallAdapter(bus, adapter, "StopDiscovery");
@@ -313,7 +315,7 @@ bool BluetoothSearch::Start(bool autoBluetooth) {
                                   : QDBusConnection::connectToBus(address, name);
             if (!bus.isConnected()) {
                 outcome.inquiry.result = kInquiryFailed;
-                outcome.inquiry.errorCode = kErrInquiryBegin;
+                outcome.inquiry.errorCode = common::err::kInquiryBegin;
             } else {
                 BluezRadio radio(bus);
                 outcome = RunSearch(
