@@ -61,6 +61,10 @@ void FeatureRegistry::NotifyLinkStarted() const {
     for (Feature* f : features_) f->OnLinkStarted();
 }
 
+void FeatureRegistry::NotifyTrackFolderChanged(const std::string& trackFolder) const {
+    for (Feature* f : features_) f->OnTrackFolderChanged(trackFolder);
+}
+
 void FeatureRegistry::NotifyLinkStopped() const {
     for (Feature* f : features_) f->OnLinkStopped();
 }

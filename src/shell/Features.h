@@ -59,6 +59,9 @@ class Feature {
     // The receiver link has started (before the track timer is armed), or
     // has been stopped.
     virtual void OnLinkStarted() {}
+    // The storage location changed while a track is recorded: recording
+    // goes on in a new file in `trackFolder`.
+    virtual void OnTrackFolderChanged(const std::string& trackFolder) { (void)trackFolder; }
     virtual void OnLinkStopped() {}
     // A hardware key, before the shell's own keys; true when taken.
     virtual bool OnKeyDown(Key key) {
@@ -110,6 +113,7 @@ class FeatureRegistry {
     void NotifyScreenChosen() const;
     void NotifyExit() const;
     void NotifyLinkStarted() const;
+    void NotifyTrackFolderChanged(const std::string& trackFolder) const;
     void NotifyLinkStopped() const;
     bool NotifyKeyDown(Key key) const;
     // The first feature that takes the down gets the moves and the up.

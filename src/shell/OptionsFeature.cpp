@@ -96,6 +96,7 @@ void OptionsFeature::StartNewNmeaLog(const std::string& nmeaFolder) {
 void OptionsFeature::StartNewTrackLog(const std::string& trackFolder) {
     if (startNewTrackLog)
         startNewTrackLog(trackFolder);
+    shell_.features().NotifyTrackFolderChanged(trackFolder);
 }
 
 void OptionsFeature::SetScreenAwake(bool hold) {

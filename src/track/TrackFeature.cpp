@@ -96,6 +96,14 @@ void TrackFeature::OnLinkStopped() {
     EndFollowPause();
 }
 
+void TrackFeature::OnTrackFolderChanged(const std::string& trackFolder) {
+    // The storage moved (a card chosen in the options) while the link runs:
+    // the recording goes on in a new file under the new track folder.
+    state_.trackFolder = trackFolder;
+    if (state_.trackLogOn != 0 && shell_.link().Running())
+        StartTrackLog(state_, CurrentSample(shell_.fix()));
+}
+
 void TrackFeature::SaveTrackLog() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample(shell_.fix()))) {

@@ -47,6 +47,7 @@ class TrackFeature final : public shell::Feature {
     void Register(shell::FeatureRegistry& registry) override;
     void OnLinkStarted() override;
     void OnLinkStopped() override;
+    void OnTrackFolderChanged(const std::string& trackFolder) override;
 
     // Timer 1027.
     void OnTrackTick();

@@ -103,6 +103,13 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     EXPECT_NE(shell::BuildStateJson(shell, {}).find("\"tracks\":{\"recording\":true"),
               std::string::npos);
 
+    // The storage moves to a card: the recording goes on in a new file there.
+    const std::string card = settings.storageRoot + "/card/My GPS/Track Log";
+    fs::create_directories(card);
+    shell.features().NotifyTrackFolderChanged(card);
+    EXPECT_EQ(state().trackFilePath.rfind(card + "/", 0), 0u) << state().trackFilePath;
+    EXPECT_EQ(ReadFile(path), text);
+
     // The link dies under the timer: the next tick ends everything but the file.
     link.running = false;
     feature->OnTrackTick();
