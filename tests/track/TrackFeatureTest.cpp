@@ -242,6 +242,9 @@ TEST_F(TrackFeatureTest, FollowPause) {
         {"same mode, new map", true, false, Then::MapChange, true, false},
         {"link stopped", true, false, Then::StopLink, false, false},
     };
+    // Outlives every case: the next case's stop still tells the pause's end.
+    bool told = false;
+    feature->onFollowPause = [&told](bool paused) { told = paused; };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         shell.OnCommand(cmd::kStopGps);
@@ -249,8 +252,7 @@ TEST_F(TrackFeatureTest, FollowPause) {
             StartLink();
         ui.messages.clear();
         platform->failFollowTimer = c.timerFails;
-        bool told = false;
-        feature->onFollowPause = [&told](bool paused) { told = paused; };
+        told = false;
         feature->OnMapMovedByHand();
         if (c.running && !c.timerFails) {
             EXPECT_EQ(platform->followPeriod, 10000u);
@@ -274,6 +276,7 @@ TEST_F(TrackFeatureTest, FollowPause) {
         EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{kFollowTimerFailed}
                                             : std::vector<std::string>{});
     }
+    feature->onFollowPause = nullptr;
 }
 
 TEST_F(TrackFeatureTest, MapChangeRebuildsTheMapTrails) {

@@ -1,5 +1,8 @@
 #include "Dialogs.h"
 
+#include <QCoreApplication>
+#include <QPointer>
+
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
@@ -36,15 +39,18 @@ std::string Std(const QString& text) {
 
 // Check boxes as large as the text beside them, for a finger. A style and
 // not a style sheet: a widget with a style sheet no longer takes the font
-// its dialog sets. One per size, for the program's run.
+// its dialog sets. One per size, owned by the application so that it goes
+// with it.
 class IndicatorStyle final : public QProxyStyle {
   public:
     static QStyle* For(int size) {
-        static std::map<int, IndicatorStyle*> styles;
-        IndicatorStyle*& style = styles[size];
-        if (style == nullptr)
+        static std::map<int, QPointer<IndicatorStyle>> styles;
+        QPointer<IndicatorStyle>& style = styles[size];
+        if (style.isNull()) {
             style = new IndicatorStyle(size);
-        return style;
+            style->setParent(QCoreApplication::instance());
+        }
+        return style.data();
     }
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
