@@ -310,7 +310,8 @@ FileBrowser* ChooseFile(shell::qt::DialogStack& stack, int mode, int titleString
                         const std::string& startFolder) {
     std::string folder = LastFolder();
     if (folder.empty() || !QFileInfo(QFile::decodeName(QByteArray::fromStdString(folder))).isDir())
-        folder = startFolder.empty() ? std::string("/") : startFolder;
+        folder =
+            startFolder.empty() ? QFile::encodeName(QDir::homePath()).toStdString() : startFolder;
     auto* browser =
         new FileBrowser(stack, mode, QString::fromUtf8(common::LoadString(titleStringId)), folder);
     browser->onFinished = [browser, chosen = std::move(chosen)](shell::qt::DialogResult result) {

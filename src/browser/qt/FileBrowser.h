@@ -71,7 +71,7 @@ class FileBrowser final : public shell::qt::FullScreenDialog {
 };
 
 // Opens the browser over the window, in the folder of its last use (or
-// `startFolder` the first time, or the root), and calls `chosen` with the
+// `startFolder` the first time, or the home folder), and calls `chosen` with the
 // file's full path when the user picks one (after the dialog has gone);
 // nothing when cancelled. The dialog belongs to the stack.
 FileBrowser* ChooseFile(shell::qt::DialogStack& stack, int mode, int titleStringId,
