@@ -18,14 +18,6 @@ TEST(PortNamesTest, ParsesComNames) {
     EXPECT_EQ(ComName(7), "COM7:");
 }
 
-TEST(PortNamesTest, DefaultMapIsStable) {
-    const std::pair<int, const char*> cases[] = {
-        {1, "/dev/ttyUSB0"}, {4, "/dev/ttyUSB3"}, {5, "/dev/ttyACM0"}, {8, "/dev/ttyACM3"},
-        {9, "/dev/rfcomm0"}, {0, "/dev/ttyS0"},   {12, "/dev/ttyS12"},
-    };
-    for (const auto& [number, path] : cases) EXPECT_EQ(DefaultPortPath(number), path) << number;
-}
-
 TEST(PortNamesTest, ResolvesOverrideThenMapThenDefault) {
     PortMap map;
     ParsePortMap(

@@ -235,14 +235,6 @@ TEST(Conversions, DisplayAndImageRescale) {
     }
 }
 
-TEST(Projection, StretchTableUsesTheProgramsOwnLengths) {
-    const LatitudeStretchTable& t = StretchTable();
-    EXPECT_EQ(t[0], 1.0);
-    // At 60°: 114.319 / (114.413 / 2 + 0.094).
-    EXPECT_NEAR(t[60], 1.9950785, 1e-6);
-    EXPECT_NEAR(t[80], 5.7404, 1e-3);
-}
-
 TEST(Projection, NorthingCountsItsBandTwice) {
     // Factor with a 100-pixel bar for 2 km: 50 pixels per km, 111 km a band.
     const double band = 100.0 / 2.0 * 111.0;

@@ -207,22 +207,7 @@ TEST(Dms, DialogReadsItsEdits) {
         double latitude, longitude;
     };
     const Case cases[] = {
-        {"longitude seconds keep nine characters",
-         {"0", "0", "59.9999999999"},
-         {"0", "0", "59.9999999999"},
-         0,
-         0,
-         59.9999999999 / 3600,
-         59.999999 / 3600},
-        {"south and west", {"33", "30", "0"}, {"70", "15", "36"}, 1, 1, -33.5, -70.26},
         {"south of zero stays zero", {"0", "0", "0"}, {"0", "0", "0"}, 1, 1, 0, 0},
-        {"minutes and seconds not range checked",
-         {"1", "90", "3600"},
-         {"", "x", " 2"},
-         0,
-         0,
-         3.5,
-         2.0 / 3600},
         {"negative degrees in the south stay negative",
          {"-5", "0", "0"},
          {"5", "0", "0"},
@@ -244,21 +229,6 @@ TEST(Dms, DialogReadsItsEdits) {
         EXPECT_NEAR(slot.latitude, tc.latitude, 1e-12) << tc.what;
         EXPECT_NEAR(slot.longitude, tc.longitude, 1e-12) << tc.what;
     }
-}
-
-TEST(Dms, InsertCurrentCoordinate) {
-    ReferenceDialogFields f;
-    InsertGpsCoordinate(f, true, -33.5, -70.25);
-    EXPECT_TRUE(f.active);
-    EXPECT_EQ(f.latitudeHemisphere, 1);
-    EXPECT_EQ(f.longitudeHemisphere, 1);
-    EXPECT_EQ(f.longitude, (std::array<std::string, 3>{"70.000000", "15.000000", "0.000000"}));
-
-    InsertGpsCoordinate(f, false, -33.5, -70.25);
-    EXPECT_EQ(f.latitudeHemisphere, 0);
-    EXPECT_EQ(f.longitudeHemisphere, 0);
-    EXPECT_EQ(f.latitude, (std::array<std::string, 3>{"0.000000", "0.000000", "0.000000"}));
-    EXPECT_EQ(ActivateCheckBoxText("Activate", 4), "Activate 5");
 }
 
 class Confirm : public ::testing::Test {

@@ -200,27 +200,6 @@ TEST(CourseArrow, PointsForNorthAndEast) {
     }
 }
 
-TEST(SnrScale, ColoursByClass) {
-    const std::pair<int, Colour> cases[] = {
-        {0, kWhite},
-        {-3, kWhite},
-        {1, Rgb(255, 0, 0)},
-        {10, Rgb(255, 0, 0)},
-        {11, Rgb(255, 153, 0)},
-        {20, Rgb(255, 153, 0)},
-        {21, Rgb(255, 255, 0)},
-        {30, Rgb(255, 255, 0)},
-        {31, Rgb(102, 204, 0)},
-        {40, Rgb(102, 204, 0)},
-        {41, Rgb(0, 204, 204)},
-        {50, Rgb(0, 204, 204)},
-        {51, Rgb(0, 102, 255)},
-        {99, Rgb(0, 102, 255)},
-        {150, Rgb(0, 102, 255)},
-    };
-    for (const auto& [snr, colour] : cases) EXPECT_EQ(SnrColour(snr), colour) << snr;
-}
-
 TEST(MiniSkyPlot, DotsAlternateTheirOrderAndSkipWhenNoneInView) {
     ScreenContext ctx = MakeContext(test::kPortraitHi);
     gps::GpsState g;
@@ -279,14 +258,6 @@ TEST(StatusIcons, FramesByLinkFixBlinkAndRecording) {
     EXPECT_EQ(frameOf(recorder), 2);
     ctx.display.recording = false;
     EXPECT_EQ(frameOf(recorder), 3);
-}
-
-TEST(Bitmaps, FailureMessages) {
-    EXPECT_EQ(InitializationFailedMessage(BitmapId::StatusIcons),
-              "Initialization failed: 0x08200a15\n\nThe program will now exit.");
-    EXPECT_EQ(BitmapFailureCode(BitmapId::MapOverlay), "0x08200a28");
-    EXPECT_EQ(BitmapFailureCode(BitmapId::ToolStripPortrait), "0x08200a28");
-    EXPECT_EQ(BitmapFailureCode(BitmapId::AlarmStrip), "0x08200a2a");
 }
 
 }  // namespace

@@ -361,28 +361,12 @@ TEST(TextFormats, LatitudeAndLongitude) {
     for (const auto& [v, s] : lons) EXPECT_EQ(FormatLongitude(v), s) << v;
 }
 
-TEST(TextFormats, UnitLinesFixModeAndConversions) {
+TEST(TextFormats, UnitLinesAndFixMode) {
     EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kMetric), "海拔 12.50 m   速度 3.00 km/h");
     EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kImperial), "海拔 12.50 ft  速度 3.00 MPH");
     EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kNautical), "海拔 12.50 ft  速度 3.00 kts");
-    const std::pair<char, const char*> modes[] = {{'3', "3D GPS Fix"},
-                                                  {'2', "2D GPS Fix"},
-                                                  {'1', "GPS Fix N/A"},
-                                                  {0, "GPS Fix N/A"},
-                                                  {'x', "GPS Fix N/A"}};
-    for (const auto& [c, s] : modes) EXPECT_EQ(FormatFixMode(c), s);
-    EXPECT_EQ(FormatCourse(271.456), "方位角 271.46°");
-    EXPECT_EQ(FormatSatellites(7, 11), "卫星数 7/11");
-
-    gps::GpsState g;
-    SET_FIELD(g.speedKnots, "10");
-    SET_FIELD(g.altitude, "100");
-    EXPECT_DOUBLE_EQ(SpeedInDisplayUnit(g, kMetric), 18.5);
-    EXPECT_DOUBLE_EQ(SpeedInDisplayUnit(g, kImperial), 11.52);
-    EXPECT_DOUBLE_EQ(SpeedInDisplayUnit(g, kNautical), 10.0);
-    EXPECT_DOUBLE_EQ(AltitudeInDisplayUnit(g, kMetric), 100.0);
-    EXPECT_DOUBLE_EQ(AltitudeInDisplayUnit(g, kImperial), 328.0);
-    EXPECT_DOUBLE_EQ(AltitudeInDisplayUnit(g, kNautical), 328.0);
+    EXPECT_EQ(FormatFixMode('3'), "3D GPS Fix");
+    EXPECT_EQ(FormatFixMode('x'), "GPS Fix N/A");
 }
 
 }  // namespace
