@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QProgressDialog>
 
+#include <utility>
+
 #include "MapFeature.h"
 #include "Shell.h"
 #include "TrackState.h"
@@ -24,7 +26,12 @@ QtTrackPlatform::QtTrackPlatform(QWidget* window) : window_(window) {
             followExpired_();
     });
     progressTimer_.setInterval(100);
-    connect(&progressTimer_, &QTimer::timeout, this, [this] { ShowProgress(); });
+    connect(&progressTimer_, &QTimer::timeout, this, [this] {
+        if (finished_.load(std::memory_order_acquire))
+            Finish(std::exchange(pendingDone_, nullptr));
+        else
+            ShowProgress();
+    });
 }
 
 QtTrackPlatform::~QtTrackPlatform() {
@@ -46,21 +53,27 @@ void QtTrackPlatform::StopFollowTimer() {
 
 void QtTrackPlatform::RunReader(std::function<void(const TrackProgress& progress)> work,
                                 std::function<void()> done) {
-    if (worker_.joinable())
-        worker_.join();  // the previous read has posted its end already
+    if (worker_.joinable()) {
+        worker_.join();      // a read still running ends first
+        if (pendingDone_) {  // and its end, not yet seen, is dropped
+            pendingDone_ = nullptr;
+            progressTimer_.stop();
+            QApplication::restoreOverrideCursor();
+        }
+    }
     done_ = 0;
     total_ = 0;
+    finished_.store(false, std::memory_order_relaxed);
+    pendingDone_ = std::move(done);
     QApplication::setOverrideCursor(Qt::BusyCursor);
     ShowProgress();  // made now, shown only once the read lasts
     progressTimer_.start();
-    worker_ = std::thread([this, work = std::move(work), done = std::move(done)]() mutable {
+    worker_ = std::thread([this, work = std::move(work)] {
         work([this](std::uint64_t d, std::uint64_t t) {
             done_ = d;
             total_ = t;
         });
-        QMetaObject::invokeMethod(
-            this, [this, done = std::move(done)]() mutable { Finish(std::move(done)); },
-            Qt::QueuedConnection);
+        finished_.store(true, std::memory_order_release);
     });
 }
 

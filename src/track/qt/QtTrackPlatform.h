@@ -43,6 +43,10 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     std::thread worker_;
     std::atomic<std::uint64_t> done_{0};
     std::atomic<std::uint64_t> total_{0};
+    // Set by the reader thread when its work is done; the progress timer on
+    // the window's thread sees it and finishes. No Qt call crosses threads.
+    std::atomic<bool> finished_{false};
+    std::function<void()> pendingDone_;  // the window's thread only
     QTimer progressTimer_;
     QPointer<QProgressDialog> progress_;
 };
