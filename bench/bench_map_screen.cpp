@@ -13,9 +13,9 @@
 #include <memory>
 #include <string>
 
-#include "MapFeature.h"
 #include "MapScreenLayers.h"
 #include "QtCanvas.h"
+#include "QtMapPlatform.h"
 
 using namespace satwalk;
 using namespace satwalk::map;

@@ -2,9 +2,9 @@
 
 #include "BrowserChooser.h"
 #include "MainWindow.h"
-#include "MapFeature.h"
 #include "MessageBoxes.h"
 #include "OptionsDialog.h"
+#include "QtMapPlatform.h"
 #include "QtPoiIcons.h"
 #include "QtTrackPlatform.h"
 #include "ReceiverSettingsDialog.h"
@@ -33,11 +33,11 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
     features.push_back(shell::qt::MakeReceiverSettingsFeature(window.shell(), window.dialogs()));
     features.push_back(shell::qt::MakeOptionsFeature(window.shell(), window.dialogs()));
     BrowserChooser& chooser = Keep(features, std::make_unique<BrowserChooser>(window.dialogs()));
-    map::qt::MapFeature& map =
+    map::MapFeature& map =
         Keep(features, map::qt::MakeMapFeature(window.shell(), window, screens.context(),
                                                screens.mapScreen(), window.dialogs()));
-    features.push_back(track::qt::MakeTrackFeature(window.shell(), chooser, &window, map,
-                                                   screens.mapScreen(), window.onTrackTick));
+    features.push_back(
+        track::qt::MakeTrackFeature(window.shell(), chooser, &window, map, screens.mapScreen()));
     features.push_back(poi::qt::MakePoiFeature(window.shell(), chooser, map, screens.bitmaps(),
                                                screens.mapScreen()));
     if (auto hooks = MakeTestHooks(window))

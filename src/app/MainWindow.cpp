@@ -52,10 +52,6 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     connect(&blinkTimer_, &QTimer::timeout, this, [this] { shell_.OnBlinkTick(); });
     clockTimer_.setInterval(1000);
     connect(&clockTimer_, &QTimer::timeout, this, [this] { shell_.OnClockTick(); });
-    connect(&trackTimer_, &QTimer::timeout, this, [this] {
-        if (onTrackTick)
-            onTrackTick();
-    });
 }
 
 void MainWindow::SetScreenPainter(ScreenPainter* painter) {
@@ -110,9 +106,8 @@ void MainWindow::Repaint() {
         repaint();
 }
 
-bool MainWindow::StartTrackTimer(std::uint32_t periodMs) {
-    trackTimer_.start(static_cast<int>(periodMs));
-    return trackTimer_.isActive();
+void MainWindow::RequestRepaint() {
+    update();
 }
 
 bool MainWindow::StartClockTimer() {
@@ -130,7 +125,6 @@ void MainWindow::CloseWindow() {
     closing_ = true;
     blinkTimer_.stop();
     clockTimer_.stop();
-    trackTimer_.stop();
     close();
     QApplication::quit();
 }
@@ -210,9 +204,9 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
             texts[i] = dialog->softKey(i).text;
             enabled[i] = dialog->softKey(i).enabled;
         }
-    } else if (shell_.softKeys.Plain()) {
-        texts[0] = QString::fromUtf8(shell_.softKeys.left.c_str());
-        texts[1] = QString::fromUtf8(shell_.softKeys.right.c_str());
+    } else if (shell_.softKeys().Plain()) {
+        texts[0] = QString::fromUtf8(shell_.softKeys().left.c_str());
+        texts[1] = QString::fromUtf8(shell_.softKeys().right.c_str());
     }
     const QRect halves[2] = {QRect(0, top, width() / 2, barHeight_),
                              QRect(width() / 2, top, width() - width() / 2, barHeight_)};
@@ -287,7 +281,7 @@ bool MainWindow::HandleProgramKey(QKeyEvent* event) {
 void MainWindow::mousePressEvent(QMouseEvent* event) {
     const QPoint pos = event->position().toPoint();
     if (pos.y() >= height() - barHeight_) {
-        const shell::SoftKeys& keys = shell_.softKeys;
+        const shell::SoftKeys& keys = shell_.softKeys();
         if (!dialogs_.empty()) {
             dialogs_.PressSoftKey(pos.x() < width() / 2 ? 0 : 1);
         } else if (keys.Plain()) {

@@ -78,7 +78,6 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     // Backlight hold, set by the program.
     std::function<void(bool)> onBacklight;
     // Track sampling (timer 1027).
-    std::function<void()> onTrackTick;
 
   public slots:
     // The receiver's messages, called while the reader thread waits.
@@ -90,11 +89,9 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     shell::MessageAnswer ShowMessage(const std::string& text, shell::MessageIcon icon,
                                      shell::MessageButtons buttons) override;
     void Repaint() override;
+    void RequestRepaint() override;
     void StartBlinkTimer() override { blinkTimer_.start(); }
     void StopBlinkTimer() override { blinkTimer_.stop(); }
-    bool StartTrackTimer(std::uint32_t periodMs) override;
-    void StopTrackTimer() override { trackTimer_.stop(); }
-    bool TrackTimerRunning() const override { return trackTimer_.isActive(); }
     bool StartClockTimer() override;
     void SetBacklightHold(bool hold) override;
     void CloseWindow() override;
@@ -137,7 +134,6 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     std::unique_ptr<QMessageBox> lastBox_;
     QTimer blinkTimer_;
     QTimer clockTimer_;  // 1028
-    QTimer trackTimer_;  // 1027
 };
 
 }  // namespace satwalk::app

@@ -19,6 +19,11 @@ inline constexpr int kStrCourse = 40083;
 inline constexpr int kStrSatellites = 40084;
 inline constexpr int kStrAlarm = 40088;
 inline constexpr int kStrOff = 40089;
+inline constexpr int kStrSetTwoReferencePoints = 40090;
+inline constexpr int kStrOutsideMap = 40091;
+inline constexpr int kStrPlacementCancel = 40071;
+inline constexpr int kStrPlacementOk = 40073;
+inline constexpr int kStrUp = 40200;
 
 // Said once when the receiver speaks only other satellite systems' talkers
 // while the all-talkers setting is off: names the setting.
@@ -39,6 +44,48 @@ inline constexpr int kStrStopGps = 40108;
 inline constexpr int kStrStartGps = 40109;
 inline constexpr int kStrMenu = 40077;
 inline constexpr int kStrView = 40078;
+
+// The program's own texts: menu entries, and messages the handheld wrote
+// as literals. Kept with the rest so that every text has one place.
+inline constexpr int kStrMenuGpsInfo = 41001;
+inline constexpr int kStrMenuSatellites = 41002;
+inline constexpr int kStrMenuSkyPlot = 41003;
+inline constexpr int kStrMenuSatelliteData = 41004;
+inline constexpr int kStrMenuMap = 41005;
+inline constexpr int kStrMenuCompass = 41006;
+inline constexpr int kStrMenuSpeedometer = 41007;
+inline constexpr int kStrMenuWorldMap = 41008;
+inline constexpr int kStrMenuShowMap = 41009;
+inline constexpr int kStrMenuShowReferencePoints = 41010;
+inline constexpr int kStrMenuShowTrack = 41011;
+inline constexpr int kStrMenuShowPoi = 41012;
+inline constexpr int kStrMenuGpsSettings = 41013;
+inline constexpr int kStrMenuPoi = 41014;
+inline constexpr int kStrMenuTrack = 41015;
+inline constexpr int kStrMenuSpeedAlarm = 41016;
+inline constexpr int kStrMenuUnits = 41017;
+inline constexpr int kStrMenuMetric = 41018;
+inline constexpr int kStrMenuImperial = 41019;
+inline constexpr int kStrMenuNautical = 41020;
+inline constexpr int kStrMenuOptions = 41021;
+inline constexpr int kStrMenuHelp = 41022;
+inline constexpr int kStrMenuUserManual = 41023;
+inline constexpr int kStrMenuAbout = 41024;
+inline constexpr int kStrMenuExit = 41025;
+inline constexpr int kStrMenuLoadMap = 41026;
+inline constexpr int kStrMenuRecentMaps = 41027;
+inline constexpr int kStrMenuEmpty = 41028;
+inline constexpr int kStrMenuSetReferencePoint = 41029;  // "%s": 1..5
+inline constexpr int kStrMenuImportPoi = 41030;
+inline constexpr int kStrMenuDeleteAllPoi = 41031;
+inline constexpr int kStrMenuTrackInterval = 41032;  // "%s": 10, 20, 30, 60
+inline constexpr int kStrMenuSaveTrack = 41033;
+inline constexpr int kStrMenuViewTrack = 41034;
+inline constexpr int kStrMenuCloseTrack = 41035;
+inline constexpr int kStrMenuLoadedMapKey = 41036;  // "%s": the map's file name
+inline constexpr int kStrAboutText = 41101;         // "%s": the version
+inline constexpr int kStrClockTimerFailed = 41103;  // "%s": the error code
+inline constexpr int kStrAlarmSoundFailed = 41104;
 
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "ReferencePoints.h"
+#include "Strings.h"
 
 namespace satwalk::map {
 
@@ -70,7 +71,7 @@ std::string OpenRecentMap(RecentMaps& recent, int index) {
 
 std::string RecentMapMenuText(const RecentMaps& recent, int index) {
     if (index < 0 || index >= kRecentMapCount || recent[index].empty())
-        return std::string(kEmptyRecentMapText);
+        return common::LoadString(common::kStrMenuEmpty);
     return std::string(MapFileName(recent[index]));
 }
 

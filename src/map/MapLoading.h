@@ -14,6 +14,16 @@
 
 namespace satwalk::map {
 
+// How loading an image can fail: BMP, JPG, GIF (its first frame) and PNG
+// are maps.
+enum class ImageLoadError {
+    None,
+    CannotOpen,  // missing, unreadable, a folder
+    NotAnImage,  // empty, or none of the four formats
+    TooLarge,    // declared size past the decoding budget
+    Damaged,     // header or data broken, truncated
+};
+
 // The loader refused the file (not an image, damaged, too large for memory):
 // "导入 %s 失败！没有足够内存空间！" with the file name.
 inline constexpr int kStrImportFailed = 40104;
@@ -64,13 +74,8 @@ void ApplyLoadedImage(LoadedMap& map, std::string_view path, ImageSize image, sc
 // ----- the most recent maps -----
 
 inline constexpr int kRecentMapCount = 5;
-// Commands kCmdRecentMapFirst + i open entry i.
-inline constexpr int kCmdRecentMapFirst = 40203;
 // Full paths, most recent first; "" while unused.
 using RecentMaps = std::array<std::string, kRecentMapCount>;
-
-// A menu entry that holds no map.
-inline constexpr std::string_view kEmptyRecentMapText = "空";
 
 // A file chosen in the open-file dialog: the index of the entry that opens
 // it. A path already in the list (compared byte for byte) keeps its entry;

@@ -157,9 +157,11 @@ void MapOverlayLayer::Paint(Canvas& canvas, const MapView& view, const screens::
     }
     if (view.mapMode != 0) {
         if (!view.calibration.IsValid() || refs.activeReferenceCount < 2) {
-            DrawCentredMessage(canvas, view.viewRect, b, common::LoadString(40090));
+            DrawCentredMessage(canvas, view.viewRect, b,
+                               common::LoadString(common::kStrSetTwoReferencePoints));
         } else if (d.linkRunning && model_.map.outsideMap != 0) {
-            DrawCentredMessage(canvas, view.viewRect, b, common::LoadString(40091));
+            DrawCentredMessage(canvas, view.viewRect, b,
+                               common::LoadString(common::kStrOutsideMap));
         }
     } else if (d.linkRunning && d.fixValid) {
         DrawCoordinateLabels(canvas, view.viewRect, b, d.latitude, d.longitude, false);
@@ -191,7 +193,7 @@ void DrawMapOverlayOnInstrument(Canvas& canvas, const screens::ScreenContext& ct
     if (model.map.mapMode != 0 && model.map.outsideMap != 0) {
         const screens::Font old = screens::CreateScreenFont(canvas, b / 2, 400);
         const int line = canvas.MeasureText("0").height;
-        BoxedText(canvas, common::LoadString(40091),
+        BoxedText(canvas, common::LoadString(common::kStrOutsideMap),
                   Point{area.right - b / 3, area.top + b / 3 + 2 * line}, true);
         screens::ReleaseScreenFont(canvas, old);
     }

@@ -1,15 +1,30 @@
 #include "PoiFeature.h"
 
-#include "CommandIds.h"
 #include "FileListing.h"
+#include "MapCommands.h"
+#include "MapFeature.h"
+#include "PoiCommands.h"
 #include "Shell.h"
 #include "Strings.h"
 
 namespace satwalk::poi {
 
-namespace cmd = shell::cmd;
-
 void PoiFeature::Register(shell::FeatureRegistry& registry) {
+    using common::LoadString;
+    registry.AddCommand(cmd::kShowPoi, shell::Command{[this](int) {
+                                                          shell_.settings().showPoi ^= 1u;
+                                                          shell_.Repaint();
+                                                      },
+                                                      {}});
+    registry.AddMenuEntries(shell::MenuPlace::ViewMap, 20, [this] {
+        return std::vector<shell::MenuEntry>{shell::MenuCheck(
+            cmd::kShowPoi, LoadString(common::kStrMenuShowPoi), shell_.settings().showPoi != 0)};
+    });
+    registry.AddMenuEntries(shell::MenuPlace::MainPoi, 0, [] {
+        return std::vector<shell::MenuEntry>{
+            shell::MenuItem(cmd::kImportPoi, LoadString(common::kStrMenuImportPoi)),
+            shell::MenuItem(cmd::kDeleteAllPoi, LoadString(common::kStrMenuDeleteAllPoi))};
+    });
     registry.AddCommand(cmd::kImportPoi, shell::Command{[this](int) { Import(); }, {}});
     registry.AddCommand(cmd::kDeleteAllPoi, shell::Command{[this](int) {
                                                                DeleteAllPois(store_);
@@ -37,8 +52,8 @@ void PoiFeature::Import() {
             // Even a file that could not be read shows the points there are.
             shell_.settings().showPoi = 1;
             if (shell_.currentScreen != shell::kScreenMap) {
-                shell_.OnCommand(calibratedMapShown && calibratedMapShown() ? cmd::kLoadedMap
-                                                                            : cmd::kWorldMap);
+                shell_.OnCommand(calibratedMapShown && calibratedMapShown() ? map::cmd::kLoadedMap
+                                                                            : map::cmd::kWorldMap);
             }
             shell_.Repaint();
         });
@@ -78,6 +93,16 @@ void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
     // The frame is painted over the map afterwards: what lies beyond the
     // view is covered there.
     DrawPois(canvas, feature_.store(), project, feature_.icons(), style);
+}
+
+void TiePoiToMap(PoiFeature& poi, const map::MapFeature& map, map::MapScreen& mapScreen,
+                 const std::uint32_t& showPoi) {
+    poi.calibratedMapShown = [m = &map] {
+        const map::MapView view = m->model().View();
+        return view.mapMode != 0 && view.Calibrated();
+    };
+    mapScreen.layers().Add(map::LayerOrder::PointsOfInterest,
+                           std::make_unique<PoiLayer>(poi, showPoi));
 }
 
 }  // namespace satwalk::poi

@@ -15,6 +15,9 @@
 namespace satwalk::shell {
 class Shell;
 }
+namespace satwalk::map {
+class MapFeature;
+}
 
 namespace satwalk::poi {
 
@@ -72,5 +75,10 @@ class PoiLayer final : public map::MapLayer {
     const PoiFeature& feature_;
     const std::uint32_t& showPoi_;
 };
+
+// Sends imports to the map the map feature shows, and adds the POI layer,
+// drawn while `showPoi` is set, to `mapScreen`.
+void TiePoiToMap(PoiFeature& poi, const map::MapFeature& map, map::MapScreen& mapScreen,
+                 const std::uint32_t& showPoi);
 
 }  // namespace satwalk::poi

@@ -1,5 +1,8 @@
 #include "Features.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace satwalk::shell {
 
 void FeatureRegistry::Add(Feature& feature) {
@@ -17,6 +20,54 @@ void FeatureRegistry::AddStateSection(StateSection section) {
 
 void FeatureRegistry::AddScriptStep(std::string verb, ScriptStep step) {
     scriptSteps_[std::move(verb)] = std::move(step);
+}
+
+void FeatureRegistry::AddMenuEntries(MenuPlace place, int rank, MenuEntries entries) {
+    PlacedEntries placed{place, rank, std::move(entries)};
+    const auto at = std::upper_bound(
+        menuEntries_.begin(), menuEntries_.end(), placed,
+        [](const PlacedEntries& a, const PlacedEntries& b) { return a.rank < b.rank; });
+    menuEntries_.insert(at, std::move(placed));
+}
+
+void FeatureRegistry::AddKey(Key key, int id, std::function<bool()> when) {
+    keys_.push_back({key, id, std::move(when)});
+}
+
+void FeatureRegistry::SetTabCommand(int tab, int id) {
+    tabs_[tab] = id;
+}
+
+void FeatureRegistry::AddDisplayContribution(DisplayContribution contribution) {
+    displayContributions_.push_back(std::move(contribution));
+}
+
+std::vector<MenuEntry> FeatureRegistry::MenuEntriesAt(MenuPlace place) const {
+    std::vector<MenuEntry> out;
+    for (const PlacedEntries& p : menuEntries_) {
+        if (p.place != place)
+            continue;
+        std::vector<MenuEntry> entries = p.entries();
+        std::move(entries.begin(), entries.end(), std::back_inserter(out));
+    }
+    return out;
+}
+
+int FeatureRegistry::KeyCommand(Key key) const {
+    for (const KeyBinding& k : keys_) {
+        if (k.key == key && (!k.when || k.when()))
+            return k.id;
+    }
+    return 0;
+}
+
+int FeatureRegistry::TabCommand(int tab) const {
+    const auto it = tabs_.find(tab);
+    return it == tabs_.end() ? 0 : it->second;
+}
+
+void FeatureRegistry::ContributeDisplay(screens::DisplayState& display) const {
+    for (const DisplayContribution& c : displayContributions_) c(display);
 }
 
 const Command* FeatureRegistry::FindCommand(int id) const {
@@ -61,8 +112,8 @@ void FeatureRegistry::NotifyLinkStarted() const {
     for (Feature* f : features_) f->OnLinkStarted();
 }
 
-void FeatureRegistry::NotifyTrackFolderChanged(const std::string& trackFolder) const {
-    for (Feature* f : features_) f->OnTrackFolderChanged(trackFolder);
+void FeatureRegistry::NotifySettingsChanged() const {
+    for (Feature* f : features_) f->OnSettingsChanged();
 }
 
 void FeatureRegistry::NotifyLinkStopped() const {

@@ -19,6 +19,12 @@ struct MenuEntry {
     bool IsSubmenu() const { return id == 0; }
 };
 
+// An entry, a radio entry of a group, a check entry, a sub-menu.
+MenuEntry MenuItem(int id, std::string text, bool enabled = true);
+MenuEntry MenuRadio(int id, std::string text, bool checked);
+MenuEntry MenuCheck(int id, std::string text, bool checked);
+MenuEntry MenuSub(std::string text, std::vector<MenuEntry> items);
+
 // Depth-first search by command id; null when absent.
 const MenuEntry* FindMenuEntry(const MenuEntry& root, int id);
 

@@ -95,10 +95,9 @@ OptionsApplied AcceptOptionsDialog(const OptionsDialog& d, ProgramSettings& s,
             effects.StartNewNmeaLog(folders.nmea);
             applied.newNmeaLog = true;
         }
-        if (s.trackLogOn != 0 && applied.rootChanged) {
-            effects.StartNewTrackLog(folders.trackLog);
+        // The track feature starts it when it hears of the change.
+        if (s.trackLogOn != 0 && applied.rootChanged)
             applied.newTrackLog = true;
-        }
     }
     effects.SetScreenAwake(s.backlightAlwaysOn != 0);
     return applied;

@@ -71,8 +71,6 @@ class OptionsEffects {
     virtual void SetRecordNmea(bool on) = 0;
     // A new dated NMEA file in `nmeaFolder`, recording from now on.
     virtual void StartNewNmeaLog(const std::string& nmeaFolder) = 0;
-    // A new track file in `trackFolder`, the recording continuing there.
-    virtual void StartNewTrackLog(const std::string& trackFolder) = 0;
     // Keep the screen awake (hold) or let it sleep again (release).
     virtual void SetScreenAwake(bool hold) = 0;
     // The decoder accepts all satellite systems' talkers, or GPS's only,

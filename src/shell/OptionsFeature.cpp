@@ -70,6 +70,7 @@ void OptionsFeature::Ok() {
         shell_.link().SetNmeaFolder(folders.nmea);
     guard_.Close();
     view_.Close();
+    shell_.features().NotifySettingsChanged();
     shell_.Repaint();
 }
 
@@ -91,12 +92,6 @@ void OptionsFeature::SetRecordNmea(bool on) {
 void OptionsFeature::StartNewNmeaLog(const std::string& nmeaFolder) {
     shell_.link().SetNmeaFolder(nmeaFolder);
     shell_.link().StartNewNmeaLog();
-}
-
-void OptionsFeature::StartNewTrackLog(const std::string& trackFolder) {
-    if (startNewTrackLog)
-        startNewTrackLog(trackFolder);
-    shell_.features().NotifyTrackFolderChanged(trackFolder);
 }
 
 void OptionsFeature::SetScreenAwake(bool hold) {

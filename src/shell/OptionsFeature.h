@@ -48,10 +48,6 @@ class OptionsFeature final : public Feature, private OptionsEffects {
     const OptionsDialog& dialog() const { return dialog_; }
     const OptionsApplied& lastApplied() const { return applied_; }
 
-    // A new track file in the folder given, the recording going on there
-    // (set by the track recording feature; nothing without it).
-    std::function<void(const std::string& trackFolder)> startNewTrackLog;
-
   private:
     void Open();
 
@@ -59,7 +55,6 @@ class OptionsFeature final : public Feature, private OptionsEffects {
     bool LinkRunning() const override;
     void SetRecordNmea(bool on) override;
     void StartNewNmeaLog(const std::string& nmeaFolder) override;
-    void StartNewTrackLog(const std::string& trackFolder) override;
     void SetScreenAwake(bool hold) override;
     void SetAllTalkers(bool on) override;
 

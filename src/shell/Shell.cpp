@@ -22,25 +22,15 @@ struct ScreenCommand {
     int screen;
 };
 constexpr ScreenCommand kScreenCommands[] = {
-    {cmd::kGpsInfo, kScreenGpsInfo}, {cmd::kSkyPlot, kScreenSkyPlot},
-    {cmd::kCompass, kScreenCompass}, {cmd::kSpeedometer, kScreenSpeedometer},
-    {cmd::kWorldMap, kScreenMap},
+    {cmd::kGpsInfo, kScreenGpsInfo},
+    {cmd::kSkyPlot, kScreenSkyPlot},
+    {cmd::kCompass, kScreenCompass},
+    {cmd::kSpeedometer, kScreenSpeedometer},
 };
 
-// Commands that flip a setting on or off.
-struct ToggleCommand {
-    int id;
-    std::uint32_t ProgramSettings::*flag;
-};
-constexpr ToggleCommand kToggleCommands[] = {
-    {cmd::kShowMap, &ProgramSettings::showMap},
-    {cmd::kShowReferencePoints, &ProgramSettings::showReferencePoints},
-    {cmd::kShowTrack, &ProgramSettings::showTrack},
-    {cmd::kShowPoi, &ProgramSettings::showPoi},
-};
-
-// The hardware keys: the command each sends, and when.
-enum class When { Always, Stopped, Running, MapLoaded };
+// The shell's hardware keys: the command each sends, and when. Features
+// add their own (the map's 4 and 5).
+enum class When { Always, Stopped, Running };
 struct KeyCommand {
     Key key;
     int id;
@@ -49,19 +39,16 @@ struct KeyCommand {
 constexpr KeyCommand kKeyCommands[] = {
     {Key::Digit0, cmd::kStartGps, When::Stopped},     {Key::Digit0, cmd::kStopGps, When::Running},
     {Key::Digit1, cmd::kGpsInfo, When::Always},       {Key::Digit2, cmd::kSkyPlot, When::Always},
-    {Key::Digit3, cmd::kSatelliteData, When::Always}, {Key::Digit4, cmd::kWorldMap, When::Always},
-    {Key::Digit5, cmd::kLoadedMap, When::MapLoaded},  {Key::Digit6, cmd::kCompass, When::Always},
+    {Key::Digit3, cmd::kSatelliteData, When::Always}, {Key::Digit6, cmd::kCompass, When::Always},
     {Key::Digit7, cmd::kSpeedometer, When::Always},   {Key::Star, cmd::kGpsSettings, When::Stopped},
 };
 
-// The tool strip's tabs in strip order.
-constexpr int kTabCommands[] = {cmd::kGpsInfo, cmd::kWorldMap,    cmd::kLoadedMap,
-                                cmd::kCompass, cmd::kSpeedometer, cmd::kSkyPlot};
+// The tool strip's tabs in strip order; 0 where a feature sets the command
+// (tabs 1 and 2 are the map's).
+constexpr int kTabCommands[] = {cmd::kGpsInfo, 0, 0, cmd::kCompass, cmd::kSpeedometer,
+                                cmd::kSkyPlot};
 
 }  // namespace
-
-// "The alarm sound cannot play; the alarm shows on the screen."
-const char* const kAlarmSoundFailedStatus = "警报声音无法播放，警报在屏幕上显示";
 
 const char* MessageIconName(MessageIcon icon) {
     switch (icon) {
@@ -92,12 +79,6 @@ void Shell::RegisterOwnCommands() {
     for (const ScreenCommand& c : kScreenCommands) {
         RegisterCommand(c.id, [this, screen = c.screen](int) { ChooseScreen(screen); });
     }
-    for (const ToggleCommand& c : kToggleCommands) {
-        RegisterCommand(c.id, [this, flag = c.flag](int) {
-            settings_.*flag ^= 1u;
-            Repaint();
-        });
-    }
     for (int id = cmd::kMetric; id <= cmd::kNautical; ++id) {
         RegisterCommand(id, [this](int unit) {
             settings_.units = static_cast<std::uint32_t>(unit - cmd::kMetric);
@@ -115,30 +96,11 @@ void Shell::RegisterOwnCommands() {
         settings_.speedAlarmOn = 0;
         Repaint();
     });
-    for (int i = 0; i < static_cast<int>(std::size(kTrackIntervals)); ++i) {
-        RegisterCommand(cmd::kTrack10s + i, [this, i](int) {
-            settings_.trackIntervalMs = kTrackIntervals[i];
-            if (ui_.TrackTimerRunning()) {
-                ui_.StopTrackTimer();
-                if (!ui_.StartTrackTimer(settings_.trackIntervalMs)) {
-                    Message(std::string("Create Track Timer failed: ") + common::err::kTrackTimer +
-                                "\n\nPress OK to continue...",
-                            MessageIcon::Error);
-                }
-            }
-        });
-    }
-    RegisterCommand(cmd::kLoadedMap, [this](int) {
-        if (mapLoaded)
-            ChooseScreen(kScreenMap);
-    });
     RegisterCommand(cmd::kExit, [this](int) { Exit(); });
     RegisterCommand(cmd::kStartGps, [this](int) { StartGps(); });
     RegisterCommand(cmd::kStopGps, [this](int) { StopGps(); });
     RegisterCommand(cmd::kAbout, [this](int) {
-        Message(std::string(LoadString(common::kStrCaption)) + " " + version +
-                    "\nGPS 显示与记录 (GPS display and logging)",
-                MessageIcon::Information);
+        Message(FormatString(LoadString(common::kStrAboutText), version), MessageIcon::Information);
     });
 }
 
@@ -153,7 +115,7 @@ void Shell::RefreshDisplay() {
     d.fixValid = link_.FixValid();
     d.blinkPhase = blinkPhase;
     d.fixTimeKnown = fixTimeKnown;
-    d.mapLoaded = mapLoaded;
+    d.mapLoaded = false;
     d.speedAlarmSounding = SpeedAlarmShowing();
     d.alarmFlashPhase = alarmFlashPhase;
     d.unitSystem = settings_.units <= 2 ? static_cast<int>(settings_.units) : common::kMetric;
@@ -165,6 +127,7 @@ void Shell::RefreshDisplay() {
         common::NmeaToDegrees(fix_.latitude, fix_.northSouth, fix_.longitude, fix_.eastWest,
                               &d.latitude, &d.longitude);
     }
+    features_.ContributeDisplay(d);
 }
 
 void Shell::Repaint() {
@@ -184,8 +147,14 @@ void Shell::OnCommand(int id) {
 }
 
 void Shell::OnTabTapped(int tab) {
-    if (tab >= 0 && tab < static_cast<int>(std::size(kTabCommands)))
-        OnCommand(kTabCommands[tab]);
+    if (tab < 0 || tab >= static_cast<int>(std::size(kTabCommands)))
+        return;
+    const int id = features_.TabCommand(tab);
+    OnCommand(id != 0 ? id : kTabCommands[tab]);
+}
+
+void Shell::SetSoftKeys(SoftKeys keys) {
+    softKeys_ = std::move(keys);
 }
 
 void Shell::StartGps() {
@@ -225,14 +194,7 @@ void Shell::StartGps() {
         return;
     }
     ui_.StartBlinkTimer();
-    settings_.showTrack = 1;
     features_.NotifyLinkStarted();
-    ui_.StopTrackTimer();
-    if (!ui_.StartTrackTimer(settings_.trackIntervalMs)) {
-        Message(FormatString("Create Track Timer failed:%s\n\nPress OK to continue...",
-                             std::string(" ") + common::err::kTrackTimer),
-                MessageIcon::Error);
-    }
     Repaint();
 }
 
@@ -244,7 +206,6 @@ void Shell::ReportLoss(int reason) {
 }
 
 void Shell::StopGps() {
-    ui_.StopTrackTimer();
     ui_.StopBlinkTimer();
     const int reason = link_.StopLink();
     features_.NotifyLinkStopped();
@@ -265,7 +226,6 @@ void Shell::Exit() {
         return;
     if (options_ != nullptr)
         options_->SaveOptions(settings_);
-    ui_.StopTrackTimer();
     ui_.StopBlinkTimer();
     if (link_.Running()) {
         const int reason = link_.StopLink();
@@ -294,13 +254,14 @@ void Shell::OnKeyDown(Key key) {
         if (k.key != key)
             continue;
         const bool now = k.when == When::Always || (k.when == When::Stopped && !running) ||
-                         (k.when == When::Running && running) ||
-                         (k.when == When::MapLoaded && mapLoaded);
+                         (k.when == When::Running && running);
         if (now) {
             OnCommand(k.id);
             return;
         }
     }
+    if (const int id = features_.KeyCommand(key); id != 0)
+        OnCommand(id);
 }
 
 void Shell::StepAlarm(int direction) {
@@ -345,17 +306,20 @@ void Shell::OnGpsData() {
     if (SpeedAlarmShowing() != wasShowing)
         alarmFlashPhase = !wasShowing;
     if (alarm_.soundFailed() && status.empty()) {
-        status = kAlarmSoundFailedStatus;
+        status = LoadString(common::kStrAlarmSoundFailed);
         ui_.ShowStatus(status);
     }
-    Repaint();
+    // The features hear of the batch first; then one paint is asked for,
+    // which the window makes after the reader has been let go.
+    RefreshDisplay();
     features_.NotifyGpsData();
+    RefreshDisplay();
+    ui_.RequestRepaint();
 }
 
 void Shell::OnGpsTime() {
     if (!ui_.StartClockTimer()) {
-        Message(std::string("Create Time Timer failed: ") + common::err::kClockTimer +
-                    "\n\nPress OK to continue...",
+        Message(FormatString(LoadString(common::kStrClockTimerFailed), common::err::kClockTimer),
                 MessageIcon::Error);
     }
     fixTimeKnown = true;
@@ -396,129 +360,64 @@ void Shell::OnOtherTalkersOnly() {
 
 // ---- menus ----
 
-namespace {
-
-MenuEntry Item(int id, std::string text, bool enabled = true) {
-    MenuEntry e;
-    e.id = id;
-    e.text = std::move(text);
-    e.enabled = enabled;
-    return e;
+MenuEntry Shell::FeatureMenu(int textId, MenuPlace place) const {
+    return MenuSub(LoadString(textId), features_.MenuEntriesAt(place));
 }
-
-MenuEntry Radio(int id, std::string text, bool checked) {
-    MenuEntry e = Item(id, std::move(text));
-    e.checkable = true;
-    e.radio = true;
-    e.checked = checked;
-    return e;
-}
-
-MenuEntry Check(int id, std::string text, bool checked) {
-    MenuEntry e = Item(id, std::move(text));
-    e.checkable = true;
-    e.checked = checked;
-    return e;
-}
-
-MenuEntry Sub(std::string text, std::vector<MenuEntry> items) {
-    MenuEntry e;
-    e.text = std::move(text);
-    e.items = std::move(items);
-    return e;
-}
-
-std::string FileNamePart(const std::string& path) {
-    const std::size_t slash = path.find_last_of("/\\");
-    return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
-}  // namespace
 
 MenuEntry Shell::BuildViewMenu() const {
     const int s = currentScreen;
-    std::vector<MenuEntry> map;
-    if (mapLoaded) {
-        map.push_back(Radio(cmd::kLoadedMap, mapLabel + "\t[5]", s == kScreenMap));
-    }
-    map.push_back(Radio(cmd::kWorldMap, "世界地图\t[4]", s == kScreenMap && !mapLoaded));
-    map.push_back(Check(cmd::kShowMap, "显示载入地图", settings_.showMap != 0));
-    map.push_back(
-        Check(cmd::kShowReferencePoints, "显示参照点", settings_.showReferencePoints != 0));
-    map.push_back(Check(cmd::kShowTrack, "显示轨迹", settings_.showTrack != 0));
-    map.push_back(Check(cmd::kShowPoi, "显示 POI", settings_.showPoi != 0));
-
-    MenuEntry satData = Radio(cmd::kSatelliteData, "卫星数据\t[3]", s == kScreenSatelliteData);
-
-    return Decorated(
-        Sub(LoadString(common::kStrView),
-            {Radio(cmd::kGpsInfo, "GPS 信息\t[1]", s == kScreenGpsInfo),
-             Sub("卫星", {Radio(cmd::kSkyPlot, "卫星图\t[2]", s == kScreenSkyPlot), satData}),
-             Sub("地图", std::move(map)), Radio(cmd::kCompass, "指南针\t[6]", s == kScreenCompass),
-             Radio(cmd::kSpeedometer, "时速\t[7]", s == kScreenSpeedometer)}));
+    auto screen = [s](int id, int textId, int screenId) {
+        return MenuRadio(id, LoadString(textId), s == screenId);
+    };
+    return Decorated(MenuSub(
+        LoadString(common::kStrView),
+        {screen(cmd::kGpsInfo, common::kStrMenuGpsInfo, kScreenGpsInfo),
+         MenuSub(
+             LoadString(common::kStrMenuSatellites),
+             {screen(cmd::kSkyPlot, common::kStrMenuSkyPlot, kScreenSkyPlot),
+              screen(cmd::kSatelliteData, common::kStrMenuSatelliteData, kScreenSatelliteData)}),
+         FeatureMenu(common::kStrMenuMap, MenuPlace::ViewMap),
+         screen(cmd::kCompass, common::kStrMenuCompass, kScreenCompass),
+         screen(cmd::kSpeedometer, common::kStrMenuSpeedometer, kScreenSpeedometer)}));
 }
 
 MenuEntry Shell::BuildMainMenu() const {
     const bool running = link_.Running();
-    auto later = [this](int id, std::string text) {
-        return Item(id, std::move(text), HasHandler(id));
+    // An entry whose command no one handles yet is greyed.
+    auto later = [this](int id, int textId) {
+        return MenuItem(id, LoadString(textId), HasHandler(id));
     };
 
-    std::vector<MenuEntry> recent;
-    for (int i = 0; i < kRecentMapSlots; ++i) {
-        const std::string& path = settings_.recentMaps[static_cast<std::size_t>(i)];
-        MenuEntry e = later(cmd::kRecentMap1 + i, path.empty() ? "空" : FileNamePart(path));
-        if (path.empty())
-            e.enabled = false;
-        recent.push_back(std::move(e));
-    }
-    std::vector<MenuEntry> map{later(cmd::kLoadMap, "加载地图"),
-                               Sub("最近载入地图", std::move(recent))};
-    for (int i = 0; i < 5; ++i) {
-        MenuEntry e = later(cmd::kSetReferencePoint1 + i, "设置参照点 " + std::to_string(i + 1));
-        if (!mapLoaded)
-            e.enabled = false;
-        map.push_back(std::move(e));
-    }
-
-    std::vector<MenuEntry> track;
-    for (int i = 0; i < 4; ++i) {
-        static const char* const kTexts[] = {"间隔 10s", "间隔 20s", "间隔 30s", "间隔 60s"};
-        track.push_back(
-            Radio(cmd::kTrack10s + i, kTexts[i], settings_.trackIntervalMs == kTrackIntervals[i]));
-    }
-    MenuEntry save = Check(cmd::kSaveTrack, "保存轨迹记录", settings_.trackLogOn != 0);
-    save.enabled = HasHandler(cmd::kSaveTrack);
-    track.push_back(std::move(save));
-    track.push_back(later(cmd::kViewTrack, "查看轨迹记录"));
-    // Present only while a log is viewed (its feature says when).
-    if (HasHandler(cmd::kCloseTrack))
-        track.push_back(Item(cmd::kCloseTrack, "关闭轨迹记录"));
-
-    std::vector<MenuEntry> alarm{Radio(cmd::kAlarmOff, "关闭", settings_.speedAlarmOn == 0)};
-    for (int i = 0; i < 8; ++i) {
+    std::vector<MenuEntry> alarm{
+        MenuRadio(cmd::kAlarmOff, LoadString(common::kStrOff), settings_.speedAlarmOn == 0)};
+    for (int i = 0; i < static_cast<int>(std::size(kAlarmLimits)); ++i) {
         alarm.push_back(
-            Radio(cmd::kAlarm50 + i, std::to_string(kAlarmLimits[i]),
-                  settings_.speedAlarmOn != 0 && settings_.speedAlarmLimit == kAlarmLimits[i]));
+            MenuRadio(cmd::kAlarm50 + i, std::to_string(kAlarmLimits[i]),
+                      settings_.speedAlarmOn != 0 && settings_.speedAlarmLimit == kAlarmLimits[i]));
+    }
+    std::vector<MenuEntry> units;
+    for (int u = 0; u < 3; ++u) {
+        units.push_back(MenuRadio(cmd::kMetric + u, LoadString(common::kStrMenuMetric + u),
+                                  settings_.units == static_cast<std::uint32_t>(u)));
     }
 
-    MenuEntry settingsEntry = later(cmd::kGpsSettings, "GPS 设置\t[*]");
+    MenuEntry settingsEntry = later(cmd::kGpsSettings, common::kStrMenuGpsSettings);
     if (running)
         settingsEntry.enabled = false;
 
-    return Decorated(Sub(
-        LoadString(common::kStrMenu),
-        {running ? Item(cmd::kStopGps, LoadString(common::kStrStopGps))
-                 : Item(cmd::kStartGps, LoadString(common::kStrStartGps)),
-         settingsEntry, Sub("地图", std::move(map)),
-         Sub("POI", {later(cmd::kImportPoi, "导入 POI"), later(cmd::kDeleteAllPoi, "全部删除")}),
-         Sub("轨迹", std::move(track)), Sub("时速警报", std::move(alarm)),
-         Sub("单位", {Radio(cmd::kMetric, "米制", settings_.units == 0),
-                      Radio(cmd::kImperial, "英制", settings_.units == 1),
-                      Radio(cmd::kNautical, "海里", settings_.units == 2)}),
-         later(cmd::kOptions, "选项"),
-         Sub("帮助", {later(cmd::kUserManual, "用户手册"), Item(cmd::kAbout, "关于")}),
-         Item(cmd::kExit, "退出")}));
+    return Decorated(MenuSub(LoadString(common::kStrMenu),
+                             {running ? MenuItem(cmd::kStopGps, LoadString(common::kStrStopGps))
+                                      : MenuItem(cmd::kStartGps, LoadString(common::kStrStartGps)),
+                              settingsEntry, FeatureMenu(common::kStrMenuMap, MenuPlace::MainMap),
+                              FeatureMenu(common::kStrMenuPoi, MenuPlace::MainPoi),
+                              FeatureMenu(common::kStrMenuTrack, MenuPlace::MainTrack),
+                              MenuSub(LoadString(common::kStrMenuSpeedAlarm), std::move(alarm)),
+                              MenuSub(LoadString(common::kStrMenuUnits), std::move(units)),
+                              later(cmd::kOptions, common::kStrMenuOptions),
+                              MenuSub(LoadString(common::kStrMenuHelp),
+                                      {later(cmd::kUserManual, common::kStrMenuUserManual),
+                                       MenuItem(cmd::kAbout, LoadString(common::kStrMenuAbout))}),
+                              MenuItem(cmd::kExit, LoadString(common::kStrMenuExit))}));
 }
 
 MenuEntry Shell::Decorated(MenuEntry entry) const {
@@ -527,7 +426,11 @@ MenuEntry Shell::Decorated(MenuEntry entry) const {
         const Command* command = item.IsSubmenu() ? nullptr : features_.FindCommand(item.id);
         if (command != nullptr && command->state && !command->state(item.id).present)
             continue;
-        items.push_back(Decorated(std::move(item)));
+        MenuEntry decorated = Decorated(std::move(item));
+        // A sub-menu that no feature fills is left out.
+        if (decorated.IsSubmenu() && decorated.items.empty())
+            continue;
+        items.push_back(std::move(decorated));
     }
     entry.items = std::move(items);
     if (entry.IsSubmenu())
@@ -543,41 +446,6 @@ MenuEntry Shell::Decorated(MenuEntry entry) const {
     if (!state.text.empty())
         entry.text = state.text;
     return entry;
-}
-
-const MenuEntry* FindMenuEntry(const MenuEntry& root, int id) {
-    if (root.id == id && id != 0)
-        return &root;
-    for (const MenuEntry& e : root.items) {
-        if (const MenuEntry* found = FindMenuEntry(e, id))
-            return found;
-    }
-    return nullptr;
-}
-
-namespace {
-
-void Describe(const MenuEntry& e, int depth, std::string& out) {
-    out.append(static_cast<std::size_t>(depth) * 2, ' ');
-    if (e.IsSubmenu()) {
-        out += e.text + " >\n";
-        for (const MenuEntry& c : e.items) Describe(c, depth + 1, out);
-        return;
-    }
-    if (e.checkable)
-        out += e.checked ? (e.radio ? "(*) " : "[x] ") : (e.radio ? "( ) " : "[ ] ");
-    out += std::to_string(e.id) + " " + e.text;
-    if (!e.enabled)
-        out += " (grey)";
-    out += "\n";
-}
-
-}  // namespace
-
-std::string DescribeMenu(const MenuEntry& root) {
-    std::string out;
-    Describe(root, 0, out);
-    return out;
 }
 
 }  // namespace satwalk::shell

@@ -31,12 +31,13 @@ class ShellUi {
   public:
     virtual MessageAnswer ShowMessage(const std::string& text, MessageIcon icon,
                                       MessageButtons buttons) = 0;
+    // Paints the window now.
     virtual void Repaint() = 0;
+    // Asks for one paint soon, after the handler that asks has returned;
+    // requests before that paint are folded into it.
+    virtual void RequestRepaint() { Repaint(); }
     virtual void StartBlinkTimer() = 0;
     virtual void StopBlinkTimer() = 0;
-    virtual bool StartTrackTimer(std::uint32_t periodMs) = 0;
-    virtual void StopTrackTimer() = 0;
-    virtual bool TrackTimerRunning() const = 0;
     virtual bool StartClockTimer() = 0;  // (re)starts the 1-second clock
     virtual void SetBacklightHold(bool hold) = 0;
     virtual void CloseWindow() = 0;  // the end of a confirmed exit
@@ -132,9 +133,6 @@ struct SoftKeys {
     bool Plain() const { return !left.empty() || !right.empty(); }
 };
 
-// The status shown when the alarm sound fails to play.
-extern const char* const kAlarmSoundFailedStatus;
-
 class Shell {
   public:
     Shell(ProgramSettings& settings, LinkControl& link, ShellUi& ui, AlarmSound& sound,
@@ -152,6 +150,10 @@ class Shell {
     void OnKeyDown(Key key);
     // A tap on tab `tab` (0..5, tool-strip order) of the tool strip.
     void OnTabTapped(int tab);
+    // The soft-key bar: plain buttons while a mode sets them, the two
+    // drop-downs when they are empty.
+    void SetSoftKeys(SoftKeys keys);
+    const SoftKeys& softKeys() const { return softKeys_; }
     // WM_GPS_DATA: called while the reader thread waits, so the shell takes
     // its copy of the link's fix here.
     void OnGpsData();
@@ -200,9 +202,6 @@ class Shell {
     // The window's status line: set once, at the first alarm sound that
     // could not play.
     std::string status;
-    bool mapLoaded = false;
-    std::string mapLabel;
-    SoftKeys softKeys;
     bool exited = false;
     bool otherTalkersHintShown = false;
     // A port given for this run (a replay, --port) stands for the receiver:
@@ -220,6 +219,7 @@ class Shell {
     void Message(const std::string& text, MessageIcon icon);
     void RefreshDisplay();
     MenuEntry Decorated(MenuEntry entry) const;
+    MenuEntry FeatureMenu(int textId, MenuPlace place) const;
 
     ProgramSettings& settings_;
     LinkControl& link_;
@@ -230,6 +230,7 @@ class Shell {
     gps::GpsState fix_;
     bool timeSyncedThisBatch_ = false;
     screens::DisplayState display_;
+    SoftKeys softKeys_;
 };
 
 }  // namespace satwalk::shell

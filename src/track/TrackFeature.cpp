@@ -1,17 +1,19 @@
 #include "TrackFeature.h"
 
 #include <cmath>
+#include <iterator>
 #include <mutex>
 
-#include "CommandIds.h"
+#include "ErrorCodes.h"
 #include "FileListing.h"
+#include "MapCommands.h"
+#include "MapFeature.h"
 #include "Shell.h"
 #include "Strings.h"
+#include "TrackCommands.h"
 #include "TrailLayer.h"
 
 namespace satwalk::track {
-
-namespace cmd = shell::cmd;
 
 TrackFeature::TrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
                            std::unique_ptr<TrackPlatform> platform)
@@ -40,7 +42,58 @@ void TrackFeature::Register(shell::FeatureRegistry& registry) {
                                                              e.present = state_.trackViewOn;
                                                              return e;
                                                          }});
+    registry.AddCommand(cmd::kShowTrack, shell::Command{[this](int) {
+                                                            shell_.settings().showTrack ^= 1u;
+                                                            shell_.Repaint();
+                                                        },
+                                                        {}});
+    for (int i = 0; i < static_cast<int>(std::size(shell::kTrackIntervals)); ++i)
+        registry.AddCommand(cmd::kTrack10s + i,
+                            shell::Command{[this, i](int) { SetInterval(i); }, {}});
+    RegisterMenus(registry);
     registry.AddStateSection([this](common::JsonMembers& members) { WriteState(members); });
+}
+
+void TrackFeature::RegisterMenus(shell::FeatureRegistry& registry) {
+    using common::LoadString;
+    registry.AddMenuEntries(shell::MenuPlace::ViewMap, 10, [this] {
+        return std::vector<shell::MenuEntry>{shell::MenuCheck(cmd::kShowTrack,
+                                                              LoadString(common::kStrMenuShowTrack),
+                                                              shell_.settings().showTrack != 0)};
+    });
+    registry.AddMenuEntries(shell::MenuPlace::MainTrack, 0, [this] {
+        std::vector<shell::MenuEntry> entries;
+        for (int i = 0; i < static_cast<int>(std::size(shell::kTrackIntervals)); ++i) {
+            const std::uint32_t ms = shell::kTrackIntervals[i];
+            entries.push_back(
+                shell::MenuRadio(cmd::kTrack10s + i,
+                                 common::FormatString(LoadString(common::kStrMenuTrackInterval),
+                                                      std::to_string(ms / 1000)),
+                                 shell_.settings().trackIntervalMs == ms));
+        }
+        entries.push_back(
+            shell::MenuCheck(cmd::kSaveTrack, LoadString(common::kStrMenuSaveTrack), false));
+        entries.push_back(shell::MenuItem(cmd::kViewTrack, LoadString(common::kStrMenuViewTrack)));
+        // Present only while a log is viewed (its entry state says when).
+        entries.push_back(
+            shell::MenuItem(cmd::kCloseTrack, LoadString(common::kStrMenuCloseTrack)));
+        return entries;
+    });
+}
+
+bool TrackFeature::RestartTrackTimer(const std::string& failure) {
+    platform_.StopTrackTimer();
+    if (platform_.StartTrackTimer(state_.trackIntervalMs, [this] { OnTrackTick(); }))
+        return true;
+    Message(failure);
+    return false;
+}
+
+void TrackFeature::SetInterval(int index) {
+    shell_.settings().trackIntervalMs = shell::kTrackIntervals[index];
+    if (platform_.TrackTimerRunning()) {
+        RestartTrackTimer(kTrackTimerFailedOnInterval);
+    }
 }
 
 TrackProjections TrackFeature::Projections() const {
@@ -79,39 +132,47 @@ void TrackFeature::Message(const std::string& text, bool exclamation) {
 
 void TrackFeature::OnTrackTick() {
     if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample(shell_.fix())))
-        shell_.ui().StopTrackTimer();
+        platform_.StopTrackTimer();
     if (shell_.currentScreen == shell::kScreenMap)
         shell_.Repaint();
 }
 
 void TrackFeature::OnLinkStarted() {
+    // A running receiver draws its trail.
+    shell_.settings().showTrack = 1;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     track::OnLinkStarted(state_, CurrentSample(shell_.fix()));
+    RestartTrackTimer(common::FormatString(kTrackTimerFailedOnStart,
+                                           std::string(" ") + common::err::kTrackTimer));
+}
+
+void TrackFeature::OnExit() {
+    platform_.StopTrackTimer();
 }
 
 void TrackFeature::OnLinkStopped() {
+    platform_.StopTrackTimer();
     // As the tick does once the link has gone: the live trails go, and so
     // does recording, until the user switches it on again.
     track::OnTrackTick(state_, false, TrackSample{});
     EndFollowPause();
 }
 
-void TrackFeature::OnTrackFolderChanged(const std::string& trackFolder) {
+void TrackFeature::OnSettingsChanged() {
     // The storage moved (a card chosen in the options) while the link runs:
     // the recording goes on in a new file under the new track folder.
-    state_.trackFolder = trackFolder;
+    const std::string folder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
+    if (folder == state_.trackFolder)
+        return;
+    state_.trackFolder = folder;
     if (state_.trackLogOn != 0 && shell_.link().Running())
         StartTrackLog(state_, CurrentSample(shell_.fix()));
 }
 
 void TrackFeature::SaveTrackLog() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
-    if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample(shell_.fix()))) {
-        shell_.ui().StopTrackTimer();
-        if (!shell_.ui().StartTrackTimer(state_.trackIntervalMs)) {
-            Message(kTrackTimerFailedOnSave);
-        }
-    }
+    if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample(shell_.fix())))
+        RestartTrackTimer(kTrackTimerFailedOnSave);
     shell_.Repaint();
 }
 
@@ -151,7 +212,8 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
             if (!rebuild) {
                 shell_.settings().showTrack = 1;
                 if (shell_.currentScreen != shell::kScreenMap)
-                    shell_.OnCommand(Projections().map ? cmd::kLoadedMap : cmd::kWorldMap);
+                    shell_.OnCommand(Projections().map ? map::cmd::kLoadedMap
+                                                       : map::cmd::kWorldMap);
             }
             shell_.Repaint();
         });
@@ -217,6 +279,27 @@ void TrackFeature::WriteState(common::JsonMembers& members) const {
     m.Bool("reading", reading_);
     m.Bool("followPaused", state_.followPaused);
     out += '}';
+}
+
+void TieTrackToMap(TrackFeature& track, map::MapFeature& map, map::MapScreen& mapScreen,
+                   const std::uint32_t& showTrack) {
+    TrackFeature* t = &track;
+    map::MapFeature* m = &map;
+    track.projections = [m] { return ProjectionsFor(m->model().View()); };
+    track.onFollowPause = [m](bool paused) {
+        if (paused)
+            m->PauseFollowing();
+        else
+            m->ResumeFollowing();
+    };
+    map.onManualMove = [t] { t->OnMapMovedByHand(); };
+    map.onCalibrationChanged = [t, m, mode = map.model().View().mapMode]() mutable {
+        const int now = m->model().View().mapMode;
+        t->OnMapGeometryChanged(now != mode);
+        mode = now;
+    };
+    mapScreen.layers().Add(map::LayerOrder::Trails,
+                           std::make_unique<TrailLayer>(track.state(), showTrack));
 }
 
 }  // namespace satwalk::track

@@ -3,9 +3,11 @@
 // the follow pause after the map is moved by hand, the trails' rebuild when
 // the map's geometry changes, and the "tracks" member of the state dump.
 //
-// The recording flag and the interval are the program's settings
-// (trackLogOn, trackIntervalMs): the TrackState refers to them. The track
-// timer (1027) is the window's (ShellUi); its ticks come to OnTrackTick.
+// The recording flag and the interval are the track's slice of the
+// program's settings (trackLogOn, trackIntervalMs, showTrack): the
+// TrackState refers to them. The feature registers the track menu and the
+// "显示轨迹" entry, and runs the track timer (1027) through its platform
+// from the link's start to its stop.
 #pragma once
 
 #include <cstdint>
@@ -20,12 +22,21 @@
 namespace satwalk::shell {
 class Shell;
 }
+namespace satwalk::map {
+class MapFeature;
+class MapScreen;
+}  // namespace satwalk::map
 
 namespace satwalk::track {
 
 // What the feature asks of the platform besides the shell's window.
 class TrackPlatform {
   public:
+    // Timer 1027: `tick` runs every `periodMs` until stopped. False when
+    // the timer cannot be armed.
+    virtual bool StartTrackTimer(std::uint32_t periodMs, std::function<void()> tick) = 0;
+    virtual void StopTrackTimer() = 0;
+    virtual bool TrackTimerRunning() const = 0;
     // Timer 1026: `expired` runs once, `periodMs` from now. False when the
     // timer cannot be armed.
     virtual bool StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) = 0;
@@ -47,7 +58,8 @@ class TrackFeature final : public shell::Feature {
     void Register(shell::FeatureRegistry& registry) override;
     void OnLinkStarted() override;
     void OnLinkStopped() override;
-    void OnTrackFolderChanged(const std::string& trackFolder) override;
+    void OnSettingsChanged() override;
+    void OnExit() override;
 
     // Timer 1027.
     void OnTrackTick();
@@ -74,6 +86,10 @@ class TrackFeature final : public shell::Feature {
     bool reading() const { return reading_; }
 
   private:
+    void RegisterMenus(shell::FeatureRegistry& registry);
+    void SetInterval(int index);
+    // (Re)arms the track timer; false, with `failure` shown, when it cannot.
+    bool RestartTrackTimer(const std::string& failure);
     TrackSample CurrentSample(const gps::GpsState& fix) const;
     TrackProjections Projections() const;
     void SaveTrackLog();
@@ -92,5 +108,11 @@ class TrackFeature final : public shell::Feature {
     bool reading_ = false;
     std::uint64_t readGeneration_ = 0;  // a newer read or a close voids older ones
 };
+
+// Ties `track` to the map feature both ways (the map's projections, its
+// manual moves and new calibrations in; the follow pause out) and adds its
+// trail layer, drawn while `showTrack` is set, to `mapScreen`.
+void TieTrackToMap(TrackFeature& track, map::MapFeature& map, map::MapScreen& mapScreen,
+                   const std::uint32_t& showTrack);
 
 }  // namespace satwalk::track

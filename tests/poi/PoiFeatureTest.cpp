@@ -3,6 +3,7 @@
 
 #include "CommandIds.h"
 #include "FeatureFixture.h"
+#include "PoiCommands.h"
 #include "PoiFeature.h"
 #include "RecordingCanvas.h"
 #include "StateJson.h"
@@ -10,7 +11,6 @@
 namespace satwalk::poi {
 namespace {
 
-namespace cmd = shell::cmd;
 using screens::CanvasCall;
 using track::test::WriteFile;
 

@@ -46,13 +46,6 @@ class FakeUi : public ShellUi {
     void Repaint() override {}
     void StartBlinkTimer() override { blinkRunning = true; }
     void StopBlinkTimer() override { blinkRunning = false; }
-    bool StartTrackTimer(std::uint32_t periodMs) override {
-        trackPeriod = periodMs;
-        trackRunning = true;
-        return true;
-    }
-    void StopTrackTimer() override { trackRunning = false; }
-    bool TrackTimerRunning() const override { return trackRunning; }
     bool StartClockTimer() override { return clockStarts++, true; }
     void SetBacklightHold(bool hold) override { backlight = hold; }
     void CloseWindow() override { closed = true; }
@@ -61,8 +54,6 @@ class FakeUi : public ShellUi {
     std::vector<std::pair<std::string, MessageIcon>> messages;
     bool answerYes = true;
     bool blinkRunning = false;
-    bool trackRunning = false;
-    std::uint32_t trackPeriod = 0;
     int clockStarts = 0;
     bool backlight = true;
     bool closed = false;

@@ -18,9 +18,6 @@ class FakeEffects final : public OptionsEffects {
     bool LinkRunning() const override { return running; }
     void SetRecordNmea(bool on) override { calls.push_back(on ? "record on" : "record off"); }
     void StartNewNmeaLog(const std::string& folder) override { calls.push_back("nmea " + folder); }
-    void StartNewTrackLog(const std::string& folder) override {
-        calls.push_back("track " + folder);
-    }
     void SetScreenAwake(bool hold) override { calls.push_back(hold ? "awake" : "sleep"); }
     void SetAllTalkers(bool on) override { calls.push_back(on ? "all talkers" : "gps only"); }
     bool running = false;
@@ -125,7 +122,7 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
          true,
          true,
          true,
-         {"nmea ROOT/My GPS/NMEA0183", "track ROOT/My GPS/Track Log", "awake"}},
+         {"nmea ROOT/My GPS/NMEA0183", "awake"}},
         {"new root, no recording", true, false, false, false, true, {"awake"}},
         {"all talkers on",
          false,
@@ -159,6 +156,8 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
         }
         EXPECT_EQ(effects.calls, expected) << c.what;
         EXPECT_EQ(a.rootChanged, c.newRoot) << c.what;
+        // The track feature starts the new track file when it hears of it.
+        EXPECT_EQ(a.newTrackLog, c.running && c.trackLog && c.newRoot) << c.what;
         EXPECT_EQ(settings.storageRoot, root) << c.what;
         EXPECT_EQ(folders.nmea, root + "/My GPS/NMEA0183") << c.what;
         EXPECT_EQ(settings.recordNmea, c.nmeaAfter ? 1u : 0u) << c.what;

@@ -49,7 +49,6 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
         {cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
         {cmd::kCompass, Key::Digit6, kScreenCompass},
         {cmd::kSpeedometer, Key::Digit7, kScreenSpeedometer},
-        {cmd::kWorldMap, Key::Digit4, kScreenMap},
         {cmd::kGpsInfo, Key::Digit1, kScreenGpsInfo},
     };
     for (const Case& c : cases) {
@@ -68,9 +67,8 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
             }
         }
     }
-    // Without a loaded map, 40030 and key 5 do nothing, so the dialog stays.
+    // A key no one binds does nothing, so the dialog stays.
     shell.OnCommand(cmd::kSatelliteData);
-    shell.OnCommand(cmd::kLoadedMap);
     shell.OnKeyDown(Key::Digit5);
     EXPECT_TRUE(satelliteData.open());
     EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
@@ -91,14 +89,6 @@ TEST_F(ShellTest, SettingCommands) {
     shell.OnCommand(cmd::kAlarmOff);
     EXPECT_EQ(settings.speedAlarmOn, 0u);
     EXPECT_EQ(settings.speedAlarmLimit, 80u);
-    shell.OnCommand(cmd::kTrack10s + 3);
-    EXPECT_EQ(settings.trackIntervalMs, 60000u);
-    EXPECT_FALSE(ui.trackRunning) << "only a running track timer is restarted";
-    shell.OnCommand(cmd::kShowPoi);
-    shell.OnCommand(cmd::kShowMap);
-    shell.OnCommand(cmd::kShowMap);
-    EXPECT_EQ(settings.showPoi, 0u);
-    EXPECT_EQ(settings.showMap, 1u);
 }
 
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
@@ -107,11 +97,6 @@ TEST_F(ShellTest, KeyZeroStartsThenStops) {
     EXPECT_EQ(link.comPort, 3u);
     EXPECT_EQ(link.baud, 4800u);
     EXPECT_TRUE(ui.blinkRunning);
-    EXPECT_TRUE(ui.trackRunning);
-    EXPECT_EQ(ui.trackPeriod, 10000u);
-    // A running track timer follows a new interval at once.
-    shell.OnCommand(cmd::kTrack10s + 1);
-    EXPECT_EQ(ui.trackPeriod, 20000u);
 
     shell.OnCommand(cmd::kAlarm50);
     SetSpeed("60");
@@ -123,7 +108,6 @@ TEST_F(ShellTest, KeyZeroStartsThenStops) {
     EXPECT_FALSE(sound.looping) << "stopping silences the alarm";
     EXPECT_FALSE(shell.alarm().playing());
     EXPECT_FALSE(ui.blinkRunning);
-    EXPECT_FALSE(ui.trackRunning);
     EXPECT_STREQ(link.gps.latitude, "") << "the fix blocks are cleared";
     EXPECT_TRUE(ui.messages.empty());
 }
@@ -311,7 +295,8 @@ TEST_F(ShellTest, FirstSoundFailureIsReportedOnceInTheStatus) {
     for (const char* knots : {"20", "30", "31", "10", "30"}) {
         SetSpeed(knots);
         shell.OnGpsData();
-        EXPECT_EQ(shell.status, knots == std::string("20") ? "" : kAlarmSoundFailedStatus);
+        EXPECT_EQ(shell.status,
+                  knots == std::string("20") ? "" : LoadString(common::kStrAlarmSoundFailed));
     }
     EXPECT_EQ(ui.statuses.size(), 1u);
     EXPECT_TRUE(ui.messages.empty()) << "no message box while driving";
@@ -377,10 +362,8 @@ TEST_F(ShellTest, MenuStateAfterStartAndStop) {
 
 TEST_F(ShellTest, MenuMarks) {
     shell.OnCommand(cmd::kAlarm50 + 2);
-    shell.OnCommand(cmd::kTrack10s + 2);
     shell.OnCommand(cmd::kNautical);
     shell.OnCommand(cmd::kCompass);
-    shell.OnCommand(cmd::kShowTrack);
     const MenuEntry menu = shell.BuildMainMenu();
     const MenuEntry view = shell.BuildViewMenu();
     struct Case {
@@ -389,22 +372,21 @@ TEST_F(ShellTest, MenuMarks) {
         bool checked;
     };
     const Case cases[] = {
-        {&menu, cmd::kAlarm50 + 2, true},  {&menu, cmd::kAlarmOff, false},
-        {&menu, cmd::kTrack10s + 2, true}, {&menu, cmd::kTrack10s, false},
-        {&menu, cmd::kNautical, true},     {&menu, cmd::kMetric, false},
-        {&view, cmd::kCompass, true},      {&view, cmd::kGpsInfo, false},
-        {&view, cmd::kShowTrack, false},   {&view, cmd::kShowMap, true},
+        {&menu, cmd::kAlarm50 + 2, true}, {&menu, cmd::kAlarmOff, false},
+        {&menu, cmd::kNautical, true},    {&menu, cmd::kMetric, false},
+        {&view, cmd::kCompass, true},     {&view, cmd::kGpsInfo, false},
     };
     for (const Case& c : cases) {
         const MenuEntry* e = FindMenuEntry(*c.root, c.id);
         ASSERT_NE(e, nullptr) << c.id;
         EXPECT_EQ(e->checked, c.checked) << c.id;
     }
-    // Entries of later parts are present and greyed until a handler comes.
-    EXPECT_FALSE(FindMenuEntry(menu, cmd::kLoadMap)->enabled);
-    EXPECT_EQ(FindMenuEntry(menu, cmd::kRecentMap1 + 4)->text, "空");
-    shell.RegisterCommand(cmd::kLoadMap, [](int) {});
-    EXPECT_TRUE(FindMenuEntry(shell.BuildMainMenu(), cmd::kLoadMap)->enabled);
+    // The shell's entries are present and greyed until a handler comes;
+    // the sub-menus no feature fills are left out.
+    EXPECT_FALSE(FindMenuEntry(menu, cmd::kUserManual)->enabled);
+    shell.RegisterCommand(cmd::kUserManual, [](int) {});
+    EXPECT_TRUE(FindMenuEntry(shell.BuildMainMenu(), cmd::kUserManual)->enabled);
+    EXPECT_EQ(DescribeMenu(menu).find("地图"), std::string::npos);
 }
 
 TEST_F(ShellTest, SatelliteDialogOpensByCommandOrKeyInPlaceOfTheScreen) {
@@ -516,15 +498,29 @@ TEST_F(ShellTest, DisplayStateFollowsTheShell) {
     EXPECT_FALSE(d.fixValid);
 }
 
-TEST_F(ShellTest, FeaturesPlugInCommandsMenuStatesAndStateSections) {
+TEST_F(ShellTest, FeaturesPlugInCommandsMenusKeysTabsAndStateSections) {
+    constexpr int kProbe = 49001;
+    constexpr int kSecond = 49002;
     struct Probe final : Feature {
         int runs = 0;
         bool checked = false;
+        bool keyLive = false;
+        int settingsChanges = 0;
         void Register(FeatureRegistry& registry) override {
-            registry.AddCommand(cmd::kShowPoi, Command{[this](int) { ++runs; },
-                                                       [this](int) {
-                                                           return EntryState{true, checked, "POI!"};
-                                                       }});
+            registry.AddCommand(kProbe, Command{[this](int) { ++runs; },
+                                                [this](int) {
+                                                    return EntryState{true, checked, "Probe!"};
+                                                }});
+            // Ranked after the first, though registered before it.
+            registry.AddMenuEntries(MenuPlace::ViewMap, 5, [] {
+                return std::vector<MenuEntry>{MenuItem(kSecond, "second")};
+            });
+            registry.AddMenuEntries(MenuPlace::ViewMap, 0, [] {
+                return std::vector<MenuEntry>{MenuCheck(kProbe, "probe", false)};
+            });
+            registry.AddKey(Key::Digit9, kProbe, [this] { return keyLive; });
+            registry.SetTabCommand(1, kProbe);
+            registry.AddDisplayContribution([](screens::DisplayState& d) { d.mapLoaded = true; });
             registry.AddStateSection([this](common::JsonMembers& m) { m.Int("probeRuns", runs); });
             registry.AddScriptStep(
                 "probe", [this](const std::vector<std::string>& words, std::string& error) {
@@ -533,18 +529,26 @@ TEST_F(ShellTest, FeaturesPlugInCommandsMenuStatesAndStateSections) {
                     return !words.empty();
                 });
         }
+        void OnSettingsChanged() override { ++settingsChanges; }
     } probe;
     shell.features().Add(probe);
 
-    shell.OnCommand(cmd::kShowPoi);
-    EXPECT_EQ(probe.runs, 1);
-    EXPECT_EQ(settings.showPoi, 1u) << "the feature's command replaced the shell's";
+    shell.OnCommand(kProbe);
+    shell.OnKeyDown(Key::Digit9);  // not live yet
+    shell.OnTabTapped(1);
+    probe.keyLive = true;
+    shell.OnKeyDown(Key::Digit9);
+    EXPECT_EQ(probe.runs, 3);
     probe.checked = true;
     const MenuEntry view = shell.BuildViewMenu();
-    const MenuEntry* entry = FindMenuEntry(view, cmd::kShowPoi);
-    ASSERT_NE(entry, nullptr);
-    EXPECT_TRUE(entry->checked);
-    EXPECT_EQ(entry->text, "POI!");
+    const std::string described = DescribeMenu(view);
+    EXPECT_NE(described.find("  地图 >\n    [x] 49001 Probe!\n    49002 second\n"),
+              std::string::npos)
+        << described;
+    shell.Repaint();
+    EXPECT_TRUE(shell.display().mapLoaded);
+    shell.features().NotifySettingsChanged();
+    EXPECT_EQ(probe.settingsChanges, 1);
 
     const ScriptStep* step = shell.features().FindScriptStep("probe");
     ASSERT_NE(step, nullptr);
@@ -553,7 +557,7 @@ TEST_F(ShellTest, FeaturesPlugInCommandsMenuStatesAndStateSections) {
     EXPECT_EQ(shell.features().FindScriptStep("nothing"), nullptr);
 
     const std::string json = BuildStateJson(shell, StateExtras{});
-    EXPECT_NE(json.find("\"probeRuns\":3,"), std::string::npos) << json;
+    EXPECT_NE(json.find("\"probeRuns\":5,"), std::string::npos) << json;
     EXPECT_NE(json.find("\"satelliteDialogRows\":[]"), std::string::npos) << json;
 }
 

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "FakeMapPlatform.h"
 #include "FakeShellParts.h"
 #include "FileChooser.h"
+#include "Screens.h"
 #include "Shell.h"
 #include "TrackFeature.h"
 #include "TrackTestSupport.h"
@@ -35,9 +37,16 @@ class FakeChooser : public browser::FileChooser {
     browser::FileChosen pending;
 };
 
-// Runs reads at once; the follow timer is only remembered.
+// Runs reads at once; the timers are only remembered.
 class FakeTrackPlatform : public TrackPlatform {
   public:
+    bool StartTrackTimer(std::uint32_t periodMs, std::function<void()> tick) override {
+        trackPeriod = periodMs;
+        trackTick = std::move(tick);
+        return failTrackTimer ? false : (trackRunning = true);
+    }
+    void StopTrackTimer() override { trackRunning = false; }
+    bool TrackTimerRunning() const override { return trackRunning; }
     bool StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) override {
         if (failFollowTimer)
             return false;
@@ -55,22 +64,16 @@ class FakeTrackPlatform : public TrackPlatform {
         else
             done();
     }
+    bool failTrackTimer = false;
+    bool trackRunning = false;
+    std::uint32_t trackPeriod = 0;
+    std::function<void()> trackTick;
     bool failFollowTimer = false;
     bool deferDone = false;  // the read ends only when the test says
     std::function<void()> deferred;
     std::uint32_t followPeriod = 0;
     std::function<void()> followExpired;
     int reads = 0;
-};
-
-// Fails every track timer it is asked for.
-class TimerlessUi : public shell::testing::FakeUi {
-  public:
-    bool StartTrackTimer(std::uint32_t periodMs) override {
-        trackPeriod = periodMs;
-        return failTimer ? false : (trackRunning = true);
-    }
-    bool failTimer = false;
 };
 
 class FeatureFixture : public ::testing::Test {
@@ -80,6 +83,8 @@ class FeatureFixture : public ::testing::Test {
         settings.storageRoot =
             ScratchFolder(::testing::UnitTest::GetInstance()->current_test_info()->name());
         shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
+        // The map feature owns the world-map command that views go to.
+        shell.features().Add(map);
     }
 
     std::string TrackFolder() const { return settings.storageRoot + "/My GPS/Track Log"; }
@@ -113,9 +118,12 @@ class FeatureFixture : public ::testing::Test {
 
     shell::ProgramSettings settings;
     shell::testing::FakeLink link;
-    TimerlessUi ui;
+    shell::testing::FakeUi ui;
     shell::testing::FakeSound sound;
     shell::Shell shell;
+    screens::ScreenContext screens;
+    map::MapScreen mapScreen;
+    map::MapFeature map{shell, screens, mapScreen, std::make_unique<map::test::FakeMapPlatform>()};
     FakeChooser chooser;
 };
 

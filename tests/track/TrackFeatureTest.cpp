@@ -8,11 +8,11 @@
 #include "FeatureFixture.h"
 #include "StateJson.h"
 #include "Strings.h"
+#include "TrackCommands.h"
 
 namespace satwalk::track {
 namespace {
 
-namespace cmd = shell::cmd;
 namespace fs = std::filesystem;
 using test::ReadFile;
 using test::WriteFile;
@@ -55,7 +55,7 @@ TEST_F(TrackFeatureTest, SaveCommandStartsAndEndsLogs) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        shell.OnCommand(cmd::kStopGps);
+        shell.OnCommand(shell::cmd::kStopGps);
         fs::remove_all(TrackFolder());
         fs::create_directories(TrackFolder());
         settings.trackLogOn = 0;
@@ -66,12 +66,12 @@ TEST_F(TrackFeatureTest, SaveCommandStartsAndEndsLogs) {
         if (c.recordingBefore)
             shell.OnCommand(cmd::kSaveTrack);
         const std::string path = state().trackFilePath;
-        ui.trackRunning = false;
+        platform->trackRunning = false;
         shell.OnCommand(cmd::kSaveTrack);
 
         EXPECT_EQ(settings.trackLogOn != 0, c.recordingAfter);
         EXPECT_EQ(SaveChecked(), c.recordingAfter);
-        EXPECT_EQ(ui.trackRunning, c.timerArmed);
+        EXPECT_EQ(platform->trackRunning, c.timerArmed);
         const std::string file = c.recordingBefore ? path : state().trackFilePath;
         if (c.lines < 0) {
             EXPECT_TRUE(fs::is_empty(TrackFolder()));
@@ -90,7 +90,8 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     settings.trackLogOn = 1;
     settings.trackIntervalMs = 30000;
     StartLink();
-    EXPECT_EQ(ui.trackPeriod, 30000u);
+    EXPECT_EQ(platform->trackPeriod, 30000u);
+    EXPECT_EQ(settings.showTrack, 1u) << "a running receiver draws its trail";
     const std::string path = state().trackFilePath;
     EXPECT_EQ(path.rfind(TrackFolder() + "/", 0), 0u) << path;
     SetFix(true);
@@ -106,14 +107,15 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     // The storage moves to a card: the recording goes on in a new file there.
     const std::string card = settings.storageRoot + "/card/My GPS/Track Log";
     fs::create_directories(card);
-    shell.features().NotifyTrackFolderChanged(card);
+    settings.storageRoot += "/card";
+    shell.features().NotifySettingsChanged();
     EXPECT_EQ(state().trackFilePath.rfind(card + "/", 0), 0u) << state().trackFilePath;
     EXPECT_EQ(ReadFile(path), text);
 
     // The link dies under the timer: the next tick ends everything but the file.
     link.running = false;
     feature->OnTrackTick();
-    EXPECT_FALSE(ui.trackRunning);
+    EXPECT_FALSE(platform->trackRunning);
     EXPECT_EQ(settings.trackLogOn, 0u);
     EXPECT_EQ(state().trackFilePath, "");
     EXPECT_EQ(Count(&TrackState::liveWorldTrail), 0u);
@@ -122,7 +124,7 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     // Stopping by command ends recording too; a new start does not resume it.
     settings.trackLogOn = 1;
     StartLink();
-    shell.OnCommand(cmd::kStopGps);
+    shell.OnCommand(shell::cmd::kStopGps);
     EXPECT_FALSE(SaveChecked());
     StartLink();
     EXPECT_EQ(state().trackFilePath, "");
@@ -138,18 +140,18 @@ TEST_F(TrackFeatureTest, TimerFailuresAreSaid) {
     const Case cases[] = {
         {"save", cmd::kSaveTrack, kTrackTimerFailedOnSave},
         {"interval", cmd::kTrack10s + 1, kTrackTimerFailedOnInterval},
-        {"start", cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail},
+        {"start", shell::cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        shell.OnCommand(cmd::kStopGps);
+        shell.OnCommand(shell::cmd::kStopGps);
         settings.trackLogOn = 0;
-        if (c.command != cmd::kStartGps)
+        if (c.command != shell::cmd::kStartGps)
             StartLink();
         ui.messages.clear();
-        ui.failTimer = true;
+        platform->failTrackTimer = true;
         shell.OnCommand(c.command);
-        ui.failTimer = false;
+        platform->failTrackTimer = false;
         ASSERT_EQ(MessageTexts(), std::vector<std::string>{c.message});
         EXPECT_EQ(ui.messages[0].second, shell::MessageIcon::Error);
     }
@@ -247,7 +249,7 @@ TEST_F(TrackFeatureTest, FollowPause) {
     feature->onFollowPause = [&told](bool paused) { told = paused; };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        shell.OnCommand(cmd::kStopGps);
+        shell.OnCommand(shell::cmd::kStopGps);
         if (c.running)
             StartLink();
         ui.messages.clear();
@@ -268,7 +270,7 @@ TEST_F(TrackFeatureTest, FollowPause) {
                 feature->OnMapGeometryChanged(c.then == Then::ModeChange);
                 break;
             case Then::StopLink:
-                shell.OnCommand(cmd::kStopGps);
+                shell.OnCommand(shell::cmd::kStopGps);
                 break;
         }
         EXPECT_EQ(feature->followPaused(), c.paused);

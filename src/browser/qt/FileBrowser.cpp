@@ -166,7 +166,7 @@ FileBrowser::FileBrowser(shell::qt::DialogStack& stack, int mode, const QString&
     layout->addWidget(filter);
 
     SetSoftKeys(
-        {QString::fromUtf8(common::LoadString(40200)), [this] { GoUp(); }, true},
+        {QString::fromUtf8(common::LoadString(common::kStrUp)), [this] { GoUp(); }, true},
         {QString::fromUtf8(common::LoadString(common::kStrCancel)), [this] { Reject(); }, true});
     ListFolder(folder.empty() ? std::string("/") : folder);
 }

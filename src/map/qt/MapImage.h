@@ -17,19 +17,11 @@
 
 #include "ImageViewport.h"
 #include "MapGeometry.h"
+#include "MapLoading.h"
 
 class QPainter;
 
 namespace satwalk::map {
-
-// Formats a map may be: BMP, JPG, GIF (its first frame) and PNG.
-enum class ImageLoadError {
-    None,
-    CannotOpen,  // missing, unreadable, a folder
-    NotAnImage,  // empty, or none of the four formats
-    TooLarge,    // declared size past kMaxImageBytes
-    Damaged,     // header or data broken, truncated
-};
 
 // Bytes the full-resolution image may take decoded (4 bytes a pixel): a
 // 10,000 × 10,000 scan fits, 60,000 × 60,000 does not.

@@ -20,17 +20,12 @@ bool QtPoiIcons::LoadIcons(screens::Bitmap& icons) {
 }
 
 std::unique_ptr<PoiFeature> MakePoiFeature(shell::Shell& shell, browser::FileChooser& chooser,
-                                           map::qt::MapFeature& mapFeature,
+                                           const map::MapFeature& mapFeature,
                                            screens::ScreenBitmaps& bitmaps,
                                            map::MapScreen& mapScreen) {
     auto feature = std::make_unique<PoiFeature>(
         shell, chooser, std::make_unique<QtPoiIcons>(bitmaps, QStringLiteral(SATWALK_BITMAP_DIR)));
-    feature->calibratedMapShown = [map = &mapFeature] {
-        const map::MapView view = map->model().View();
-        return view.mapMode != 0 && view.Calibrated();
-    };
-    mapScreen.layers().Add(map::LayerOrder::PointsOfInterest,
-                           std::make_unique<PoiLayer>(*feature, shell.settings().showPoi));
+    TiePoiToMap(*feature, mapFeature, mapScreen, shell.settings().showPoi);
     return feature;
 }
 

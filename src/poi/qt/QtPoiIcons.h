@@ -6,7 +6,6 @@
 
 #include <memory>
 
-#include "MapFeature.h"
 #include "PoiFeature.h"
 #include "QtCanvas.h"
 
@@ -28,7 +27,7 @@ class QtPoiIcons final : public PoiPlatform {
 // The POI feature with its icons from `bitmaps`, its layer added to
 // `mapScreen`; an import goes to the map the map feature shows.
 std::unique_ptr<PoiFeature> MakePoiFeature(shell::Shell& shell, browser::FileChooser& chooser,
-                                           map::qt::MapFeature& mapFeature,
+                                           const map::MapFeature& mapFeature,
                                            screens::ScreenBitmaps& bitmaps,
                                            map::MapScreen& mapScreen);
 

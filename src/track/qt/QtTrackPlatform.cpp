@@ -5,10 +5,8 @@
 
 #include <utility>
 
-#include "MapFeature.h"
 #include "Shell.h"
 #include "TrackState.h"
-#include "TrailLayer.h"
 
 namespace satwalk::track::qt {
 
@@ -20,6 +18,10 @@ constexpr int kProgressSteps = 1000;
 }  // namespace
 
 QtTrackPlatform::QtTrackPlatform(QWidget* window) : window_(window) {
+    connect(&trackTimer_, &QTimer::timeout, this, [this] {
+        if (trackTick_)
+            trackTick_();
+    });
     followTimer_.setSingleShot(true);
     connect(&followTimer_, &QTimer::timeout, this, [this] {
         if (followExpired_)
@@ -39,6 +41,12 @@ QtTrackPlatform::~QtTrackPlatform() {
         worker_.join();
     if (progress_)
         delete progress_.data();
+}
+
+bool QtTrackPlatform::StartTrackTimer(std::uint32_t periodMs, std::function<void()> tick) {
+    trackTick_ = std::move(tick);
+    trackTimer_.start(static_cast<int>(periodMs));
+    return trackTimer_.isActive();
 }
 
 bool QtTrackPlatform::StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) {
@@ -110,30 +118,11 @@ void QtTrackPlatform::Finish(std::function<void()> done) {
 }
 
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
-                                               QWidget* window, map::qt::MapFeature& mapFeature,
-                                               map::MapScreen& mapScreen,
-                                               std::function<void()>& onTrackTick) {
+                                               QWidget* window, map::MapFeature& mapFeature,
+                                               map::MapScreen& mapScreen) {
     auto feature =
         std::make_unique<TrackFeature>(shell, chooser, std::make_unique<QtTrackPlatform>(window));
-    TrackFeature* track = feature.get();
-    map::qt::MapFeature* map = &mapFeature;
-    track->projections = [map] { return ProjectionsFor(map->model().View()); };
-    track->onFollowPause = [map](bool paused) {
-        if (paused)
-            map->PauseFollowing();
-        else
-            map->ResumeFollowing();
-    };
-    mapFeature.onManualMove = [track] { track->OnMapMovedByHand(); };
-    mapFeature.onCalibrationChanged = [track, map, mode = map->model().View().mapMode]() mutable {
-        const int now = map->model().View().mapMode;
-        track->OnMapGeometryChanged(now != mode);
-        mode = now;
-    };
-    mapScreen.layers().Add(
-        map::LayerOrder::Trails,
-        std::make_unique<TrailLayer>(feature->state(), shell.settings().showTrack));
-    onTrackTick = [f = feature.get()] { f->OnTrackTick(); };
+    TieTrackToMap(*feature, mapFeature, mapScreen, shell.settings().showTrack);
     return feature;
 }
 

@@ -1,6 +1,6 @@
-// The track feature's platform on Qt: timer 1026 as a single-shot QTimer,
-// and the log reader on a thread of its own, with a progress dialog that
-// appears once a read has taken half a second.
+// The track feature's platform on Qt: timer 1027 (the track's samples) and
+// timer 1026 (the follow pause, single-shot) as QTimers, and the log reader on a thread of its own,
+// with a progress dialog that appears once a read has taken half a second.
 #pragma once
 
 #include <QObject>
@@ -13,8 +13,6 @@
 #include <memory>
 #include <thread>
 
-#include "MapFeature.h"
-#include "MapLayers.h"
 #include "TrackFeature.h"
 
 class QProgressDialog;
@@ -28,6 +26,9 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     // Waits for a read under way; its result is dropped.
     ~QtTrackPlatform() override;
 
+    bool StartTrackTimer(std::uint32_t periodMs, std::function<void()> tick) override;
+    void StopTrackTimer() override { trackTimer_.stop(); }
+    bool TrackTimerRunning() const override { return trackTimer_.isActive(); }
     bool StartFollowTimer(std::uint32_t periodMs, std::function<void()> expired) override;
     void StopFollowTimer() override;
     void RunReader(std::function<void(const TrackProgress& progress)> work,
@@ -38,6 +39,8 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     void Finish(std::function<void()> done);
 
     QWidget* window_;
+    QTimer trackTimer_;
+    std::function<void()> trackTick_;
     QTimer followTimer_;
     std::function<void()> followExpired_;
     std::thread worker_;
@@ -51,13 +54,9 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     QPointer<QProgressDialog> progress_;
 };
 
-// The track feature on `window`: its trail layer added to `mapScreen`, the
-// window's track timer (`onTrackTick`) wired to it, and tied to the map
-// feature both ways (the map's projections and its manual moves and new
-// calibrations in, the follow pause out).
+// The track feature on `window`, tied to the map feature (TieTrackToMap).
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
-                                               QWidget* window, map::qt::MapFeature& mapFeature,
-                                               map::MapScreen& mapScreen,
-                                               std::function<void()>& onTrackTick);
+                                               QWidget* window, map::MapFeature& mapFeature,
+                                               map::MapScreen& mapScreen);
 
 }  // namespace satwalk::track::qt

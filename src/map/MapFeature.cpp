@@ -1,95 +1,23 @@
 #include "MapFeature.h"
 
-#include <QApplication>
-#include <QFileDialog>
-#include <QGuiApplication>
-#include <QMenu>
-#include <QPainter>
-#include <QWidget>
-
 #include <cmath>
+#include <cstdlib>
 
 #include "CommandIds.h"
-#include "Dialogs.h"
-#include "FileBrowser.h"
 #include "FileListing.h"
+#include "MapCommands.h"
 #include "MapScreenLayers.h"
-#include "QtCanvas.h"
-#include "ReferenceDialog.h"
 #include "Screens.h"
 #include "Shell.h"
 #include "Strings.h"
 
-namespace satwalk::map::qt {
+namespace satwalk::map {
 
 namespace {
 
 constexpr int kHoldMs = 600;         // press-and-hold without moving
 constexpr int kRepeatDelayMs = 100;  // then the auto-repeat's period
 constexpr int kRepeatMs = 200;
-
-bool Offscreen() {
-    return QGuiApplication::platformName().startsWith(QLatin1String("offscreen"));
-}
-
-// Until the program's own dialogs are there: the platform's file dialog on a
-// display, nothing offscreen; no reference-point dialog.
-class StandInDialogs final : public MapDialogs {
-  public:
-    explicit StandInDialogs(QWidget& window) : window_(window) {}
-    void ChooseFile(int, const std::string& title,
-                    std::function<void(const std::string&)> done) override {
-        if (Offscreen()) {
-            done({});
-            return;
-        }
-        const QString path =
-            QFileDialog::getOpenFileName(&window_, QString::fromStdString(title), QString(),
-                                         QStringLiteral("Images (*.bmp *.jpg *.jpeg *.gif *.png)"));
-        done(path.toStdString());
-    }
-    void EditReferencePoint(int, const ReferenceDialogFields& fields,
-                            std::function<void(bool, const ReferenceDialogFields&)> done) override {
-        done(false, fields);
-    }
-
-  private:
-    QWidget& window_;
-};
-
-// The program's own: the file browser and dialog 113 over the window.
-class ProgramDialogs final : public MapDialogs {
-  public:
-    ProgramDialogs(shell::qt::DialogStack& stack, shell::Shell& shell)
-        : stack_(stack), shell_(shell) {}
-    void ChooseFile(int mode, const std::string&,
-                    std::function<void(const std::string&)> done) override {
-        browser::qt::ChooseFile(stack_, mode, 40118, std::move(done));
-    }
-    void EditReferencePoint(int slot, const ReferenceDialogFields&,
-                            std::function<void(bool, const ReferenceDialogFields&)> done) override;
-
-    ReferencePoints* points = nullptr;
-
-  private:
-    shell::qt::DialogStack& stack_;
-    shell::Shell& shell_;
-};
-
-void ProgramDialogs::EditReferencePoint(
-    int slot, const ReferenceDialogFields&,
-    std::function<void(bool, const ReferenceDialogFields&)> done) {
-    const GeoPoint point =
-        points != nullptr ? (*points)[static_cast<std::size_t>(slot)] : GeoPoint{};
-    OpenReferencePointDialog(
-        stack_, slot, point,
-        [this] {
-            const screens::DisplayState& d = shell_.display();
-            return ReferenceFix{d.linkRunning && d.fixValid, d.latitude, d.longitude};
-        },
-        [done](const ReferenceDialogFields& fields) { done(true, fields); },
-        [done] { done(false, {}); });
-}
 
 shell::Key KeyOf(Arrow arrow) {
     switch (arrow) {
@@ -122,32 +50,13 @@ void WritePoint(std::string& out, const GeoPoint& p) {
 
 }  // namespace
 
-void MapImageLayer::Paint(screens::Canvas& canvas, const MapView& view,
-                          const screens::ScreenContext&, const gps::GpsState&) {
-    if (view.mapMode == 0 || !view.showMap || image_.IsNull())
-        return;
-    const VisiblePart part = ComputeVisiblePart(
-        view.imageSize, view.currentWidth, view.currentHeight, view.scrollCentre, view.viewRect);
-    if (part.empty)
-        return;
-    if (auto* qt = dynamic_cast<screens::QtCanvas*>(&canvas)) {
-        DrawMapImage(qt->painter(), image_, part);
-    } else {
-        // A canvas without Qt records where the picture lies.
-        canvas.FillRect(part.destination, screens::Rgb(200, 200, 200));
-    }
-}
-
 // What the stylus asks of the window.
 class MapFeature::Sink final : public InteractionSink {
   public:
     explicit Sink(MapFeature& f) : f_(f) {}
     void SendArrow(Arrow arrow) override { f_.shell_.OnKeyDown(KeyOf(arrow)); }
-    void StartRepeat() override {
-        f_.repeatTimer_.stop();
-        f_.repeatTimer_.start(kRepeatDelayMs);
-    }
-    void StopRepeat() override { f_.repeatTimer_.stop(); }
+    void StartRepeat() override { f_.StartRepeat(); }
+    void StopRepeat() override { f_.platform_->StopTimer(MapTimer::Repeat); }
     void Pan(int direction, int step) override { f_.model_.Pan(direction, step); }
     void PlacementTap(int x, int y) override { f_.model_.PlacementTap(x, y); }
     void ManualMove() override {
@@ -160,50 +69,35 @@ class MapFeature::Sink final : public InteractionSink {
     MapFeature& f_;
 };
 
-MapFeature::MapFeature(shell::Shell& shell, QWidget& window, screens::ScreenContext& screens,
-                       MapScreen& mapScreen, shell::qt::DialogStack* dialogs)
+MapFeature::MapFeature(shell::Shell& shell, screens::ScreenContext& screens, MapScreen& mapScreen,
+                       std::unique_ptr<MapPlatform> platform)
     : shell_(shell),
-      window_(window),
       screens_(screens),
       mapScreen_(mapScreen),
-      sink_(std::make_unique<Sink>(*this)),
-      standIn_(std::make_unique<StandInDialogs>(window)) {
-    if (dialogs != nullptr) {
-        auto own = std::make_unique<ProgramDialogs>(*dialogs, shell);
-        own->points = &model_.refs.referencePoints;
-        standIn_ = std::move(own);
-    }
-    dialogs_ = standIn_.get();
-    // 100 ms after the press the 200 ms period starts: the first tick comes
-    // 300 ms after the press.
-    QObject::connect(&repeatTimer_, &QTimer::timeout, &window_, [this] {
-        if (repeatTimer_.interval() != kRepeatMs) {
-            // The 100 ms wait is over: the 200 ms period starts now.
-            repeatTimer_.setInterval(kRepeatMs);
-            return;
-        }
-        map::OnRepeatTick(model_.stylus, Scene(0, 0), *sink_);
-        shell_.Repaint();
-    });
-    holdTimer_.setSingleShot(true);
-    holdTimer_.setInterval(kHoldMs);
-    QObject::connect(&holdTimer_, &QTimer::timeout, &window_, [this] {
-        if (holdPending_) {
-            holdPending_ = false;
-            ShowHoldMenu(holdAt_.x, holdAt_.y);
-        }
-    });
-}
+      platform_(std::move(platform)),
+      sink_(std::make_unique<Sink>(*this)) {}
 
 MapFeature::~MapFeature() = default;
 
-void MapFeature::SetDialogs(MapDialogs* dialogs) {
-    dialogs_ = dialogs != nullptr ? dialogs : standIn_.get();
+void MapFeature::StartRepeat() {
+    // 100 ms after the press the 200 ms period starts: the first tick comes
+    // 300 ms after the press.
+    platform_->StartTimer(MapTimer::Repeat, kRepeatDelayMs, [this] {
+        platform_->StartTimer(MapTimer::Repeat, kRepeatMs, [this] {
+            map::OnRepeatTick(model_.stylus, Scene(0, 0), *sink_);
+            shell_.Repaint();
+        });
+    });
+}
+
+void MapFeature::ToggleSetting(std::uint32_t& flag) {
+    flag ^= 1u;
+    shell_.Repaint();
 }
 
 void MapFeature::Register(shell::FeatureRegistry& registry) {
     auto& layers = mapScreen_.layers();
-    layers.Add(LayerOrder::BaseMap, std::make_unique<MapImageLayer>(image_));
+    layers.Add(LayerOrder::BaseMap, platform_->MakeImageLayer());
     layers.Add(LayerOrder::BaseMap, std::make_unique<ScaleBarLayer>());
     layers.Add(LayerOrder::ReferenceMarkers, std::make_unique<ReferenceMarkerLayer>(model_));
     layers.Add(LayerOrder::Overlay, std::make_unique<MapOverlayLayer>(model_));
@@ -226,21 +120,32 @@ void MapFeature::Register(shell::FeatureRegistry& registry) {
 
     using shell::Command;
     using shell::EntryState;
-    registry.AddCommand(shell::cmd::kLoadMap,
-                        Command{[this](int) {
-                                    dialogs_->ChooseFile(
-                                        browser::kBrowseMaps, common::LoadString(40118),
-                                        [this](const std::string& path) {
-                                            const int i =
-                                                ChooseMapFile(shell_.settings().recentMaps, path);
-                                            if (i >= 0)
-                                                OpenRecent(i);
-                                        });
-                                },
-                                {}});
+    registry.AddCommand(cmd::kWorldMap,
+                        Command{[this](int) { shell_.ChooseScreen(shell::kScreenMap); }, {}});
+    registry.AddCommand(cmd::kLoadedMap, Command{[this](int) {
+                                                     if (mapLoaded_)
+                                                         shell_.ChooseScreen(shell::kScreenMap);
+                                                 },
+                                                 {}});
+    registry.AddCommand(cmd::kShowMap,
+                        Command{[this](int) { ToggleSetting(shell_.settings().showMap); }, {}});
+    registry.AddCommand(
+        cmd::kShowReferencePoints,
+        Command{[this](int) { ToggleSetting(shell_.settings().showReferencePoints); }, {}});
+    registry.AddCommand(cmd::kLoadMap, Command{[this](int) {
+                                                   platform_->ChooseFile(
+                                                       browser::kBrowseMaps,
+                                                       [this](const std::string& path) {
+                                                           const int i = ChooseMapFile(
+                                                               shell_.settings().recentMaps, path);
+                                                           if (i >= 0)
+                                                               OpenRecent(i);
+                                                       });
+                                               },
+                                               {}});
     for (int i = 0; i < kRecentMapCount; ++i) {
         registry.AddCommand(
-            kCmdRecentMapFirst + i,
+            cmd::kRecentMap1 + i,
             Command{[this, i](int) { OpenRecent(i); },
                     [this, i](int) {
                         EntryState e;
@@ -251,7 +156,7 @@ void MapFeature::Register(shell::FeatureRegistry& registry) {
                     }});
     }
     for (int i = 0; i < kReferenceSlotCount; ++i) {
-        registry.AddCommand(shell::cmd::kSetReferencePoint1 + i,
+        registry.AddCommand(cmd::kSetReferencePoint1 + i,
                             Command{[this, i](int) { StartPlacement(i); },
                                     [this](int) {
                                         EntryState e;
@@ -265,44 +170,86 @@ void MapFeature::Register(shell::FeatureRegistry& registry) {
                                         OpenReferenceDialog();
                                 },
                                 {}});
-    registry.AddCommand(shell::cmd::kCancelPlacement,
+    registry.AddCommand(cmd::kCancelPlacement,
                         Command{[this](int) {
                                     if (model_.refs.placingReferencePoint != 0)
                                         EndPlacement(true);
                                 },
                                 {}});
+    registry.AddKey(shell::Key::Digit4, cmd::kWorldMap);
+    registry.AddKey(shell::Key::Digit5, cmd::kLoadedMap, [this] { return mapLoaded_; });
+    registry.SetTabCommand(1, cmd::kWorldMap);
+    registry.SetTabCommand(2, cmd::kLoadedMap);
+    registry.AddDisplayContribution(
+        [this](screens::DisplayState& display) { display.mapLoaded = mapLoaded_; });
+    RegisterMenus(registry);
     registry.AddStateSection([this](common::JsonMembers& members) { WriteState(members); });
+}
+
+void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
+    using common::LoadString;
+    using shell::MenuPlace;
+    registry.AddMenuEntries(MenuPlace::ViewMap, 0, [this] {
+        const bool onMap = shell_.currentScreen == shell::kScreenMap;
+        const shell::ProgramSettings& s = shell_.settings();
+        std::vector<shell::MenuEntry> entries;
+        if (mapLoaded_) {
+            entries.push_back(shell::MenuRadio(
+                cmd::kLoadedMap,
+                common::FormatString(LoadString(common::kStrMenuLoadedMapKey), model_.map.mapFileName),
+                onMap));
+        }
+        entries.push_back(shell::MenuRadio(cmd::kWorldMap, LoadString(common::kStrMenuWorldMap),
+                                           onMap && !mapLoaded_));
+        entries.push_back(
+            shell::MenuCheck(cmd::kShowMap, LoadString(common::kStrMenuShowMap), s.showMap != 0));
+        entries.push_back(shell::MenuCheck(cmd::kShowReferencePoints,
+                                           LoadString(common::kStrMenuShowReferencePoints),
+                                           s.showReferencePoints != 0));
+        return entries;
+    });
+    registry.AddMenuEntries(MenuPlace::MainMap, 0, [this] {
+        std::vector<shell::MenuEntry> recent;
+        for (int i = 0; i < kRecentMapCount; ++i)
+            recent.push_back(shell::MenuItem(cmd::kRecentMap1 + i, {}));
+        std::vector<shell::MenuEntry> entries{
+            shell::MenuItem(cmd::kLoadMap, LoadString(common::kStrMenuLoadMap)),
+            shell::MenuSub(LoadString(common::kStrMenuRecentMaps), std::move(recent))};
+        for (int i = 0; i < kReferenceSlotCount; ++i) {
+            entries.push_back(shell::MenuItem(
+                cmd::kSetReferencePoint1 + i,
+                common::FormatString(LoadString(common::kStrMenuSetReferencePoint),
+                                     std::to_string(i + 1)),
+                mapLoaded_));
+        }
+        return entries;
+    });
 }
 
 // ----- loading -----
 
 bool MapFeature::LoadMap(const std::string& path) {
     const std::string name(MapFileName(path));
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    MapImage loaded;
-    const ImageLoadError error = LoadMapImage(QString::fromStdString(path), loaded);
-    QApplication::restoreOverrideCursor();
+    ImageSize size;
+    const ImageLoadError error = platform_->LoadImage(path, size);
     if (error != ImageLoadError::None) {
         // The map shown before stays.
         shell_.ui().ShowMessage(common::FormatString(common::LoadString(kStrImportFailed), name),
                                 shell::MessageIcon::Error, shell::MessageButtons::Ok);
         return false;
     }
-    const ImageSize size = loaded.Size();
     if (size.width <= 0 || size.height <= 0) {
         shell_.ui().ShowMessage(std::string(kReadImageInformationFailedMessage),
                                 shell::MessageIcon::Error, shell::MessageButtons::Ok);
-        image_ = MapImage{};
+        platform_->DropImage();
         model_.map = LoadedMap{};
-        shell_.mapLoaded = false;
+        mapLoaded_ = false;
         return false;
     }
-    image_ = std::move(loaded);
     model_.ApplyLoadedMap(path, size, MakeReferenceFileName(shell_.settings().storageRoot, path));
     if (model_.referencesRead)
         shell_.settings().showReferencePoints = 1;
-    shell_.mapLoaded = true;
-    shell_.mapLabel = model_.map.mapFileName;
+    mapLoaded_ = true;
     if (onCalibrationChanged)
         onCalibrationChanged();
     return true;
@@ -327,8 +274,8 @@ void MapFeature::StartPlacement(int slot) {
         return;
     model_.StartPlacement(slot);
     shell_.settings().showReferencePoints = 1;
-    shell_.softKeys = {common::LoadString(40073), shell::cmd::kLeftSoftKey,
-                       common::LoadString(40071), shell::cmd::kCancelPlacement};
+    shell_.SetSoftKeys({common::LoadString(common::kStrPlacementOk), shell::cmd::kLeftSoftKey,
+                        common::LoadString(common::kStrPlacementCancel), cmd::kCancelPlacement});
     if (shell_.currentScreen != shell::kScreenMap)
         shell_.ChooseScreen(shell::kScreenMap);
     shell_.Repaint();
@@ -337,7 +284,7 @@ void MapFeature::StartPlacement(int slot) {
 void MapFeature::EndPlacement(bool restoreCursor) {
     if (restoreCursor)
         model_.CancelPlacement();
-    shell_.softKeys = {};
+    shell_.SetSoftKeys({});
     shell_.Repaint();
 }
 
@@ -346,28 +293,29 @@ void MapFeature::OpenReferenceDialog() {
         return;
     dialogOpen_ = true;
     const int slot = model_.refs.editedSlot;
-    const ReferenceDialogFields fields =
-        map::OpenReferenceDialog(model_.refs.referencePoints[static_cast<std::size_t>(slot)]);
-    dialogs_->EditReferencePoint(slot, fields, [this](bool ok, const ReferenceDialogFields& f) {
-        dialogOpen_ = false;
-        if (!ok || model_.map.mapMode == 0) {
-            // Placement goes on: the user may tap again and retry.
-            shell_.Repaint();
-            return;
-        }
-        const ReferenceConfirmation c = ConfirmReferencePoint(
-            model_.refs, f, MakeReferenceFileName(shell_.settings().storageRoot, model_.mapPath),
-            !image_.IsNull(), model_.map.image, model_.map.fit.displayedWidth,
-            model_.scaleBarPixels(), model_.calibration, model_.extent);
-        if (!c.saved) {
-            shell_.ui().ShowMessage(std::string(kSaveReferenceFailedMessage),
-                                    shell::MessageIcon::Error, shell::MessageButtons::Ok);
-        }
-        model_.ApplyConfirmation(c);
-        if (onCalibrationChanged)
-            onCalibrationChanged();
-        EndPlacement(false);
-    });
+    platform_->EditReferencePoint(
+        slot, model_.refs.referencePoints[static_cast<std::size_t>(slot)],
+        [this](bool ok, const ReferenceDialogFields& f) {
+            dialogOpen_ = false;
+            if (!ok || model_.map.mapMode == 0) {
+                // Placement goes on: the user may tap again and retry.
+                shell_.Repaint();
+                return;
+            }
+            const ReferenceConfirmation c = ConfirmReferencePoint(
+                model_.refs, f,
+                MakeReferenceFileName(shell_.settings().storageRoot, model_.mapPath),
+                platform_->HasImage(), model_.map.image, model_.map.fit.displayedWidth,
+                model_.scaleBarPixels(), model_.calibration, model_.extent);
+            if (!c.saved) {
+                shell_.ui().ShowMessage(std::string(kSaveReferenceFailedMessage),
+                                        shell::MessageIcon::Error, shell::MessageButtons::Ok);
+            }
+            model_.ApplyConfirmation(c);
+            if (onCalibrationChanged)
+                onCalibrationChanged();
+            EndPlacement(false);
+        });
 }
 
 void MapFeature::ShowHoldMenu(int x, int y) {
@@ -375,22 +323,11 @@ void MapFeature::ShowHoldMenu(int x, int y) {
     map::OnStylusUp(model_.stylus, *sink_);
     swallowUp_ = true;
     model_.holdMenuOpen = true;
-    if (Offscreen()) {
-        // Scripts pick the entry with its command.
-        shell_.Repaint();
-        return;
-    }
-    auto* menu = new QMenu(&window_);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (int i = 0; i < kReferenceSlotCount; ++i) {
-        QAction* a = menu->addAction(QStringLiteral("Set Ref Point %1").arg(i + 1));
-        const int id = shell::cmd::kSetReferencePoint1 + i;
-        QObject::connect(
-            a, &QAction::triggered, &window_, [this, id] { shell_.OnCommand(id); },
-            Qt::QueuedConnection);
-    }
-    QObject::connect(menu, &QMenu::aboutToHide, &window_, [this] { model_.holdMenuOpen = false; });
-    menu->popup(window_.mapToGlobal(QPoint(x, y)));
+    const bool shown = platform_->ShowHoldMenu(
+        x, y, [this](int command) { shell_.OnCommand(command); },
+        [this] { model_.holdMenuOpen = false; });
+    if (!shown)
+        shell_.Repaint();  // scripts pick the entry with its command
 }
 
 // ----- keys and stylus -----
@@ -448,7 +385,13 @@ bool MapFeature::OnStylusDown(int x, int y) {
     if (r == StylusDownResult::MayHold) {
         holdPending_ = true;
         holdAt_ = {x, y};
-        holdTimer_.start();
+        platform_->StartTimer(MapTimer::Hold, kHoldMs, [this] {
+            platform_->StopTimer(MapTimer::Hold);
+            if (holdPending_) {
+                holdPending_ = false;
+                ShowHoldMenu(holdAt_.x, holdAt_.y);
+            }
+        });
     }
     return true;
 }
@@ -458,7 +401,7 @@ void MapFeature::OnStylusMove(int x, int y) {
     const int slack = std::max(3, screens_.baseTextHeight / 5);
     if (holdPending_ && (std::abs(x - holdAt_.x) > slack || std::abs(y - holdAt_.y) > slack)) {
         holdPending_ = false;
-        holdTimer_.stop();
+        platform_->StopTimer(MapTimer::Hold);
     }
     if (holdPending_)
         return;
@@ -467,7 +410,7 @@ void MapFeature::OnStylusMove(int x, int y) {
 
 void MapFeature::OnStylusUp(int, int) {
     holdPending_ = false;
-    holdTimer_.stop();
+    platform_->StopTimer(MapTimer::Hold);
     if (swallowUp_) {
         swallowUp_ = false;
         return;
@@ -476,14 +419,10 @@ void MapFeature::OnStylusUp(int, int) {
 }
 
 void MapFeature::OnGpsData() {
+    // The shell paints once after every feature has heard of the batch, so
+    // a view that follows the position is shown with it.
     const screens::DisplayState& d = shell_.display();
-    const MapView before = model_.View();
     model_.UpdatePosition(d.linkRunning, d.fixValid, d.latitude, d.longitude);
-    const MapView after = model_.View();
-    // Following moved the view: show it now rather than at the next fix.
-    if (shell_.currentScreen == shell::kScreenMap &&
-        (before.worldOrigin != after.worldOrigin || before.scrollCentre != after.scrollCentre))
-        shell_.Repaint();
 }
 
 // ----- state -----
@@ -576,10 +515,4 @@ void MapFeature::WriteState(common::JsonMembers& members) const {
     out += '}';
 }
 
-std::unique_ptr<MapFeature> MakeMapFeature(shell::Shell& shell, QWidget& window,
-                                           screens::ScreenContext& screens, MapScreen& mapScreen,
-                                           shell::qt::DialogStack& dialogs) {
-    return std::make_unique<MapFeature>(shell, window, screens, mapScreen, &dialogs);
-}
-
-}  // namespace satwalk::map::qt
+}  // namespace satwalk::map

@@ -1,0 +1,82 @@
+// The map feature's platform faked: timers that fire when the test says,
+// images that are only sizes, dialogs that answer as the test sets.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "MapFeature.h"
+
+namespace satwalk::map::test {
+
+class FakeMapPlatform final : public MapPlatform {
+  public:
+    void StartTimer(MapTimer timer, int periodMs, std::function<void()> expired) override {
+        timers[timer] = {periodMs, std::move(expired)};
+    }
+    void StopTimer(MapTimer timer) override { timers.erase(timer); }
+    // Runs the timer's callback once, as its period ending would.
+    bool Fire(MapTimer timer) {
+        const auto it = timers.find(timer);
+        if (it == timers.end())
+            return false;
+        const std::function<void()> expired = it->second.expired;
+        expired();
+        return true;
+    }
+    int Period(MapTimer timer) const {
+        const auto it = timers.find(timer);
+        return it == timers.end() ? 0 : it->second.periodMs;
+    }
+
+    ImageLoadError LoadImage(const std::string& path, ImageSize& size) override {
+        const auto it = images.find(path);
+        if (it == images.end())
+            return ImageLoadError::CannotOpen;
+        size = it->second;
+        loaded = path;
+        return ImageLoadError::None;
+    }
+    void DropImage() override { loaded.clear(); }
+    bool HasImage() const override { return !loaded.empty(); }
+    std::unique_ptr<MapLayer> MakeImageLayer() override { return std::make_unique<NoLayer>(); }
+
+    void ChooseFile(int, std::function<void(const std::string&)> done) override {
+        done(chosenFile);
+    }
+    void EditReferencePoint(int slot, const GeoPoint& point,
+                            std::function<void(bool, const ReferenceDialogFields&)> done) override {
+        editedSlot = slot;
+        ReferenceDialogFields fields = OpenReferenceDialog(point);
+        if (answerFields)
+            answerFields(fields);
+        done(answerOk, fields);
+    }
+    bool ShowHoldMenu(int, int, std::function<void(int)> chosen, std::function<void()>) override {
+        holdMenu = std::move(chosen);
+        return true;
+    }
+
+    struct Timer {
+        int periodMs = 0;
+        std::function<void()> expired;
+    };
+    std::map<MapTimer, Timer> timers;
+    std::map<std::string, ImageSize> images;  // the files that load, by path
+    std::string loaded;
+    std::string chosenFile;
+    int editedSlot = -1;
+    bool answerOk = true;
+    std::function<void(ReferenceDialogFields&)> answerFields;
+    std::function<void(int)> holdMenu;
+
+  private:
+    struct NoLayer final : MapLayer {
+        void Paint(screens::Canvas&, const MapView&, const screens::ScreenContext&,
+                   const gps::GpsState&) override {}
+    };
+};
+
+}  // namespace satwalk::map::test

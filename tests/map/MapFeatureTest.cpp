@@ -1,0 +1,189 @@
+// The map feature's rules without a display: its menus, keys and tabs, map
+// loading and its failures, reference-point placement through the dialog,
+// the hold menu and the state dump, with the platform faked.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "CommandIds.h"
+#include "FakeMapPlatform.h"
+#include "FakeShellParts.h"
+#include "MapCommands.h"
+#include "Screens.h"
+#include "Shell.h"
+#include "StateJson.h"
+#include "Strings.h"
+
+namespace satwalk::map {
+namespace {
+
+namespace fs = std::filesystem;
+
+class MapFeatureTest : public ::testing::Test {
+  protected:
+    MapFeatureTest() : shell(settings, link, ui, sound, nullptr) {
+        root = fs::temp_directory_path() /
+               ("satwalk-map-feature-" + std::to_string(::getpid()) + "-" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(root);
+        fs::create_directories(root);
+        settings.storageRoot = root.string();
+        shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
+        auto fake = std::make_unique<test::FakeMapPlatform>();
+        platform = fake.get();
+        platform->images[kMap] = {1000, 800};
+        ctx.screen = {0, 0, 480, 560};
+        ctx.frame = {0, 0, 480, 640};
+        ctx.mapView.view = ctx.screen;
+        ctx.bitmaps[screens::BitmapId::MapOverlay.value].width = 30;
+        feature = std::make_unique<MapFeature>(shell, ctx, mapScreen, std::move(fake));
+        shell.features().Add(*feature);
+    }
+    ~MapFeatureTest() override { fs::remove_all(root); }
+
+    void Load(const std::string& path) {
+        platform->chosenFile = path;
+        shell.OnCommand(cmd::kLoadMap);
+    }
+    // Lays the map out as a paint would.
+    void Layout() { mapScreen.viewSource(ctx); }
+    std::string View() const { return shell::DescribeMenu(shell.BuildViewMenu()); }
+    std::string Main() const { return shell::DescribeMenu(shell.BuildMainMenu()); }
+    std::string State() const { return shell::BuildStateJson(shell, {}); }
+
+    static constexpr const char* kMap = "/maps/lake.png";
+    fs::path root;
+    shell::ProgramSettings settings;
+    shell::testing::FakeLink link;
+    shell::testing::FakeUi ui;
+    shell::testing::FakeSound sound;
+    shell::Shell shell;
+    screens::ScreenContext ctx;
+    MapScreen mapScreen;
+    test::FakeMapPlatform* platform = nullptr;
+    std::unique_ptr<MapFeature> feature;
+};
+
+TEST_F(MapFeatureTest, MenusKeysAndTabsFollowTheLoadedMap) {
+    // The world only: no entry for a loaded map, key 5 and tab 2 do nothing,
+    // the reference points are greyed, the recent slots empty.
+    EXPECT_NE(View().find("  地图 >\n    ( ) 40029 世界地图\t[4]\n    [x] 40031 显示载入地图\n"
+                          "    [x] 40053 显示参照点\n"),
+              std::string::npos)
+        << View();
+    EXPECT_NE(Main().find("40034 设置参照点 1 (grey)"), std::string::npos) << Main();
+    EXPECT_NE(Main().find("40207 空 (grey)"), std::string::npos) << Main();
+    shell.OnKeyDown(shell::Key::Digit5);
+    shell.OnTabTapped(2);
+    EXPECT_EQ(shell.currentScreen, shell::kScreenGpsInfo);
+    shell.OnTabTapped(1);
+    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+    EXPECT_FALSE(shell.display().mapLoaded);
+
+    Load(kMap);
+    ASSERT_TRUE(feature->mapLoaded());
+    EXPECT_TRUE(shell.display().mapLoaded);
+    EXPECT_NE(View().find("(*) 40030 lake.png\t[5]\n    ( ) 40029 世界地图"), std::string::npos)
+        << View();
+    EXPECT_NE(Main().find("40203 lake.png\n"), std::string::npos) << Main();
+    EXPECT_NE(Main().find("40034 设置参照点 1\n"), std::string::npos) << Main();
+    shell.OnKeyDown(shell::Key::Digit1);
+    shell.OnKeyDown(shell::Key::Digit5);
+    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+
+    // The show toggles are the map's commands.
+    shell.OnCommand(cmd::kShowMap);
+    shell.OnCommand(cmd::kShowReferencePoints);
+    EXPECT_EQ(settings.showMap, 0u);
+    EXPECT_EQ(settings.showReferencePoints, 0u);
+}
+
+TEST_F(MapFeatureTest, FailedLoadsSayWhyAndKeepTheMapShown) {
+    Load(kMap);
+    ui.messages.clear();
+    platform->images["/maps/empty.png"] = {0, 0};
+    for (const char* path : {"/maps/missing.png", "/maps/empty.png"}) {
+        Load(path);
+        ASSERT_EQ(ui.messages.size(), 1u) << path;
+        EXPECT_EQ(ui.messages[0].second, shell::MessageIcon::Error);
+        ui.messages.clear();
+    }
+    // The missing file left the map; the unreadable size dropped it.
+    EXPECT_FALSE(feature->mapLoaded());
+    EXPECT_EQ(platform->loaded, "");
+    Load("");  // cancelled: nothing happens
+    EXPECT_TRUE(ui.messages.empty());
+}
+
+TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFile) {
+    Load(kMap);
+    Layout();
+    // Two corners of the picture, each placed with the soft keys' OK.
+    const struct {
+        int slot;
+        const char* latitude;
+        const char* longitude;
+    } points[] = {{0, "30", "120"}, {1, "29", "121"}};
+    for (const auto& p : points) {
+        shell.OnCommand(cmd::kSetReferencePoint1 + p.slot);
+        EXPECT_TRUE(shell.softKeys().Plain());
+        EXPECT_EQ(shell.softKeys().right, common::LoadString(common::kStrPlacementCancel));
+        platform->answerFields = [&p](ReferenceDialogFields& f) {
+            f.active = true;
+            f.latitude = {p.latitude, "0", "0"};
+            f.longitude = {p.longitude, "0", "0"};
+        };
+        // Move the cursor away from the first point before confirming the second.
+        shell.features().NotifyStylusDown(100 + 200 * p.slot, 100 + 200 * p.slot);
+        shell.features().NotifyStylusUp(100 + 200 * p.slot, 100 + 200 * p.slot);
+        shell.OnCommand(shell::cmd::kLeftSoftKey);
+        EXPECT_EQ(platform->editedSlot, p.slot);
+        EXPECT_FALSE(shell.softKeys().Plain()) << "placement ends with the dialog's OK";
+    }
+    EXPECT_TRUE(feature->model().calibration.IsValid());
+    EXPECT_NE(State().find("\"calibrated\":true,\"activeReferenceCount\":2"), std::string::npos)
+        << State();
+    EXPECT_TRUE(fs::exists(MakeReferenceFileName(settings.storageRoot, kMap)));
+    EXPECT_TRUE(ui.messages.empty());
+
+    // Cancel restores the cursor and the drop-downs.
+    shell.OnCommand(cmd::kSetReferencePoint1 + 2);
+    shell.OnCommand(cmd::kCancelPlacement);
+    EXPECT_FALSE(shell.softKeys().Plain());
+    EXPECT_NE(State().find("\"placing\":false"), std::string::npos);
+}
+
+TEST_F(MapFeatureTest, HoldOpensTheReferenceMenuAndButtonsRepeat) {
+    Load(kMap);
+    Layout();
+    shell.features().NotifyStylusDown(240, 280);
+    EXPECT_EQ(platform->Period(MapTimer::Hold), 600);
+    ASSERT_TRUE(platform->Fire(MapTimer::Hold));
+    EXPECT_EQ(platform->Period(MapTimer::Hold), 0) << "a hold fires once";
+    ASSERT_TRUE(platform->holdMenu);
+    EXPECT_NE(State().find("\"holdMenuOpen\":true"), std::string::npos);
+    platform->holdMenu(cmd::kSetReferencePoint1 + 3);
+    EXPECT_NE(State().find("\"placing\":true,\"editedSlot\":3"), std::string::npos) << State();
+    shell.OnCommand(cmd::kCancelPlacement);
+
+    // A drag is no hold.
+    shell.features().NotifyStylusDown(240, 280);
+    shell.features().NotifyStylusMove(300, 280);
+    EXPECT_EQ(platform->Period(MapTimer::Hold), 0);
+    shell.features().NotifyStylusUp(300, 280);
+
+    // A navigation button repeats: 100 ms to the first tick, then 200 ms.
+    const NavigationButtons buttons = LayoutNavigationButtons(ctx);
+    const screens::Rect& up = buttons[0];
+    shell.features().NotifyStylusDown((up.left + up.right) / 2, (up.top + up.bottom) / 2);
+    EXPECT_EQ(platform->Period(MapTimer::Repeat), 100);
+    platform->Fire(MapTimer::Repeat);
+    EXPECT_EQ(platform->Period(MapTimer::Repeat), 200);
+    shell.features().NotifyStylusUp(0, 0);
+    EXPECT_EQ(platform->Period(MapTimer::Repeat), 0);
+}
+
+}  // namespace
+}  // namespace satwalk::map
