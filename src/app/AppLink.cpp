@@ -7,6 +7,12 @@
 #include <QMetaObject>
 #include <QThread>
 
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
 #include "BluezSearch.h"
 #include "CommandIds.h"
 #include "MainWindow.h"
@@ -14,6 +20,7 @@
 namespace satwalk::app {
 
 AppLink::AppLink() {
+    handOverStats_ = std::getenv("SATWALK_HANDOVER_STATS") != nullptr;
     rfcomm_.portMap = portMap_;
     // The connection is begun, not waited for: the window goes on at once,
     // the receiver's first bytes arrive when it has answered, and a receiver
@@ -30,6 +37,12 @@ AppLink::AppLink() {
 
 AppLink::~AppLink() {
     Shutdown();
+    if (handOverStats_ && !handOverWaits_.empty()) {
+        std::vector<double>& w = handOverWaits_;
+        std::sort(w.begin(), w.end());
+        std::fprintf(stderr, "satwalk: hand-over wait: batches %zu median %.0f us p90 %.0f us\n",
+                     w.size(), w[w.size() / 2], w[w.size() * 9 / 10]);
+    }
 }
 
 void AppLink::Shutdown() {
@@ -116,11 +129,17 @@ bool AppLink::Start() {
 // and what the handler did is seen by the reader after the call. The pair of
 // atomics says so to any thread checker, whatever Qt's queue uses inside.
 void AppLink::Deliver(const char* slot) {
+    const auto start = std::chrono::steady_clock::now();
     handOver_.fetch_add(1, std::memory_order_release);
     QMetaObject::invokeMethod(
         this, slot,
         QThread::currentThread() == thread() ? Qt::DirectConnection : Qt::BlockingQueuedConnection);
     handOver_.load(std::memory_order_acquire);
+    if (handOverStats_ && std::strcmp(slot, "RunGpsData") == 0 && handOverWaits_.size() < 1000000) {
+        handOverWaits_.push_back(
+            std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+                .count());
+    }
 }
 
 void AppLink::RunGpsData() {

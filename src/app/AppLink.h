@@ -11,6 +11,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "PortNames.h"
 #include "ReceiverLink.h"
@@ -97,6 +98,11 @@ class AppLink : public QObject,
     QTimer watchdog_;  // id 1
     std::atomic<bool> closing_{false};
     std::atomic<unsigned> handOver_{0};  // orders the reader's and the handler's work
+    // With SATWALK_HANDOVER_STATS set: how long the reader waited for each
+    // batch's handler, in microseconds (the reader's thread only), printed
+    // at the end for the benchmark.
+    bool handOverStats_ = false;
+    std::vector<double> handOverWaits_;
 };
 
 }  // namespace satwalk::app

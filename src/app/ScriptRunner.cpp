@@ -138,7 +138,9 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         int id = 0;
         if (!number(1, id))
             return Fail(QStringLiteral("command needs an id")), false;
-        window_.shell().OnCommand(id);
+        // A soft key of the open dialog takes its own command, as a tap would.
+        if (!window_.dialogs().PressCommand(id))
+            window_.shell().OnCommand(id);
     } else if (verb == QLatin1String("key")) {
         int key = 0;
         QString text;

@@ -132,17 +132,16 @@ void MapFeature::Register(shell::FeatureRegistry& registry) {
     registry.AddCommand(
         cmd::kShowReferencePoints,
         Command{[this](int) { ToggleSetting(shell_.settings().showReferencePoints); }, {}});
-    registry.AddCommand(cmd::kLoadMap, Command{[this](int) {
-                                                   platform_->ChooseFile(
-                                                       browser::kBrowseMaps,
-                                                       [this](const std::string& path) {
-                                                           const int i = ChooseMapFile(
-                                                               shell_.settings().recentMaps, path);
-                                                           if (i >= 0)
-                                                               OpenRecent(i);
-                                                       });
-                                               },
-                                               {}});
+    registry.AddCommand(
+        cmd::kLoadMap,
+        Command{[this](int) {
+                    platform_->ChooseFile(browser::kBrowseMaps, [this](const std::string& path) {
+                        const int i = ChooseMapFile(shell_.settings().recentMaps, path);
+                        if (i >= 0)
+                            OpenRecent(i);
+                    });
+                },
+                {}});
     for (int i = 0; i < kRecentMapCount; ++i) {
         registry.AddCommand(
             cmd::kRecentMap1 + i,
@@ -194,10 +193,11 @@ void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
         const shell::ProgramSettings& s = shell_.settings();
         std::vector<shell::MenuEntry> entries;
         if (mapLoaded_) {
-            entries.push_back(shell::MenuRadio(
-                cmd::kLoadedMap,
-                common::FormatString(LoadString(common::kStrMenuLoadedMapKey), model_.map.mapFileName),
-                onMap));
+            entries.push_back(
+                shell::MenuRadio(cmd::kLoadedMap,
+                                 common::FormatString(LoadString(common::kStrMenuLoadedMapKey),
+                                                      model_.map.mapFileName),
+                                 onMap));
         }
         entries.push_back(shell::MenuRadio(cmd::kWorldMap, LoadString(common::kStrMenuWorldMap),
                                            onMap && !mapLoaded_));
@@ -216,11 +216,11 @@ void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
             shell::MenuItem(cmd::kLoadMap, LoadString(common::kStrMenuLoadMap)),
             shell::MenuSub(LoadString(common::kStrMenuRecentMaps), std::move(recent))};
         for (int i = 0; i < kReferenceSlotCount; ++i) {
-            entries.push_back(shell::MenuItem(
-                cmd::kSetReferencePoint1 + i,
-                common::FormatString(LoadString(common::kStrMenuSetReferencePoint),
-                                     std::to_string(i + 1)),
-                mapLoaded_));
+            entries.push_back(
+                shell::MenuItem(cmd::kSetReferencePoint1 + i,
+                                common::FormatString(LoadString(common::kStrMenuSetReferencePoint),
+                                                     std::to_string(i + 1)),
+                                mapLoaded_));
         }
         return entries;
     });

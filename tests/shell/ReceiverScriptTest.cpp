@@ -37,7 +37,8 @@ TEST_F(ReceiverScriptTest, SearchChooseAndRecord) {
                             "set 1106 0\n"
                             "state @/manual.json\n"
                             "set 1106 1\n") +
-                kTapSearch +
+                // The menu bar's command goes to the open dialog, as a tap would.
+                "command 40060\n"
                 "wait 300\n"
                 "state @/searching.json\n"
                 "wait 14000\n"

@@ -165,9 +165,10 @@ FileBrowser::FileBrowser(shell::qt::DialogStack& stack, int mode, const QString&
     AddControl(kFilterLabel, shell::ControlKind::Label, filter);
     layout->addWidget(filter);
 
-    SetSoftKeys(
-        {QString::fromUtf8(common::LoadString(common::kStrUp)), [this] { GoUp(); }, true},
-        {QString::fromUtf8(common::LoadString(common::kStrCancel)), [this] { Reject(); }, true});
+    SetSoftKeys({QString::fromUtf8(common::LoadString(common::kStrUp)), [this] { GoUp(); }, true,
+                 common::kStrUp},
+                {QString::fromUtf8(common::LoadString(common::kStrCancel)), [this] { Reject(); },
+                 true, common::kStrCancel});
     ListFolder(folder.empty() ? std::string("/") : folder);
 }
 

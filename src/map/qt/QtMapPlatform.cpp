@@ -31,8 +31,7 @@ void MapImageLayer::Paint(screens::Canvas& canvas, const MapView& view,
     }
 }
 
-QtMapPlatform::QtMapPlatform(QWidget& window, shell::qt::DialogStack& dialogs,
-                             shell::Shell& shell)
+QtMapPlatform::QtMapPlatform(QWidget& window, shell::qt::DialogStack& dialogs, shell::Shell& shell)
     : window_(window), dialogs_(dialogs), shell_(shell) {
     QObject::connect(&repeat_, &QTimer::timeout, &window_, [this] {
         // The callback may restart this timer with a new one: call a copy.

@@ -103,8 +103,9 @@ ReferenceDialog::ReferenceDialog(shell::qt::DialogStack& stack, int slot, const 
                       .arg(b / 8));
 
     connect(active_, &QCheckBox::toggled, this, [this](bool on) { EnableFields(on); });
-    SetSoftKeys({Text(kInsertGpsCoordinate), [this] { InsertCurrentCoordinate(); }, true},
-                {Text(common::kStrCancel), [this] { Reject(); }, true});
+    SetSoftKeys({Text(kInsertGpsCoordinate), [this] { InsertCurrentCoordinate(); }, true,
+                 kInsertGpsCoordinate},
+                {Text(common::kStrCancel), [this] { Reject(); }, true, common::kStrCancel});
 
     // As it opens: north and east, the edits from the slot, and the check
     // box (with the fields it enables) as the slot is active.

@@ -122,8 +122,8 @@ FullScreenDialog::FullScreenDialog(DialogStack& stack, int resourceId, const QSt
     layout->addWidget(rule);
     layout->addWidget(body_, 1);
 
-    softKeys_[0] = {Text(common::kStrOk), [this] { Accept(); }, true};
-    softKeys_[1] = {Text(common::kStrCancel), [this] { Reject(); }, true};
+    softKeys_[0] = {Text(common::kStrOk), [this] { Accept(); }, true, common::kStrOk};
+    softKeys_[1] = {Text(common::kStrCancel), [this] { Reject(); }, true, common::kStrCancel};
 }
 
 QString FullScreenDialog::caption() const {
@@ -336,6 +336,19 @@ void DialogStack::PressSoftKey(int index) {
         if (key.enabled && key.run)
             key.run();
     }
+}
+
+bool DialogStack::PressCommand(int id) {
+    FullScreenDialog* d = top();
+    if (d == nullptr || id == 0)
+        return false;
+    for (int index : {0, 1}) {
+        if (d->softKey(index).command == id) {
+            PressSoftKey(index);
+            return true;
+        }
+    }
+    return false;
 }
 
 bool DialogStack::Answer(DialogResult result) {

@@ -77,6 +77,7 @@ struct SoftKey {
     QString text;
     std::function<void()> run;
     bool enabled = true;
+    int command = 0;  // the menu bar's command id: a script's `command` presses it
 };
 
 class FullScreenDialog : public QWidget {
@@ -178,6 +179,9 @@ class DialogStack final : public Feature {
     QWidget* KeyTarget() const;
     // A tap on the left (0) or right (1) half of the soft-key bar.
     void PressSoftKey(int index);
+    // The top dialog's soft key whose command is `id`, pressed as a tap
+    // would; false when no open dialog has it.
+    bool PressCommand(int id);
     // `answer ok|cancel`: false when no dialog is open.
     bool Answer(DialogResult result);
 

@@ -115,8 +115,9 @@ void ReceiverSettingsWidget::Sync(const link::ReceiverSettingsDialog& d) {
     // The search runs on its worker: the dialog stays usable, the cursor
     // says that something is under way.
     setCursor(d.waitCursor ? Qt::BusyCursor : Qt::ArrowCursor);
-    SetSoftKeys({Q(d.search.text), [this] { onSearch ? onSearch() : void(); }, d.search.enabled},
-                {Q(d.cancel.text), [this] { Reject(); }, d.cancel.enabled});
+    SetSoftKeys({Q(d.search.text), [this] { onSearch ? onSearch() : void(); }, d.search.enabled,
+                 d.search.id},
+                {Q(d.cancel.text), [this] { Reject(); }, d.cancel.enabled, d.cancel.id});
 }
 
 namespace {
