@@ -13,7 +13,7 @@ using common::TextToInt;
 
 namespace {
 
-enum class Sentence { kNone, kRmc, kGsv, kGsa, kGga };
+enum class Sentence { None, Rmc, Gsv, Gsa, Gga };
 
 constexpr int kSatellitesPerGsv = 4;
 
@@ -28,27 +28,27 @@ constexpr unsigned kSeedGga = 122;
 Sentence MatchHeader(const char* h) {
     // Compared exactly, case-sensitive, in this order.
     if (std::memcmp(h, "GPRMC,", 6) == 0)
-        return Sentence::kRmc;
+        return Sentence::Rmc;
     if (std::memcmp(h, "GPGSV,", 6) == 0)
-        return Sentence::kGsv;
+        return Sentence::Gsv;
     if (std::memcmp(h, "GPGSA,", 6) == 0)
-        return Sentence::kGsa;
+        return Sentence::Gsa;
     if (std::memcmp(h, "GPGGA,", 6) == 0)
-        return Sentence::kGga;
-    return Sentence::kNone;
+        return Sentence::Gga;
+    return Sentence::None;
 }
 
 unsigned SeedOf(Sentence s) {
     switch (s) {
-        case Sentence::kRmc:
+        case Sentence::Rmc:
             return kSeedRmc;
-        case Sentence::kGsv:
+        case Sentence::Gsv:
             return kSeedGsv;
-        case Sentence::kGsa:
+        case Sentence::Gsa:
             return kSeedGsa;
-        case Sentence::kGga:
+        case Sentence::Gga:
             return kSeedGga;
-        case Sentence::kNone:
+        case Sentence::None:
             break;
     }
     return 0;
@@ -238,14 +238,14 @@ int OtherTalker(const char* h) {
 // The sentence named by the four characters after a talker ("RMC," ...).
 Sentence SentenceAfterTalker(const char* t) {
     if (std::memcmp(t, "RMC,", 4) == 0)
-        return Sentence::kRmc;
+        return Sentence::Rmc;
     if (std::memcmp(t, "GSV,", 4) == 0)
-        return Sentence::kGsv;
+        return Sentence::Gsv;
     if (std::memcmp(t, "GSA,", 4) == 0)
-        return Sentence::kGsa;
+        return Sentence::Gsa;
     if (std::memcmp(t, "GGA,", 4) == 0)
-        return Sentence::kGga;
-    return Sentence::kNone;
+        return Sentence::Gga;
+    return Sentence::None;
 }
 
 unsigned HeaderXor(const char* h) {
@@ -664,12 +664,12 @@ void DecodeBatch(GpsState& state, GsvAssembly& assembly, std::string_view text, 
             }
             Sentence kind = MatchHeader(state.header);
             int talker = 0;
-            if (kind == Sentence::kNone) {
+            if (kind == Sentence::None) {
                 if (talkers != nullptr)
                     talker = OtherTalker(state.header);
                 if (talker > 0)
                     kind = SentenceAfterTalker(state.header + 2);
-                if (kind == Sentence::kNone) {
+                if (kind == Sentence::None) {
                     p = h;
                     continue;
                 }
@@ -718,11 +718,11 @@ void DecodeBatch(GpsState& state, GsvAssembly& assembly, std::string_view text, 
                 if (talkers != nullptr) {
                     if (talker != 0)
                         ++talkers->counts.otherTalkers;
-                    else if (kind == Sentence::kRmc)
+                    else if (kind == Sentence::Rmc)
                         ++talkers->counts.gpRmc;
                 }
                 switch (kind) {
-                    case Sentence::kRmc:
+                    case Sentence::Rmc:
                         ParseRmc(state, fields, star);
                         if (state.timeSyncPending) {
                             state.timeSyncPending = 0;
@@ -731,19 +731,19 @@ void DecodeBatch(GpsState& state, GsvAssembly& assembly, std::string_view text, 
                                 sink->OnGpsTime();
                         }
                         break;
-                    case Sentence::kGsv:
+                    case Sentence::Gsv:
                         if (talkers != nullptr && talkers->acceptAll)
                             ParseSkyGsv(state, talkers->sky, talker, fields, star);
                         else
                             ParseGsv(state, assembly, fields, star);
                         break;
-                    case Sentence::kGsa:
+                    case Sentence::Gsa:
                         ParseGsa(state, fields, star);
                         break;
-                    case Sentence::kGga:
+                    case Sentence::Gga:
                         ParseGga(state, fields, star);
                         break;
-                    case Sentence::kNone:
+                    case Sentence::None:
                         break;
                 }
             }
