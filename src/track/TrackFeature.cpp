@@ -52,9 +52,9 @@ TrackProjections TrackFeature::Projections() const {
     return p;
 }
 
-TrackSample TrackFeature::CurrentSample(const gps::GpsState& fix) const {
+TrackSample TrackFeature::CurrentSample() const {
     const bool fixValid = shell_.link().Running() && shell_.link().FixValid();
-    TrackSample s = SampleFromFix(fix, fixValid, LocalTrackTime());
+    TrackSample s = SampleFromFix(shell_.fix(), shell_.fixValues(), fixValid, LocalTrackTime());
     if (!fixValid)
         return s;
     const TrackProjections p = Projections();
@@ -78,7 +78,7 @@ void TrackFeature::Message(const std::string& text, bool exclamation) {
 }
 
 void TrackFeature::OnTrackTick() {
-    if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample(shell_.fix())))
+    if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample()))
         shell_.ui().StopTrackTimer();
     if (shell_.currentScreen == shell::kScreenMap)
         shell_.Repaint();
@@ -86,7 +86,7 @@ void TrackFeature::OnTrackTick() {
 
 void TrackFeature::OnLinkStarted() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
-    track::OnLinkStarted(state_, CurrentSample(shell_.fix()));
+    track::OnLinkStarted(state_, CurrentSample());
 }
 
 void TrackFeature::OnLinkStopped() {
@@ -101,12 +101,12 @@ void TrackFeature::OnTrackFolderChanged(const std::string& trackFolder) {
     // the recording goes on in a new file under the new track folder.
     state_.trackFolder = trackFolder;
     if (state_.trackLogOn != 0 && shell_.link().Running())
-        StartTrackLog(state_, CurrentSample(shell_.fix()));
+        StartTrackLog(state_, CurrentSample());
 }
 
 void TrackFeature::SaveTrackLog() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
-    if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample(shell_.fix()))) {
+    if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample())) {
         shell_.ui().StopTrackTimer();
         if (!shell_.ui().StartTrackTimer(state_.trackIntervalMs)) {
             Message(kTrackTimerFailedOnSave);

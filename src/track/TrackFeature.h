@@ -74,7 +74,8 @@ class TrackFeature final : public shell::Feature {
     bool reading() const { return reading_; }
 
   private:
-    TrackSample CurrentSample(const gps::GpsState& fix) const;
+    // A sample of the shell's copy of the fix.
+    TrackSample CurrentSample() const;
     TrackProjections Projections() const;
     void SaveTrackLog();
     void ViewTrackLog();
