@@ -258,7 +258,8 @@ void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, Rect box, int fo
     const int weight = (landscape && !hi) ? 400 : 700;
     const Font old = CreateScreenFont(canvas, fontHeight, weight);
     char line[64];
-    std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(ctx.display.fix, ctx.display.unitSystem));
+    std::snprintf(line, sizeof line, "%0.1f",
+                  SpeedInDisplayUnit(ctx.display.fix, ctx.display.unitSystem));
     const int dx = hi ? 4 : 2, dy = hi ? 3 : 1, dr = hi ? 3 : 1, db = hi ? 6 : 3;
     const int mid = box.top + (box.bottom - box.top) / 2;
     // The readout sits on a tab of fixed size: a face wider than the
@@ -513,13 +514,13 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx) {
         DrawTabHighlight(canvas, ctx);
         if (hi) {
             DrawCourseArrow(canvas, fix, 15, l.width / 2, y0 + 201, b / 2);
-            DrawSpeedReadout(canvas, ctx, Rect{1, y0 + 225, l.width + 1, y0 + 275},
-                             (2 * b) / 3 - 2, true);
+            DrawSpeedReadout(canvas, ctx, Rect{1, y0 + 225, l.width + 1, y0 + 275}, (2 * b) / 3 - 2,
+                             true);
             DrawMiniSkyPlot(canvas, ctx, 22, 27, y0 + 305, b / 4);
         } else {
             DrawCourseArrow(canvas, fix, 8, l.width / 2, y0 + 100, b / 2);
-            DrawSpeedReadout(canvas, ctx, Rect{1, y0 + 113, l.width + 1, y0 + 139},
-                             (2 * b) / 3 + 1, true);
+            DrawSpeedReadout(canvas, ctx, Rect{1, y0 + 113, l.width + 1, y0 + 139}, (2 * b) / 3 + 1,
+                             true);
             DrawMiniSkyPlot(canvas, ctx, 12, 14, y0 + 153, b / 3);
         }
         const int ax = s.right - b / 5 - l.alarmWidth;

@@ -138,8 +138,7 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     const int size = std::max(std::min(vs, hs) * 100 / 230, 0);
     DrawCourseArrow(canvas, fix, size, right - hs / 2 - 1, R + g + (3 * h4) / 2 + vs / 2, b);
 
-    DrawSignalBars(canvas, ctx,
-                   left + W + m + b / 2 + (right - left - W - m - b / 2 - 4 * b) / 2,
+    DrawSignalBars(canvas, ctx, left + W + m + b / 2 + (right - left - W - m - b / 2 - 4 * b) / 2,
                    bottom - (6 * b) / 5);
 
     const int s = StatusIconSize(ctx);
