@@ -74,9 +74,11 @@ int main(int argc, char** argv) {
 
     long warm = 0;
     for (long i = 0; i < frames; ++i) {
-        if (i % 4 == 0)
+        if (i % 4 == 0) {
             gps::ParseNmeaBuffer(g, a, batches[static_cast<std::size_t>(i / 4) % batches.size()],
                                  nullptr);
+            ctx.display.fix = gps::ReadFix(g);
+        }
         ctx.display.currentScreen = static_cast<int>(i % 4);
         ctx.display.fixValid = g.status == 'A';
         ctx.display.blinkPhase = (i / 4) % 2 != 0;

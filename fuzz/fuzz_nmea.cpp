@@ -1,6 +1,7 @@
 // Any receiver bytes through the decoder, batch by batch as the link hands
-// them over, then through the JSON writer. Checks that every text of the
-// fix stays NUL-terminated within its width.
+// them over, then through reading the fix's numbers and the JSON writer.
+// Checks that every text of the fix stays NUL-terminated within its width.
+// Each input starts from a fresh decoder, so a found input reproduces alone.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -51,11 +52,10 @@ struct NullSink final : TimeSyncSink {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static GpsState state;
-    static GsvAssembly assembly;
-    static NullSink sink;
-    static Talkers talkers;
-    static std::string json;
+    GpsState state;
+    GsvAssembly assembly;
+    NullSink sink;
+    Talkers talkers;
     // The first byte picks the batch size, so cuts land everywhere, and with
     // its lowest bit whether all satellite systems are accepted.
     std::size_t batch = 2047;
@@ -66,11 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ++data;
         --size;
     }
-    if (talkers.acceptAll != acceptAll) {
-        talkers.acceptAll = acceptAll;
-        talkers.sky.Reset();
-        assembly.Reset();
-    }
+    talkers.acceptAll = acceptAll;
     const char* text = reinterpret_cast<const char*>(data);
     for (std::size_t at = 0; at < size; at += batch) {
         const std::size_t n = size - at < batch ? size - at : batch;
@@ -83,11 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (assembly.countParsed > 1 || talkers.sky.rows > kSatelliteRows)
             std::abort();
     }
-    double lat = 0;
-    double lon = 0;
-    satwalk::common::NmeaToDegrees(state.latitude, state.northSouth, state.longitude,
-                                   state.eastWest, &lat, &lon);
-    json.clear();
-    AppendGpsJsonMembers(json, state, true);
+    std::string json;
+    AppendGpsJsonMembers(json, state, ReadFix(state), true);
     return 0;
 }

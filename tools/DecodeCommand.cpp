@@ -146,7 +146,7 @@ int RunDecode(int argc, char** argv) {
         out.append(num, std::to_chars(num, num + sizeof num, number).ptr);
         out += ",\"timeSync\":";
         out += sync.fired ? "true," : "false,";
-        gps::AppendGpsJsonMembers(out, state, timeKnown);
+        gps::AppendGpsJsonMembers(out, state, gps::ReadFix(state), timeKnown);
         out += "}\n";
         if (out.size() > (1u << 20) - 8192) {
             if (!WriteAll(STDOUT_FILENO, out))

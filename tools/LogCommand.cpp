@@ -54,7 +54,7 @@ class PrintingSink final : public link::LinkSink {
         out_.append(num, std::to_chars(num, num + sizeof num, batch_).ptr);
         out_ += ",\"timeSync\":";
         out_ += synced_ ? "true," : "false,";
-        gps::AppendGpsJsonMembers(out_, link_.gps, timeKnown_);
+        gps::AppendGpsJsonMembers(out_, link_.gps, gps::ReadFix(link_.gps), timeKnown_);
         out_ += "}\n";
         WriteAll(STDOUT_FILENO, out_);
         synced_ = false;

@@ -123,12 +123,13 @@ int main(int argc, char** argv) {
         ctx.display.speedAlarmLimit = alarm != 0 ? alarm : 50;
         ctx.display.compassOrientation = northUp ? 1 : 0;
         ctx.display.linkRunning = !linkDown;
-        ctx.display.fixValid = ctx.display.linkRunning && gps.status == 'A';
+        ctx.display.fix = gps::ReadFix(gps);
+        ctx.display.fixValid = ctx.display.linkRunning && ctx.display.fix.valid;
         ctx.display.blinkPhase = true;
         ctx.display.recording = recording;
         ctx.display.fixTimeKnown = sync.synced;
-        common::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest,
-                              &ctx.display.latitude, &ctx.display.longitude);
+        ctx.display.latitude = ctx.display.fix.latitude.value_or(gps::kAbsentDegrees);
+        ctx.display.longitude = ctx.display.fix.longitude.value_or(gps::kAbsentDegrees);
         QImage image;
         for (const char* p = screensArg.c_str(); *p;) {
             const int screen = std::atoi(p);

@@ -9,7 +9,6 @@
 #include <cstdlib>
 
 #include "FileBrowser.h"
-#include "FixText.h"
 #include "MainWindow.h"
 #include "ReferenceDialog.h"
 
@@ -91,9 +90,8 @@ class TestHooks final : public shell::Feature {
             map::qt::ReferenceFix f;
             const shell::Shell& shell = window_.shell();
             f.haveFix = shell.link().Running() && shell.link().FixValid();
-            const gps::GpsState& g = shell.fix();
-            common::NmeaToDegrees(g.latitude, g.northSouth, g.longitude, g.eastWest, &f.latitude,
-                                  &f.longitude);
+            f.latitude = shell.fixValues().latitude.value_or(gps::kAbsentDegrees);
+            f.longitude = shell.fixValues().longitude.value_or(gps::kAbsentDegrees);
             return f;
         };
         map::qt::OpenReferencePointDialog(

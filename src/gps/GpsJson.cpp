@@ -5,16 +5,12 @@
 #include <cstdio>
 #include <cstring>
 
-#include "FixText.h"
 #include "Json.h"
 
 namespace satwalk::gps {
 
 using common::AppendJsonNumber;
 using common::AppendJsonString;
-using common::CalendarTime;
-using common::FileTimeToCalendar;
-using common::NmeaToDegrees;
 
 namespace {
 
@@ -53,7 +49,8 @@ std::string FormatFixTime(FileTime time) {
     return buf;
 }
 
-void AppendGpsJsonMembers(std::string& out, const GpsState& s, bool timeKnown) {
+void AppendGpsJsonMembers(std::string& out, const GpsState& s, const FixValues& values,
+                          bool timeKnown) {
     Member(out, "header", Text(s.header));
     Member(out, "utcTime", Text(s.utcTime));
     Member(out, "date", Text(s.date));
@@ -87,15 +84,12 @@ void AppendGpsJsonMembers(std::string& out, const GpsState& s, bool timeKnown) {
         out += '}';
     }
     out += "],";
-    double lat = 0;
-    double lon = 0;
-    NmeaToDegrees(s.latitude, s.northSouth, s.longitude, s.eastWest, &lat, &lon);
     out += "\"latitudeDegrees\":";
-    AppendJsonNumber(out, lat);
+    AppendJsonNumber(out, values.latitude.value_or(kAbsentDegrees));
     out += ",\"longitudeDegrees\":";
-    AppendJsonNumber(out, lon);
+    AppendJsonNumber(out, values.longitude.value_or(kAbsentDegrees));
     out += ",\"fixValid\":";
-    out += s.status == 'A' ? "true" : "false";
+    out += values.valid ? "true" : "false";
     out += ",\"fixTimeLocal\":";
     if (timeKnown) {
         char buf[40];

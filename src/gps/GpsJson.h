@@ -9,9 +9,11 @@
 namespace satwalk::gps {
 
 // Appends the members of the fix (no braces): every text field by name, the
-// 12 satellite rows, latitudeDegrees, longitudeDegrees, fixValid and
-// fixTimeLocal ("YYYY-MM-DD hh:mm:ss.mmm", or null when `timeKnown` is false).
-void AppendGpsJsonMembers(std::string& out, const GpsState& state, bool timeKnown);
+// 12 satellite rows, latitudeDegrees, longitudeDegrees and fixValid from
+// `values` (the record's numbers) and fixTimeLocal ("YYYY-MM-DD
+// hh:mm:ss.mmm", or null when `timeKnown` is false).
+void AppendGpsJsonMembers(std::string& out, const GpsState& state, const FixValues& values,
+                          bool timeKnown);
 
 // The local fix time as "YYYY-MM-DD hh:mm:ss.mmm".
 std::string FormatFixTime(FileTime time);

@@ -28,6 +28,31 @@ void ClearRange(GpsState* state, std::size_t begin, std::size_t end) {
     std::memset(reinterpret_cast<unsigned char*>(state) + begin, 0, end - begin);
 }
 
+// A field's text as a C string, cut at the field's last byte as
+// TerminateTexts cuts it.
+template <std::size_t N>
+struct Terminated {
+    explicit Terminated(const char (&field)[N]) {
+        std::memcpy(text, field, N - 1);
+        text[N - 1] = '\0';
+    }
+    char text[N];
+};
+
+template <std::size_t N>
+std::optional<double> ReadDouble(const char (&field)[N]) {
+    if (field[0] == '\0')
+        return std::nullopt;
+    return TextToDouble(Terminated(field).text);
+}
+
+template <std::size_t N>
+std::optional<int> ReadInt(const char (&field)[N]) {
+    if (field[0] == '\0')
+        return std::nullopt;
+    return TextToInt(Terminated(field).text);
+}
+
 }  // namespace
 
 GpsState::GpsState() {
@@ -75,6 +100,36 @@ void GpsState::TerminateTexts() {
         end(r.azimuth);
         end(r.snr);
     }
+}
+
+FixValues ReadFix(const GpsState& s) {
+    FixValues v;
+    const bool haveLatitude = s.latitude[0] != '\0' || s.northSouth != '\0';
+    const bool haveLongitude = s.longitude[0] != '\0' || s.eastWest != '\0';
+    if (haveLatitude || haveLongitude) {
+        double latitude = 0;
+        double longitude = 0;
+        NmeaToDegrees(Terminated(s.latitude).text, s.northSouth, Terminated(s.longitude).text,
+                      s.eastWest, &latitude, &longitude);
+        if (haveLatitude)
+            v.latitude = latitude;
+        if (haveLongitude)
+            v.longitude = longitude;
+    }
+    v.speedKnots = ReadDouble(s.speedKnots);
+    v.course = ReadDouble(s.course);
+    v.altitude = ReadDouble(s.altitude);
+    v.hdop = ReadDouble(s.hdop);
+    v.pdop = ReadDouble(s.pdop);
+    v.vdop = ReadDouble(s.vdop);
+    v.satellitesUsed = ReadInt(s.satellitesUsed);
+    v.satellitesInView = ReadInt(s.satellitesInView);
+    v.valid = s.status == 'A';
+    for (int i = 0; i < kSatelliteRows; ++i) {
+        const SatelliteRecord& r = s.satellites[i];
+        v.satellites[i] = {ReadDouble(r.elevation), ReadDouble(r.azimuth), ReadInt(r.snr)};
+    }
+    return v;
 }
 
 }  // namespace satwalk::gps

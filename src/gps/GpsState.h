@@ -1,18 +1,18 @@
-// The one record of what the receiver last reported.
+// The one record of what the receiver last reported, and its numbers.
 //
-// Every value is kept as the receiver sent it: NUL-terminated 8-bit text,
-// truncated to the field's width (the array size includes the NUL). The
-// screens rely on these widths, so they must not change.
+// Every value of the record is kept as the receiver sent it: NUL-terminated
+// 8-bit text, truncated to the field's width (the array size includes the
+// NUL). The screens rely on these widths, so they must not change. Its
+// numbers are read once, into FixValues, where a copy of the record is taken
+// for the window or a tool; no reader parses the texts again.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "FixText.h"
 
 namespace satwalk::gps {
-
-using common::FileTime;
-using common::kFileTimeTicksPerSecond;
 
 // One row of the satellite table (21 bytes of text).
 struct SatelliteRecord {
@@ -73,8 +73,44 @@ struct GpsState {
 
     // Forces a NUL into the last byte of every text. The decoder always
     // leaves them terminated; a reader that takes a record from elsewhere
-    // (or a copy made while the decoder writes) calls this before parsing.
+    // (or a copy made while the decoder writes) calls this before reading a
+    // text as a C string.
     void TerminateTexts();
 };
+
+// The numbers of a fix record. A value is absent when its text is empty; a
+// text that is there reads as TextToDouble and TextToInt read it (its
+// leading number, 0 when it has none), up to the field's width.
+struct FixValues {
+    // Signed degrees, north and east positive, as NmeaToDegrees reads the
+    // position texts. A coordinate is absent when its text and its
+    // hemisphere letter are both empty.
+    std::optional<double> latitude;
+    std::optional<double> longitude;
+    std::optional<double> speedKnots;
+    std::optional<double> course;    // degrees true
+    std::optional<double> altitude;  // metres
+    std::optional<double> hdop;
+    std::optional<double> pdop;
+    std::optional<double> vdop;
+    std::optional<int> satellitesUsed;
+    std::optional<int> satellitesInView;
+    bool valid = false;  // status 'A'
+
+    struct Satellite {
+        std::optional<double> elevation;  // degrees
+        std::optional<double> azimuth;    // degrees true
+        std::optional<int> snr;           // dB-Hz
+    };
+    Satellite satellites[kSatelliteRows];
+};
+
+// Where a number must stand for an absent coordinate: -0, as NmeaToDegrees
+// reads an empty text without a hemisphere letter.
+inline constexpr double kAbsentDegrees = -0.0;
+
+// Reads every number of the record once. The texts need not be terminated:
+// each is read within its width, as after TerminateTexts.
+FixValues ReadFix(const GpsState& state);
 
 }  // namespace satwalk::gps

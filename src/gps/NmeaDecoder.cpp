@@ -7,10 +7,6 @@
 
 namespace satwalk::gps {
 
-using common::kDaysFrom1601To1970;
-using common::Substring;
-using common::TextToInt;
-
 namespace {
 
 enum class Sentence { None, Rmc, Gsv, Gsa, Gga };

@@ -91,7 +91,7 @@ void LayoutMapOverlay(screens::ScreenContext& ctx) {
 void MapScreen::Paint(screens::Canvas& canvas, screens::ScreenContext& ctx,
                       const gps::GpsState& fix) {
     layers_.Paint(canvas, viewSource ? viewSource(ctx) : WorldMapView(ctx), ctx, fix);
-    screens::DrawScreenFrame(canvas, ctx, fix);
+    screens::DrawScreenFrame(canvas, ctx);
 }
 
 std::unique_ptr<MapScreen> MakeWorldMapScreen() {

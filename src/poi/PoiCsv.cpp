@@ -57,10 +57,10 @@ void PoiCsvParser::EndField() {
     text_[length_] = '\0';
     switch (field_) {
         case 0:
-            record_.longitude = common::TextToDouble(text_);
+            record_.longitude = gps::TextToDouble(text_);
             break;
         case 1:
-            record_.latitude = common::TextToDouble(text_);
+            record_.latitude = gps::TextToDouble(text_);
             break;
         case 2:
             Store(record_.name);

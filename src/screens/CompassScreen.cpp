@@ -5,14 +5,10 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "FixText.h"
 #include "ScreenDraw.h"
 #include "Strings.h"
 
 namespace satwalk::screens {
-
-using common::TextToDouble;
-using gps::GpsState;
 
 void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegrees, Pen pen) {
     const double a = SaneDegrees(angleDegrees) * kPi / 180.0;
@@ -36,11 +32,11 @@ void DrawDialTicks(Canvas& canvas, int cx, int cy, const DialTicks& t) {
     canvas.Ellipse(CircleBox(cx, cy, t.radius - t.majorLength), Pen{kWhite, 1}, Brush{kWhite});
 }
 
-void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps) {
+void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx) {
     const int b = ctx.baseTextHeight;
     const int R = ctx.dials.compassRadius, cx = ctx.dials.compassX, cy = ctx.dials.compassY;
     const bool northUp = ctx.display.compassOrientation == 1;
-    const double course = SaneDegrees(TextToDouble(gps.course));
+    const double course = SaneDegrees(ctx.display.fix.course.value_or(0.0));
     // Reduced to 0..360 so that no angle of the lists reaches the red start.
     double turn = northUp ? 0.0 : std::fmod(course, 360.0);
     if (turn < 0)
@@ -101,27 +97,28 @@ void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const GpsState& g
     DrawArrowAt(canvas, northUp ? course : 0.0, std::max(R / 4, 1), cx, cy, b);
 }
 
-void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx) {
     const int b = ctx.baseTextHeight;
     const int left = ctx.screen.left, top = ctx.screen.top;
     const int right = ctx.screen.right, bottom = ctx.screen.bottom;
     const int u = ctx.display.unitSystem;
+    const gps::FixValues& fix = ctx.display.fix;
 
     canvas.FillRect(canvas.Bounds(), kWhite);
-    DrawCompassRose(canvas, ctx, gps);
+    DrawCompassRose(canvas, ctx);
 
     char line[160];
     Font old = CreateScreenFont(canvas, (4 * b) / 5, 400);
     {
         const Colour grey = Rgb(130, 131, 133);
         std::snprintf(line, sizeof line, "%s %0.2f %s", common::LoadString(common::kStrSpeed),
-                      SpeedInDisplayUnit(gps, u), SpeedUnitName(u));
+                      SpeedInDisplayUnit(fix, u), SpeedUnitName(u));
         Size s = canvas.MeasureText(line);
         const int yb = bottom - b / 5;
         canvas.DrawText(line, Rect{left + b / 3 - 1, yb - s.height, left + b / 3 + s.width + 1, yb},
                         kTextLeft | kTextBottom, grey);
         std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
-                      common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(gps, u));
+                      common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(fix, u));
         s = canvas.MeasureText(line);
         canvas.DrawText(line,
                         Rect{right - b / 3 + 1 - s.width - 2, yb - s.height, right - b / 3 + 1, yb},
@@ -130,7 +127,7 @@ void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     ReleaseScreenFont(canvas, old);
 
     old = CreateScreenFont(canvas, b - 1, 400);
-    TextAt(canvas, FormatCourse(TextToDouble(gps.course)), left + b / 3, top + b / 5 + b,
+    TextAt(canvas, FormatCourse(fix.course.value_or(0.0)), left + b / 3, top + b / 5 + b,
            Rgb(100, 101, 103));
     ReleaseScreenFont(canvas, old);
 
@@ -141,7 +138,7 @@ void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     DrawReceiverIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3);
     DrawRecordingIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3 + s + b / 5);
 
-    DrawScreenFrame(canvas, ctx, gps);
+    DrawScreenFrame(canvas, ctx);
 }
 
 }  // namespace satwalk::screens

@@ -1,7 +1,8 @@
-// What the screens show besides the fix itself: one value the shell builds
+// What the screens show besides the fix's texts: one value the shell builds
 // once per change of the fix or the settings, and the screens only read.
 #pragma once
 
+#include "GpsState.h"
 #include "ScreenIds.h"
 
 namespace satwalk::screens {
@@ -24,6 +25,7 @@ struct DisplayState {
     int compassOrientation = 0;  // 1 north-up, anything else course-up
     double latitude = 0.0;       // signed degrees, north positive; the last fix's
     double longitude = 0.0;      // signed degrees, east positive; the last fix's
+    gps::FixValues fix;          // the numbers of the record the screens are given
 };
 
 }  // namespace satwalk::screens

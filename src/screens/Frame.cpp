@@ -8,14 +8,12 @@
 
 #include "Arith.h"
 #include "ErrorCodes.h"
-#include "FixText.h"
 #include "Screens.h"
 #include "Strings.h"
 
 namespace satwalk::screens {
 
-using common::TextToDouble;
-using common::TextToInt;
+using gps::FixValues;
 using gps::GpsState;
 
 // ---- set-up -------------------------------------------------------------
@@ -148,12 +146,12 @@ void ReleaseScreenFont(Canvas& canvas, Font previous) {
     canvas.SelectFont(previous);
 }
 
-double SpeedInDisplayUnit(const GpsState& gps, int unitSystem) {
-    return common::SpeedInUnit(TextToDouble(gps.speedKnots), unitSystem);
+double SpeedInDisplayUnit(const FixValues& fix, int unitSystem) {
+    return gps::SpeedInUnit(fix.speedKnots.value_or(0.0), unitSystem);
 }
 
-double AltitudeInDisplayUnit(const GpsState& gps, int unitSystem) {
-    return common::HeightInUnit(TextToDouble(gps.altitude), unitSystem);
+double AltitudeInDisplayUnit(const FixValues& fix, int unitSystem) {
+    return gps::HeightInUnit(fix.altitude.value_or(0.0), unitSystem);
 }
 
 Colour SnrColour(int snr) {
@@ -237,8 +235,8 @@ void FillArrow(Canvas& canvas, const ArrowPoints& p) {
 
 }  // namespace
 
-void DrawCourseArrow(Canvas& canvas, const GpsState& gps, int size, int cx, int cy, int tail) {
-    FillArrow(canvas, CourseArrowPoints(TextToDouble(gps.course), size, cx, cy, tail));
+void DrawCourseArrow(Canvas& canvas, const FixValues& fix, int size, int cx, int cy, int tail) {
+    FillArrow(canvas, CourseArrowPoints(fix.course.value_or(0.0), size, cx, cy, tail));
 }
 
 // The compass centre arrow has the same shape.
@@ -254,13 +252,14 @@ void FitFont(Canvas& canvas, int height, int weight, int width,
              std::initializer_list<std::string_view> texts);
 }  // namespace
 
-void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps, Rect box,
-                      int fontHeight, bool landscape) {
+void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, Rect box, int fontHeight,
+                      bool landscape) {
     const bool hi = ctx.HighResolution();
     const int weight = (landscape && !hi) ? 400 : 700;
     const Font old = CreateScreenFont(canvas, fontHeight, weight);
     char line[64];
-    std::snprintf(line, sizeof line, "%0.1f", SpeedInDisplayUnit(gps, ctx.display.unitSystem));
+    std::snprintf(line, sizeof line, "%0.1f",
+                  SpeedInDisplayUnit(ctx.display.fix, ctx.display.unitSystem));
     const int dx = hi ? 4 : 2, dy = hi ? 3 : 1, dr = hi ? 3 : 1, db = hi ? 6 : 3;
     const int mid = box.top + (box.bottom - box.top) / 2;
     // The readout sits on a tab of fixed size: a face wider than the
@@ -289,15 +288,16 @@ void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const GpsState& 
 namespace {
 
 // Satellites in view as a count of table rows that can be visited.
-int RowsInView(const GpsState& gps) {
-    return std::clamp(TextToInt(gps.satellitesInView), 0, gps::kSatelliteRows);
+int RowsInView(const FixValues& fix) {
+    return std::clamp(fix.satellitesInView.value_or(0), 0, gps::kSatelliteRows);
 }
 
 }  // namespace
 
-void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const GpsState& gps, int radius, int cx,
-                     int cy, int fontHeight) {
-    const int n = RowsInView(gps);
+void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, int radius, int cx, int cy,
+                     int fontHeight) {
+    const FixValues& fix = ctx.display.fix;
+    const int n = RowsInView(fix);
     if (n >= 1) {
         const Font old = CreateScreenFont(canvas, fontHeight, 400);
         const Size blank = canvas.MeasureText(" ");
@@ -305,13 +305,13 @@ void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const GpsState& gps, in
             Round(std::sqrt(blank.width * blank.width / 4.0 + blank.height * blank.height / 4.0));
         for (int k = 0; k < n; ++k) {
             const int i = ctx.miniSkyToggle == 0 ? k : n - 1 - k;
-            const auto& sat = gps.satellites[i];
+            const auto& sat = fix.satellites[i];
             const double d =
-                radius * std::cos(SaneDegrees(TextToDouble(sat.elevation)) * kPi / 180.0);
-            const double az = SaneDegrees(TextToDouble(sat.azimuth)) * kPi / 180.0;
+                radius * std::cos(SaneDegrees(sat.elevation.value_or(0.0)) * kPi / 180.0);
+            const double az = SaneDegrees(sat.azimuth.value_or(0.0)) * kPi / 180.0;
             const int x = cx + Trunc(std::sin(az) * d);
             const int y = cy - Trunc(std::cos(az) * d);
-            const int snr = TextToInt(sat.snr);
+            const int snr = sat.snr.value_or(0);
             const Rect box{x - dot, y - dot, x + dot, y + dot};
             if (snr <= 0) {
                 canvas.Ellipse(box, Pen{kBlack, 1}, Brush{kWhite});
@@ -481,7 +481,8 @@ void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx) {
     }
 }
 
-void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx) {
+    const FixValues& fix = ctx.display.fix;
     const bool hi = ctx.HighResolution();
     const int b = ctx.baseTextHeight;
     const Rect& s = ctx.frame;
@@ -495,15 +496,15 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
         if (hi) {
             // The readouts sit on their tabs wherever the strip is centred
             // (at the set's own width, ox is 0).
-            DrawCourseArrow(canvas, gps, 22, ox + 280, s.bottom - 29, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps,
-                             Rect{ox + 322, stripTop + 55, ox + 396, s.bottom - 3}, b - 3, false);
-            DrawMiniSkyPlot(canvas, ctx, gps, 30, ox + 438, stripTop + 91, b / 4);
+            DrawCourseArrow(canvas, fix, 22, ox + 280, s.bottom - 29, b / 2);
+            DrawSpeedReadout(canvas, ctx, Rect{ox + 322, stripTop + 55, ox + 396, s.bottom - 3},
+                             b - 3, false);
+            DrawMiniSkyPlot(canvas, ctx, 30, ox + 438, stripTop + 91, b / 4);
         } else {
-            DrawCourseArrow(canvas, gps, 12, ox + 140, s.bottom - 17, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps,
-                             Rect{ox + 163, s.bottom - 37, ox + 200, s.bottom - 3}, b - 2, false);
-            DrawMiniSkyPlot(canvas, ctx, gps, 17, ox + 220, stripTop + 45, b / 3);
+            DrawCourseArrow(canvas, fix, 12, ox + 140, s.bottom - 17, b / 2);
+            DrawSpeedReadout(canvas, ctx, Rect{ox + 163, s.bottom - 37, ox + 200, s.bottom - 3},
+                             b - 2, false);
+            DrawMiniSkyPlot(canvas, ctx, 17, ox + 220, stripTop + 45, b / 3);
         }
     } else {
         const LandscapeStrip& l = hi ? kLandscapeHi : kLandscapeLo;
@@ -512,15 +513,15 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
                                Rect{0, 0, l.width, l.height}, Point{0, y0}, kStripKey);
         DrawTabHighlight(canvas, ctx);
         if (hi) {
-            DrawCourseArrow(canvas, gps, 15, l.width / 2, y0 + 201, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 225, l.width + 1, y0 + 275},
-                             (2 * b) / 3 - 2, true);
-            DrawMiniSkyPlot(canvas, ctx, gps, 22, 27, y0 + 305, b / 4);
+            DrawCourseArrow(canvas, fix, 15, l.width / 2, y0 + 201, b / 2);
+            DrawSpeedReadout(canvas, ctx, Rect{1, y0 + 225, l.width + 1, y0 + 275}, (2 * b) / 3 - 2,
+                             true);
+            DrawMiniSkyPlot(canvas, ctx, 22, 27, y0 + 305, b / 4);
         } else {
-            DrawCourseArrow(canvas, gps, 8, l.width / 2, y0 + 100, b / 2);
-            DrawSpeedReadout(canvas, ctx, gps, Rect{1, y0 + 113, l.width + 1, y0 + 139},
-                             (2 * b) / 3 + 1, true);
-            DrawMiniSkyPlot(canvas, ctx, gps, 12, 14, y0 + 153, b / 3);
+            DrawCourseArrow(canvas, fix, 8, l.width / 2, y0 + 100, b / 2);
+            DrawSpeedReadout(canvas, ctx, Rect{1, y0 + 113, l.width + 1, y0 + 139}, (2 * b) / 3 + 1,
+                             true);
+            DrawMiniSkyPlot(canvas, ctx, 12, 14, y0 + 153, b / 3);
         }
         const int ax = s.right - b / 5 - l.alarmWidth;
         const int ay = b + (s.bottom - l.alarmHeight - s.top - b) / 2;
@@ -541,11 +542,7 @@ void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
 
 // ---- dispatch and taps ------------------------------------------------------------
 
-void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& fix) {
-    // Paint from a copy whose texts are surely terminated: the screens parse
-    // them, and the record may come from anywhere.
-    GpsState gps = fix;
-    gps.TerminateTexts();
+void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
     switch (ctx.display.currentScreen) {
         case kScreenGpsInfo:
             PaintGpsInfoScreen(canvas, ctx, gps);
@@ -554,17 +551,17 @@ void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& fix)
             PaintSkyPlotScreen(canvas, ctx, gps);
             break;
         case kScreenCompass:
-            PaintCompassScreen(canvas, ctx, gps);
+            PaintCompassScreen(canvas, ctx);
             break;
         case kScreenSpeedometer:
-            PaintSpeedometerScreen(canvas, ctx, gps);
+            PaintSpeedometerScreen(canvas, ctx);
             break;
         case kScreenMap:
             canvas.FillRect(canvas.Bounds(), kWhite);
             if (ctx.paintMapScreen) {
                 ctx.paintMapScreen(canvas, ctx, gps);
             } else {
-                DrawScreenFrame(canvas, ctx, gps);
+                DrawScreenFrame(canvas, ctx);
             }
             break;
         default:
@@ -646,7 +643,7 @@ std::string FormatDateTime(const ScreenContext& ctx, const GpsState& gps) {
     if (!(ctx.display.linkRunning && ctx.display.fixTimeKnown && gps.fixTimeLocal != 0)) {
         return "- - / - - / - -    - - : - - : - -";
     }
-    const common::CalendarTime t = common::FileTimeToCalendar(gps.fixTimeLocal);
+    const gps::CalendarTime t = gps::FileTimeToCalendar(gps.fixTimeLocal);
     char out[64];
     // Short date and time in the Simplified Chinese convention.
     std::snprintf(out, sizeof out, "%d/%d/%d  %d:%02d:%02d", t.year, t.month, t.day, t.hour,

@@ -3,17 +3,13 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "FixText.h"
 #include "ScreenDraw.h"
 
 namespace satwalk::screens {
 
-using common::TextToDouble;
-using common::TextToInt;
 using gps::GpsState;
 
-void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const GpsState& gps, int x,
-                    int baselineY) {
+void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, int x, int baselineY) {
     const int b = ctx.baseTextHeight;
     const int pw = b / 3 - b / 10;
     const int full = (7 * b) / 5;
@@ -23,7 +19,7 @@ void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const GpsState& gp
         Colour colour = kBlack;
         int height = b / 10;
         if (ctx.display.linkRunning) {
-            const int snr = TextToInt(gps.satellites[i].snr);
+            const int snr = ctx.display.fix.satellites[i].snr.value_or(0);
             if (snr <= 0) {
                 height = u;
             } else {
@@ -42,14 +38,13 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     const int right = ctx.screen.right, bottom = ctx.screen.bottom;
     const int m = b / 3, g = b / 5;
     const int u = ctx.display.unitSystem;
+    const gps::FixValues& fix = ctx.display.fix;
 
     canvas.FillRect(canvas.Bounds(), kWhite);
 
-    // Position block, from the fix as it stands: empty texts read as 0.
-    double latitude = 0;
-    double longitude = 0;
-    common::NmeaToDegrees(gps.latitude, gps.northSouth, gps.longitude, gps.eastWest, &latitude,
-                          &longitude);
+    // Position block, from the fix as it stands: absent degrees read as 0.
+    const double latitude = fix.latitude.value_or(gps::kAbsentDegrees);
+    const double longitude = fix.longitude.value_or(gps::kAbsentDegrees);
     Font old = CreateScreenFont(canvas, (8 * b) / 7, 700);
     const std::string lat = FormatLatitude(latitude);
     const int h1 = TextAt(canvas, lat, left + m + g, top + g, kBlack).height;
@@ -62,8 +57,8 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     old = CreateScreenFont(canvas, b - 1, 400);
     const int y3 = top + 2 * h1 + (2 * b) / 5 + 1;
     const int h2 = TextAt(canvas,
-                          FormatAltitudeSpeedLine(AltitudeInDisplayUnit(gps, u),
-                                                  SpeedInDisplayUnit(gps, u), u),
+                          FormatAltitudeSpeedLine(AltitudeInDisplayUnit(fix, u),
+                                                  SpeedInDisplayUnit(fix, u), u),
                           left + m + g, y3, kBlack)
                        .height;
     canvas.Line(Point{left + m, y3 + h2 + g - 1}, Point{right - m, y3 + h2 + g - 1},
@@ -79,9 +74,9 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     old = CreateScreenFont(canvas, (4 * b) / 5, 0);
     {
         char hdop[48], vdop[48], pdop[48];
-        std::snprintf(hdop, sizeof hdop, "hdop: %0.2f", TextToDouble(gps.hdop));
-        std::snprintf(vdop, sizeof vdop, "vdop: %0.2f", TextToDouble(gps.vdop));
-        std::snprintf(pdop, sizeof pdop, "pdop: %0.2f", TextToDouble(gps.pdop));
+        std::snprintf(hdop, sizeof hdop, "hdop: %0.2f", fix.hdop.value_or(0.0));
+        std::snprintf(vdop, sizeof vdop, "vdop: %0.2f", fix.vdop.value_or(0.0));
+        std::snprintf(pdop, sizeof pdop, "pdop: %0.2f", fix.pdop.value_or(0.0));
         const Size sh = canvas.MeasureText(hdop), sv = canvas.MeasureText(vdop),
                    sp = canvas.MeasureText(pdop);
         const int yb = bottom - g;
@@ -123,12 +118,12 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     // Right-hand column: course, arrow, satellites, bars.
     old = CreateScreenFont(canvas, (4 * b) / 5, 0);
     const int xr = left + m + W + b / 2;
-    const std::string course = FormatCourse(TextToDouble(gps.course));
+    const std::string course = FormatCourse(fix.course.value_or(0.0));
     const int h4 = canvas.MeasureText(course).height;
     canvas.DrawText(course, Rect{xr, R + g, right, R + g + h4}, kTextCenter | kTextVCenter, kBlack);
     {
         const std::string sats =
-            FormatSatellites(TextToInt(gps.satellitesUsed), TextToInt(gps.satellitesInView));
+            FormatSatellites(fix.satellitesUsed.value_or(0), fix.satellitesInView.value_or(0));
         const int hs = canvas.MeasureText(sats).height;
         const int yb = bottom - (6 * b) / 5 - b / 15 - (7 * b) / 5;
         canvas.DrawText(sats, Rect{xr, yb - hs, right, yb}, kTextCenter | kTextBottom, kBlack);
@@ -141,17 +136,16 @@ void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     // from its centre: the size keeps them inside the space between the
     // texts at every course.
     const int size = std::max(std::min(vs, hs) * 100 / 230, 0);
-    DrawCourseArrow(canvas, gps, size, right - hs / 2 - 1, R + g + (3 * h4) / 2 + vs / 2, b);
+    DrawCourseArrow(canvas, fix, size, right - hs / 2 - 1, R + g + (3 * h4) / 2 + vs / 2, b);
 
-    DrawSignalBars(canvas, ctx, gps,
-                   left + W + m + b / 2 + (right - left - W - m - b / 2 - 4 * b) / 2,
+    DrawSignalBars(canvas, ctx, left + W + m + b / 2 + (right - left - W - m - b / 2 - 4 * b) / 2,
                    bottom - (6 * b) / 5);
 
     const int s = StatusIconSize(ctx);
     DrawReceiverIcon(canvas, ctx, right - m - g - 2 * s, top + m);
     DrawRecordingIcon(canvas, ctx, right - m - s, top + m);
 
-    DrawScreenFrame(canvas, ctx, gps);
+    DrawScreenFrame(canvas, ctx);
 }
 
 }  // namespace satwalk::screens

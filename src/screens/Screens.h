@@ -1,6 +1,7 @@
 // The instrument screens: the paint dispatch, the frame with its tool strip,
 // the shared small instruments and helpers, and the four instrument screens.
-// Core code: it draws through Canvas and reads GpsState and ScreenContext.
+// Core code: it draws through Canvas and reads ScreenContext (the fix's
+// numbers in its display state) and GpsState (the texts shown as they are).
 #pragma once
 
 #include <functional>
@@ -101,15 +102,16 @@ void AssignBitmapHandles(ScreenContext& ctx);
 
 // ---- paint --------------------------------------------------------------
 
-// Paints the whole current screen (frame included) into the canvas.
+// Paints the whole current screen (frame included) into the canvas: the
+// numbers from ctx.display.fix, which must be the numbers of `gps`.
 void PaintCurrentScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
 
 void PaintGpsInfoScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
 void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
-void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
-void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+void PaintCompassScreen(Canvas& canvas, ScreenContext& ctx);
+void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx);
 
-void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps);
+void DrawScreenFrame(Canvas& canvas, ScreenContext& ctx);
 void DrawTabHighlight(Canvas& canvas, const ScreenContext& ctx);
 void DrawAlarmCell(Canvas& canvas, const ScreenContext& ctx);
 // Where alarm cell k (0..7 for 50..120) lies on the screen, and the cell
@@ -125,19 +127,18 @@ inline constexpr Colour kAlarmRed = Rgb(230, 0, 0);
 Font CreateScreenFont(Canvas& canvas, int height, int weight);
 void ReleaseScreenFont(Canvas& canvas, Font previous);
 
-void DrawCourseArrow(Canvas& canvas, const gps::GpsState& gps, int size, int cx, int cy, int tail);
+void DrawCourseArrow(Canvas& canvas, const gps::FixValues& fix, int size, int cx, int cy, int tail);
 // The arrow's five points L, N, P, R, T for a course in degrees.
 struct ArrowPoints {
     Point left, notch, tip, right, tail;
 };
 ArrowPoints CourseArrowPoints(double courseDegrees, int size, int cx, int cy, int tail);
 
-void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps, Rect box,
-                      int fontHeight, bool landscape);
-void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, const gps::GpsState& gps, int radius,
-                     int cx, int cy, int fontHeight);
-void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps, int x,
-                    int baselineY);
+void DrawSpeedReadout(Canvas& canvas, const ScreenContext& ctx, Rect box, int fontHeight,
+                      bool landscape);
+void DrawMiniSkyPlot(Canvas& canvas, ScreenContext& ctx, int radius, int cx, int cy,
+                     int fontHeight);
+void DrawSignalBars(Canvas& canvas, const ScreenContext& ctx, int x, int baselineY);
 void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);
 void DrawRecordingIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y);
 int StatusIconSize(const ScreenContext& ctx);
@@ -146,8 +147,8 @@ int StatusIconSize(const ScreenContext& ctx);
 // strongest class for anything above 99.
 Colour SnrColour(int snr);
 
-double SpeedInDisplayUnit(const gps::GpsState& gps, int unitSystem);
-double AltitudeInDisplayUnit(const gps::GpsState& gps, int unitSystem);
+double SpeedInDisplayUnit(const gps::FixValues& fix, int unitSystem);
+double AltitudeInDisplayUnit(const gps::FixValues& fix, int unitSystem);
 
 // Tick ring shared by the compass and the speedometer.
 struct DialTicks {
@@ -171,7 +172,7 @@ void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegr
 // when the alarm is off), and the needle as tip then the two base corners.
 double SpeedRedZoneStart(const ScreenContext& ctx);
 void SpeedNeedlePoints(double speed, double fullScale, int radius, int cx, int cy, Point out[3]);
-void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx, const gps::GpsState& gps);
+void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx);
 
 // ---- text ---------------------------------------------------------------
 

@@ -4,13 +4,10 @@
 #include <cstring>
 
 #include "Arith.h"
-#include "FixText.h"
 #include "ScreenDraw.h"
 
 namespace satwalk::screens {
 
-using common::TextToDouble;
-using common::TextToInt;
 using gps::GpsState;
 
 namespace {
@@ -58,6 +55,7 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     const int b = ctx.baseTextHeight;
     const int left = ctx.screen.left, top = ctx.screen.top, right = ctx.screen.right;
     const int R = ctx.dials.skyRadius, cx = ctx.dials.skyX, cy = ctx.dials.skyY;
+    const gps::FixValues& fix = ctx.display.fix;
 
     canvas.FillRect(canvas.Bounds(), kWhite);
 
@@ -96,7 +94,7 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
                         Rect{wx, cy - w.height / 2, wx + w.width, cy - w.height / 2 + w.height},
                         kTextCenter | kTextVCenter, kBlack);
         TextAt(canvas,
-               FormatSatellites(TextToInt(gps.satellitesUsed), TextToInt(gps.satellitesInView)),
+               FormatSatellites(fix.satellitesUsed.value_or(0), fix.satellitesInView.value_or(0)),
                left + b / 3, top + b / 4, Rgb(100, 101, 103));
     }
     ReleaseScreenFont(canvas, old);
@@ -138,7 +136,7 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     DrawLegend(canvas, ctx);
 
     // Satellites.
-    const int n = std::clamp(TextToInt(gps.satellitesInView), 0, gps::kSatelliteRows);
+    const int n = std::clamp(fix.satellitesInView.value_or(0), 0, gps::kSatelliteRows);
     if (n >= 1) {
         old = CreateScreenFont(canvas, (11 * b) / 15, 400);
         const Size s09 = canvas.MeasureText("09");
@@ -146,13 +144,13 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
         const int disc = Round(std::sqrt(w * w / 4.0 + h * h / 4.0));
         for (int k = 0; k < n; ++k) {
             const int i = ctx.skyPlotToggle == 0 ? k : n - 1 - k;
-            const auto& sat = gps.satellites[i];
+            const auto& sat = fix.satellites[i];
             const double d =
-                R * std::cos(SaneDegrees(TextToDouble(sat.elevation)) * kPi * 0.005555555555555556);
-            const double az = SaneDegrees(TextToDouble(sat.azimuth)) * kPi * 0.005555555555555556;
+                R * std::cos(SaneDegrees(sat.elevation.value_or(0.0)) * kPi * 0.005555555555555556);
+            const double az = SaneDegrees(sat.azimuth.value_or(0.0)) * kPi * 0.005555555555555556;
             const int x = cx + Trunc(std::sin(az) * d);
             const int y = cy - Trunc(std::cos(az) * d);
-            const int snr = TextToInt(sat.snr);
+            const int snr = sat.snr.value_or(0);
             Colour textColour = kWhite;
             if (snr <= 0) {
                 canvas.Ellipse(CircleBox(x, y, disc), Pen{kBlack, 1}, Brush{kWhite});
@@ -160,7 +158,7 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
             } else {
                 canvas.Ellipse(CircleBox(x, y, disc), kNullPen, Brush{SnrColour(snr)});
             }
-            const std::string prn(sat.prn, strnlen(sat.prn, 2));
+            const std::string prn(gps.satellites[i].prn, strnlen(gps.satellites[i].prn, 2));
             canvas.DrawText(prn, Rect{x - w / 2 - 1, y - h / 2 - 1, x + w / 2 + 1, y + h / 2 + 1},
                             kTextCenter | kTextVCenter, textColour);
         }
@@ -173,7 +171,7 @@ void PaintSkyPlotScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps)
     DrawReceiverIcon(canvas, ctx, right - m - g - 2 * s, top + m);
     DrawRecordingIcon(canvas, ctx, right - m - s, top + m);
 
-    DrawScreenFrame(canvas, ctx, gps);
+    DrawScreenFrame(canvas, ctx);
 }
 
 }  // namespace satwalk::screens

@@ -4,14 +4,10 @@
 #include <cstdio>
 
 #include "Arith.h"
-#include "FixText.h"
 #include "ScreenDraw.h"
 #include "Strings.h"
 
 namespace satwalk::screens {
-
-using common::TextToDouble;
-using gps::GpsState;
 
 namespace {
 
@@ -47,13 +43,14 @@ void SpeedNeedlePoints(double speed, double fullScale, int R, int cx, int cy, Po
     out[2] = Point{cx + Trunc(0.1 * L * s), cy + Trunc(0.1 * L * c)};
 }
 
-void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& gps) {
+void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx) {
     const int b = ctx.baseTextHeight;
     const int left = ctx.screen.left, top = ctx.screen.top, right = ctx.screen.right;
     const int R = ctx.dials.speedRadius, cx = ctx.dials.speedX, cy = ctx.dials.speedY;
     const int u = ctx.display.unitSystem;
     const Scale& sc = u == kMetric ? kMetricScale : kMileScale;
-    const double speed = SpeedInDisplayUnit(gps, u);
+    const gps::FixValues& fix = ctx.display.fix;
+    const double speed = SpeedInDisplayUnit(fix, u);
 
     canvas.FillRect(canvas.Bounds(), kWhite);
     if (ctx.drawMapOverlay)
@@ -113,12 +110,12 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     {
         const Colour grey = Rgb(130, 131, 133);
         std::snprintf(line, sizeof line, u == kMetric ? "%s %0.2f m" : "%s %0.2f ft",
-                      common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(gps, u));
+                      common::LoadString(common::kStrAltitude), AltitudeInDisplayUnit(fix, u));
         const Size sa = canvas.MeasureText(line);
         const int yb = std::min(std::max(cy + R, labelsBottom + sa.height), ctx.screen.bottom);
         canvas.DrawText(line, Rect{right - b / 3 - sa.width, yb - sa.height, right - b / 3, yb},
                         kTextRight | kTextBottom, grey);
-        const std::string course = FormatCourse(TextToDouble(gps.course));
+        const std::string course = FormatCourse(fix.course.value_or(0.0));
         const Size scs = canvas.MeasureText(course);
         canvas.DrawText(course, Rect{left + b / 3, yb - scs.height, left + b / 3 + scs.width, yb},
                         kTextLeft | kTextBottom, grey);
@@ -172,7 +169,7 @@ void PaintSpeedometerScreen(Canvas& canvas, ScreenContext& ctx, const GpsState& 
     DrawReceiverIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3);
     DrawRecordingIcon(canvas, ctx, right - b / 3 - s, top + (4 * b) / 3 + s + b / 5);
 
-    DrawScreenFrame(canvas, ctx, gps);
+    DrawScreenFrame(canvas, ctx);
 }
 
 }  // namespace satwalk::screens

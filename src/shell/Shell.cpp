@@ -6,7 +6,6 @@
 #include "BaudRates.h"
 #include "CommandIds.h"
 #include "ErrorCodes.h"
-#include "FixText.h"
 #include "Strings.h"
 
 namespace satwalk::shell {
@@ -122,10 +121,11 @@ void Shell::RefreshDisplay() {
     d.speedAlarmOn = settings_.speedAlarmOn != 0;
     d.speedAlarmLimit = static_cast<int>(settings_.speedAlarmLimit);
     d.recording = settings_.recordNmea != 0;
+    d.fix = fixValues_;
     // Without a fix the last position stays.
     if (d.linkRunning && d.fixValid) {
-        common::NmeaToDegrees(fix_.latitude, fix_.northSouth, fix_.longitude, fix_.eastWest,
-                              &d.latitude, &d.longitude);
+        d.latitude = fixValues_.latitude.value_or(gps::kAbsentDegrees);
+        d.longitude = fixValues_.longitude.value_or(gps::kAbsentDegrees);
     }
     features_.ContributeDisplay(d);
 }
@@ -216,6 +216,7 @@ void Shell::StopGps() {
     // The reader has ended: the link's fix and the copy are emptied alike.
     link_.ClearFixBlocks();
     fix_.ClearAllBlocks();
+    fixValues_ = {};
     Repaint();
 }
 
@@ -293,14 +294,15 @@ bool Shell::SpeedAlarmShowing() const {
 void Shell::OnGpsData() {
     // The reader waits until this returns: the one moment the link's fix
     // holds still. The clock keeps its own count between time syncs.
-    const common::FileTime clock = fix_.fixTimeLocal;
+    const gps::FileTime clock = fix_.fixTimeLocal;
     fix_ = link_.Gps();
     fix_.TerminateTexts();
+    fixValues_ = gps::ReadFix(fix_);
     if (!timeSyncedThisBatch_)
         fix_.fixTimeLocal = clock;
     timeSyncedThisBatch_ = false;
     const bool wasShowing = SpeedAlarmShowing();
-    alarm_.CheckSpeedAlarm(CurrentSpeed(fix_, settings_.units), settings_.speedAlarmOn != 0,
+    alarm_.CheckSpeedAlarm(CurrentSpeed(fixValues_, settings_.units), settings_.speedAlarmOn != 0,
                            settings_.speedAlarmLimit, link_.Running());
     // The flash starts red at once and goes with the alarm.
     if (SpeedAlarmShowing() != wasShowing)

@@ -168,8 +168,10 @@ class Shell {
     void Repaint();
 
     // The user-interface thread's copy of the fix: what the screens, the
-    // dialogs and the state dump read.
+    // dialogs and the state dump read, its texts in fix() and its numbers,
+    // read once per batch, in fixValues().
     const gps::GpsState& fix() const { return fix_; }
+    const gps::FixValues& fixValues() const { return fixValues_; }
     // What the screens show, rebuilt by every Repaint.
     const screens::DisplayState& display() const { return display_; }
     // A tap on alarm cell 0..7 (50..120): sets that limit as the menu's
@@ -228,6 +230,7 @@ class Shell {
     OptionsStore* options_;
     FeatureRegistry features_;
     gps::GpsState fix_;
+    gps::FixValues fixValues_;
     bool timeSyncedThisBatch_ = false;
     screens::DisplayState display_;
     SoftKeys softKeys_;

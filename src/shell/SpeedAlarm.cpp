@@ -1,11 +1,9 @@
 #include "SpeedAlarm.h"
 
-#include "FixText.h"
-
 namespace satwalk::shell {
 
-double CurrentSpeed(const gps::GpsState& state, std::uint32_t units) {
-    return common::SpeedInUnit(common::TextToDouble(state.speedKnots), static_cast<int>(units));
+double CurrentSpeed(const gps::FixValues& fix, std::uint32_t units) {
+    return gps::SpeedInUnit(fix.speedKnots.value_or(0.0), static_cast<int>(units));
 }
 
 bool SpeedAlarm::Retry(bool (AlarmSound::*call)()) {

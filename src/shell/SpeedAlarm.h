@@ -16,9 +16,9 @@ class AlarmSound {
     ~AlarmSound() = default;
 };
 
-// The receiver's speed over ground (knots text) in the unit `units`:
-// 0 km/h (x 1.85), 1 MPH (x 1.152), 2 knots. An empty text is 0.
-double CurrentSpeed(const gps::GpsState& state, std::uint32_t units);
+// The receiver's speed over ground in the unit `units`: 0 km/h (x 1.85),
+// 1 MPH (x 1.152), 2 knots. An absent speed is 0.
+double CurrentSpeed(const gps::FixValues& fix, std::uint32_t units);
 
 class SpeedAlarm {
   public:

@@ -37,7 +37,7 @@ std::string BuildStateJson(const Shell& shell, const StateExtras& extras) {
     m.Int("raiseRequests", extras.raiseRequests);
     shell.features().WriteStateSections(m);
     m.Name("gps") += '{';
-    gps::AppendGpsJsonMembers(out, shell.fix(), shell.fixTimeKnown);
+    gps::AppendGpsJsonMembers(out, shell.fix(), shell.fixValues(), shell.fixTimeKnown);
     out += '}';
     m.Name("messages") += '[';
     for (std::size_t i = 0; i < extras.messages.size(); ++i) {

@@ -105,9 +105,9 @@ TrackProjections TrackFeature::Projections() const {
     return p;
 }
 
-TrackSample TrackFeature::CurrentSample(const gps::GpsState& fix) const {
+TrackSample TrackFeature::CurrentSample() const {
     const bool fixValid = shell_.link().Running() && shell_.link().FixValid();
-    TrackSample s = SampleFromFix(fix, fixValid, LocalTrackTime());
+    TrackSample s = SampleFromFix(shell_.fix(), shell_.fixValues(), fixValid, LocalTrackTime());
     if (!fixValid)
         return s;
     const TrackProjections p = Projections();
@@ -131,7 +131,7 @@ void TrackFeature::Message(const std::string& text, bool exclamation) {
 }
 
 void TrackFeature::OnTrackTick() {
-    if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample(shell_.fix())))
+    if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample()))
         platform_.StopTrackTimer();
     if (shell_.currentScreen == shell::kScreenMap)
         shell_.Repaint();
@@ -141,7 +141,7 @@ void TrackFeature::OnLinkStarted() {
     // A running receiver draws its trail.
     shell_.settings().showTrack = 1;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
-    track::OnLinkStarted(state_, CurrentSample(shell_.fix()));
+    track::OnLinkStarted(state_, CurrentSample());
     RestartTrackTimer(common::FormatString(kTrackTimerFailedOnStart,
                                            std::string(" ") + common::err::kTrackTimer));
 }
@@ -166,12 +166,12 @@ void TrackFeature::OnSettingsChanged() {
         return;
     state_.trackFolder = folder;
     if (state_.trackLogOn != 0 && shell_.link().Running())
-        StartTrackLog(state_, CurrentSample(shell_.fix()));
+        StartTrackLog(state_, CurrentSample());
 }
 
 void TrackFeature::SaveTrackLog() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
-    if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample(shell_.fix())))
+    if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample()))
         RestartTrackTimer(kTrackTimerFailedOnSave);
     shell_.Repaint();
 }

@@ -90,7 +90,8 @@ class TrackFeature final : public shell::Feature {
     void SetInterval(int index);
     // (Re)arms the track timer; false, with `failure` shown, when it cannot.
     bool RestartTrackTimer(const std::string& failure);
-    TrackSample CurrentSample(const gps::GpsState& fix) const;
+    // A sample of the shell's copy of the fix.
+    TrackSample CurrentSample() const;
     TrackProjections Projections() const;
     void SaveTrackLog();
     void ViewTrackLog();

@@ -26,7 +26,7 @@ double ReadDegrees(const char* text, std::size_t length) {
     const auto r = std::from_chars(text, end, value);
     if (r.ec == std::errc() && r.ptr == end)
         return value;
-    return common::TextToDouble(text);
+    return gps::TextToDouble(text);
 }
 
 // atoi on the characters [from, from + width) of a text of `length`

@@ -1,7 +1,5 @@
 #include "TrackState.h"
 
-#include "FixText.h"
-
 namespace satwalk::track {
 
 namespace {
@@ -18,14 +16,13 @@ TrackPoint Point(double x, double y, const TrackTime& time) {
 
 }  // namespace
 
-TrackSample SampleFromFix(const gps::GpsState& fix, bool fixValid, const TrackTime& time) {
+TrackSample SampleFromFix(const gps::GpsState& fix, const gps::FixValues& values, bool fixValid,
+                          const TrackTime& time) {
     TrackSample s;
     s.time = time;
     s.fixValid = fixValid;
-    gps::GpsState copy = fix;  // NmeaToDegrees wants terminated texts
-    copy.TerminateTexts();
-    common::NmeaToDegrees(copy.latitude, copy.northSouth, copy.longitude, copy.eastWest,
-                          &s.latitude, &s.longitude);
+    s.latitude = values.latitude.value_or(gps::kAbsentDegrees);
+    s.longitude = values.longitude.value_or(gps::kAbsentDegrees);
     s.speedKnots = Text(fix.speedKnots, sizeof fix.speedKnots);
     s.course = Text(fix.course, sizeof fix.course);
     s.altitude = Text(fix.altitude, sizeof fix.altitude);

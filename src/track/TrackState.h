@@ -54,9 +54,10 @@ struct TrackSample {
     float mapX = 0, mapY = 0;      // image pixels of that map
 };
 
-// A sample's texts and degrees from the fix record (the record must outlive
-// the sample); the caller adds the projections.
-TrackSample SampleFromFix(const gps::GpsState& fix, bool fixValid, const TrackTime& time);
+// A sample's texts from the fix record (which must outlive the sample) and
+// its degrees from the record's numbers; the caller adds the projections.
+TrackSample SampleFromFix(const gps::GpsState& fix, const gps::FixValues& values, bool fixValid,
+                          const TrackTime& time);
 
 struct MapXY {
     double x = 0, y = 0;

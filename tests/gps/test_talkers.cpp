@@ -132,8 +132,8 @@ TEST(Talkers, SettingOffChangesNothing) {
         }
         std::string a;
         std::string b;
-        AppendGpsJsonMembers(a, plain.state, true);
-        AppendGpsJsonMembers(b, counted.state, true);
+        AppendGpsJsonMembers(a, plain.state, ReadFix(plain.state), true);
+        AppendGpsJsonMembers(b, counted.state, ReadFix(counted.state), true);
         EXPECT_EQ(a, b) << "batches of " << cut;
     }
 }

@@ -30,6 +30,7 @@ TEST(VisualAlarm, ReadoutsAndLitCellAreRedOnlyInTheFlashPhaseOfASoundingAlarm) {
             ctx.display.speedAlarmSounding = s.sounding;
             ctx.display.alarmFlashPhase = s.phase;
             RecordingCanvas canvas(ctx.frame);
+            ctx.display.fix = gps::ReadFix(g);
             PaintCurrentScreen(canvas, ctx, g);
             const std::string where = std::string(v.name) + " red " + std::to_string(s.red);
             // The strip's readout white on a red plate within the speedometer's

@@ -134,8 +134,7 @@ TEST(ToolStrip, AlarmCellOfTheThreshold) {
 TEST(ToolStrip, FramePlacesStripAndInstruments) {
     ScreenContext ctx = MakeContext(test::kLandscapeHi);
     RecordingCanvas canvas(ctx.frame);
-    gps::GpsState g;
-    DrawScreenFrame(canvas, ctx, g);
+    DrawScreenFrame(canvas, ctx);
     const auto blits = canvas.OfKind(K::TransparentBlit);
     ASSERT_EQ(blits.size(), 2u);
     EXPECT_EQ(blits[0].bitmap, BitmapId::ToolStripLandscape);
@@ -162,8 +161,7 @@ TEST(ToolStrip, PortraitInstrumentsFollowTheCentredStrip) {
         const test::Variant wide{"wide-portrait-hi", width, 640, 192};
         ScreenContext ctx = MakeContext(wide);
         RecordingCanvas canvas(ctx.frame);
-        gps::GpsState g;
-        DrawScreenFrame(canvas, ctx, g);
+        DrawScreenFrame(canvas, ctx);
         const int ox = (width - 480) / 2;
         const auto arrows = canvas.OfKind(K::Polygon);
         ASSERT_EQ(arrows.size(), 2u) << width;
@@ -204,7 +202,7 @@ TEST(MiniSkyPlot, DotsAlternateTheirOrderAndSkipWhenNoneInView) {
     ScreenContext ctx = MakeContext(test::kPortraitHi);
     gps::GpsState g;
     RecordingCanvas canvas(ctx.frame);
-    DrawMiniSkyPlot(canvas, ctx, g, 30, 438, 602, 7);
+    DrawMiniSkyPlot(canvas, ctx, 30, 438, 602, 7);
     EXPECT_TRUE(canvas.Calls().empty());
 
     SET_FIELD(g.satellitesInView, "2");
@@ -214,8 +212,9 @@ TEST(MiniSkyPlot, DotsAlternateTheirOrderAndSkipWhenNoneInView) {
     EXPECT_EQ(ctx.miniSkyToggle, 1);
     ctx.miniSkyToggle = 0;
     canvas.Clear();
-    DrawMiniSkyPlot(canvas, ctx, g, 30, 438, 602, 7);
-    DrawMiniSkyPlot(canvas, ctx, g, 30, 438, 602, 7);
+    ctx.display.fix = gps::ReadFix(g);
+    DrawMiniSkyPlot(canvas, ctx, 30, 438, 602, 7);
+    DrawMiniSkyPlot(canvas, ctx, 30, 438, 602, 7);
     const auto dots = canvas.OfKind(K::Ellipse);
     ASSERT_EQ(dots.size(), 4u);
     // Elevation 90 at the centre, drawn as an outlined white circle (SNR 0);

@@ -59,6 +59,7 @@ TEST(HostileFix, EveryScreenPaintsWithSaneGeometry) {
                     ctx.display.latitude = 1e300;
                     ctx.display.longitude = -1e300;
                     RecordingCanvas canvas(ctx.frame);
+                    ctx.display.fix = gps::ReadFix(g);
                     PaintCurrentScreen(canvas, ctx, g);
                     for (const CanvasCall& c : canvas.Calls()) {
                         EXPECT_TRUE(Sane(c.rect) && Sane(c.from) && Sane(c.to) && Sane(c.dst))
@@ -82,7 +83,9 @@ TEST(HostileFix, TinyAndDegenerateScreens) {
         UpdateScreenLayout(canvas, ctx, client);
         for (int screen = 0; screen <= 4; ++screen) {
             ctx.display.currentScreen = screen;
-            PaintCurrentScreen(canvas, ctx, Absurd());
+            const gps::GpsState g = Absurd();
+            ctx.display.fix = gps::ReadFix(g);
+            PaintCurrentScreen(canvas, ctx, g);
         }
         SUCCEED();
     }

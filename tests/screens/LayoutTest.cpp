@@ -92,6 +92,7 @@ TEST(OddWindowSizes, DrawingsStayInTheirAreasAndTextsApart) {
                     ctx.display.speedAlarmLimit = 120;
                     SET_FIELD(fix.course, course);
                     RecordingCanvas canvas(ctx.frame, kProportional);
+                    ctx.display.fix = gps::ReadFix(fix);
                     PaintCurrentScreen(canvas, ctx, fix);
                     const std::string where = std::to_string(width) + "x" + std::to_string(height) +
                                               "@" + std::to_string(dpi) + " screen " +

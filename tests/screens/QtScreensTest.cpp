@@ -62,6 +62,7 @@ TEST(QtScreens, EveryScreenPaintsItsWholeBitmap) {
         ctx.display.linkRunning = ctx.display.fixValid = true;
         ctx.display.speedAlarmOn = true;
         ctx.display.speedAlarmLimit = 70;
+        ctx.display.fix = gps::ReadFix(g);
         for (int screen = 0; screen <= 3; ++screen) {
             ctx.display.currentScreen = screen;
             QImage image;

@@ -23,20 +23,21 @@ TEST(SignalBars, HeightsAndColoursBySnr) {
     const int heights[12] = {6, 12, 18, 24, 30, 36, 42, 42, 42, 6, 12, 36};
     for (int i = 0; i < 12; ++i) test::SetSatellite(g, i, "01", "10", "10", snrs[i]);
     RecordingCanvas canvas(ctx.frame);
-    DrawSignalBars(canvas, ctx, g, 100, 400);
+    ctx.display.fix = gps::ReadFix(g);
+    DrawSignalBars(canvas, ctx, 100, 400);
     const auto bars = canvas.OfKind(K::Line);
     ASSERT_EQ(bars.size(), 12u);
     for (int i = 0; i < 12; ++i) {
         EXPECT_EQ(bars[i].from, (Point{103 + 10 * i, 400})) << i;
         EXPECT_EQ(bars[i].to, (Point{103 + 10 * i, 400 - heights[i]})) << i;
         EXPECT_EQ(bars[i].pen.width, 7);
-        const int snr = common::TextToInt(snrs[i]);
+        const int snr = gps::TextToInt(snrs[i]);
         EXPECT_EQ(bars[i].pen.colour, snr == 0 ? kBlack : SnrColour(snr)) << i;
     }
 
     ctx.display.linkRunning = false;
     canvas.Clear();
-    DrawSignalBars(canvas, ctx, g, 100, 400);
+    DrawSignalBars(canvas, ctx, 100, 400);
     for (const auto& bar : canvas.OfKind(K::Line)) {
         EXPECT_EQ(bar.to.y, 397);
         EXPECT_EQ(bar.pen.colour, kBlack);
@@ -84,6 +85,7 @@ TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
         fix.northSouth = c.ns;
         fix.eastWest = c.ew;
         RecordingCanvas canvas(ctx.frame);
+        ctx.display.fix = gps::ReadFix(fix);
         PaintGpsInfoScreen(canvas, ctx, fix);
         const auto thumb = canvas.OfKind(K::StretchBlit);
         ASSERT_EQ(thumb.size(), 1u);
@@ -113,6 +115,7 @@ TEST(SkyPlotScreen, DiscsSitAtElevationAndAzimuth) {
     test::SetSatellite(g, 3, "04", "60", "270", "");
     test::SetSatellite(g, 4, "05", "-30", "45", "99");
     RecordingCanvas canvas(ctx.frame);
+    ctx.display.fix = gps::ReadFix(g);
     PaintSkyPlotScreen(canvas, ctx, g);
 
     // Disc radius from "09" in the font of height 22: 26 × 22 → 17.
@@ -156,6 +159,7 @@ TEST(SkyPlotScreen, RingsLettersAndAlternatingOrder) {
     test::SetSatellite(g, 0, "01", "45", "10", "20");
     test::SetSatellite(g, 1, "02", "45", "12", "40");
     RecordingCanvas canvas(ctx.frame);
+    ctx.display.fix = gps::ReadFix(g);
     PaintSkyPlotScreen(canvas, ctx, g);
     const auto ellipses = canvas.OfKind(K::Ellipse);
     // Horizon, 30- and 60-degree rings: R, trunc(R cos 30° − 3), trunc(R cos 60° − 6).
@@ -199,7 +203,8 @@ TEST(CompassScreen, LettersTurnWithTheCourseInCourseUpOnly) {
         gps::GpsState g;
         SET_FIELD(g.course, c.course);
         RecordingCanvas canvas(ctx.frame);
-        PaintCompassScreen(canvas, ctx, g);
+        ctx.display.fix = gps::ReadFix(g);
+        PaintCompassScreen(canvas, ctx);
         const CanvasCall* n = canvas.FindText("N");
         ASSERT_NE(n, nullptr);
         const int x = (n->rect.left + n->rect.right) / 2 - ctx.dials.compassX;
@@ -224,7 +229,8 @@ TEST(CompassScreen, NoTickIsEverRed) {
             gps::GpsState g;
             SET_FIELD(g.course, course);
             RecordingCanvas canvas(ctx.frame);
-            PaintCompassScreen(canvas, ctx, g);
+            ctx.display.fix = gps::ReadFix(g);
+            PaintCompassScreen(canvas, ctx);
             int red = 0;
             for (const auto& l : canvas.OfKind(K::Line))
                 if (test::IsRed(l.pen) && l.pen.width < 3)
@@ -242,7 +248,8 @@ TEST(CompassScreen, TextsInTheUnits) {
     SET_FIELD(g.altitude, "100");
     SET_FIELD(g.course, "45.5");
     RecordingCanvas canvas(ctx.frame);
-    PaintCompassScreen(canvas, ctx, g);
+    ctx.display.fix = gps::ReadFix(g);
+    PaintCompassScreen(canvas, ctx);
     EXPECT_NE(canvas.FindText("速度 12.50 kts"), nullptr);
     EXPECT_NE(canvas.FindText("海拔 328.00 ft"), nullptr);
     const CanvasCall* course = canvas.FindText("方位角 45.50°");
@@ -296,7 +303,7 @@ TEST(Speedometer, RedTicksFromTheThreshold) {
         ctx.display.speedAlarmOn = c.on;
         ctx.display.speedAlarmLimit = c.limit;
         RecordingCanvas canvas(ctx.frame);
-        PaintSpeedometerScreen(canvas, ctx, gps::GpsState{});
+        PaintSpeedometerScreen(canvas, ctx);
         double lowest = 1e9;
         int red = 0;
         for (const auto& l : canvas.OfKind(K::Line)) {
@@ -332,7 +339,7 @@ TEST(Speedometer, LabelsUnitsAndAlarmText) {
         ctx.display.speedAlarmOn = c.on;
         ctx.display.speedAlarmLimit = 80;
         RecordingCanvas canvas(ctx.frame);
-        PaintSpeedometerScreen(canvas, ctx, gps::GpsState{});
+        PaintSpeedometerScreen(canvas, ctx);
         EXPECT_NE(canvas.FindText(c.last), nullptr) << c.unit;
         EXPECT_NE(canvas.FindText(c.unit), nullptr) << c.unit;
         EXPECT_NE(canvas.FindText(c.alarm), nullptr) << c.unit;

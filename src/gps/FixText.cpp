@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-namespace satwalk::common {
+namespace satwalk::gps {
 
 namespace {
 
@@ -82,4 +82,4 @@ int NmeaToDegrees(const char* latitudeText, char northSouth, const char* longitu
     return 1;
 }
 
-}  // namespace satwalk::common
+}  // namespace satwalk::gps

@@ -1,14 +1,24 @@
 // Reading the fix texts: positions to degrees, numbers as the C library
-// reads them, and speeds and heights in each unit system.
+// reads them, speeds and heights in each unit system, and a record's numbers
+// read once.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <optional>
 #include <string>
 
 #include "FixText.h"
+#include "GpsState.h"
+#include "NmeaTestUtil.h"
 
-namespace satwalk::common {
+namespace satwalk::gps {
 namespace {
+
+using common::kImperial;
+using common::kMetric;
+using common::kNautical;
 
 struct PositionCase {
     const char* latitude;
@@ -93,5 +103,70 @@ TEST(UnitConversions, SpeedAndHeightPerUnitSystem) {
     }
 }
 
+TEST(ReadFix, EachNumberFromItsOwnText) {
+    testing::Decoder d;
+    d.Feed(testing::Sentence("GPRMC,081500.00,A,3015.1234,S,12009.5000,E,20.5,33.5,211126,,,A") +
+           testing::Sentence("GPGGA,081500.00,3015.1234,S,12009.5000,E,1,08,0.9,23.4,M,-13.0,M,,") +
+           testing::Sentence("GPGSA,A,3,02,05,,,,,,,,,,,1.8,0.9,1.6") +
+           testing::Sentence("GPGSV,1,1,02,02,72,040,48,05,35,095,"));
+    const FixValues v = ReadFix(d.state);
+    EXPECT_NEAR(v.latitude.value(), -30.252056666666665, 1e-12);
+    EXPECT_NEAR(v.longitude.value(), 120.15833333333333, 1e-12);
+    EXPECT_EQ(v.speedKnots, 20.5);
+    EXPECT_EQ(v.course, 33.5);
+    EXPECT_EQ(v.altitude, 23.4);
+    EXPECT_EQ(v.pdop, 1.8);
+    EXPECT_EQ(v.hdop, 0.9);
+    EXPECT_EQ(v.vdop, 1.6);
+    EXPECT_EQ(v.satellitesUsed, 8);
+    EXPECT_EQ(v.satellitesInView, 2);
+    EXPECT_TRUE(v.valid);
+    EXPECT_EQ(v.satellites[0].elevation, 72.0);
+    EXPECT_EQ(v.satellites[0].azimuth, 40.0);
+    EXPECT_EQ(v.satellites[0].snr, 48);
+    EXPECT_EQ(v.satellites[1].snr, std::nullopt);  // not tracked: absent, not 0
+    EXPECT_EQ(v.satellites[2].elevation, std::nullopt);
+}
+
+TEST(ReadFix, TextsReadWithinTheirWidthAsTheHelpersReadThem) {
+    const struct {
+        const char* speed;
+        std::optional<double> reading;
+    } cases[] = {
+        {"", std::nullopt},
+        {"abc", 0.0},
+        {" 7x", 7.0},
+        // No NUL in the field: its last byte counts as one, the course after
+        // it is not read.
+        {"1234567", 123456.0},
+    };
+    for (const auto& c : cases) {
+        GpsState s;
+        std::memcpy(s.speedKnots, c.speed, std::min(std::strlen(c.speed), sizeof s.speedKnots));
+        std::memcpy(s.course, "55", 2);
+        EXPECT_EQ(ReadFix(s).speedKnots, c.reading) << c.speed;
+    }
+}
+
+TEST(ReadFix, CoordinateAbsentOnlyWithoutTextAndLetter) {
+    const struct {
+        const char* latitude;
+        char northSouth;
+        std::optional<double> reading;
+    } cases[] = {
+        {"", '\0', std::nullopt},
+        {"", 'N', 0.0},
+        {"3030.0000", '\0', -30.5},  // no letter reads as south, as NmeaToDegrees reads it
+    };
+    for (const auto& c : cases) {
+        GpsState s;
+        std::strcpy(s.latitude, c.latitude);
+        s.northSouth = c.northSouth;
+        const FixValues v = ReadFix(s);
+        EXPECT_EQ(v.latitude, c.reading) << c.latitude << c.northSouth;
+        EXPECT_EQ(v.longitude, std::nullopt);
+    }
+}
+
 }  // namespace
-}  // namespace satwalk::common
+}  // namespace satwalk::gps

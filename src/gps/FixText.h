@@ -9,7 +9,7 @@
 
 #include "ScreenIds.h"
 
-namespace satwalk::common {
+namespace satwalk::gps {
 
 // 100 ns ticks since 1601-01-01, the unit of the fix time stamp.
 using FileTime = std::uint64_t;
@@ -56,13 +56,15 @@ CalendarTime FileTimeToCalendar(FileTime time);
 
 // Knots in the unit system: km/h (x 1.85), MPH (x 1.152), else knots.
 constexpr double SpeedInUnit(double knots, int units) {
-    return units == kMetric ? knots * 1.85 : units == kImperial ? knots * 1.152 : knots;
+    return units == common::kMetric     ? knots * 1.85
+           : units == common::kImperial ? knots * 1.152
+                                        : knots;
 }
 
 // Metres in the unit system: feet (x 3.28) for imperial and nautical, else
 // metres.
 constexpr double HeightInUnit(double metres, int units) {
-    return units == kImperial || units == kNautical ? metres * 3.28 : metres;
+    return units == common::kImperial || units == common::kNautical ? metres * 3.28 : metres;
 }
 
-}  // namespace satwalk::common
+}  // namespace satwalk::gps
