@@ -1,7 +1,10 @@
 // Any receiver bytes through the decoder, batch by batch as the link hands
 // them over, then through reading the fix's numbers and the JSON writer.
-// Checks that every text of the fix stays NUL-terminated within its width.
+// Checks that every text of the fix stays NUL-terminated within its width
+// and reads as the C library reads it.
 // Each input starts from a fresh decoder, so a found input reproduces alone.
+#include <locale.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -16,9 +19,16 @@ using namespace satwalk::gps;
 
 namespace {
 
+// Every text stays terminated, and its quick decimal reading agrees with the
+// C library's to the bit.
 template <std::size_t N>
 void CheckText(const char (&field)[N]) {
+    static const locale_t c = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     if (std::memchr(field, '\0', N) == nullptr)
+        std::abort();
+    const double quick = TextToDouble(field);
+    const double library = strtod_l(field, nullptr, c);
+    if (std::memcmp(&quick, &library, sizeof quick) != 0)
         std::abort();
 }
 

@@ -29,7 +29,44 @@ void Substring(const char* text, std::size_t from, std::size_t count, char* out)
 }
 
 double TextToDouble(const char* text) {
-    return strtod_l(text, nullptr, CLocale());
+    // Nearly every text is a short plain decimal ("12.5", "-0.9"). Its value
+    // is its digits as an integer over a power of ten, and while both are
+    // exact doubles (the integer below 2^53, the power at most 1e22) one
+    // division rounds it as the C library's correctly rounded reading does.
+    // Anything else (leading spaces, exponents, hexadecimal, inf and nan,
+    // long digit runs) the C library reads.
+    static constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr int kMaxFractionDigits = 22;
+    constexpr std::uint64_t kExactLimit = std::uint64_t{1} << 53;
+    const char* p = text;
+    const bool negative = *p == '-';
+    if (*p == '-' || *p == '+')
+        ++p;
+    if (p[0] == '0' && (p[1] == 'x' || p[1] == 'X'))
+        return strtod_l(text, nullptr, CLocale());
+    std::uint64_t digits = 0;
+    int count = 0;
+    int fraction = 0;
+    bool point = false;
+    for (;; ++p) {
+        if (*p >= '0' && *p <= '9') {
+            digits = digits * 10 + static_cast<std::uint64_t>(*p - '0');
+            if (digits >= kExactLimit)
+                return strtod_l(text, nullptr, CLocale());
+            ++count;
+            fraction += point ? 1 : 0;
+        } else if (*p == '.' && !point) {
+            point = true;
+        } else {
+            break;
+        }
+    }
+    if (count == 0 || *p == 'e' || *p == 'E' || fraction > kMaxFractionDigits)
+        return strtod_l(text, nullptr, CLocale());
+    const double value = static_cast<double>(digits) / kPowersOfTen[fraction];
+    return negative ? -value : value;
 }
 
 CalendarTime FileTimeToCalendar(FileTime time) {

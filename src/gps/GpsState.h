@@ -4,7 +4,7 @@
 // 8-bit text, truncated to the field's width (the array size includes the
 // NUL). The screens rely on these widths, so they must not change. Its
 // numbers are read once, into FixValues, where a copy of the record is taken
-// for the window or a tool; no reader parses the texts again.
+// for the window or a tool; the copy's readers take them from there.
 #pragma once
 
 #include <cstdint>
