@@ -131,27 +131,6 @@ TEST(ReceiverSettingsDialogTest, OpensInTheModeOfTheSettings) {
     }
 }
 
-TEST(ReceiverSettingsDialogTest, TogglingTheModeSwapsTheExtraEntries) {
-    ReceiverSettings s = Settings(false);
-    s.chosen = BluetoothDevice{"gone", 1};  // not in the table: row 0
-    ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
-    SelectPort(d, 7);
-    ToggleAutoSearch(d, s);  // to Bluetooth
-    EXPECT_TRUE(d.autoSearch);
-    EXPECT_TRUE(d.search.enabled);
-    EXPECT_EQ(d.ports.entries.back(), "自动");
-    EXPECT_EQ(d.ports.selection, 10);
-    EXPECT_EQ(d.devices.entries.size(), 2u);
-    EXPECT_EQ(d.devices.selection, 0);
-    SelectPort(d, 10);       // "自动" is not a port to remember
-    ToggleAutoSearch(d, s);  // back to manual
-    EXPECT_FALSE(d.search.enabled);
-    EXPECT_FALSE(d.deviceLabelEnabled);
-    EXPECT_EQ(d.ports.entries.size(), 10u);
-    EXPECT_EQ(d.ports.selection, 7);
-    EXPECT_EQ(d.devices.entries.back(), "系统设置");
-}
-
 TEST(ReceiverSettingsDialogTest, OkAndCancel) {
     struct Case {
         const char* what;
