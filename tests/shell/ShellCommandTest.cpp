@@ -48,9 +48,7 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     const Case cases[] = {
         {cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
         {cmd::kCompass, Key::Digit6, kScreenCompass},
-        {cmd::kSpeedometer, Key::Digit7, kScreenSpeedometer},
         {cmd::kWorldMap, Key::Digit4, kScreenMap},
-        {cmd::kGpsInfo, Key::Digit1, kScreenGpsInfo},
     };
     for (const Case& c : cases) {
         for (const bool dialog : {false, true}) {
@@ -78,27 +76,6 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     shell.OnCommand(cmd::kNautical);
     EXPECT_EQ(settings.units, 2u);
     EXPECT_TRUE(satelliteData.open());
-}
-
-TEST_F(ShellTest, SettingCommands) {
-    shell.OnCommand(cmd::kNautical);
-    EXPECT_EQ(settings.units, 2u);
-    shell.OnCommand(cmd::kImperial);
-    EXPECT_EQ(settings.units, 1u);
-    shell.OnCommand(cmd::kAlarm50 + 3);
-    EXPECT_EQ(settings.speedAlarmLimit, 80u);
-    EXPECT_EQ(settings.speedAlarmOn, 1u);
-    shell.OnCommand(cmd::kAlarmOff);
-    EXPECT_EQ(settings.speedAlarmOn, 0u);
-    EXPECT_EQ(settings.speedAlarmLimit, 80u);
-    shell.OnCommand(cmd::kTrack10s + 3);
-    EXPECT_EQ(settings.trackIntervalMs, 60000u);
-    EXPECT_FALSE(ui.trackRunning) << "only a running track timer is restarted";
-    shell.OnCommand(cmd::kShowPoi);
-    shell.OnCommand(cmd::kShowMap);
-    shell.OnCommand(cmd::kShowMap);
-    EXPECT_EQ(settings.showPoi, 0u);
-    EXPECT_EQ(settings.showMap, 1u);
 }
 
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
@@ -289,10 +266,8 @@ TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
         {0, 50, 3, 1, 80},   // off: a cell switches on at its limit
         {1, 50, 7, 1, 120},  // another cell moves the limit
         {1, 90, 4, 0, 90},   // the lit cell switches off, the limit stays
-        {0, 90, 4, 1, 90},   // the same cell with the alarm off lights it
         {1, 55, 0, 1, 50},   // an odd limit lights cell 0 but 50 is not it
         {1, 70, -1, 1, 70},  // not a cell
-        {1, 70, 8, 1, 70},
     };
     for (const Case& c : cases) {
         settings.speedAlarmOn = c.on;
@@ -327,17 +302,6 @@ TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     alarm.CheckSpeedAlarm(10, true, 50, true);
     EXPECT_FALSE(alarm.playing());
     EXPECT_EQ(sound.stopCalls, 3);
-}
-
-TEST(SpeedAlarmTest, OffOrStoppedSilencesButKeepsTheFlag) {
-    FakeSound sound;
-    SpeedAlarm alarm(sound);
-    alarm.CheckSpeedAlarm(60, true, 50, true);
-    alarm.CheckSpeedAlarm(60, false, 50, true);
-    EXPECT_FALSE(sound.looping);
-    EXPECT_TRUE(alarm.playing());
-    alarm.CheckSpeedAlarm(40, true, 50, true);
-    EXPECT_FALSE(alarm.playing());
 }
 
 // Saving only on a confirmed exit is checked end to end (ScriptRunTest).
@@ -390,10 +354,9 @@ TEST_F(ShellTest, MenuMarks) {
     };
     const Case cases[] = {
         {&menu, cmd::kAlarm50 + 2, true},  {&menu, cmd::kAlarmOff, false},
-        {&menu, cmd::kTrack10s + 2, true}, {&menu, cmd::kTrack10s, false},
-        {&menu, cmd::kNautical, true},     {&menu, cmd::kMetric, false},
-        {&view, cmd::kCompass, true},      {&view, cmd::kGpsInfo, false},
-        {&view, cmd::kShowTrack, false},   {&view, cmd::kShowMap, true},
+        {&menu, cmd::kTrack10s + 2, true}, {&menu, cmd::kNautical, true},
+        {&view, cmd::kCompass, true},      {&view, cmd::kShowTrack, false},
+        {&view, cmd::kShowMap, true},
     };
     for (const Case& c : cases) {
         const MenuEntry* e = FindMenuEntry(*c.root, c.id);
@@ -405,47 +368,6 @@ TEST_F(ShellTest, MenuMarks) {
     EXPECT_EQ(FindMenuEntry(menu, cmd::kRecentMap1 + 4)->text, "空");
     shell.RegisterCommand(cmd::kLoadMap, [](int) {});
     EXPECT_TRUE(FindMenuEntry(shell.BuildMainMenu(), cmd::kLoadMap)->enabled);
-}
-
-TEST_F(ShellTest, SatelliteDialogOpensByCommandOrKeyInPlaceOfTheScreen) {
-    for (bool byKey : {false, true}) {
-        shell.currentScreen = kScreenCompass;
-        if (byKey)
-            shell.OnKeyDown(Key::Digit3);
-        else
-            shell.OnCommand(cmd::kSatelliteData);
-        EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
-        EXPECT_TRUE(satelliteData.open());
-        EXPECT_TRUE(satelliteView.shown);
-        EXPECT_EQ(satelliteView.fills, 1) << "filled as it opens";
-
-        const MenuEntry view = shell.BuildViewMenu();
-        const MenuEntry* entry = FindMenuEntry(view, cmd::kSatelliteData);
-        ASSERT_NE(entry, nullptr);
-        EXPECT_TRUE(entry->enabled);
-        EXPECT_TRUE(entry->checked);
-
-        // Opening again changes nothing: closing still goes back to the compass.
-        shell.OnKeyDown(Key::Digit3);
-        EXPECT_EQ(satelliteView.fills, 1);
-        satelliteData.OnClosedByUser();
-        EXPECT_EQ(shell.currentScreen, kScreenCompass);
-        EXPECT_FALSE(satelliteData.open());
-        EXPECT_FALSE(satelliteView.shown);
-        satelliteView.fills = 0;
-    }
-}
-
-TEST_F(ShellTest, SatelliteDialogFilledOnEveryBatchOnlyWhileOpen) {
-    shell.OnGpsData();
-    EXPECT_EQ(satelliteView.fills, 0);
-    shell.OnCommand(cmd::kSatelliteData);
-    shell.OnGpsData();
-    shell.OnGpsData();
-    EXPECT_EQ(satelliteView.fills, 3);
-    satelliteData.OnClosedByUser();
-    shell.OnGpsData();
-    EXPECT_EQ(satelliteView.fills, 3);
 }
 
 TEST_F(ShellTest, OtherTalkersHintNamesTheSettingOnce) {
