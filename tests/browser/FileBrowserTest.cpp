@@ -99,7 +99,6 @@ TEST_F(FileBrowserTest, RowsAndFilterOfEachMode) {
          {"..|", "Alpha|", "b.png|1.50K", "big.jpg|15.0M", "c.GIF|0B", "MAP.Bmp|10B", "sub|"}},
         {kBrowseTrackLogs, "轨迹记录 [*.log]", {"..|", "Alpha|", "sub|", "track.log|1.95K"}},
         {kBrowsePoi, "POI [*.csv]", {"..|", "Alpha|", "poi.csv|150K", "sub|"}},
-        {7, "", {"..|"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.mode);
