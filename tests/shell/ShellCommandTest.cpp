@@ -186,15 +186,6 @@ TEST_F(ShellTest, LeftRightStepTheAlarmOnTheSpeedometerOnly) {
     EXPECT_EQ(settings.speedAlarmLimit, 110u);
 }
 
-TEST_F(ShellTest, StarOpensSettingsOnlyWhileStopped) {
-    int calls = 0;
-    shell.RegisterCommand(cmd::kGpsSettings, [&](int) { ++calls; });
-    shell.OnKeyDown(Key::Star);
-    shell.OnCommand(cmd::kStartGps);
-    shell.OnKeyDown(Key::Star);
-    EXPECT_EQ(calls, 1);
-}
-
 TEST_F(ShellTest, AlarmFollowsTheSpeed) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
@@ -302,24 +293,6 @@ TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     alarm.CheckSpeedAlarm(10, true, 50, true);
     EXPECT_FALSE(alarm.playing());
     EXPECT_EQ(sound.stopCalls, 3);
-}
-
-// Saving only on a confirmed exit is checked end to end (ScriptRunTest).
-TEST_F(ShellTest, ConfirmedExitStopsAndClosesEverything) {
-    shell.OnCommand(cmd::kStartGps);
-    shell.OnCommand(cmd::kSatelliteData);
-    ui.answerYes = false;
-    shell.OnCommand(cmd::kExit);
-    EXPECT_FALSE(ui.closed);
-    EXPECT_TRUE(link.running);
-    EXPECT_TRUE(satelliteView.shown);
-
-    ui.answerYes = true;
-    shell.OnCommand(cmd::kExit);
-    EXPECT_TRUE(ui.closed);
-    EXPECT_FALSE(link.running);
-    EXPECT_FALSE(satelliteView.shown);
-    EXPECT_FALSE(ui.backlight) << "the backlight hold is released";
 }
 
 TEST_F(ShellTest, MenuStateAfterStartAndStop) {
