@@ -169,23 +169,6 @@ TEST_F(ShellTest, StopReportsLossReason) {
     }
 }
 
-TEST_F(ShellTest, LeftRightStepTheAlarmOnTheSpeedometerOnly) {
-    shell.OnKeyDown(Key::Right);
-    EXPECT_EQ(settings.speedAlarmOn, 0u) << "not on the speedometer";
-    shell.OnCommand(cmd::kSpeedometer);
-    shell.OnKeyDown(Key::Right);
-    EXPECT_EQ(settings.speedAlarmOn, 1u);
-    EXPECT_EQ(settings.speedAlarmLimit, 50u);
-    shell.OnKeyDown(Key::Left);
-    EXPECT_EQ(settings.speedAlarmOn, 0u);
-    shell.OnKeyDown(Key::Left);
-    EXPECT_EQ(settings.speedAlarmOn, 0u);
-    for (int i = 0; i < 12; ++i) shell.OnKeyDown(Key::Right);
-    EXPECT_EQ(settings.speedAlarmLimit, 120u);
-    shell.OnKeyDown(Key::Left);
-    EXPECT_EQ(settings.speedAlarmLimit, 110u);
-}
-
 TEST_F(ShellTest, AlarmFollowsTheSpeed) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
