@@ -70,6 +70,7 @@ TEST(ParseNmeaBuffer, Framing) {
         {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
         {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
         {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
+        {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
         {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
         {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
         {"header cut at the end", rmc + "$GPG", "111111.000", ""},

@@ -89,6 +89,7 @@ TEST(ParseGsv, Assembly) {
          "12",
          true},
         {"count is the last field", {Sentence("GPGSV,1,1,00")}, V(12), "00", true},
+        {"fields stop early", {Sentence("GPGSV,1")}, V(12), "", true},
         {"no fields", {Sentence("GPGSV,")}, V(12), "", false},
         // Message "0" starts four rows before the table; with a count of -1
         // the index wraps onto it after three satellites.

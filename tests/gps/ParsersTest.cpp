@@ -41,6 +41,7 @@ TEST(ParseRmc, Fields) {
          "12009.5000", 'E', "5", "6", "010126"},
         // Fields missing at the end are empty.
         {"GPRMC,010203,A,3015.1234", "010203", 'A', "3015.1234", 0, "", 0, "", "", ""},
+        {"GPRMC,", "", 0, "", 0, "", 0, "", "", ""},
     };
     for (const auto& c : cases) {
         Decoder d;

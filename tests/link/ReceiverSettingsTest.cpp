@@ -70,6 +70,7 @@ TEST(BluetoothInquiryTest, NamesAreCleanedAndCutToTheRow) {
     const Case cases[] = {
         {"Holux GR-231", "Holux GR-231"},
         {"bad\xFF\xFEname", "bad\xEF\xBF\xBD\xEF\xBF\xBDname"},
+        {"cut\xE6\x8E", "cut\xEF\xBF\xBD\xEF\xBF\xBD"},
         {"overlong\xC0\xAF", "overlong\xEF\xBF\xBD\xEF\xBF\xBD"},
         {std::string(300, 'n'), std::string(255, 'n')},
         {Repeat(cjk, 300), Repeat(cjk, 255)},  // counted in UTF-16 units, not bytes
@@ -150,6 +151,7 @@ TEST(ReceiverSettingsDialogTest, OkAndCancel) {
         s.table = c.table;
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
         SelectPort(d, 7);
+        SelectPort(d, 10);  // "自动" is not a port: 7 stays
         d.bauds.selection = 4;
         if (c.deviceRow >= 0)
             d.devices.selection = c.deviceRow;

@@ -199,6 +199,9 @@ TEST(Projection, NorthingCountsItsBandTwice) {
         EXPECT_NEAR(MercatorNorthing(tc.latitude, 2.0, 100), tc.bands * band, 1e-9) << tc.latitude;
     EXPECT_EQ(MercatorNorthing(85, 2.0, 100), MercatorNorthing(80, 2.0, 100));
     EXPECT_EQ(MercatorNorthing(-90, 2.0, 100), -MercatorNorthing(80, 2.0, 100));
+    // A stray latitude past the table reads its last band.
+    EXPECT_DOUBLE_EQ(StretchAtLatitude(-60.9, 10.0), 10.0 / t[60]);
+    EXPECT_DOUBLE_EQ(StretchAtLatitude(89, 10.0), 10.0 / t[80]);
 }
 
 TEST(Geometry, GroundDistance) {

@@ -117,6 +117,7 @@ TEST(MapInteraction, DragsPanAgainstTheStylusExceptWhilePlacing) {
     } cases[] = {
         {"left and down", false, -10, 6, {"pan 4 10", "pan 1 6"}},
         {"left and down, placing", true, -10, 6, {"pan 3 10", "pan 2 6"}},
+        {"right and up", false, 7, -3, {"pan 3 7", "pan 2 3"}},
         {"no movement", false, 0, 0, {"pan 4 0", "pan 2 0"}},
     };
     for (const auto& c : cases) {

@@ -54,6 +54,7 @@ TEST(PoiCsv, ByteRules) {
         {"quotes are dropped", "\"1\",\"2\",\"A, B\"\r\n", "2,1,A, B;"},
         {"'@' ends a field", "1@2@A@n\r\n", "2,1,A,n;"},
         {"missing columns", "1\r\n1,2\r\n", "0,1,,;2,1,,;"},
+        {"columns past the fourth are ignored", "1,2,A,n,x,y\r\n", "2,1,A,n;"},
         {"names keep their first 19 bytes", "1,2,abcdefghijklmnopqrstuvwxyz\r\n",
          "2,1,abcdefghijklmnopqrs,;"},
         {"a field reaching 99 bytes starts again", "1,2," + std::string(99, 'x') + "tail\r\n",

@@ -45,6 +45,7 @@ TEST_F(ScriptRunTest, WaysToEndADialog) {
         const char* outcome;
     } cases[] = {
         {"answer ok", "form ok name= enabled=1 list=0"},
+        {"answer cancel", "form cancel"},
         {"key escape", "form cancel"},
         {"tap 120 666", "form ok name= enabled=1 list=0"},
         {"tap 360 666", "form cancel"},

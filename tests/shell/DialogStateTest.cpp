@@ -33,6 +33,7 @@ TEST(DialogStateTest, ValuesThatSetTakes) {
         {ControlKind::List, true, "1x", false, "no entry"},
         {ControlKind::List, true, "", false, "no entry"},
         {ControlKind::Label, true, "x", false, "takes no value"},
+        {ControlKind::Group, true, "x", false, "takes no value"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(ControlKindName(c.kind)) + " " + c.value);

@@ -55,6 +55,16 @@ TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
                                "\"latitude\":\"\"", "\"fixTimeLocal\":null"});
 }
 
+// A script that ends with the confirmed exit: the options are saved.
+TEST_F(ScriptRunTest, ConfirmedExitSavesTheOptions) {
+    WriteScript("command 40049\ncommand 40003\n");
+    ASSERT_EQ(Run(), 0) << Read("stderr.txt");
+    const std::string options = Read("options");
+    ASSERT_EQ(options.size(), 3720u);
+    EXPECT_EQ(options[36], 90);
+    EXPECT_EQ(options[40], 1);
+}
+
 TEST_F(ScriptRunTest, BadLineFails) {
     WriteScript("key 7\nfly away\n");
     EXPECT_EQ(Run(), 2);
@@ -143,7 +153,7 @@ double InkShare(const QImage& image) {
 // brings the screen back. Every screen is snapshotted on the way.
 TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
     std::string script =
-        "key 3\nstate @/blank.json\n"
+        "key 3\nkey 3\nstate @/blank.json\n"
         "wait 2300\nstate @/open.json\nsnapshot @/screen-dialog.png\n"
         "key escape\nstate @/closed.json\n"
         "key 3\nkey 6\nstate @/replaced.json\n";

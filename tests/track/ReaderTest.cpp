@@ -64,6 +64,8 @@ TEST(TrackLogReader, HostileLogs) {
          "99,2,,2024\0"
          "0501 08:00:01\r\n"s,
          "1.5,2,2024-00-00 00:00:00;"},
+        {"short and odd date-times", "1,2,,2024\r\n1,2,,-3 x5\r\n",
+         "1,2,2024-00-00 00:00:00;1,2,-003-05-00 00:00:00;"},
         {"binary noise", "\xff\xfe\x01\x02,\x80\r\n\r\n,,,\r\n"s, "0,0,0000-00-00 00:00:00;"},
     };
     for (const ReaderCase& c : cases) {
