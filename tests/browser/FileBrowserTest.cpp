@@ -61,16 +61,6 @@ class FileBrowserTest : public ::testing::Test {
         return b;
     }
 
-    // Column 0 and 1 of every row as shown, "name|size".
-    static std::vector<std::string> Shown(const FileBrowser& b) {
-        std::vector<std::string> out;
-        for (int i = 0; i < b.list()->topLevelItemCount(); ++i) {
-            const QTreeWidgetItem* item = b.list()->topLevelItem(i);
-            out.push_back((item->text(0) + "|" + item->text(1)).toStdString());
-        }
-        return out;
-    }
-
     static std::string Current(const FileBrowser& b) {
         return b.list()->currentItem()->text(0).toStdString();
     }
@@ -87,33 +77,6 @@ class FileBrowserTest : public ::testing::Test {
     DialogStack stack_{window_, 30};
     std::optional<std::string> chosen_;
 };
-
-TEST_F(FileBrowserTest, RowsAndFilterOfEachMode) {
-    const struct {
-        int mode;
-        const char* filter;
-        std::vector<std::string> rows;
-    } cases[] = {
-        {kBrowseMaps,
-         "地图 [*.BMP; *.JPG; *.GIF; *.PNG]",
-         {"..|", "Alpha|", "b.png|1.50K", "big.jpg|15.0M", "c.GIF|0B", "MAP.Bmp|10B", "sub|"}},
-        {kBrowseTrackLogs, "轨迹记录 [*.log]", {"..|", "Alpha|", "sub|", "track.log|1.95K"}},
-        {kBrowsePoi, "POI [*.csv]", {"..|", "Alpha|", "poi.csv|150K", "sub|"}},
-        {7, "", {"..|"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.mode);
-        FileBrowser* b = Open(c.mode, Maps());
-        EXPECT_EQ(Shown(*b), c.rows);
-        const shell::DialogState s = b->State();
-        EXPECT_EQ(s.caption, "打开文件");
-        EXPECT_EQ(shell::FindControl(s, kFilterLabel)->text, c.filter);
-        EXPECT_EQ(shell::FindControl(s, kFolderLabel)->text, Maps());
-        EXPECT_EQ(shell::FindControl(s, kFileList)->selected, 0);
-        EXPECT_FALSE(b->list()->topLevelItem(0)->icon(0).isNull());
-        b->Reject();
-    }
-}
 
 // Each step from the folder before it: where the browser is then, which
 // row is selected (the folder just left, coming up), and whether "向上"

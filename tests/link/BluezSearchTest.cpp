@@ -74,40 +74,20 @@ TEST_F(BluezSearchTest, SearchResultsFollowTheInquiryRules) {
         int result = kInquiryOk;
         const char* code = "";
         std::vector<std::string> names = {};
-        std::uint64_t firstAddress = 0;
         bool radioSwitchedOn = false;
     };
-    const std::vector<std::string> sixteen = [] {
-        std::vector<std::string> n;
-        for (int i = 0; i < 16; ++i) n.push_back("GPS " + std::to_string(i));
-        return n;
-    }();
     const Case cases[] = {
         {.what = "no adapter", .adapter = false, .result = kInquiryFailed, .code = "0x08200a01"},
-        {.what = "radio off",
-         .powered = false,
-         .answering = Numbered(1),
-         .result = kInquiryRadioOff},
         {.what = "radio switched on",
          .powered = false,
          .autoBluetooth = true,
          .answering = Numbered(1),
          .names = {"GPS 0"},
          .radioSwitchedOn = true},
-        {.what = "nobody answers"},
-        {.what = "one receiver",
-         .answering = {{"00:0A:3A:1B:2C:3D", "接收机 GPS"}},
-         .names = {"接收机 GPS"},
-         .firstAddress = 0x000A3A1B2C3D},
         {.what = "cached first",
          .cached = {{Address(0x20), "Old GPS"}},
          .answering = Numbered(1),
          .names = {"Old GPS", "GPS 0"}},
-        {.what = "sixteen", .answering = Numbered(16), .result = kInquiryFailed, .names = sixteen},
-        {.what = "seventeen",
-         .answering = Numbered(17),
-         .result = kInquiryFailed,
-         .names = sixteen},
         {.what = "a nameless device", .answering = {{Address(1), "GPS"}, {Address(2), ""}}},
         {.what = "a device that vanishes",
          .answering = Numbered(3),
@@ -144,9 +124,6 @@ TEST_F(BluezSearchTest, SearchResultsFollowTheInquiryRules) {
         std::vector<std::string> names;
         for (const BluetoothDevice& d : outcome->inquiry.devices) names.push_back(d.name);
         EXPECT_EQ(names, c.names);
-        if (c.firstAddress != 0) {
-            EXPECT_EQ(outcome->inquiry.devices.at(0).address, c.firstAddress);
-        }
         EXPECT_EQ(outcome->radioSwitchedOn, c.radioSwitchedOn);
         EXPECT_EQ(radioReported, c.radioSwitchedOn);
         if (c.adapter && !c.adapterGoes) {

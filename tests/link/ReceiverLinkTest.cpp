@@ -87,19 +87,6 @@ TEST_F(LinkTest, RequestsATimeSyncEveryTenthTick) {
     EXPECT_EQ(sink.syncs(), expected);
 }
 
-// Neither the link nor the decoder (which keeps a cut sentence's header)
-// pieces the two halves together.
-TEST_F(LinkTest, SentenceStraddlingTwoDecodesIsLost) {
-    const std::string cut = Rmc("3112.0002");
-    Feed(Rmc("3112.0001") + cut.substr(0, 20));
-    TickAndDecode();
-    Feed(cut.substr(20) +
-         Sentence("GPGGA,120001.00,3112.0009,N,12128.0000,E,1,08,1.0,12.0,M,8.0,M,,"));
-    TickAndDecode();
-    EXPECT_EQ(sink.latitude(1), "3112.0001") << "the cut RMC was pieced together";
-    EXPECT_STREQ(link.gps.satellitesUsed, "08") << "the sentence after the cut was lost too";
-}
-
 TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
     std::string burst;
     for (int i = 0; burst.size() <= 2100; ++i) {
@@ -284,7 +271,6 @@ TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
     std::ofstream(file) << "not a tty";
     const OpenFailure cases[] = {
         {"missing device", dir + "/ttyUSB9", 9600, common::err::kPortOpen},
-        {"a folder", dir, 9600, common::err::kPortOpen},
         {"a plain file", file, 9600, common::err::kPortGetState},
         {"a character device that is not a tty", "/dev/null", 9600, common::err::kPortGetState},
         {"a baud rate not offered", pty.path(), 12345, common::err::kPortSetState},

@@ -33,9 +33,6 @@ TEST(MapFit, FitsTheRelativelyLongerSide) {
         {"tall image", {300, 900}, kSmallView, kSmallBar, {1, 242.0 / 3, 242.0, 6, 20}},
         // 242 < 240 * 242 / 242 is false: a tie goes to the width.
         {"view's shape", {240, 242}, kSmallView, kSmallBar, {0, 240.0, 242.0, 20, 20}},
-        // 240 * 243 / 242 = 240 in integers, so the image counts as no taller.
-        {"a row taller", {240, 243}, kSmallView, kSmallBar, {0, 240.0, 243.0, 20, 20}},
-        {"view inset", {480, 2000}, {10, 30, 490, 670}, 52, {1, 141.12, 588.0, 4, 20}},
         // 480 * 2,000,000,000 passes 32 bits.
         {"huge height", {100, 2'000'000'000}, {0, 0, 480, 640}, 0, {1, 3.2e-5, 640.0, 0, 20}},
         {"empty image", {0, 500}, kSmallView, kSmallBar, {}},
@@ -60,8 +57,6 @@ TEST(MapFit, LoadedImageStartsFittedAndCentred) {
     };
     const Case cases[] = {
         {"/home/u/maps/Hangzhou.west.lake.png", "Hangzhou.west.lake.png", "Hangzhou"},
-        {"/home/u/maps/scan", "scan", "scan"},
-        {"relative.bmp", "relative.bmp", "relative"},
         {"/home/u/maps/.hidden.gif", ".hidden.gif", ""},
         {"/home/u/maps.d/plan", "plan", "plan"},
     };
@@ -160,14 +155,11 @@ TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
         {"zoomed in 2x", kSquare, 2000, 2000, {500, 500}, {380, 340, 620, 660}, kView},
         {"fitted", {1000, 500}, 480, 240, {500, 250}, {0, 0, 1000, 500}, {0, 200, 480, 440}},
         {"at left edge", kSquare, 2000, 2000, {0, 500}, {0, 340, 120, 660}, {240, 0, 480, 640}},
-        {"at far corner", kSquare, 2000, 2000, {1e3, 1e3}, {880, 840, 1e3, 1e3}, {0, 0, 240, 320}},
         {"small image", {100, 50}, 100, 50, {50, 25}, {0, 0, 100, 50}, {190, 295, 290, 345}},
-        {"zoomed out 4x", {10000, 10000}, 2500, 2500, {5e3, 5e3}, {4040, 3720, 5960, 6280}, kView},
         // The picture spans 0.5 to 479.5 across: edges round away from zero,
         // so the destination starts a pixel in, half a source pixel later.
         {"half pixels", kSquare, 479, 479, {500, 500}, {kHalf, kHalf, 1e3, 1e3}, {1, 81, 480, 560}},
         {"past the image", kSquare, 2000, 2000, {-200, 500}, {}, {}},
-        {"far past it", kSquare, 2000, 2000, {1e300, 500}, {}, {}},
         {"no image", {0, 0}, 480, 240, {0, 0}, {}, {}},
         {"no size", {1000, 500}, 0, 0, {500, 250}, {}, {}},
         {"not a number", {1000, 500}, 480, 240, {NAN, 250}, {}, {}},

@@ -31,14 +31,11 @@ TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
     };
     const Case cases[] = {
         {"empty", "", 0, 0},
-        {"comment only", "# 1,2 3,4 5,6\n", 0, 0},
         {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
-        {"CR LF lines", "0,0 1,0 0,1\r\n0,0 1,0 0,1\r\n", 2, 6},
         {"too short", "0,0 1,1\n", 0, 0},
         {"garbage line", "north,east\nx\n,,,\n", 0, 0},
         {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
         {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
-        {"overflowing number", "0,0 1,0 0,1 99999999999999,1\n", 1, 3},
         {"no final newline", "0,0 1,0 0,1", 1, 3},
     };
     for (const Case& tc : cases) {
@@ -71,27 +68,6 @@ TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
         EXPECT_EQ(land.rings[0].minLon, tc.minLon) << tc.what;
         EXPECT_EQ(land.rings[0].maxLon, tc.maxLon) << tc.what;
     }
-}
-
-TEST(WorldLandFile, CommittedDataCoversTheGlobe) {
-    const WorldLand& land = Land();
-    EXPECT_GT(land.rings.size(), 1000u);
-    EXPECT_GT(land.PointCount(), 50000u);
-    std::int32_t west = 0, east = 0, south = 0, north = 0;
-    for (const LandRing& r : land.rings) {
-        west = std::min(west, r.minLon);
-        east = std::max(east, r.maxLon);
-        south = std::min(south, r.minLat);
-        north = std::max(north, r.maxLat);
-    }
-    // Chukotka and a few islands, cut at the meridian in the data, run on
-    // past 180° once their steps across are taken the short way round.
-    EXPECT_LE(west, -18000);
-    EXPECT_GT(west, -19500);
-    EXPECT_GT(east, 18000);
-    EXPECT_LT(east, 19500);
-    EXPECT_LT(south, -8900);
-    EXPECT_GT(north, 8300);
 }
 
 // A view of `rect` centred on (lat, lon) with the scale bar of 100 pixels

@@ -23,14 +23,10 @@ TEST(PoiCategories, FileNamesChooseTheCategory) {
         const char* name;
     } cases[] = {
         {"/data/00008.csv", 19, "Gas Station"},
-        {"gas station.csv", 19, "Gas Station"},
         {"GAS STATION.CSV", 19, "Gas Station"},
         {"Informaion.csv", 6, "Informaion"},
-        {"Information.csv", 0, "Information"},
         {"00157.csv", 6, "Informaion"},
         {"Restaurant.v2.csv", 17, "Restaurant"},
-        {"/dir.with.dots/park", 30, "Park"},
-        {"16392.csv", 23, "Short Tower"},
         {".csv", 0, ""},
         {"Swimming Area But Longer.csv", 0, "Swimming Area But L"},
         {"加油站加油站加油站加油站加油站加油站加油站.csv", 0,

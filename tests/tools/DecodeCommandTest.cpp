@@ -1,14 +1,14 @@
 // satwalk-tool decode as a whole process: batches, time syncs, errors.
-#include <gtest/gtest.h>
-
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "ToolRun.h"
+
 namespace {
+
+using satwalk::tools::test::Field;
 
 struct Result {
     int status;
@@ -16,22 +16,8 @@ struct Result {
 };
 
 Result RunTool(const std::string& args) {
-    const std::string cmd = std::string(SATWALK_TOOL) + " decode " + args + " 2>/dev/null";
-    Result r{};
-    FILE* p = popen(cmd.c_str(), "r");
-    char line[1 << 16];
-    while (fgets(line, sizeof line, p)) r.lines.emplace_back(line);
-    r.status = WEXITSTATUS(pclose(p));
-    return r;
-}
-
-std::string Field(const std::string& json, const std::string& name) {
-    const auto at = json.find("\"" + name + "\":");
-    if (at == std::string::npos)
-        return "<missing>";
-    const auto start = at + name.size() + 3;
-    const auto end = json.find_first_of(",}", start);
-    return json.substr(start, end - start);
+    const satwalk::tools::test::ToolRun r = satwalk::tools::test::Tool("decode " + args);
+    return {r.status, r.Lines()};
 }
 
 class DecodeCommand : public ::testing::Test {

@@ -1,35 +1,16 @@
 // satwalk-tool track and poi as whole processes: the exact objects printed.
-#include <gtest/gtest.h>
-
-#include <sys/wait.h>
-
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
+
+#include "ToolRun.h"
 
 namespace {
 
-struct ToolRun {
-    int status;
-    std::string out;
-};
-
-ToolRun Tool(const std::string& args) {
-    const std::string cmd = std::string(SATWALK_TOOL) + " " + args + " 2>/dev/null";
-    ToolRun r{};
-    FILE* p = popen(cmd.c_str(), "r");
-    char buffer[4096];
-    std::size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, p)) > 0) r.out.append(buffer, n);
-    r.status = WEXITSTATUS(pclose(p));
-    return r;
-}
+using satwalk::tools::test::Tool;
+using satwalk::tools::test::ToolRun;
 
 std::string Write(const std::string& name, const std::string& bytes) {
-    const std::string path = ::testing::TempDir() + name;
-    std::ofstream(path, std::ios::binary) << bytes;
-    return "'" + path + "'";
+    return "'" + satwalk::tools::test::WriteTemp(name, bytes) + "'";
 }
 
 TEST(TrackCommand, PrintsThePointsTheReaderMakes) {
