@@ -37,7 +37,8 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
         Keep(features, map::qt::MakeMapFeature(window.shell(), window, screens.context(),
                                                screens.mapScreen(), window.dialogs()));
     features.push_back(track::qt::MakeTrackFeature(window.shell(), chooser, &window, map,
-                                                   screens.mapScreen(), window.onTrackTick));
+                                                   screens.mapScreen(), window.onTrackTick,
+                                                   &window.dialogs()));
     features.push_back(poi::qt::MakePoiFeature(window.shell(), chooser, map, screens.bitmaps(),
                                                screens.mapScreen()));
     if (auto hooks = MakeTestHooks(window))

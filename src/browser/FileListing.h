@@ -14,7 +14,7 @@ namespace satwalk::browser {
 // What the browser is opened for; any other value lists no files.
 enum BrowserMode : int {
     kBrowseMaps = 1,       // .BMP .JPG .PNG .GIF
-    kBrowseTrackLogs = 2,  // .log
+    kBrowseTrackLogs = 2,  // .log .gpx .nmea
     kBrowsePoi = 3,        // .csv
 };
 
@@ -22,8 +22,8 @@ enum BrowserMode : int {
 // text), empty for an unknown mode.
 std::string_view FilterCaption(int mode);
 
-// Whether a file's name ends, in its last four characters compared without
-// regard to ASCII case, with one of the mode's extensions.
+// Whether a file's name ends, compared without regard to ASCII case, with
+// one of the mode's extensions.
 bool MatchesMode(int mode, std::string_view name);
 
 // A size in bytes as the list's second column shows it: "1024B", "1.50K",

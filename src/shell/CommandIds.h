@@ -38,5 +38,6 @@ inline constexpr int kCancelPlacement = 40071;
 inline constexpr int kOptions = 40197;
 inline constexpr int kUserManual = 40201;
 inline constexpr int kRecentMap1 = 40203;  // to 40207
+inline constexpr int kTrackInfo = 40301;
 
 }  // namespace satwalk::shell::cmd

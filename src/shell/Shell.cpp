@@ -494,6 +494,8 @@ MenuEntry Shell::BuildMainMenu() const {
     // Present only while a log is viewed (its feature says when).
     if (HasHandler(cmd::kCloseTrack))
         track.push_back(Item(cmd::kCloseTrack, "关闭轨迹记录"));
+    if (HasHandler(cmd::kTrackInfo))
+        track.push_back(Item(cmd::kTrackInfo, LoadString(common::kStrTrackInfo)));
 
     std::vector<MenuEntry> alarm{Radio(cmd::kAlarmOff, "关闭", settings_.speedAlarmOn == 0)};
     for (int i = 0; i < 8; ++i) {

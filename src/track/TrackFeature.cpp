@@ -40,7 +40,23 @@ void TrackFeature::Register(shell::FeatureRegistry& registry) {
                                                              e.present = state_.trackViewOn;
                                                              return e;
                                                          }});
+    registry.AddCommand(cmd::kTrackInfo, shell::Command{[this](int) { ShowStatistics(); },
+                                                        [this](int) {
+                                                            shell::EntryState e;
+                                                            e.enabled = state_.trackViewOn ||
+                                                                        shell_.link().Running();
+                                                            return e;
+                                                        }});
     registry.AddStateSection([this](common::JsonMembers& members) { WriteState(members); });
+}
+
+void TrackFeature::ShowStatistics() {
+    const int units = static_cast<int>(shell_.settings().units);
+    if (state_.trackViewOn)
+        platform_.ShowStatistics(state_.viewedTrackName, state_.viewedStats, units);
+    else if (shell_.link().Running())
+        platform_.ShowStatistics(common::LoadString(common::kStrLiveTrack), state_.liveStats,
+                                 units);
 }
 
 TrackProjections TrackFeature::Projections() const {
@@ -85,6 +101,7 @@ void TrackFeature::OnTrackTick() {
 }
 
 void TrackFeature::OnLinkStarted() {
+    state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     track::OnLinkStarted(state_, CurrentSample(shell_.fix()));
 }
@@ -100,11 +117,13 @@ void TrackFeature::OnTrackFolderChanged(const std::string& trackFolder) {
     // The storage moved (a card chosen in the options) while the link runs:
     // the recording goes on in a new file under the new track folder.
     state_.trackFolder = trackFolder;
+    state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     if (state_.trackLogOn != 0 && shell_.link().Running())
         StartTrackLog(state_, CurrentSample(shell_.fix()));
 }
 
 void TrackFeature::SaveTrackLog() {
+    state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample(shell_.fix()))) {
         shell_.ui().StopTrackTimer();
@@ -144,16 +163,28 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
             if (generation != readGeneration_)
                 return;  // closed or replaced meanwhile
             reading_ = false;
+            const TrackFileResult result = read->result;
+            const GeoBounds bounds = read->bounds;
             if (ShowViewedTrack(state_, std::move(*read), path, name) != ViewResult::Shown) {
-                Message(kOpenTrackLogFailed);
+                if (result == TrackFileResult::NotATrack)
+                    Message(
+                        common::FormatString(common::LoadString(common::kStrNotATrackFile), name),
+                        true);
+                else
+                    Message(kOpenTrackLogFailed);
                 return;
             }
             if (!rebuild) {
                 shell_.settings().showTrack = 1;
                 if (shell_.currentScreen != shell::kScreenMap)
                     shell_.OnCommand(Projections().map ? cmd::kLoadedMap : cmd::kWorldMap);
+                if (bounds.valid && bringIntoView)
+                    bringIntoView(bounds);
             }
             shell_.Repaint();
+            if (result == TrackFileResult::Truncated && !rebuild)
+                Message(common::FormatString(common::LoadString(common::kStrTrackFileCut), name),
+                        true);
         });
 }
 
@@ -216,6 +247,7 @@ void TrackFeature::WriteState(common::JsonMembers& members) const {
     m.Text("viewedPath", state_.viewedTrackPath);
     m.Bool("reading", reading_);
     m.Bool("followPaused", state_.followPaused);
+    m.Text("gpxFile", state_.gpxFilePath);
     out += '}';
 }
 

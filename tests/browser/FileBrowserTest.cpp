@@ -97,7 +97,9 @@ TEST_F(FileBrowserTest, RowsAndFilterOfEachMode) {
         {kBrowseMaps,
          "地图 [*.BMP; *.JPG; *.GIF; *.PNG]",
          {"..|", "Alpha|", "b.png|1.50K", "big.jpg|15.0M", "c.GIF|0B", "MAP.Bmp|10B", "sub|"}},
-        {kBrowseTrackLogs, "轨迹记录 [*.log]", {"..|", "Alpha|", "sub|", "track.log|1.95K"}},
+        {kBrowseTrackLogs,
+         "轨迹 [*.log; *.gpx; *.nmea]",
+         {"..|", "Alpha|", "sub|", "track.log|1.95K"}},
         {kBrowsePoi, "POI [*.csv]", {"..|", "Alpha|", "poi.csv|150K", "sub|"}},
         {7, "", {"..|"}},
     };

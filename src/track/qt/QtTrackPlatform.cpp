@@ -7,6 +7,7 @@
 
 #include "MapFeature.h"
 #include "Shell.h"
+#include "TrackInfoDialog.h"
 #include "TrackState.h"
 #include "TrailLayer.h"
 
@@ -19,7 +20,8 @@ constexpr int kProgressSteps = 1000;
 
 }  // namespace
 
-QtTrackPlatform::QtTrackPlatform(QWidget* window) : window_(window) {
+QtTrackPlatform::QtTrackPlatform(QWidget* window, shell::qt::DialogStack* dialogs)
+    : window_(window), dialogs_(dialogs) {
     followTimer_.setSingleShot(true);
     connect(&followTimer_, &QTimer::timeout, this, [this] {
         if (followExpired_)
@@ -77,6 +79,12 @@ void QtTrackPlatform::RunReader(std::function<void(const TrackProgress& progress
     });
 }
 
+void QtTrackPlatform::ShowStatistics(const std::string& name, const TrackStatistics& stats,
+                                     int units) {
+    if (dialogs_ != nullptr)
+        dialogs_->Open(new TrackInfoDialog(*dialogs_, name, stats, units));
+}
+
 void QtTrackPlatform::ShowProgress() {
     if (!progress_) {
         progress_ = new QProgressDialog(window_);
@@ -112,9 +120,10 @@ void QtTrackPlatform::Finish(std::function<void()> done) {
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
                                                QWidget* window, map::qt::MapFeature& mapFeature,
                                                map::MapScreen& mapScreen,
-                                               std::function<void()>& onTrackTick) {
-    auto feature =
-        std::make_unique<TrackFeature>(shell, chooser, std::make_unique<QtTrackPlatform>(window));
+                                               std::function<void()>& onTrackTick,
+                                               shell::qt::DialogStack* dialogs) {
+    auto feature = std::make_unique<TrackFeature>(
+        shell, chooser, std::make_unique<QtTrackPlatform>(window, dialogs));
     TrackFeature* track = feature.get();
     map::qt::MapFeature* map = &mapFeature;
     track->projections = [map] { return ProjectionsFor(map->model().View()); };
@@ -123,6 +132,11 @@ std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::Fil
             map->PauseFollowing();
         else
             map->ResumeFollowing();
+    };
+    track->bringIntoView = [map](const GeoBounds& b) {
+        map::MapModel& model = map->model();
+        if (!(model.linkRunning && model.Following()))
+            model.ShowRegion(b.south, b.west, b.north, b.east);
     };
     mapFeature.onManualMove = [track] { track->OnMapMovedByHand(); };
     mapFeature.onCalibrationChanged = [track, map, mode = map->model().View().mapMode]() mutable {

@@ -13,6 +13,7 @@
 #include <memory>
 #include <thread>
 
+#include "Dialogs.h"
 #include "MapFeature.h"
 #include "MapLayers.h"
 #include "TrackFeature.h"
@@ -24,7 +25,7 @@ namespace satwalk::track::qt {
 
 class QtTrackPlatform final : public QObject, public TrackPlatform {
   public:
-    explicit QtTrackPlatform(QWidget* window);
+    QtTrackPlatform(QWidget* window, shell::qt::DialogStack* dialogs);
     // Waits for a read under way; its result is dropped.
     ~QtTrackPlatform() override;
 
@@ -32,12 +33,14 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     void StopFollowTimer() override;
     void RunReader(std::function<void(const TrackProgress& progress)> work,
                    std::function<void()> done) override;
+    void ShowStatistics(const std::string& name, const TrackStatistics& stats, int units) override;
 
   private:
     void ShowProgress();
     void Finish(std::function<void()> done);
 
     QWidget* window_;
+    shell::qt::DialogStack* dialogs_;
     QTimer followTimer_;
     std::function<void()> followExpired_;
     std::thread worker_;
@@ -52,12 +55,14 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
 };
 
 // The track feature on `window`: its trail layer added to `mapScreen`, the
-// window's track timer (`onTrackTick`) wired to it, and tied to the map
-// feature both ways (the map's projections and its manual moves and new
-// calibrations in, the follow pause out).
+// window's track timer (`onTrackTick`) wired to it, its statistics dialog
+// opened on `dialogs`, and tied to the map feature both ways (the map's
+// projections and its manual moves and new calibrations in, the follow
+// pause and a new track's region out).
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
                                                QWidget* window, map::qt::MapFeature& mapFeature,
                                                map::MapScreen& mapScreen,
-                                               std::function<void()>& onTrackTick);
+                                               std::function<void()>& onTrackTick,
+                                               shell::qt::DialogStack* dialogs = nullptr);
 
 }  // namespace satwalk::track::qt
