@@ -56,7 +56,7 @@ std::string_view FilterCaption(int mode) {
         case kBrowseTrackLogs:
             return "轨迹 [*.log; *.gpx; *.nmea]";
         case kBrowsePoi:
-            return "POI [*.csv]";
+            return "POI [*.csv; *.gpx]";
         default:
             return {};
     }
@@ -77,7 +77,7 @@ bool MatchesMode(int mode, std::string_view name) {
         case kBrowseTrackLogs:
             return EqualsNoCase(tail, ".log") || EqualsNoCase(tail, ".gpx");
         case kBrowsePoi:
-            return EqualsNoCase(tail, ".csv");
+            return EqualsNoCase(tail, ".csv") || EqualsNoCase(tail, ".gpx");
         default:
             return false;
     }

@@ -15,7 +15,7 @@ namespace satwalk::browser {
 enum BrowserMode : int {
     kBrowseMaps = 1,       // .BMP .JPG .PNG .GIF
     kBrowseTrackLogs = 2,  // .log .gpx .nmea
-    kBrowsePoi = 3,        // .csv
+    kBrowsePoi = 3,        // .csv .gpx
 };
 
 // The caption under the list for a mode (string 40116, 40117, or the POI

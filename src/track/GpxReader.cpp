@@ -127,8 +127,8 @@ bool ParseGpxTime(std::string_view text, std::int64_t& utcSeconds, int& millisec
         Digits(text, minutes, 2, om);
         offset = (text[at] == '-' ? -1 : 1) * (oh * 3600 + om * 60);
     }
-    utcSeconds = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second -
-                 offset;
+    utcSeconds =
+        DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second - offset;
     return true;
 }
 
@@ -288,9 +288,11 @@ void GpxParser::State::Apply() {
             break;
         case Field::Fix: {
             const std::string_view v = Trim(text);
-            static constexpr std::pair<std::string_view, GpxFix> kFixes[] = {
-                {"none", kFixNone}, {"2d", kFix2d}, {"3d", kFix3d}, {"pps", kFix3d},
-                {"dgps", kFixDgps}};
+            static constexpr std::pair<std::string_view, GpxFix> kFixes[] = {{"none", kFixNone},
+                                                                             {"2d", kFix2d},
+                                                                             {"3d", kFix3d},
+                                                                             {"pps", kFix3d},
+                                                                             {"dgps", kFixDgps}};
             point.fix = -1;
             for (const auto& [name, fix] : kFixes)
                 if (v == name)

@@ -134,8 +134,7 @@ bool AppendGpxPoint(std::string& out, const TrackFilePoint& p, LocalToUtc& zone)
 }
 
 TrackWrite AppendGpxTrackPoint(const std::string& path, std::string_view pointLine) {
-    const int fd =
-        ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
+    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
     if (fd < 0)
         return TrackWrite::NotOpened;
     struct stat st {};

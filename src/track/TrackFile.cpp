@@ -263,9 +263,12 @@ void NmeaTrackParser::Line(std::string_view line) {
         return;
     if (fix.fixTimeLocal != 0) {
         const common::CalendarTime c = common::FileTimeToCalendar(fix.fixTimeLocal);
-        p.time = TrackTime{static_cast<std::int16_t>(c.year),   static_cast<std::int8_t>(c.month),
-                           static_cast<std::int8_t>(c.day),     static_cast<std::int8_t>(c.hour),
-                           static_cast<std::int8_t>(c.minute),  static_cast<std::int8_t>(c.second),
+        p.time = TrackTime{static_cast<std::int16_t>(c.year),
+                           static_cast<std::int8_t>(c.month),
+                           static_cast<std::int8_t>(c.day),
+                           static_cast<std::int8_t>(c.hour),
+                           static_cast<std::int8_t>(c.minute),
+                           static_cast<std::int8_t>(c.second),
                            0,
                            static_cast<std::int16_t>(c.millisecond)};
         p.hasTime = true;
@@ -282,6 +285,23 @@ void NmeaTrackParser::Line(std::string_view line) {
     if (fix.satellitesUsed[0] != '\0')
         p.satellites = static_cast<std::int16_t>(common::TextToInt(fix.satellitesUsed));
     onPoint_(p);
+}
+
+TrackFileKind SniffTrackFilePath(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (fd < 0)
+        return TrackFileKind::Unknown;
+    struct stat st {};
+    char head[kSniffBytes];
+    ssize_t n = -1;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
+        do {
+            n = ::read(fd, head, sizeof head);
+        } while (n < 0 && errno == EINTR);
+    }
+    ::close(fd);
+    return n < 0 ? TrackFileKind::Unknown
+                 : SniffTrackFile(std::string_view(head, static_cast<std::size_t>(n)));
 }
 
 TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& onPoint,

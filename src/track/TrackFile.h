@@ -57,6 +57,10 @@ enum class TrackFileKind { Log, Gpx, Nmea, Unknown };
 inline constexpr std::size_t kSniffBytes = 4096;
 TrackFileKind SniffTrackFile(std::string_view head);
 
+// The kind of the file at `path` from its first bytes; Unknown when it
+// cannot be read.
+TrackFileKind SniffTrackFilePath(const std::string& path);
+
 enum class TrackFileResult {
     Read,        // read to the end
     Truncated,   // GPX that breaks off or goes wrong part way: the points before are kept

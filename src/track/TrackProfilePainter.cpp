@@ -76,8 +76,8 @@ void DrawTrackProfile(screens::Canvas& canvas, Rect box, std::span<const Profile
     const double width = plot.Width() - 1;
     const double height = plot.Height() - 1;
     const auto x = [&](double distance) {
-        return plot.left + static_cast<int>(std::lround(total > 0 ? distance / total * width
-                                                                  : width / 2));
+        return plot.left +
+               static_cast<int>(std::lround(total > 0 ? distance / total * width : width / 2));
     };
     const auto y = [&](double v) {
         return plot.bottom - 1 - static_cast<int>(std::lround((v - low) / (high - low) * height));
@@ -98,8 +98,8 @@ void DrawTrackProfile(screens::Canvas& canvas, Rect box, std::span<const Profile
         }
         if (run.size() == 1)
             run.push_back(run.front());
-        canvas.Polyline(run, screens::Pen{
-                                 kind == ProfileKind::Elevation ? kElevationLine : kSpeedLine, 2});
+        canvas.Polyline(
+            run, screens::Pen{kind == ProfileKind::Elevation ? kElevationLine : kSpeedLine, 2});
         run.clear();
     };
     for (const ProfileSample& s : samples) {

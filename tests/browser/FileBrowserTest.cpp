@@ -100,7 +100,7 @@ TEST_F(FileBrowserTest, RowsAndFilterOfEachMode) {
         {kBrowseTrackLogs,
          "轨迹 [*.log; *.gpx; *.nmea]",
          {"..|", "Alpha|", "sub|", "track.log|1.95K"}},
-        {kBrowsePoi, "POI [*.csv]", {"..|", "Alpha|", "poi.csv|150K", "sub|"}},
+        {kBrowsePoi, "POI [*.csv; *.gpx]", {"..|", "Alpha|", "poi.csv|150K", "sub|"}},
         {7, "", {"..|"}},
     };
     for (const auto& c : cases) {

@@ -17,9 +17,9 @@ class QBoxLayout;
 namespace satwalk::track::qt {
 
 inline constexpr int kTrackInfoDialogId = 301;
-inline constexpr int kTrackInfoNameId = 3010;    // the track's name
-inline constexpr int kTrackInfoLabelId = 3011;   // to 3020
-inline constexpr int kTrackInfoValueId = 3031;   // to 3040
+inline constexpr int kTrackInfoNameId = 3010;   // the track's name
+inline constexpr int kTrackInfoLabelId = 3011;  // to 3020
+inline constexpr int kTrackInfoValueId = 3031;  // to 3040
 
 class ProfileView final : public QWidget {
   public:
