@@ -261,6 +261,9 @@ void GpxParser::State::Start(const char* name, const char** attributes) {
         field = f;
         fieldDepth = depth;
         text.clear();
+        // Text is wanted only inside a field: the white space between
+        // elements never reaches a handler.
+        XML_SetCharacterDataHandler(parser, OnText);
     }
 }
 
@@ -322,6 +325,7 @@ void GpxParser::State::End() {
     if (field != Field::None && depth == fieldDepth) {
         Apply();
         field = Field::None;
+        XML_SetCharacterDataHandler(parser, nullptr);
     }
     if (element != Element::None && depth == elementDepth) {
         if (positionValid) {
@@ -348,7 +352,6 @@ GpxParser::GpxParser(TrackFilePointSink onPoint, TrackWaypointSink onWaypoint)
     }
     XML_SetUserData(state_->parser, state_.get());
     XML_SetElementHandler(state_->parser, OnStart, OnEnd);
-    XML_SetCharacterDataHandler(state_->parser, OnText);
     // No external entity or DTD is ever read; entity expansion is watched
     // from the first megabyte on.
     XML_SetParamEntityParsing(state_->parser, XML_PARAM_ENTITY_PARSING_NEVER);

@@ -77,10 +77,13 @@ TEST(TrackFile, GpxAsOtherProgramsWriteIt) {
          TrackFileResult::Read,
          {4}},
         {"a cut document keeps its whole points",
-         "<trk><trkseg><trkpt lat='1' lon='2'/><trkpt lat='3' lon='4'><ele>1", TrackFileResult::Truncated,
+         "<trk><trkseg><trkpt lat='1' lon='2'/><trkpt lat='3' lon='4'><ele>1",
+         TrackFileResult::Truncated,
          {1}},
-        {"a syntax error part way", "<trk><trkseg><trkpt lat='1' lon='2'/><trkpt lat='3'></trk>",
-         TrackFileResult::Truncated, {1}},
+        {"a syntax error part way",
+         "<trk><trkseg><trkpt lat='1' lon='2'/><trkpt lat='3'></trk>",
+         TrackFileResult::Truncated,
+         {1}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -158,7 +161,8 @@ TEST(TrackFile, HostileXml) {
         EXPECT_EQ(r.result, c.result);
         EXPECT_EQ(r.points.size(), c.points);
         ASSERT_EQ(r.waypoints.size(), c.waypoints);
-        for (const TrackWaypoint& w : r.waypoints) EXPECT_EQ(w.name.find("root"), std::string::npos);
+        for (const TrackWaypoint& w : r.waypoints)
+            EXPECT_EQ(w.name.find("root"), std::string::npos);
     }
     EXPECT_EQ(ReadBytes("<html><body/></html>").result, TrackFileResult::NotATrack);
     EXPECT_EQ(ReadBytes("\x89PNG\r\n\x1a\n\0\0").result, TrackFileResult::NotATrack);
@@ -176,14 +180,14 @@ TEST(TrackFile, NmeaRecordings) {
     };
     setenv("TZ", "UTC", 1);
     tzset();
-    const Read r = ReadBytes(
-        "GSV,3,1*\r\n" + s("GPGGA,080000,3015.000,N,12009.000,E,1,08,1.0,42.5,M,,M,,") +
-        s("GPGSA,A,3,01,02,03,,,,,,,,,,2.0,1.0,1.5") +
-        s("GPRMC,080001,A,3015.000,N,12009.000,E,10.0,45.0,010524,,") +
-        s("GPRMC,080002,V,3015.000,N,12009.000,E,0,0,010524,,") +
-        "$GPRMC,080003,A,3015.000,N,12009.000,E,0,0,010524,,*00\r\n" +
-        s("GNRMC,080004,A,3016.000,S,12010.000,W,0,0,010524,,") + std::string(300, 'x') + "\n" +
-        s("GPRMC,080005,A,3017.000,N,12011.000,E,0,0,010524,,"));
+    const Read r =
+        ReadBytes("GSV,3,1*\r\n" + s("GPGGA,080000,3015.000,N,12009.000,E,1,08,1.0,42.5,M,,M,,") +
+                  s("GPGSA,A,3,01,02,03,,,,,,,,,,2.0,1.0,1.5") +
+                  s("GPRMC,080001,A,3015.000,N,12009.000,E,10.0,45.0,010524,,") +
+                  s("GPRMC,080002,V,3015.000,N,12009.000,E,0,0,010524,,") +
+                  "$GPRMC,080003,A,3015.000,N,12009.000,E,0,0,010524,,*00\r\n" +
+                  s("GNRMC,080004,A,3016.000,S,12010.000,W,0,0,010524,,") + std::string(300, 'x') +
+                  "\n" + s("GPRMC,080005,A,3017.000,N,12011.000,E,0,0,010524,,"));
     unsetenv("TZ");
     ASSERT_EQ(r.points.size(), 3u);  // void, bad checksum and over-long lines give none
     EXPECT_NEAR(r.points[0].latitude, 30.25, 1e-9);
