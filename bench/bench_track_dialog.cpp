@@ -24,10 +24,14 @@ track::TrackStatistics Statistics() {
         p.latitude = 30.25 + i * 1e-6;
         p.longitude = 120.15 + (i % 1000) * 1e-6;
         p.elevation = 20 + (i % 5000) * 0.01;
-        p.time = track::TrackTime{2024, 5, static_cast<std::int8_t>(1 + i / 86400),
+        p.time = track::TrackTime{2024,
+                                  5,
+                                  static_cast<std::int8_t>(1 + i / 86400),
                                   static_cast<std::int8_t>(i / 3600 % 24),
                                   static_cast<std::int8_t>(i / 60 % 60),
-                                  static_cast<std::int8_t>(i % 60), 0, 0};
+                                  static_cast<std::int8_t>(i % 60),
+                                  0,
+                                  0};
         p.hasTime = true;
         stats.Add(p);
     }

@@ -42,11 +42,14 @@ std::vector<track::TrackFilePoint> Walk() {
         p.latitude = lat;
         p.longitude = lon;
         p.elevation = ele;
-        p.time = track::TrackTime{static_cast<std::int16_t>(2024), 5,
+        p.time = track::TrackTime{static_cast<std::int16_t>(2024),
+                                  5,
                                   static_cast<std::int8_t>(1 + i / 86400),
                                   static_cast<std::int8_t>(i / 3600 % 24),
                                   static_cast<std::int8_t>(i / 60 % 60),
-                                  static_cast<std::int8_t>(i % 60), 0, 0};
+                                  static_cast<std::int8_t>(i % 60),
+                                  0,
+                                  0};
         p.hasTime = true;
         points.push_back(p);
     }
