@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 
 #include "PoiGpx.h"
@@ -35,7 +36,9 @@ TEST(PoiGpx, WaypointsBecomeRecords) {
 }
 
 TEST(PoiGpx, TheContentDecidesTheImport) {
-    const std::string path = ::testing::TempDir() + "Restaurant.csv";  // a GPX, whatever its name
+    const std::string dir = ::testing::TempDir() + "poigpx";
+    std::filesystem::create_directories(dir);
+    const std::string path = dir + "/Restaurant.csv";  // a GPX, whatever its name
     std::ofstream(path, std::ios::binary)
         << "<gpx><wpt lat='30.1' lon='120.2'><name>A</name><sym>Bank</sym></wpt>"
            "<trk><trkseg><trkpt lat='1' lon='2'/></trkseg></trk><wpt lat='x' lon='1'/></gpx>";

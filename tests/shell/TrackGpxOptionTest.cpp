@@ -15,7 +15,7 @@ TEST(TrackGpxOption, FileBesideTheOptions) {
     const struct {
         const char* bytes;
         bool on;
-    } cases[] = {{"1\n", true}, {"1", true}, {"1\r\n", true}, {"0\n", false},
+    } cases[] = {{"1\n", true}, {"1", true},   {"1\r\n", true}, {"0\n", false},
                  {"", false},   {"11", false}, {"yes", false}};
     for (const auto& c : cases) {
         std::ofstream(path, std::ios::binary) << c.bytes;

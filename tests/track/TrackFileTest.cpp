@@ -22,8 +22,15 @@ struct Read {
     std::vector<TrackWaypoint> waypoints;
 };
 
-Read ReadBytes(const std::string& bytes, const std::string& name = "t") {
-    const std::string path = ::testing::TempDir() + "trackfile-" + name;
+// Each test (ctest runs them side by side) and each call a file of its own.
+Read ReadBytes(const std::string& bytes, const std::string& name = "") {
+    static int calls = 0;
+    const std::string path =
+        name.starts_with("/")
+            ? name
+            : ::testing::TempDir() + "trackfile-" +
+                  ::testing::UnitTest::GetInstance()->current_test_info()->name() +
+                  std::to_string(++calls);
     test::WriteFile(path, bytes);
     Read r{};
     r.result = ReadTrackFile(
@@ -166,7 +173,7 @@ TEST(TrackFile, HostileXml) {
     }
     EXPECT_EQ(ReadBytes("<html><body/></html>").result, TrackFileResult::NotATrack);
     EXPECT_EQ(ReadBytes("\x89PNG\r\n\x1a\n\0\0").result, TrackFileResult::NotATrack);
-    EXPECT_EQ(ReadBytes("x", "/no/such/folder").result, TrackFileResult::OpenFailed);
+    EXPECT_EQ(ReadBytes("x", "/no/such/folder/x").result, TrackFileResult::OpenFailed);
 }
 
 TEST(TrackFile, NmeaRecordings) {
@@ -233,7 +240,7 @@ TEST(GpxWriter, TheRecordingIsAValidDocumentAfterEveryPoint) {
         std::string line;
         ASSERT_TRUE(AppendGpxPoint(line, p, zone));
         EXPECT_EQ(AppendGpxTrackPoint(path, line), TrackWrite::Written);
-        const Read r = ReadBytes(test::ReadFile(path), "gpx-copy");
+        const Read r = ReadBytes(test::ReadFile(path));
         EXPECT_EQ(r.result, TrackFileResult::Read);
         ASSERT_EQ(r.points.size(), static_cast<std::size_t>(i + 1));
         EXPECT_EQ(r.points.back().latitude, 30 + i);
