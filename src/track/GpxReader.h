@@ -27,6 +27,8 @@ namespace satwalk::track {
 
 inline constexpr std::size_t kGpxParserMemory = 8u << 20;
 
+// A parser is made, fed and freed on one thread (its memory is counted per
+// thread).
 class GpxParser {
   public:
     GpxParser(TrackFilePointSink onPoint, TrackWaypointSink onWaypoint);

@@ -1,5 +1,6 @@
 // The track feature: the track timer's samples into the live trails and
-// the log file, the commands of the track menu (save, view and close a log),
+// the log file (and a GPX file beside it when the option asks), the commands
+// of the track menu (save, view and close a track file, its statistics),
 // the follow pause after the map is moved by hand, the trails' rebuild when
 // the map's geometry changes, and the "tracks" member of the state dump.
 //
