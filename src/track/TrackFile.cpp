@@ -6,9 +6,14 @@
 
 #include <cerrno>
 #include <cmath>
+#include <condition_variable>
 #include <cstring>
 #include <ctime>
+#include <deque>
 #include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #include "FixText.h"
 #include "GpxReader.h"
@@ -114,6 +119,79 @@ class LogFileParser {
     char text_[TrackLogParser::kFieldDropLength + 1] = {};
     std::size_t length_ = 0;
     double extras_[3] = {kNoValue, kNoValue, kNoValue};
+};
+
+// Points handed from the thread that parses to a thread of their own that
+// runs the sink, in batches, so that expat's tokenising and what the caller
+// does with each point (projecting, statistics) overlap on two cores. At
+// most kInFlight batches wait, so memory stays bounded; the sink sees the
+// points in order, on its thread only.
+class PointPipe {
+  public:
+    explicit PointPipe(const TrackFilePointSink& sink) : sink_(sink) {
+        batch_.reserve(kBatch);
+        thread_ = std::thread([this] { Run(); });
+    }
+    ~PointPipe() { Close(); }
+
+    void Push(const TrackFilePoint& point) {
+        batch_.push_back(point);
+        if (batch_.size() == kBatch)
+            Send();
+    }
+
+    // Hands on what is left and waits until the sink has seen every point.
+    void Close() {
+        if (!thread_.joinable())
+            return;
+        Send();
+        {
+            const std::lock_guard lock(mutex_);
+            closed_ = true;
+        }
+        changed_.notify_all();
+        thread_.join();
+    }
+
+  private:
+    static constexpr std::size_t kBatch = 4096;
+    static constexpr std::size_t kInFlight = 4;
+
+    void Send() {
+        if (batch_.empty())
+            return;
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return waiting_.size() < kInFlight; });
+        waiting_.push_back(std::move(batch_));
+        lock.unlock();
+        changed_.notify_all();
+        batch_ = std::vector<TrackFilePoint>();
+        batch_.reserve(kBatch);
+    }
+
+    void Run() {
+        for (;;) {
+            std::vector<TrackFilePoint> batch;
+            {
+                std::unique_lock lock(mutex_);
+                changed_.wait(lock, [this] { return !waiting_.empty() || closed_; });
+                if (waiting_.empty())
+                    return;
+                batch = std::move(waiting_.front());
+                waiting_.pop_front();
+            }
+            changed_.notify_all();
+            for (const TrackFilePoint& p : batch) sink_(p);
+        }
+    }
+
+    const TrackFilePointSink& sink_;
+    std::vector<TrackFilePoint> batch_;  // the parsing thread's
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<std::vector<TrackFilePoint>> waiting_;  // under mutex_
+    bool closed_ = false;                              // under mutex_
+    std::thread thread_;
 };
 
 }  // namespace
@@ -337,6 +415,7 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
     read.kind = SniffTrackFile(std::string_view(block.get(), have));
 
     std::unique_ptr<LogFileParser> log;
+    std::unique_ptr<PointPipe> pipe;
     std::unique_ptr<GpxParser> gpx;
     std::unique_ptr<NmeaTrackParser> nmea;
     switch (read.kind) {
@@ -344,7 +423,16 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
             log = std::make_unique<LogFileParser>(onPoint);
             break;
         case TrackFileKind::Gpx:
-            gpx = std::make_unique<GpxParser>(onPoint, onWaypoint);
+            // Points go through a pipe to a thread of their own, unless
+            // waypoints are wanted too (both sinks then run here, in order).
+            if (onPoint && !onWaypoint) {
+                pipe = std::make_unique<PointPipe>(onPoint);
+                gpx = std::make_unique<GpxParser>(
+                    [p = pipe.get()](const TrackFilePoint& point) { p->Push(point); },
+                    TrackWaypointSink{});
+            } else {
+                gpx = std::make_unique<GpxParser>(onPoint, onWaypoint);
+            }
             break;
         case TrackFileKind::Nmea:
             nmea = std::make_unique<NmeaTrackParser>(onPoint);
@@ -354,6 +442,10 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
             read.result = TrackFileResult::NotATrack;
             return read;
     }
+    // The file is a track: said before any point, so that a caller can make
+    // room for it on its own thread (points may come on another).
+    if (progress)
+        progress(0, total);
     bool going = true;
     while (going && have > 0) {
         if (log)
@@ -383,6 +475,8 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
     } else {
         if (going)
             gpx->Feed(nullptr, 0, true);
+        if (pipe)
+            pipe->Close();
         if (!gpx->IsGpx())
             read.result = TrackFileResult::NotATrack;
         else if (!gpx->Complete())

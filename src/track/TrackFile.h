@@ -78,7 +78,11 @@ struct TrackFileRead {
 
 // Reads any track file: every track and route point to onPoint, GPX
 // waypoints to onWaypoint (either may be empty). NMEA is decoded with every
-// satellite system's talkers accepted.
+// satellite system's talkers accepted. Once the file is open and its kind
+// known, progress(0, size) comes first, on the calling thread; then the
+// blocks' progress. GPX points without waypoints reach onPoint on a thread
+// of the reader's own (in order, never two at once), so that parsing and
+// the caller's work overlap; everything else runs on the calling thread.
 TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& onPoint,
                             const TrackWaypointSink& onWaypoint = {},
                             const TrackProgress& progress = {});

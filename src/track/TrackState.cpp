@@ -151,8 +151,9 @@ TrackFileResult ReadInto(const std::string& path, TrackList* world, TrackList* m
             stats->Clear();
         cleared = true;
     };
-    // The reader opens before it produces anything: clearing at the first
-    // progress or point (whichever comes first) is clearing after the open.
+    // The reader says it has opened a track (progress 0) before it produces
+    // anything, on this thread: the trails are cleared then; points may come
+    // on the reader's own thread afterwards.
     const auto onPoint = [&](const TrackFilePoint& p) {
         if (!cleared)
             clear();
