@@ -17,10 +17,12 @@ namespace satwalk::tools {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: satwalk-tool poi FILE.csv\n"
-    "  Imports a POI file as the program does and prints one JSON object\n"
+    "usage: satwalk-tool poi FILE\n"
+    "  Imports a POI file (CSV, or a GPX file's waypoints; the content\n"
+    "  decides) as the program does and prints one JSON object\n"
     "  {\"category\", \"categoryName\", \"points\": [{\"latitude\", \"longitude\",\n"
-    "  \"name\", \"note\"}]}.\n";
+    "  \"name\", \"note\"}]}; a waypoint whose symbol or type names a category\n"
+    "  has that category's number as its own \"category\".\n";
 
 }  // namespace
 
@@ -55,6 +57,8 @@ int RunPoi(int argc, char** argv) {
         common::AppendJsonString(out, r.name);
         out += ",\"note\":";
         common::AppendJsonString(out, r.note);
+        if (r.category != 0)
+            out += ",\"category\":" + std::to_string(r.category);
         out += '}';
         if (out.size() > (1 << 20)) {
             if (!WriteAll(STDOUT_FILENO, out))

@@ -1,6 +1,7 @@
-// satwalk-tool track: a track log read exactly as the program reads it, as
-// one JSON object of points or, with --gpx, as a GPX 1.1 track. Both are
-// written as the file is read, so memory stays flat on any size of log.
+// satwalk-tool track: a track file (the program's log, GPX or NMEA) read
+// exactly as the program reads it, as one JSON object of points, as a GPX
+// 1.1 track (--gpx) or as its statistics (--stats). Points are written as
+// the file is read, so memory stays flat on any size of file.
 #include <unistd.h>
 
 #include <charconv>
@@ -9,22 +10,29 @@
 #include <string>
 #include <string_view>
 
+#include "GpxWriter.h"
 #include "Json.h"
+#include "Strings.h"
 #include "ToolCommands.h"
-#include "TrackLogReader.h"
+#include "TrackFile.h"
 #include "TrackState.h"
+#include "TrackStatistics.h"
 
 namespace satwalk::tools {
 
 namespace {
 
 constexpr const char* kUsage =
-    "usage: satwalk-tool track FILE.log [--gpx]\n"
-    "  Reads a track log as the program does and prints its points as one\n"
-    "  JSON object {\"points\": [{\"longitude\", \"latitude\", \"time\"}]}.\n"
-    "  --gpx  print a GPX 1.1 document instead (one track, one segment, times\n"
-    "         converted from local time to UTC; points whose position or time\n"
-    "         GPX cannot hold are left out)\n";
+    "usage: satwalk-tool track FILE [--gpx | --stats]\n"
+    "  Reads a track file (a track log, GPX or an NMEA recording; the content\n"
+    "  decides) as the program does and prints every track and route point as\n"
+    "  one JSON object {\"points\": [{\"latitude\", \"longitude\", \"time\",\n"
+    "  \"elevation\"}]} (time in local time, null where the file has none).\n"
+    "  --gpx    print a GPX 1.1 document instead (one track, one segment, times\n"
+    "           in UTC; elevation, fix, satellites, and speed and course in\n"
+    "           Garmin's TrackPointExtension where the file has them)\n"
+    "  --stats  print the statistics of the track dialog as one JSON object\n"
+    "           (metres, seconds, metres a second)\n";
 
 constexpr std::size_t kFlushAt = 1 << 20;
 
@@ -45,88 +53,22 @@ class Output {
     bool failed = false;
 };
 
-// Decimal degrees without an exponent (GPX takes xsd:decimal).
-void AppendDecimal(std::string& out, double value) {
-    char digits[400];
-    const auto r = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed);
-    out.append(digits, r.ptr);
-}
-
-long long DaysFromCivil(int y, int m, int d) {
-    y -= m <= 2;
-    const long long era = (y >= 0 ? y : y - 399) / 400;
-    const int yoe = y - static_cast<int>(era) * 400;
-    const int doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-    const int doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + doe - 719468;
-}
-
-bool IsCalendarTime(const track::TrackTime& t) {
-    static constexpr int kDays[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return t.year >= 1 && t.month >= 1 && t.month <= 12 && t.day >= 1 &&
-           t.day <= kDays[t.month - 1] && t.hour >= 0 && t.hour < 24 && t.minute >= 0 &&
-           t.minute < 60 && t.second >= 0 && t.second < 60 &&
-           (t.month != 2 || t.day < 29 ||
-            (t.year % 4 == 0 && (t.year % 100 != 0 || t.year % 400 == 0)));
-}
-
-// Local time to UTC through the system time zone; the zone's offset is
-// looked up once per local hour, as a log holds thousands of points an hour.
-class LocalToUtc {
-  public:
-    bool Convert(const track::TrackTime& t, std::tm& utc) {
-        const long long localSeconds = DaysFromCivil(t.year, t.month, t.day) * 86400 +
-                                       t.hour * 3600 + t.minute * 60 + t.second;
-        const long long hourKey = localSeconds / 3600;
-        if (hourKey != hourKey_) {
-            std::tm local{};
-            local.tm_year = t.year - 1900;
-            local.tm_mon = t.month - 1;
-            local.tm_mday = t.day;
-            local.tm_hour = t.hour;
-            local.tm_isdst = -1;
-            const std::time_t at = std::mktime(&local);
-            if (at == static_cast<std::time_t>(-1))
-                return false;
-            offset_ = (hourKey * 3600) - static_cast<long long>(at);
-            hourKey_ = hourKey;
-        }
-        const auto seconds = static_cast<std::time_t>(localSeconds - offset_);
-        return gmtime_r(&seconds, &utc) != nullptr;
-    }
-
-  private:
-    long long hourKey_ = -1LL << 62;
-    long long offset_ = 0;
-};
-
-void AppendJsonPoint(std::string& out, const track::TrackLogPoint& p, bool first) {
-    out += first ? "{\"longitude\":" : ",{\"longitude\":";
-    common::AppendJsonNumber(out, p.longitude);
-    out += ",\"latitude\":";
+void AppendJsonPoint(std::string& out, const track::TrackFilePoint& p, bool first) {
+    out += first ? "{\"latitude\":" : ",{\"latitude\":";
     common::AppendJsonNumber(out, p.latitude);
-    out += ",\"time\":\"";
-    out += track::FormatTrackTime(p.time);
-    out += "\"}";
-}
-
-void AppendGpxPoint(std::string& out, const track::TrackLogPoint& p, LocalToUtc& zone) {
-    if (!(p.latitude >= -90 && p.latitude <= 90 && p.longitude >= -180 && p.longitude <= 180))
-        return;
-    out += "<trkpt lat=\"";
-    AppendDecimal(out, p.latitude);
-    out += "\" lon=\"";
-    AppendDecimal(out, p.longitude);
-    out += "\">";
-    std::tm utc{};
-    if (IsCalendarTime(p.time) && zone.Convert(p.time, utc)) {
-        char time[96];
-        std::snprintf(time, sizeof time, "<time>%04d-%02d-%02dT%02d:%02d:%02dZ</time>",
-                      utc.tm_year + 1900, utc.tm_mon + 1, utc.tm_mday, utc.tm_hour, utc.tm_min,
-                      utc.tm_sec);
-        out += time;
+    out += ",\"longitude\":";
+    common::AppendJsonNumber(out, p.longitude);
+    out += ",\"time\":";
+    if (p.hasTime) {
+        out += '"';
+        out += track::FormatTrackTime(p.time);
+        out += '"';
+    } else {
+        out += "null";
     }
-    out += "</trkpt>\n";
+    out += ",\"elevation\":";
+    common::AppendJsonNumber(out, p.elevation);
+    out += '}';
 }
 
 }  // namespace
@@ -134,14 +76,17 @@ void AppendGpxPoint(std::string& out, const track::TrackLogPoint& p, LocalToUtc&
 int RunTrack(int argc, char** argv) {
     const char* path = nullptr;
     bool gpx = false;
+    bool stats = false;
     for (int i = 0; i < argc; ++i) {
         const std::string_view arg = argv[i];
         if (arg == "-h" || arg == "--help") {
             std::fputs(kUsage, stdout);
             return 0;
         }
-        if (arg == "--gpx") {
+        if (arg == "--gpx" && !stats) {
             gpx = true;
+        } else if (arg == "--stats" && !gpx) {
+            stats = true;
         } else if (path == nullptr && !arg.starts_with("--")) {
             path = argv[i];
         } else {
@@ -155,30 +100,46 @@ int RunTrack(int argc, char** argv) {
     }
 
     Output out;
-    LocalToUtc zone;
+    track::LocalToUtc zone;
+    track::TrackStatistics statistics;
     bool first = true;
-    if (gpx) {
-        out.text +=
-            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-            "<gpx version=\"1.1\" creator=\"Satwalk\" "
-            "xmlns=\"http://www.topografix.com/GPX/1/1\">\n"
-            "<trk>\n<trkseg>\n";
-    } else {
+    if (gpx)
+        out.text += track::GpxHeader();
+    else if (!stats)
         out.text += "{\"points\":[";
+    const track::TrackFileRead read =
+        track::ReadTrackFile(path, [&](const track::TrackFilePoint& p) {
+            if (stats)
+                statistics.Add(p);
+            else if (gpx)
+                track::AppendGpxPoint(out.text, p, zone);
+            else
+                AppendJsonPoint(out.text, p, first);
+            first = false;
+            out.FlushIfFull();
+        });
+    const std::string name = track::FileNameOf(path);
+    switch (read.result) {
+        case track::TrackFileResult::OpenFailed:
+            std::fprintf(stderr, "satwalk-tool track: %s: %s\n", path, track::kOpenTrackLogFailed);
+            return 1;
+        case track::TrackFileResult::NotATrack:
+            std::fprintf(
+                stderr, "satwalk-tool track: %s\n",
+                common::FormatString(common::LoadString(common::kStrNotATrackFile), name).c_str());
+            return 1;
+        case track::TrackFileResult::Truncated:
+            std::fprintf(
+                stderr, "satwalk-tool track: %s\n",
+                common::FormatString(common::LoadString(common::kStrTrackFileCut), name).c_str());
+            break;
+        case track::TrackFileResult::Read:
+            break;
     }
-    const auto result = track::ReadTrackLog(path, [&](const track::TrackLogPoint& p) {
-        if (gpx)
-            AppendGpxPoint(out.text, p, zone);
-        else
-            AppendJsonPoint(out.text, p, first);
-        first = false;
-        out.FlushIfFull();
-    });
-    if (result != track::TrackLogResult::Read) {
-        std::fprintf(stderr, "satwalk-tool track: %s: %s\n", path, track::kOpenTrackLogFailed);
-        return 1;
-    }
-    out.text += gpx ? "</trkseg>\n</trk>\n</gpx>\n" : "]}\n";
+    if (stats)
+        out.text += track::StatisticsJson(statistics) + "\n";
+    else
+        out.text += gpx ? std::string(track::kGpxTrailer) : std::string("]}\n");
     out.Flush();
     return out.failed ? 1 : 0;
 }

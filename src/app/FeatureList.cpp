@@ -36,8 +36,8 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
     map::MapFeature& map =
         Keep(features, map::qt::MakeMapFeature(window.shell(), window, screens.context(),
                                                screens.mapScreen(), window.dialogs()));
-    features.push_back(
-        track::qt::MakeTrackFeature(window.shell(), chooser, &window, map, screens.mapScreen()));
+    features.push_back(track::qt::MakeTrackFeature(window.shell(), chooser, &window, map,
+                                                   screens.mapScreen(), &window.dialogs()));
     features.push_back(poi::qt::MakePoiFeature(window.shell(), chooser, map, screens.bitmaps(),
                                                screens.mapScreen()));
     if (auto hooks = MakeTestHooks(window))

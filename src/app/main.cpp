@@ -34,6 +34,7 @@
 #include "Settings.h"
 #include "StateJson.h"
 #include "Strings.h"
+#include "TrackGpxOption.h"
 
 #include "AppLink.h"
 #include "ReplayReceiver.h"
@@ -240,6 +241,8 @@ int main(int argc, char** argv) {
     shell::ProgramSettings settings;
     shell::OptionsStore options(optionsPath.toStdString());
     options.LoadOptions(settings);
+    settings.saveGpxTrackFile = shell::TrackGpxOptionPath(optionsPath.toStdString());
+    settings.saveGpxTrack = shell::LoadTrackGpxOption(settings.saveGpxTrackFile) ? 1 : 0;
 
     // Storage root and the My GPS folders.
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);

@@ -54,9 +54,9 @@ std::string_view FilterCaption(int mode) {
         case kBrowseMaps:
             return "地图 [*.BMP; *.JPG; *.GIF; *.PNG]";
         case kBrowseTrackLogs:
-            return "轨迹记录 [*.log]";
+            return "轨迹 [*.log; *.gpx; *.nmea]";
         case kBrowsePoi:
-            return "POI [*.csv]";
+            return "POI [*.csv; *.gpx]";
         default:
             return {};
     }
@@ -64,6 +64,9 @@ std::string_view FilterCaption(int mode) {
 
 bool MatchesMode(int mode, std::string_view name) {
     static constexpr std::array<std::string_view, 4> kMaps = {".bmp", ".jpg", ".png", ".gif"};
+    if (mode == kBrowseTrackLogs && name.size() >= 5 &&
+        EqualsNoCase(name.substr(name.size() - 5), ".nmea"))
+        return true;
     if (name.size() < 4)
         return false;
     const std::string_view tail = name.substr(name.size() - 4);
@@ -72,9 +75,9 @@ bool MatchesMode(int mode, std::string_view name) {
             return std::any_of(kMaps.begin(), kMaps.end(),
                                [&](std::string_view ext) { return EqualsNoCase(tail, ext); });
         case kBrowseTrackLogs:
-            return EqualsNoCase(tail, ".log");
+            return EqualsNoCase(tail, ".log") || EqualsNoCase(tail, ".gpx");
         case kBrowsePoi:
-            return EqualsNoCase(tail, ".csv");
+            return EqualsNoCase(tail, ".csv") || EqualsNoCase(tail, ".gpx");
         default:
             return false;
     }

@@ -14,16 +14,16 @@ namespace satwalk::browser {
 // What the browser is opened for; any other value lists no files.
 enum BrowserMode : int {
     kBrowseMaps = 1,       // .BMP .JPG .PNG .GIF
-    kBrowseTrackLogs = 2,  // .log
-    kBrowsePoi = 3,        // .csv
+    kBrowseTrackLogs = 2,  // .log .gpx .nmea
+    kBrowsePoi = 3,        // .csv .gpx
 };
 
 // The caption under the list for a mode (string 40116, 40117, or the POI
 // text), empty for an unknown mode.
 std::string_view FilterCaption(int mode);
 
-// Whether a file's name ends, in its last four characters compared without
-// regard to ASCII case, with one of the mode's extensions.
+// Whether a file's name ends, compared without regard to ASCII case, with
+// one of the mode's extensions.
 bool MatchesMode(int mode, std::string_view name);
 
 // A size in bytes as the list's second column shows it: "1024B", "1.50K",

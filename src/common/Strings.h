@@ -45,6 +45,26 @@ inline constexpr int kStrStartGps = 40109;
 inline constexpr int kStrMenu = 40077;
 inline constexpr int kStrView = 40078;
 
+// Track files and their statistics.
+inline constexpr int kStrTrackInfo = 40301;      // "轨迹信息", the dialog and its menu entry
+inline constexpr int kStrNotATrackFile = 40302;  // "%s" takes the file's name
+inline constexpr int kStrTrackFileCut = 40303;   // "%s" takes the file's name
+inline constexpr int kStrSaveGpxTrack = 40304;   // the option
+inline constexpr int kStrStatDistance = 40310;
+inline constexpr int kStrStatDuration = 40311;
+inline constexpr int kStrStatMovingTime = 40312;
+inline constexpr int kStrStatAverageSpeed = 40313;
+inline constexpr int kStrStatMaxSpeed = 40314;
+inline constexpr int kStrStatGain = 40315;
+inline constexpr int kStrStatLoss = 40316;
+inline constexpr int kStrStatMinElevation = 40317;
+inline constexpr int kStrStatMaxElevation = 40318;
+inline constexpr int kStrStatPoints = 40319;
+inline constexpr int kStrElevationProfile = 40320;
+inline constexpr int kStrSpeedProfile = 40321;
+inline constexpr int kStrNoTrackData = 40322;
+inline constexpr int kStrLiveTrack = 40323;
+
 // The program's own texts: menu entries, and messages the handheld wrote
 // as literals. Kept with the rest so that every text has one place.
 inline constexpr int kStrMenuGpsInfo = 41001;

@@ -193,6 +193,34 @@ void MapModel::ResetWorld() {
         CentreOn(latitude, longitude);
 }
 
+void MapModel::ShowRegion(double south, double west, double north, double east) {
+    if (map.mapMode != 0) {
+        CentreOn((south + north) / 2, (west + east) / 2);
+        return;
+    }
+    // Nine tenths of the view, so that the ends do not touch the frame.
+    const double width = 0.9 * view_.Width();
+    const double height = 0.9 * (view_.Height() - bottomBarHeight_);
+    int best = 0;
+    for (int i = 0; i < kWorldScaleCount; ++i) {
+        const double scale = kWorldScales[i];
+        const double w = (east - west) * kEquatorDegreeKm * scaleBarPixels_ / scale;
+        const double h = std::fabs(MercatorNorthing(north, scale, scaleBarPixels_) -
+                                   MercatorNorthing(south, scale, scaleBarPixels_));
+        if (!(w <= width && h <= height))
+            break;
+        best = i;
+    }
+    worldPlaced_ = view_.Width() > 0;
+    worldScaleIndex = best;
+    const double scale = kWorldScales[best];
+    worldOrigin.longitude = (west + east) / 2;
+    worldOrigin.screenX = 0.0;
+    worldOrigin.screenY = (MercatorNorthing(north, scale, scaleBarPixels_) +
+                           MercatorNorthing(south, scale, scaleBarPixels_)) /
+                          2;
+}
+
 void MapModel::UpdateScaleBar() {
     scaleBarDistance = map.mapMode != 0 && calibration.IsValid() && map.currentWidth > 0.0
                            ? ScaleBarDistance(extent, map.currentWidth, scaleBarPixels_)

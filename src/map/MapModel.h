@@ -50,6 +50,10 @@ class MapModel {
     void ResetView();
     // The whole world across the view.
     void ResetWorld();
+    // A region (a track just read) into view: the world view centred on it
+    // at the closest scale that shows all of it; a calibrated map scrolls to
+    // the region's centre when that lies on the image.
+    void ShowRegion(double south, double west, double north, double east);
 
     // ----- loading -----
     // The state of a map whose image just loaded from `path` with `image`

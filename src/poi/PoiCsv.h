@@ -35,6 +35,7 @@ struct PoiRecord {
     double longitude = 0;           // signed degrees, column 0
     char name[kPoiTextBytes] = {};  // column 2, UTF-8, NUL-terminated: the label
     char note[kPoiTextBytes] = {};  // column 3, UTF-8, NUL-terminated: kept, not shown
+    std::uint32_t category = 0;     // the point's own icon (a GPX waypoint's); 0: the group's
 };
 
 using PoiList = track::CursorList<PoiRecord>;

@@ -35,10 +35,14 @@ void DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiProjectio
 
     for (std::uint32_t g = 0; g < store.Count(); ++g) {
         const PoiGroup& group = store.At(g);
-        const int cell = group.category < static_cast<std::uint32_t>(kPoiIconCells)
-                             ? static_cast<int>(group.category)
-                             : 0;
-        const Rect src{cell * kPoiIconSize, 0, (cell + 1) * kPoiIconSize, kPoiIconSize};
+        const auto source = [&group](std::uint32_t own) {
+            // The file's name decides first, each point's own symbol after.
+            const std::uint32_t category = group.category != 0 ? group.category : own;
+            const int cell = category < static_cast<std::uint32_t>(kPoiIconCells)
+                                 ? static_cast<int>(category)
+                                 : 0;
+            return Rect{cell * kPoiIconSize, 0, (cell + 1) * kPoiIconSize, kPoiIconSize};
+        };
         group.points.ForEachSpan([&](std::span<const PoiRecord> span) {
             for (const PoiRecord& r : span) {
                 double px = 0, py = 0;
@@ -49,7 +53,7 @@ void DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiProjectio
                     y + half <= bounds.top || y + half - tallest >= bounds.bottom)
                     continue;
                 if (icons != nullptr)
-                    canvas.Blit(*icons, src, Point{x - half, y - half});
+                    canvas.Blit(*icons, source(r.category), Point{x - half, y - half});
                 if (r.name[0] == '\0')
                     continue;
                 const std::string_view name(r.name, std::strlen(r.name));

@@ -1,13 +1,17 @@
 #include "PoiStore.h"
 
 #include "PoiCategories.h"
+#include "PoiGpx.h"
 
 namespace satwalk::poi {
 
 PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
     PoiImport result;
     PoiGroup group;
-    result.read = ReadPoiCsv(path, group.points);
+    // The content decides: GPX waypoints, else the CSV format.
+    result.read = track::SniffTrackFilePath(path) == track::TrackFileKind::Gpx
+                      ? ReadPoiGpx(path, group.points)
+                      : ReadPoiCsv(path, group.points);
     if (!result.read)
         return result;
     group.name = PoiBaseName(path);

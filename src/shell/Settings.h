@@ -30,7 +30,11 @@ struct ProgramSettings {
     std::uint32_t autoBluetooth = 0;
     std::uint32_t backlightAlwaysOn = 1;
     std::uint32_t recordNmea = 0;
-    std::uint32_t allTalkers = 0;        // accept all satellite systems
+    std::uint32_t allTalkers = 0;  // accept all satellite systems
+    // Not in the options record: "同时保存 GPX 轨迹" lives in a file of its own
+    // (TrackGpxOption.h), named here once it is known.
+    std::uint32_t saveGpxTrack = 0;
+    std::string saveGpxTrackFile;
     std::string bluetoothName;           // receiver-name global
     std::uint64_t bluetoothAddress = 0;  // receiver-address global
     bool receiverConfigured = false;     // both of the above are set

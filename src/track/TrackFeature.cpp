@@ -50,6 +50,13 @@ void TrackFeature::Register(shell::FeatureRegistry& registry) {
     for (int i = 0; i < static_cast<int>(std::size(shell::kTrackIntervals)); ++i)
         registry.AddCommand(cmd::kTrack10s + i,
                             shell::Command{[this, i](int) { SetInterval(i); }, {}});
+    registry.AddCommand(cmd::kTrackInfo, shell::Command{[this](int) { ShowStatistics(); },
+                                                        [this](int) {
+                                                            shell::EntryState e;
+                                                            e.enabled = state_.trackViewOn ||
+                                                                        shell_.link().Running();
+                                                            return e;
+                                                        }});
     RegisterMenus(registry);
     registry.AddStateSection([this](common::JsonMembers& members) { WriteState(members); });
 }
@@ -77,6 +84,7 @@ void TrackFeature::RegisterMenus(shell::FeatureRegistry& registry) {
         // Present only while a log is viewed (its entry state says when).
         entries.push_back(
             shell::MenuItem(cmd::kCloseTrack, LoadString(common::kStrMenuCloseTrack)));
+        entries.push_back(shell::MenuItem(cmd::kTrackInfo, LoadString(common::kStrTrackInfo)));
         return entries;
     });
 }
@@ -94,6 +102,15 @@ void TrackFeature::SetInterval(int index) {
     if (platform_.TrackTimerRunning()) {
         RestartTrackTimer(kTrackTimerFailedOnInterval);
     }
+}
+
+void TrackFeature::ShowStatistics() {
+    const int units = static_cast<int>(shell_.settings().units);
+    if (state_.trackViewOn)
+        platform_.ShowStatistics(state_.viewedTrackName, state_.viewedStats, units);
+    else if (shell_.link().Running())
+        platform_.ShowStatistics(common::LoadString(common::kStrLiveTrack), state_.liveStats,
+                                 units);
 }
 
 TrackProjections TrackFeature::Projections() const {
@@ -140,6 +157,7 @@ void TrackFeature::OnTrackTick() {
 void TrackFeature::OnLinkStarted() {
     // A running receiver draws its trail.
     shell_.settings().showTrack = 1;
+    state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     track::OnLinkStarted(state_, CurrentSample());
     RestartTrackTimer(common::FormatString(kTrackTimerFailedOnStart,
@@ -161,6 +179,8 @@ void TrackFeature::OnLinkStopped() {
 void TrackFeature::OnSettingsChanged() {
     // The storage moved (a card chosen in the options) while the link runs:
     // the recording goes on in a new file under the new track folder.
+    // A GPX copy is kept from the next new track log on.
+    state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     const std::string folder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (folder == state_.trackFolder)
         return;
@@ -170,6 +190,7 @@ void TrackFeature::OnSettingsChanged() {
 }
 
 void TrackFeature::SaveTrackLog() {
+    state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample()))
         RestartTrackTimer(kTrackTimerFailedOnSave);
@@ -205,8 +226,15 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
             if (generation != readGeneration_)
                 return;  // closed or replaced meanwhile
             reading_ = false;
+            const TrackFileResult result = read->result;
+            const GeoBounds bounds = read->bounds;
             if (ShowViewedTrack(state_, std::move(*read), path, name) != ViewResult::Shown) {
-                Message(kOpenTrackLogFailed);
+                if (result == TrackFileResult::NotATrack)
+                    Message(
+                        common::FormatString(common::LoadString(common::kStrNotATrackFile), name),
+                        true);
+                else
+                    Message(kOpenTrackLogFailed);
                 return;
             }
             if (!rebuild) {
@@ -214,8 +242,13 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
                 if (shell_.currentScreen != shell::kScreenMap)
                     shell_.OnCommand(Projections().map ? map::cmd::kLoadedMap
                                                        : map::cmd::kWorldMap);
+                if (bounds.valid && bringIntoView)
+                    bringIntoView(bounds);
             }
             shell_.Repaint();
+            if (result == TrackFileResult::Truncated && !rebuild)
+                Message(common::FormatString(common::LoadString(common::kStrTrackFileCut), name),
+                        true);
         });
 }
 
@@ -278,6 +311,7 @@ void TrackFeature::WriteState(common::JsonMembers& members) const {
     m.Text("viewedPath", state_.viewedTrackPath);
     m.Bool("reading", reading_);
     m.Bool("followPaused", state_.followPaused);
+    m.Text("gpxFile", state_.gpxFilePath);
     out += '}';
 }
 

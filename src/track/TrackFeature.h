@@ -1,5 +1,6 @@
 // The track feature: the track timer's samples into the live trails and
-// the log file, the commands of the track menu (save, view and close a log),
+// the log file (and a GPX file beside it when the option asks), the commands
+// of the track menu (save, view and close a track file, its statistics),
 // the follow pause after the map is moved by hand, the trails' rebuild when
 // the map's geometry changes, and the "tracks" member of the state dump.
 //
@@ -46,6 +47,10 @@ class TrackPlatform {
     // thread. The window stays responsive meanwhile.
     virtual void RunReader(std::function<void(const TrackProgress& progress)> work,
                            std::function<void()> done) = 0;
+    // Opens the statistics dialog ("轨迹信息") on `stats` (copied), titled by
+    // the track's name, in the unit system.
+    virtual void ShowStatistics(const std::string& name, const TrackStatistics& stats,
+                                int units) = 0;
 
     virtual ~TrackPlatform() = default;
 };
@@ -79,6 +84,10 @@ class TrackFeature final : public shell::Feature {
     // map only. The map screen supplies the calibrated map's.
     std::function<TrackProjections()> projections;
 
+    // Brings a track just viewed into the map's view (the map decides
+    // whether it follows the position instead).
+    std::function<void(const GeoBounds& bounds)> bringIntoView;
+
     TrackState& state() { return state_; }
     const TrackState& state() const { return state_; }
     bool followPaused() const { return state_.followPaused; }
@@ -97,6 +106,7 @@ class TrackFeature final : public shell::Feature {
     void ViewTrackLog();
     void ReadForView(const std::string& path, const std::string& name, bool quiet);
     void CloseView();
+    void ShowStatistics();
     void EndFollowPause();
     void Message(const std::string& text, bool exclamation = false);
     void WriteState(common::JsonMembers& members) const;

@@ -1,5 +1,9 @@
 #include "TrackState.h"
 
+#include <algorithm>
+
+#include "FixText.h"
+
 namespace satwalk::track {
 
 namespace {
@@ -14,6 +18,30 @@ TrackPoint Point(double x, double y, const TrackTime& time) {
     return TrackPoint{static_cast<float>(x), static_cast<float>(y), time};
 }
 
+// A receiver's number text, NaN when empty.
+double Number(std::string_view text) {
+    char buffer[32];
+    const std::size_t n = std::min(text.size(), sizeof buffer - 1);
+    std::copy_n(text.data(), n, buffer);
+    buffer[n] = '\0';
+    return n == 0 ? kNoValue : gps::TextToDouble(buffer);
+}
+
+TrackFilePoint FilePoint(const TrackSample& s) {
+    TrackFilePoint p;
+    p.latitude = s.latitude;
+    p.longitude = s.longitude;
+    p.time = s.time;
+    p.hasTime = true;
+    p.elevation = Number(s.altitude);
+    const double knots = Number(s.speedKnots);
+    p.speed = knots >= 0 ? knots * 1852.0 / 3600.0 : kNoValue;
+    p.course = Number(s.course);
+    p.fix = s.gpxFix;
+    p.satellites = s.satellites;
+    return p;
+}
+
 }  // namespace
 
 TrackSample SampleFromFix(const gps::GpsState& fix, const gps::FixValues& values, bool fixValid,
@@ -26,11 +54,20 @@ TrackSample SampleFromFix(const gps::GpsState& fix, const gps::FixValues& values
     s.speedKnots = Text(fix.speedKnots, sizeof fix.speedKnots);
     s.course = Text(fix.course, sizeof fix.course);
     s.altitude = Text(fix.altitude, sizeof fix.altitude);
+    if (fix.fixQuality == '2')
+        s.gpxFix = kFixDgps;
+    else if (fix.fixMode == '3')
+        s.gpxFix = kFix3d;
+    else if (fix.fixMode == '2')
+        s.gpxFix = kFix2d;
+    if (values.satellitesUsed)
+        s.satellites = static_cast<std::int16_t>(*values.satellitesUsed);
     return s;
 }
 
 void StartTrackLog(TrackState& state, const TrackSample& sample) {
     state.trackFilePath = TrackFilePath(state.trackFolder, sample.time);
+    state.gpxFilePath = state.saveGpx ? GpxPathForLog(state.trackFilePath) : std::string();
     AppendTrackSample(state, sample);
 }
 
@@ -42,7 +79,15 @@ void AppendTrackSample(TrackState& state, const TrackSample& sample) {
                                               sample.speedKnots, sample.course, sample.altitude)
                             : std::string();
         state.lastWrite = AppendTrackLine(state.trackFilePath, line);
+        if (!state.gpxFilePath.empty()) {
+            std::string point;
+            if (sample.fixValid)
+                AppendGpxPoint(point, FilePoint(sample), state.gpxZone);
+            state.lastGpxWrite = AppendGpxTrackPoint(state.gpxFilePath, point);
+        }
     }
+    if (sample.fixValid)
+        state.liveStats.Add(FilePoint(sample));
     if (sample.mapValid)
         state.liveMapTrail.Append(Point(sample.mapX, sample.mapY, sample.time));
     if (sample.worldValid)
@@ -56,7 +101,9 @@ bool OnTrackTick(TrackState& state, bool linkRunning, const TrackSample& sample)
             state.liveWorldTrail.Clear();
             state.liveMapTrail.Clear();
         }
+        state.liveStats.Clear();
         state.trackFilePath.clear();
+        state.gpxFilePath.clear();
         state.trackLogOn = 0;
         return false;
     }
@@ -69,6 +116,7 @@ bool OnSaveTrackLogCommand(TrackState& state, bool linkRunning, const TrackSampl
     if (state.trackLogOn != 0) {
         state.trackLogOn = 0;
         state.trackFilePath.clear();  // the file stays on disk
+        state.gpxFilePath.clear();
         return false;
     }
     state.trackLogOn = 1;
@@ -79,27 +127,33 @@ bool OnSaveTrackLogCommand(TrackState& state, bool linkRunning, const TrackSampl
 }
 
 void OnLinkStarted(TrackState& state, const TrackSample& sample) {
+    state.liveStats.Clear();
     if (state.trackLogOn != 0)
         StartTrackLog(state, sample);
 }
 
 namespace {
 
-// Reads `path` into the trails the projections ask for; `clear` runs once
-// the file is open, so a file that cannot be opened leaves them alone.
-bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
-              const TrackProjections& projections, const TrackProgress& progress) {
+// Reads `path` into the trails the projections ask for (and the statistics
+// and bounds when asked); `clear` runs once the file is open, so a file that
+// cannot be opened leaves them alone.
+TrackFileResult ReadInto(const std::string& path, TrackList* world, TrackList* map,
+                         const TrackProjections& projections, const TrackProgress& progress,
+                         TrackStatistics* stats = nullptr, GeoBounds* bounds = nullptr) {
     bool cleared = false;
     auto clear = [&] {
         if (world)
             world->Clear();
         if (map)
             map->Clear();
+        if (stats)
+            stats->Clear();
         cleared = true;
     };
-    // The reader opens before it produces anything: clearing at the first
-    // progress or point (whichever comes first) is clearing after the open.
-    const auto onPoint = [&](const TrackLogPoint& p) {
+    // The reader says it has opened a track (progress 0) before it produces
+    // anything, on this thread: the trails are cleared then; points may come
+    // on the reader's own thread afterwards.
+    const auto onPoint = [&](const TrackFilePoint& p) {
         if (!cleared)
             clear();
         if (world) {
@@ -110,6 +164,10 @@ bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
             const MapXY m = projections.map(p.latitude, p.longitude);
             map->Append(Point(m.x, m.y, p.time));
         }
+        if (stats)
+            stats->Add(p);
+        if (bounds)
+            bounds->Add(p.latitude, p.longitude);
     };
     const auto onProgress = [&](std::uint64_t done, std::uint64_t total) {
         if (!cleared)
@@ -117,11 +175,16 @@ bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
         if (progress)
             progress(done, total);
     };
-    if (ReadTrackLog(path, onPoint, onProgress) != TrackLogResult::Read)
-        return false;
+    const TrackFileRead read = ReadTrackFile(path, onPoint, {}, onProgress);
+    if (read.result == TrackFileResult::OpenFailed || read.result == TrackFileResult::NotATrack)
+        return read.result;
     if (!cleared)
         clear();  // an empty file
-    return true;
+    return read.result;
+}
+
+bool Opened(TrackFileResult result) {
+    return result == TrackFileResult::Read || result == TrackFileResult::Truncated;
 }
 
 }  // namespace
@@ -133,7 +196,9 @@ bool IsBeingWritten(const TrackState& state, const std::string& path) {
 TrackRead ReadTrackTrails(const std::string& path, const TrackProjections& projections,
                           const TrackProgress& progress) {
     TrackRead read;
-    read.opened = ReadInto(path, &read.world, &read.map, projections, progress);
+    read.result =
+        ReadInto(path, &read.world, &read.map, projections, progress, &read.stats, &read.bounds);
+    read.opened = Opened(read.result);
     return read;
 }
 
@@ -146,6 +211,7 @@ ViewResult ShowViewedTrack(TrackState& state, TrackRead&& read, const std::strin
         state.viewedWorldTrail = std::move(read.world);
         state.viewedMapTrail = std::move(read.map);
     }
+    state.viewedStats = std::move(read.stats);
     state.viewedTrackPath = path;
     state.viewedTrackName = name;
     state.trackViewOn = true;
@@ -158,7 +224,8 @@ ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::s
         return ViewResult::BeingWritten;
     {
         const std::lock_guard lock(state.trackLock);
-        if (!ReadInto(path, &state.viewedWorldTrail, &state.viewedMapTrail, projections, progress))
+        if (!Opened(ReadInto(path, &state.viewedWorldTrail, &state.viewedMapTrail, projections,
+                             progress, &state.viewedStats)))
             return ViewResult::OpenFailed;
     }
     state.viewedTrackPath = path;
@@ -170,13 +237,13 @@ ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::s
 bool ReadViewedTrack(TrackState& state, const TrackProjections& projections,
                      const TrackProgress& progress) {
     const std::lock_guard lock(state.trackLock);
-    return ReadInto(state.viewedTrackPath, &state.viewedWorldTrail, &state.viewedMapTrail,
-                    projections, progress);
+    return Opened(ReadInto(state.viewedTrackPath, &state.viewedWorldTrail, &state.viewedMapTrail,
+                           projections, progress));
 }
 
 bool RebuildLiveMapTrail(TrackState& state, const TrackProjections& projections) {
     const std::lock_guard lock(state.trackLock);
-    return ReadInto(state.trackFilePath, nullptr, &state.liveMapTrail, projections, {});
+    return Opened(ReadInto(state.trackFilePath, nullptr, &state.liveMapTrail, projections, {}));
 }
 
 void CloseViewedTrack(TrackState& state) {
@@ -185,9 +252,18 @@ void CloseViewedTrack(TrackState& state) {
         state.viewedWorldTrail.Clear();
         state.viewedMapTrail.Clear();
     }
+    state.viewedStats.Clear();
     state.trackViewOn = false;
     state.viewedTrackPath.clear();
     state.viewedTrackName.clear();
+}
+
+void GeoBounds::Add(double latitude, double longitude) {
+    valid = true;
+    south = std::min(south, latitude);
+    north = std::max(north, latitude);
+    west = std::min(west, longitude);
+    east = std::max(east, longitude);
 }
 
 void StartFollowPause(TrackState& state) {

@@ -17,9 +17,12 @@
 #include <string_view>
 
 #include "GpsState.h"
+#include "GpxWriter.h"
+#include "TrackFile.h"
 #include "TrackLogFile.h"
 #include "TrackLogReader.h"
 #include "TrackPoint.h"
+#include "TrackStatistics.h"
 
 namespace satwalk::track {
 
@@ -48,6 +51,8 @@ struct TrackSample {
     std::string_view speedKnots;  // the receiver's texts, written as they are
     std::string_view course;
     std::string_view altitude;
+    std::int8_t gpxFix = -1;  // GpxFix from the fix's quality and mode
+    std::int16_t satellites = -1;
     bool worldValid = false;       // the current position converted
     float worldX = 0, worldY = 0;  // on the world map
     bool mapValid = false;         // a calibrated map is shown and the position is on it
@@ -91,11 +96,19 @@ struct TrackState {
     std::string trackFolder;
     std::string trackFilePath;  // empty when no log is being written
     TrackWrite lastWrite = TrackWrite::Created;
+    // A GPX file beside each new log ("同时保存 GPX 轨迹").
+    bool saveGpx = false;
+    std::string gpxFilePath;  // empty when none is being written
+    TrackWrite lastGpxWrite = TrackWrite::Created;
+    LocalToUtc gpxZone;
+    // The live samples with a fix since the link started.
+    TrackStatistics liveStats;
 
     // Viewing.
     bool trackViewOn = false;
     std::string viewedTrackPath;
     std::string viewedTrackName;
+    TrackStatistics viewedStats;
 
     // Following the position on the map is paused after a manual move.
     bool followPaused = false;
@@ -140,12 +153,22 @@ enum class ViewResult {
 // Whether `path` is the log being written, which cannot be viewed.
 bool IsBeingWritten(const TrackState& state, const std::string& path);
 
-// A log read into trails of its own, away from the state: a long log is
-// read off the user-interface thread and shown once complete.
+// The region a track covers, in signed degrees.
+struct GeoBounds {
+    bool valid = false;  // no point: nothing to show
+    double south = 90, west = 180, north = -90, east = -180;
+    void Add(double latitude, double longitude);
+};
+
+// A track file read into trails of its own, away from the state: a long
+// file is read off the user-interface thread and shown once complete.
 struct TrackRead {
-    bool opened = false;  // false: kOpenTrackLogFailed
+    bool opened = false;  // false: result says why
+    TrackFileResult result = TrackFileResult::OpenFailed;
     TrackList world;
     TrackList map;  // empty without a map projection
+    TrackStatistics stats;
+    GeoBounds bounds;
 };
 TrackRead ReadTrackTrails(const std::string& path, const TrackProjections& projections,
                           const TrackProgress& progress = {});
@@ -156,8 +179,9 @@ TrackRead ReadTrackTrails(const std::string& path, const TrackProjections& proje
 ViewResult ShowViewedTrack(TrackState& state, TrackRead&& read, const std::string& path,
                            const std::string& name);
 
-// Views the log at `path` ("name" as the file browser showed it): refuses
-// the log being written, reads it into the viewed trails, sets the view.
+// Views the track file at `path` ("name" as the file browser showed it):
+// refuses the log being written, reads it into the viewed trails, sets the
+// view. A file that is no track (NotATrack) counts as OpenFailed here.
 ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::string& name,
                         const TrackProjections& projections, const TrackProgress& progress = {});
 

@@ -45,13 +45,17 @@ TEST(Listing, ModeFilters) {
         {kBrowseMaps, "jpg", false},
         {kBrowseMaps, "x.jpg.txt", false},
         {kBrowseTrackLogs, "20260516.LOG", true},
+        {kBrowseTrackLogs, "walk.GPX", true},
+        {kBrowseTrackLogs, "x_NMEA0183.nmea", true},
         {kBrowsePoi, "fuel.CSV", true},
+        {kBrowsePoi, "caches.gpx", true},
+        {kBrowsePoi, "fuel.log", false},
         {0, "a.jpg", false},
         {4, "a.csv", false},
     };
     for (const Case& tc : cases)
         EXPECT_EQ(MatchesMode(tc.mode, tc.name), tc.listed) << tc.mode << " " << tc.name;
-    EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv]");
+    EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv; *.gpx]");
     EXPECT_EQ(FilterCaption(9), "");
 }
 

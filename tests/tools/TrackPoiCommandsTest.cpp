@@ -23,13 +23,18 @@ TEST(TrackCommand, PrintsThePointsTheReaderMakes) {
         const char* out;
     } cases[] = {
         {"",
-         "{\"points\":[{\"longitude\":120.15,\"latitude\":30.25,\"time\":\"2024-05-01 08:00:01\"},"
-         "{\"longitude\":0,\"latitude\":-30.5,\"time\":\"2024-05-01 08:00:09\"}]}\n"},
+         "{\"points\":[{\"latitude\":30.25,\"longitude\":120.15,\"time\":\"2024-05-01 "
+         "08:00:01\",\"elevation\":10.2},"
+         "{\"latitude\":-30.5,\"longitude\":0,\"time\":\"2024-05-01 "
+         "08:00:09\",\"elevation\":null}]}\n"},
         {" --gpx",
          "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-         "<gpx version=\"1.1\" creator=\"Satwalk\" xmlns=\"http://www.topografix.com/GPX/1/1\">\n"
+         "<gpx version=\"1.1\" creator=\"Satwalk\" xmlns=\"http://www.topografix.com/GPX/1/1\" "
+         "xmlns:gpxtpx=\"http://www.garmin.com/xmlschemas/TrackPointExtension/v2\">\n"
          "<trk>\n<trkseg>\n"
-         "<trkpt lat=\"30.25\" lon=\"120.15\"><time>2024-05-01T00:00:01Z</time></trkpt>\n"
+         "<trkpt lat=\"30.25\" lon=\"120.15\"><ele>10.2</ele><time>2024-05-01T00:00:01Z</time>"
+         "<extensions><gpxtpx:TrackPointExtension><gpxtpx:speed>6.43</gpxtpx:speed>"
+         "<gpxtpx:course>90</gpxtpx:course></gpxtpx:TrackPointExtension></extensions></trkpt>\n"
          "<trkpt lat=\"-30.5\" lon=\"0\"><time>2024-05-01T00:00:09Z</time></trkpt>\n"
          "</trkseg>\n</trk>\n</gpx>\n"},
     };

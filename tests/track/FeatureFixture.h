@@ -68,7 +68,13 @@ class FakeTrackPlatform : public TrackPlatform {
     bool trackRunning = false;
     std::uint32_t trackPeriod = 0;
     std::function<void()> trackTick;
+    void ShowStatistics(const std::string& name, const TrackStatistics& stats, int) override {
+        statisticsName = name;
+        statisticsPoints = stats.points();
+    }
     bool failFollowTimer = false;
+    std::string statisticsName;
+    std::uint64_t statisticsPoints = 0;
     bool deferDone = false;  // the read ends only when the test says
     std::function<void()> deferred;
     std::uint32_t followPeriod = 0;

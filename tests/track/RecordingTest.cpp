@@ -124,3 +124,39 @@ TEST(TrackRecording, UnwritableLogsLoseNothing) {
 
 }  // namespace
 }  // namespace satwalk::track
+
+namespace satwalk::track {
+namespace {
+
+TEST(TrackRecording, AGpxBesideTheLogWhenAsked) {
+    const std::string dir = test::ScratchFolder("gpx-recording");
+    for (const bool asked : {false, true}) {
+        SCOPED_TRACE(asked);
+        TrackState state;
+        state.trackFolder = dir;
+        state.trackLogOn = 1;
+        state.saveGpx = asked;
+        StartTrackLog(state, Sample(false, true, false, 10));  // no fix: the files are made
+        OnTrackTick(state, true, Sample(true, true, false, 20));
+        OnTrackTick(state, true, Sample(true, true, false, 30));
+        const std::string gpx = dir + "/20070315142510.gpx";
+        EXPECT_EQ(state.gpxFilePath, asked ? gpx : "");
+        EXPECT_EQ(state.liveStats.points(), 2u);
+        if (!asked)
+            continue;
+        std::size_t points = 0;
+        const TrackFileRead read = ReadTrackFile(gpx, [&](const TrackFilePoint& p) {
+            ++points;
+            EXPECT_EQ(p.elevation, 35.2);
+            EXPECT_EQ(p.course, 123.4);
+        });
+        EXPECT_EQ(read.result, TrackFileResult::Read);
+        EXPECT_EQ(points, 2u);
+        OnTrackTick(state, false, TrackSample{});  // the link stopped
+        EXPECT_EQ(state.gpxFilePath, "");
+        EXPECT_EQ(state.liveStats.points(), 0u);
+    }
+}
+
+}  // namespace
+}  // namespace satwalk::track

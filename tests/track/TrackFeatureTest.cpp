@@ -164,6 +164,12 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
               "120.1,30.2,,20260516 09:58:50,0,0,1\r\n"
               "120.2,30.3,,20260516 09:59:00,0,0,1\r\n"
               "bad line\r\n");
+    const std::string junk = settings.storageRoot + "/junk.gpx";
+    WriteFile(junk, "PK\3\4 a zip file");
+    const std::string cut = settings.storageRoot + "/cut.gpx";
+    WriteFile(cut, "<gpx><trk><trkseg><trkpt lat='30' lon='120'/><trkpt lat=");
+    std::vector<GeoBounds> shown;
+    feature->bringIntoView = [&shown](const GeoBounds& b) { shown.push_back(b); };
     settings.trackLogOn = 1;
     StartLink();
     const std::string beingWritten = state().trackFilePath;
@@ -190,6 +196,17 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
                                beingWritten.substr(beingWritten.rfind('/') + 1))},
          true,
          2},
+        {"no track file: says so, the view stays",
+         junk,
+         {common::FormatString(common::LoadString(common::kStrNotATrackFile), "junk.gpx")},
+         true,
+         2},
+        {"a cut GPX: what was whole, and a notice",
+         cut,
+         {common::FormatString(common::LoadString(common::kStrTrackFileCut), "cut.gpx")},
+         true,
+         1},
+        {"a log again", good, {}, true, 2},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -205,6 +222,13 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
     EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
     EXPECT_EQ(settings.showTrack, 1u);
     EXPECT_TRUE(MenuHas(cmd::kCloseTrack));
+    // Each track shown is brought into view: the log's two points.
+    ASSERT_EQ(shown.size(), 3u);
+    EXPECT_EQ(shown.back().south, 30.2);
+    EXPECT_EQ(shown.back().east, 120.2);
+    shell.OnCommand(cmd::kTrackInfo);
+    EXPECT_EQ(platform->statisticsName, "good.log");
+    EXPECT_EQ(platform->statisticsPoints, 2u);
 
     shell.OnCommand(cmd::kCloseTrack);
     EXPECT_FALSE(state().trackViewOn);

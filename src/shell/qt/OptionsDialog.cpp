@@ -13,6 +13,8 @@
 #include "OptionsFeature.h"
 #include "QtCanvas.h"
 #include "Shell.h"
+#include "Strings.h"
+#include "TrackGpxOption.h"
 
 namespace satwalk::shell::qt {
 
@@ -49,6 +51,8 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     storageLabel_ = AddLabel(kIdStorageLabel, QString::fromUtf8(kTextStorageLabel));
     storage_ = AddList(kIdStorageCombo, {});
     allTalkers_ = AddCheckBox(kIdAllTalkers, QString::fromUtf8(kTextAllTalkers));
+    saveGpxTrack_ = AddCheckBox(kIdSaveGpxTrack,
+                                QString::fromUtf8(common::LoadString(common::kStrSaveGpxTrack)));
 
     for (QLabel* l : {heading_, storageLabel_}) {
         l->setFont(bold);
@@ -57,7 +61,7 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     const int box = std::max(12, (3 * b) / 5);
     const QString boxStyle =
         QStringLiteral("QCheckBox::indicator { width: %1px; height: %1px; }").arg(box);
-    for (QCheckBox* c : {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_}) {
+    for (QCheckBox* c : {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_, saveGpxTrack_}) {
         c->setFont(regular);
         c->setStyleSheet(boxStyle);
     }
@@ -98,6 +102,9 @@ void OptionsWidget::LayOut() {
     storageLabel_->setGeometry(ToQRect(l.storageLabel));
     storage_->setGeometry(ToQRect(l.storage));
     allTalkers_->setGeometry(ToQRect(l.allTalkers));
+    // The GPX option below the last one, a step of the same size on.
+    const int step = l.allTalkers.Height() + baseTextHeight() / 3;
+    saveGpxTrack_->setGeometry(ToQRect(l.allTalkers).translated(0, step));
 }
 
 void OptionsWidget::Sync(const OptionsDialog& d) {
@@ -137,7 +144,7 @@ namespace {
 
 class DialogView final : public OptionsView {
   public:
-    explicit DialogView(DialogStack& stack) : stack_(stack) {}
+    DialogView(DialogStack& stack, Shell& shell) : stack_(stack), shell_(shell) {}
 
     OptionsFeature* feature = nullptr;
 
@@ -150,7 +157,10 @@ class DialogView final : public OptionsView {
         OptionsFeature* f = feature;
         widget_->onCheck = [f](int id, bool checked) { f->SetCheck(id, checked); };
         widget_->onStorage = [f](int index) { f->SelectStorage(index); };
+        widget_->saveGpxTrack()->setChecked(shell_.settings().saveGpxTrack != 0);
         widget_->onFinished = [this, f](DialogResult result) {
+            if (result == DialogResult::Ok)
+                SaveGpxTrackOption(widget_->saveGpxTrack()->isChecked());
             widget_ = nullptr;
             if (result == DialogResult::Ok)
                 f->Ok();
@@ -167,7 +177,20 @@ class DialogView final : public OptionsView {
     }
 
   private:
+    // Taken at OK and written to its own file at once (the new track logs
+    // from then on follow it).
+    void SaveGpxTrackOption(bool on) {
+        ProgramSettings& s = shell_.settings();
+        const std::uint32_t value = on ? 1 : 0;
+        if (value == s.saveGpxTrack)
+            return;
+        s.saveGpxTrack = value;
+        if (!s.saveGpxTrackFile.empty())
+            SaveTrackGpxOption(s.saveGpxTrackFile, on);
+    }
+
     DialogStack& stack_;
+    Shell& shell_;
     OptionsWidget* widget_ = nullptr;
 };
 
@@ -179,7 +202,7 @@ std::string DocumentsFolder() {
 class OptionsDialogFeature final : public Feature {
   public:
     OptionsDialogFeature(Shell& shell, DialogStack& stack)
-        : view_(stack), feature_(shell, view_, DocumentsFolder(), RemovableVolumes) {
+        : view_(stack, shell), feature_(shell, view_, DocumentsFolder(), RemovableVolumes) {
         view_.feature = &feature_;
     }
     void Register(FeatureRegistry& registry) override { feature_.Register(registry); }

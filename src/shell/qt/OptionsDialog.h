@@ -30,6 +30,9 @@ class OptionsWidget final : public FullScreenDialog {
     // Brings every control up to `dialog` without telling anyone.
     void Sync(const OptionsDialog& dialog);
 
+    // "同时保存 GPX 轨迹": not in the options model; the feature reads it at OK.
+    QCheckBox* saveGpxTrack() const { return saveGpxTrack_; }
+
     std::function<void(int id, bool checked)> onCheck;
     std::function<void(int index)> onStorage;
 
@@ -46,6 +49,7 @@ class OptionsWidget final : public FullScreenDialog {
     QLabel* storageLabel_;
     QComboBox* storage_;
     QCheckBox* allTalkers_;
+    QCheckBox* saveGpxTrack_;
     bool syncing_ = false;
 };
 

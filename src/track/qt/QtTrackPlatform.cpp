@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Shell.h"
+#include "TrackInfoDialog.h"
 #include "TrackState.h"
 
 namespace satwalk::track::qt {
@@ -17,7 +18,8 @@ constexpr int kProgressSteps = 1000;
 
 }  // namespace
 
-QtTrackPlatform::QtTrackPlatform(QWidget* window) : window_(window) {
+QtTrackPlatform::QtTrackPlatform(QWidget* window, shell::qt::DialogStack* dialogs)
+    : window_(window), dialogs_(dialogs) {
     connect(&trackTimer_, &QTimer::timeout, this, [this] {
         if (trackTick_)
             trackTick_();
@@ -85,6 +87,12 @@ void QtTrackPlatform::RunReader(std::function<void(const TrackProgress& progress
     });
 }
 
+void QtTrackPlatform::ShowStatistics(const std::string& name, const TrackStatistics& stats,
+                                     int units) {
+    if (dialogs_ != nullptr)
+        dialogs_->Open(new TrackInfoDialog(*dialogs_, name, stats, units));
+}
+
 void QtTrackPlatform::ShowProgress() {
     if (!progress_) {
         progress_ = new QProgressDialog(window_);
@@ -119,9 +127,10 @@ void QtTrackPlatform::Finish(std::function<void()> done) {
 
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
                                                QWidget* window, map::MapFeature& mapFeature,
-                                               map::MapScreen& mapScreen) {
-    auto feature =
-        std::make_unique<TrackFeature>(shell, chooser, std::make_unique<QtTrackPlatform>(window));
+                                               map::MapScreen& mapScreen,
+                                               shell::qt::DialogStack* dialogs) {
+    auto feature = std::make_unique<TrackFeature>(
+        shell, chooser, std::make_unique<QtTrackPlatform>(window, dialogs));
     TieTrackToMap(*feature, mapFeature, mapScreen, shell.settings().showTrack);
     return feature;
 }

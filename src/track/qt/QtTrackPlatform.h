@@ -13,6 +13,7 @@
 #include <memory>
 #include <thread>
 
+#include "Dialogs.h"
 #include "TrackFeature.h"
 
 class QProgressDialog;
@@ -22,7 +23,7 @@ namespace satwalk::track::qt {
 
 class QtTrackPlatform final : public QObject, public TrackPlatform {
   public:
-    explicit QtTrackPlatform(QWidget* window);
+    QtTrackPlatform(QWidget* window, shell::qt::DialogStack* dialogs);
     // Waits for a read under way; its result is dropped.
     ~QtTrackPlatform() override;
 
@@ -33,6 +34,7 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     void StopFollowTimer() override;
     void RunReader(std::function<void(const TrackProgress& progress)> work,
                    std::function<void()> done) override;
+    void ShowStatistics(const std::string& name, const TrackStatistics& stats, int units) override;
 
   private:
     void ShowProgress();
@@ -41,6 +43,7 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     QWidget* window_;
     QTimer trackTimer_;
     std::function<void()> trackTick_;
+    shell::qt::DialogStack* dialogs_;
     QTimer followTimer_;
     std::function<void()> followExpired_;
     std::thread worker_;
@@ -54,9 +57,11 @@ class QtTrackPlatform final : public QObject, public TrackPlatform {
     QPointer<QProgressDialog> progress_;
 };
 
-// The track feature on `window`, tied to the map feature (TieTrackToMap).
+// The track feature on `window`, its statistics dialog opened on
+// `dialogs`, tied to the map feature (TieTrackToMap).
 std::unique_ptr<TrackFeature> MakeTrackFeature(shell::Shell& shell, browser::FileChooser& chooser,
                                                QWidget* window, map::MapFeature& mapFeature,
-                                               map::MapScreen& mapScreen);
+                                               map::MapScreen& mapScreen,
+                                               shell::qt::DialogStack* dialogs = nullptr);
 
 }  // namespace satwalk::track::qt
