@@ -1,6 +1,7 @@
 // satwalk-tool track: a track log read exactly as the program reads it, as
 // one JSON object of points or, with --gpx, as a GPX 1.1 track. Both are
-// written as the file is read, so memory stays flat on any size of log.
+// written as the file is read, so memory stays flat on any size of log; as
+// in the program, a log is read up to kMaxTrackPoints points.
 #include <unistd.h>
 
 #include <charconv>
@@ -174,9 +175,15 @@ int RunTrack(int argc, char** argv) {
         first = false;
         out.FlushIfFull();
     });
-    if (result != track::TrackLogResult::Read) {
+    if (result == track::TrackLogResult::OpenFailed) {
         std::fprintf(stderr, "satwalk-tool track: %s: %s\n", path, track::kOpenTrackLogFailed);
         return 1;
+    }
+    if (result == track::TrackLogResult::Truncated) {
+        std::fprintf(stderr, "satwalk-tool track: %s: more than %llu points; the first %llu, as "
+                             "the program shows them\n",
+                     path, static_cast<unsigned long long>(track::kMaxTrackPoints),
+                     static_cast<unsigned long long>(track::kMaxTrackPoints));
     }
     out.text += gpx ? "</trkseg>\n</trk>\n</gpx>\n" : "]}\n";
     out.Flush();

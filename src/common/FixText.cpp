@@ -2,6 +2,7 @@
 
 #include <locale.h>
 
+#include <cmath>
 #include <cstdlib>
 
 namespace satwalk::common {
@@ -29,7 +30,10 @@ void Substring(const char* text, std::size_t from, std::size_t count, char* out)
 }
 
 double TextToDouble(const char* text) {
-    return strtod_l(text, nullptr, CLocale());
+    // "nan", "inf" and numbers past the double range are no numbers to a
+    // position or a scale: they read as text that is not a number does.
+    const double value = strtod_l(text, nullptr, CLocale());
+    return std::isfinite(value) ? value : 0.0;
 }
 
 CalendarTime FileTimeToCalendar(FileTime time) {

@@ -57,6 +57,16 @@ void ForActivePairs(const ReferencePoints& slots, F&& f) {
 
 }  // namespace
 
+namespace {
+
+constexpr double kSaneCoordinate = 1e9;
+
+bool Sane(double v) {
+    return std::isfinite(v) && std::fabs(v) <= kSaneCoordinate;
+}
+
+}  // namespace
+
 int CountActive(const ReferencePoints& referencePoints) {
     int n = 0;
     for (const GeoPoint& p : referencePoints) n += p.valid == 1;
@@ -85,7 +95,16 @@ MapCalibration ComputeCalibration(const ReferencePoints& referencePoints) {
             ++lonPairs;
         }
     });
-    if (latPairs < 1 || lonPairs < 1) {
+    // Numbers from a file or a dialog may be anything: a calibration built on
+    // a coordinate that is not finite, or so large that the map's extent and
+    // scale bar would overflow, is none.
+    bool sane = true;
+    for (const GeoPoint& p : referencePoints) {
+        if (p.valid == 1)
+            sane = sane && Sane(p.latitude) && Sane(p.longitude) && Sane(p.imageX) &&
+                   Sane(p.imageY);
+    }
+    if (!sane || latPairs < 1 || lonPairs < 1) {
         c.latPerPixel[0] = 0.0;
         c.lonPerPixel[0] = 0.0;
         c.calibrated = 0;

@@ -96,6 +96,7 @@ class MapModel {
     double longitude = 0.0;
     bool holdMenuOpen = false;
     bool referencesRead = false;  // the last load found its reference file
+    bool referencesUnreadable = false;  // ... or found it there but could not open it
 
     screens::Rect viewRect() const { return view_; }
     int unit() const { return unit_; }

@@ -30,7 +30,8 @@ void PoiFeature::Import() {
     chooser_.ChooseFile(
         browser::kBrowsePoi, common::LoadString(common::kStrOpenFile),
         [this](const browser::ChosenFile& file) {
-            if (!ImportPoiFile(store_, file.path).read) {
+            const PoiImport imported = ImportPoiFile(store_, file.path);
+            if (!imported.read) {
                 shell_.ui().ShowMessage(kOpenPoiFileFailed, shell::MessageIcon::Error,
                                         shell::MessageButtons::Ok);
             }
@@ -41,6 +42,12 @@ void PoiFeature::Import() {
                                                                             : cmd::kWorldMap);
             }
             shell_.Repaint();
+            if (imported.truncated) {
+                shell_.ui().ShowMessage(
+                    common::FormatStrings(common::LoadString(common::kStrPoiFileTooLarge),
+                                          {file.name, std::to_string(imported.points)}),
+                    shell::MessageIcon::Information, shell::MessageButtons::Ok);
+            }
         });
 }
 

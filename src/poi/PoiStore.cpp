@@ -7,7 +7,13 @@ namespace satwalk::poi {
 PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
     PoiImport result;
     PoiGroup group;
-    result.read = ReadPoiCsv(path, group.points);
+    const std::uint64_t stored = PoiPointCount(store);
+    const std::uint64_t room = stored < kMaxPois ? kMaxPois - stored : 0;
+    const PoiRead read = ReadPoiCsv(
+        path, [&group](const PoiRecord& r) { group.points.Append(r); },
+        room < kMaxPoisPerFile ? room : kMaxPoisPerFile);
+    result.read = read != PoiRead::OpenFailed;
+    result.truncated = read == PoiRead::Truncated;
     if (!result.read)
         return result;
     group.name = PoiBaseName(path);

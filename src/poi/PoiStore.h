@@ -26,11 +26,13 @@ struct PoiImport {
     std::uint32_t category = 0;
     std::string name;
     std::uint32_t points = 0;
+    bool truncated = false;  // the file had more records than the budget left room for
 };
 
 // Reads one file into a group of its own, its category looked up from the
 // file's base name, and appends the group to the store (an empty file adds
-// an empty group).
+// an empty group). A file reads up to kMaxPoisPerFile records, and up to
+// kMaxPois in the whole store.
 PoiImport ImportPoiFile(PoiStore& store, const std::string& path);
 
 // Every group's points, then the groups.

@@ -1,6 +1,8 @@
 #include "Shell.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <iterator>
 
 #include "BaudRates.h"
@@ -160,6 +162,7 @@ void Shell::RefreshDisplay() {
     d.speedAlarmOn = settings_.speedAlarmOn != 0;
     d.speedAlarmLimit = static_cast<int>(settings_.speedAlarmLimit);
     d.recording = settings_.recordNmea != 0;
+    d.recordingFailed = recordingFaults_.Any();
     // Without a fix the last position stays.
     if (d.linkRunning && d.fixValid) {
         common::NmeaToDegrees(fix_.latitude, fix_.northSouth, fix_.longitude, fix_.eastWest,
@@ -263,8 +266,15 @@ void Shell::Exit() {
                                                  MessageIcon::Question, MessageButtons::YesNo);
     if (answer != MessageAnswer::Yes)
         return;
-    if (options_ != nullptr)
-        options_->SaveOptions(settings_);
+    if (options_ != nullptr && !options_->SaveOptions(settings_)) {
+        // Said before the window goes, so the user can still act on it.
+        const std::string text =
+            common::FormatStrings(LoadString(common::kStrSaveOptionsFailed),
+                                  {options_->path(), common::WriteFailureReason(options_->saveError())});
+        std::fprintf(stderr, "satwalk: %s (%s)\n", text.c_str(),
+                     std::strerror(options_->saveError()));
+        Message(text, MessageIcon::Error);
+    }
     ui_.StopTrackTimer();
     ui_.StopBlinkTimer();
     if (link_.Running()) {
@@ -344,12 +354,30 @@ void Shell::OnGpsData() {
     // The flash starts red at once and goes with the alarm.
     if (SpeedAlarmShowing() != wasShowing)
         alarmFlashPhase = !wasShowing;
-    if (alarm_.soundFailed() && status.empty()) {
-        status = kAlarmSoundFailedStatus;
-        ui_.ShowStatus(status);
-    }
+    if (alarm_.soundFailed())
+        UpdateStatus();
     Repaint();
     features_.NotifyGpsData();
+}
+
+void Shell::ReportRecordingWrite(Recording recording, int error) {
+    if (!recordingFaults_.Report(recording, error))
+        return;
+    UpdateStatus();
+    Repaint();
+}
+
+void Shell::UpdateStatus() {
+    std::string text = recordingFaults_.Text();
+    if (alarm_.soundFailed()) {
+        if (!text.empty())
+            text += "；";
+        text += kAlarmSoundFailedStatus;
+    }
+    if (text == status)
+        return;
+    status = std::move(text);
+    ui_.ShowStatus(status);
 }
 
 void Shell::OnGpsTime() {

@@ -59,7 +59,7 @@ TrackSample TrackFeature::CurrentSample(const gps::GpsState& fix) const {
         return s;
     const TrackProjections p = Projections();
     const MapXY w = p.world(s.latitude, s.longitude);
-    s.worldValid = true;
+    s.worldValid = std::isfinite(w.x) && std::isfinite(w.y);
     s.worldX = static_cast<float>(w.x);
     s.worldY = static_cast<float>(w.y);
     if (p.map) {
@@ -77,9 +77,15 @@ void TrackFeature::Message(const std::string& text, bool exclamation) {
         shell::MessageButtons::Ok);
 }
 
+void TrackFeature::ReportWrite() {
+    const bool recording = state_.trackLogOn != 0 && !state_.trackFilePath.empty();
+    shell_.ReportRecordingWrite(shell::Recording::Track, recording ? state_.lastWriteError : 0);
+}
+
 void TrackFeature::OnTrackTick() {
     if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample(shell_.fix())))
         shell_.ui().StopTrackTimer();
+    ReportWrite();
     if (shell_.currentScreen == shell::kScreenMap)
         shell_.Repaint();
 }
@@ -87,12 +93,14 @@ void TrackFeature::OnTrackTick() {
 void TrackFeature::OnLinkStarted() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     track::OnLinkStarted(state_, CurrentSample(shell_.fix()));
+    ReportWrite();
 }
 
 void TrackFeature::OnLinkStopped() {
     // As the tick does once the link has gone: the live trails go, and so
     // does recording, until the user switches it on again.
     track::OnTrackTick(state_, false, TrackSample{});
+    ReportWrite();
     EndFollowPause();
 }
 
@@ -102,6 +110,7 @@ void TrackFeature::OnTrackFolderChanged(const std::string& trackFolder) {
     state_.trackFolder = trackFolder;
     if (state_.trackLogOn != 0 && shell_.link().Running())
         StartTrackLog(state_, CurrentSample(shell_.fix()));
+    ReportWrite();
 }
 
 void TrackFeature::SaveTrackLog() {
@@ -112,6 +121,7 @@ void TrackFeature::SaveTrackLog() {
             Message(kTrackTimerFailedOnSave);
         }
     }
+    ReportWrite();
     shell_.Repaint();
 }
 
@@ -144,6 +154,7 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
             if (generation != readGeneration_)
                 return;  // closed or replaced meanwhile
             reading_ = false;
+            const bool truncated = read->truncated;
             if (ShowViewedTrack(state_, std::move(*read), path, name) != ViewResult::Shown) {
                 Message(kOpenTrackLogFailed);
                 return;
@@ -154,6 +165,13 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
                     shell_.OnCommand(Projections().map ? cmd::kLoadedMap : cmd::kWorldMap);
             }
             shell_.Repaint();
+            // Said once, over the part that is shown; a rebuild says nothing.
+            if (truncated && !rebuild) {
+                shell_.ui().ShowMessage(
+                    common::FormatStrings(common::LoadString(common::kStrTrackLogTooLarge),
+                                          {name, std::to_string(kMaxTrackPoints)}),
+                    shell::MessageIcon::Information, shell::MessageButtons::Ok);
+            }
         });
 }
 

@@ -81,6 +81,8 @@ class TrackFeature final : public shell::Feature {
     void ReadForView(const std::string& path, const std::string& name, bool quiet);
     void CloseView();
     void EndFollowPause();
+    // The shell's status shows a log that cannot be written until one can.
+    void ReportWrite();
     void Message(const std::string& text, bool exclamation = false);
     void WriteState(common::JsonMembers& members) const;
 

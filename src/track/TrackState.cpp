@@ -1,5 +1,7 @@
 #include "TrackState.h"
 
+#include <cmath>
+
 #include "FixText.h"
 
 namespace satwalk::track {
@@ -14,6 +16,12 @@ std::string_view Text(const char* field, std::size_t width) {
 
 TrackPoint Point(double x, double y, const TrackTime& time) {
     return TrackPoint{static_cast<float>(x), static_cast<float>(y), time};
+}
+
+// A position too far out for a float pixel (1e308 degrees in a log) has no
+// place on a trail.
+bool Drawable(const MapXY& p) {
+    return std::isfinite(static_cast<float>(p.x)) && std::isfinite(static_cast<float>(p.y));
 }
 
 }  // namespace
@@ -44,7 +52,7 @@ void AppendTrackSample(TrackState& state, const TrackSample& sample) {
             sample.fixValid ? FormatTrackLine(sample.longitude, sample.latitude, sample.time,
                                               sample.speedKnots, sample.course, sample.altitude)
                             : std::string();
-        state.lastWrite = AppendTrackLine(state.trackFilePath, line);
+        state.lastWrite = AppendTrackLine(state.trackFilePath, line, &state.lastWriteError);
     }
     if (sample.mapValid)
         state.liveMapTrail.Append(Point(sample.mapX, sample.mapY, sample.time));
@@ -90,7 +98,7 @@ namespace {
 
 // Reads `path` into the trails the projections ask for; `clear` runs once
 // the file is open, so a file that cannot be opened leaves them alone.
-bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
+TrackLogResult ReadInto(const std::string& path, TrackList* world, TrackList* map,
               const TrackProjections& projections, const TrackProgress& progress) {
     bool cleared = false;
     auto clear = [&] {
@@ -107,11 +115,13 @@ bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
             clear();
         if (world) {
             const MapXY w = projections.world(p.latitude, p.longitude);
-            world->Append(Point(w.x, w.y, p.time));
+            if (Drawable(w))
+                world->Append(Point(w.x, w.y, p.time));
         }
         if (map && projections.map) {
             const MapXY m = projections.map(p.latitude, p.longitude);
-            map->Append(Point(m.x, m.y, p.time));
+            if (Drawable(m))
+                map->Append(Point(m.x, m.y, p.time));
         }
     };
     const auto onProgress = [&](std::uint64_t done, std::uint64_t total) {
@@ -120,11 +130,10 @@ bool ReadInto(const std::string& path, TrackList* world, TrackList* map,
         if (progress)
             progress(done, total);
     };
-    if (ReadTrackLog(path, onPoint, onProgress) != TrackLogResult::Read)
-        return false;
-    if (!cleared)
+    const TrackLogResult result = ReadTrackLog(path, onPoint, onProgress);
+    if (result != TrackLogResult::OpenFailed && !cleared)
         clear();  // an empty file
-    return true;
+    return result;
 }
 
 }  // namespace
@@ -136,7 +145,9 @@ bool IsBeingWritten(const TrackState& state, const std::string& path) {
 TrackRead ReadTrackTrails(const std::string& path, const TrackProjections& projections,
                           const TrackProgress& progress) {
     TrackRead read;
-    read.opened = ReadInto(path, &read.world, &read.map, projections, progress);
+    const TrackLogResult result = ReadInto(path, &read.world, &read.map, projections, progress);
+    read.opened = result != TrackLogResult::OpenFailed;
+    read.truncated = result == TrackLogResult::Truncated;
     return read;
 }
 
@@ -161,7 +172,8 @@ ViewResult ViewTrackLog(TrackState& state, const std::string& path, const std::s
         return ViewResult::BeingWritten;
     {
         const std::lock_guard lock(state.trackLock);
-        if (!ReadInto(path, &state.viewedWorldTrail, &state.viewedMapTrail, projections, progress))
+        if (ReadInto(path, &state.viewedWorldTrail, &state.viewedMapTrail, projections, progress) ==
+            TrackLogResult::OpenFailed)
             return ViewResult::OpenFailed;
     }
     state.viewedTrackPath = path;
@@ -174,12 +186,13 @@ bool ReadViewedTrack(TrackState& state, const TrackProjections& projections,
                      const TrackProgress& progress) {
     const std::lock_guard lock(state.trackLock);
     return ReadInto(state.viewedTrackPath, &state.viewedWorldTrail, &state.viewedMapTrail,
-                    projections, progress);
+                    projections, progress) != TrackLogResult::OpenFailed;
 }
 
 bool RebuildLiveMapTrail(TrackState& state, const TrackProjections& projections) {
     const std::lock_guard lock(state.trackLock);
-    return ReadInto(state.trackFilePath, nullptr, &state.liveMapTrail, projections, {});
+    return ReadInto(state.trackFilePath, nullptr, &state.liveMapTrail, projections, {}) !=
+           TrackLogResult::OpenFailed;
 }
 
 void CloseViewedTrack(TrackState& state) {

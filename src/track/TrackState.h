@@ -90,6 +90,7 @@ struct TrackState {
     std::string trackFolder;
     std::string trackFilePath;  // empty when no log is being written
     TrackWrite lastWrite = TrackWrite::Created;
+    int lastWriteError = 0;  // the errno of the last write that failed, 0 after one that worked
 
     // Viewing.
     bool trackViewOn = false;
@@ -112,8 +113,8 @@ void StartTrackLog(TrackState& state, const TrackSample& sample);
 
 // One sample: a line in the log when recording (the file is made even
 // without a fix, the line needs one), a point on each trail whose position
-// is known. A log that cannot be written is skipped silently; the trails go
-// on.
+// is known. A log that cannot be written loses the line (lastWrite and
+// lastWriteError say why, for the caller to show); the trails go on.
 void AppendTrackSample(TrackState& state, const TrackSample& sample);
 
 // The track timer's tick. Returns false when the link has stopped: the live
@@ -142,7 +143,8 @@ bool IsBeingWritten(const TrackState& state, const std::string& path);
 // A log read into trails of its own, away from the state: a long log is
 // read off the user-interface thread and shown once complete.
 struct TrackRead {
-    bool opened = false;  // false: kOpenTrackLogFailed
+    bool opened = false;     // false: kOpenTrackLogFailed
+    bool truncated = false;  // the log had more than kMaxTrackPoints points
     TrackList world;
     TrackList map;  // empty without a map projection
 };
