@@ -180,8 +180,9 @@ int RunTrack(int argc, char** argv) {
         return 1;
     }
     if (result == track::TrackLogResult::Truncated) {
-        std::fprintf(stderr, "satwalk-tool track: %s: more than %llu points; the first %llu, as "
-                             "the program shows them\n",
+        std::fprintf(stderr,
+                     "satwalk-tool track: %s: more than %llu points; the first %llu, as "
+                     "the program shows them\n",
                      path, static_cast<unsigned long long>(track::kMaxTrackPoints),
                      static_cast<unsigned long long>(track::kMaxTrackPoints));
     }

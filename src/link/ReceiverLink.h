@@ -47,7 +47,7 @@ inline constexpr std::size_t kReadSize = 1024;    // one read from the port
 // Raw bytes kept for the recording between two batches: a whole buffer and
 // the read that did not fit it.
 inline constexpr std::size_t kRecordBufferSize = kBufferSize + kReadSize;
-inline constexpr int kStopWaitMs = 1000;          // bound on waiting for the reader
+inline constexpr int kStopWaitMs = 1000;  // bound on waiting for the reader
 
 // The COM indexes a Bluetooth port may be registered under, tried from the
 // highest down.

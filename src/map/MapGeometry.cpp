@@ -101,8 +101,8 @@ MapCalibration ComputeCalibration(const ReferencePoints& referencePoints) {
     bool sane = true;
     for (const GeoPoint& p : referencePoints) {
         if (p.valid == 1)
-            sane = sane && Sane(p.latitude) && Sane(p.longitude) && Sane(p.imageX) &&
-                   Sane(p.imageY);
+            sane =
+                sane && Sane(p.latitude) && Sane(p.longitude) && Sane(p.imageX) && Sane(p.imageY);
     }
     if (!sane || latPairs < 1 || lonPairs < 1) {
         c.latPerPixel[0] = 0.0;

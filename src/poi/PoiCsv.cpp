@@ -149,8 +149,7 @@ PoiRead ReadPoiCsv(const std::string& path, const PoiSink& onRecord, std::uint64
 }
 
 bool ReadPoiCsv(const std::string& path, PoiList& list) {
-    return ReadPoiCsv(path, [&list](const PoiRecord& r) { list.Append(r); }) !=
-           PoiRead::OpenFailed;
+    return ReadPoiCsv(path, [&list](const PoiRecord& r) { list.Append(r); }) != PoiRead::OpenFailed;
 }
 
 }  // namespace satwalk::poi

@@ -36,7 +36,8 @@ PoiDrawCount DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiP
     const int half = kPoiIconSize / 2;
     const int columns = (width + kPoiIconSize - 1) / kPoiIconSize;
     const int rows = (height + kPoiIconSize - 1) / kPoiIconSize;
-    std::vector<CellEntry> cells(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
+    std::vector<CellEntry> cells(static_cast<std::size_t>(columns) *
+                                 static_cast<std::size_t>(rows));
     std::vector<std::uint32_t> occupied;  // cell indexes in the order they were first taken
 
     for (std::uint32_t g = 0; g < store.Count(); ++g) {

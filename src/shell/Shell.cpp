@@ -268,9 +268,9 @@ void Shell::Exit() {
         return;
     if (options_ != nullptr && !options_->SaveOptions(settings_)) {
         // Said before the window goes, so the user can still act on it.
-        const std::string text =
-            common::FormatStrings(LoadString(common::kStrSaveOptionsFailed),
-                                  {options_->path(), common::WriteFailureReason(options_->saveError())});
+        const std::string text = common::FormatStrings(
+            LoadString(common::kStrSaveOptionsFailed),
+            {options_->path(), common::WriteFailureReason(options_->saveError())});
         std::fprintf(stderr, "satwalk: %s (%s)\n", text.c_str(),
                      std::strerror(options_->saveError()));
         Message(text, MessageIcon::Error);

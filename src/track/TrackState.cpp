@@ -99,7 +99,7 @@ namespace {
 // Reads `path` into the trails the projections ask for; `clear` runs once
 // the file is open, so a file that cannot be opened leaves them alone.
 TrackLogResult ReadInto(const std::string& path, TrackList* world, TrackList* map,
-              const TrackProjections& projections, const TrackProgress& progress) {
+                        const TrackProjections& projections, const TrackProgress& progress) {
     bool cleared = false;
     auto clear = [&] {
         if (world)

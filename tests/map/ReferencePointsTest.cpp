@@ -166,6 +166,21 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
 
     EXPECT_FALSE(WriteReferenceFile(TempPath("no-such-folder/x.rpt"), s));
     EXPECT_FALSE(WriteReferenceFile(dir, s));
+
+    // A file that is there but cannot be opened (a link to itself: root too
+    // is refused) is said, and kept as .bak before a new file is written.
+    const std::string loop = TempPath("loop.rpt");
+    ::unlink(loop.c_str());
+    ::unlink((loop + ".bak").c_str());
+    ASSERT_EQ(::symlink(loop.c_str(), loop.c_str()), 0);
+    EXPECT_EQ(ReadReferenceFile(loop, s, active), ReferenceRead::Unreadable);
+    std::string keptAs;
+    EXPECT_TRUE(WriteReferenceFile(loop, s, &keptAs));
+    EXPECT_EQ(keptAs, loop + ".bak");
+    struct stat st {};
+    EXPECT_EQ(::lstat(keptAs.c_str(), &st), 0);
+    EXPECT_TRUE(S_ISLNK(st.st_mode)) << "the unreadable file is the one kept";
+    EXPECT_EQ(ReadReferenceFile(loop, s, active), ReferenceRead::Read);
 }
 
 TEST(Dms, SplitAndJoin) {

@@ -70,6 +70,8 @@ TEST(TrackLogReader, HostileLogs) {
         {"short and odd date-times", "1,2,,2024\r\n1,2,,-3 x5\r\n",
          "1,2,2024-00-00 00:00:00;1,2,-003-05-00 00:00:00;"},
         {"binary noise", "\xff\xfe\x01\x02,\x80\r\n\r\n,,,\r\n"s, "0,0,0000-00-00 00:00:00;"},
+        {"nan, inf and overflow read 0", "nan,-inf,,2024\r\n1e999,infinity,,2024\r\n",
+         "0,0,2024-00-00 00:00:00;0,0,2024-00-00 00:00:00;"},
     };
     for (const ReaderCase& c : cases) {
         EXPECT_EQ(Points(c.bytes), c.points) << c.name;
@@ -148,6 +150,38 @@ TEST(TrackViewing, ProgressReportsTheWholeFile) {
     EXPECT_EQ(total, log.size());
     EXPECT_GE(calls, 3u);
     EXPECT_EQ(points, log.size() / kLine.size());
+}
+
+// A log past the budget of points is read up to it and says so; a log of
+// tiny lines ends no read.
+TEST(TrackViewing, BudgetOfPoints) {
+    const std::string dir = test::ScratchFolder("budget");
+    std::string tiny;
+    for (int i = 0; i < 100; ++i) tiny += ",,,\r\n";
+    test::WriteFile(dir + "/tiny.log", tiny);
+    const struct {
+        std::uint64_t budget;
+        std::uint64_t points;
+        TrackLogResult result;
+    } cases[] = {
+        {10, 10, TrackLogResult::Truncated},
+        {99, 99, TrackLogResult::Truncated},
+        {100, 100, TrackLogResult::Read},
+    };
+    for (const auto& c : cases) {
+        std::uint64_t points = 0;
+        EXPECT_EQ(ReadTrackLog(
+                      dir + "/tiny.log", [&](const TrackLogPoint&) { ++points; }, {}, c.budget),
+                  c.result)
+            << c.budget;
+        EXPECT_EQ(points, c.points) << c.budget;
+    }
+    // A position too far out for a pixel is on no trail.
+    test::WriteFile(dir + "/far.log", "1,1e308,,2024\r\n" + kLine);
+    const TrackRead read = ReadTrackTrails(dir + "/far.log", Projections(true));
+    EXPECT_TRUE(read.opened);
+    EXPECT_FALSE(read.truncated);
+    EXPECT_EQ(read.world.Count(), 1u);
 }
 
 }  // namespace
