@@ -72,9 +72,10 @@ void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
         return;
     if (!view.Calibrated())
         return;  // a map without calibration shows no POI
-    const PoiProjection project = [&view](double lat, double lon, double& x, double& y) {
+    const map::ScreenProjector projector(view);
+    const PoiProjection project = [&projector](double lat, double lon, double& x, double& y) {
         map::PointF p;
-        if (!map::ProjectToScreen(view, lat, lon, p))
+        if (!projector.Project(lat, lon, p))
             return false;
         x = p.x;
         y = p.y;

@@ -1,7 +1,6 @@
 #include "PoiPainter.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -45,29 +44,38 @@ PoiDrawCount DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiP
         const int iconCell = group.category < static_cast<std::uint32_t>(kPoiIconCells)
                                  ? static_cast<int>(group.category)
                                  : 0;
-        group.points.ForEachSpan([&](std::span<const PoiRecord> span) {
-            for (const PoiRecord& r : span) {
-                double px = 0, py = 0;
-                if (!project(r.latitude, r.longitude, px, py))
-                    continue;
-                // A point whose icon misses the canvas shows nothing; one on
-                // the edge counts in the edge's cell.
-                const double cx = std::floor(px) - bounds.left;
-                const double cy = std::floor(py) - bounds.top;
-                if (!(cx > -half && cx < width + half && cy > -half && cy < height + half))
-                    continue;
-                ++count.inView;
-                const int x = static_cast<int>(cx), y = static_cast<int>(cy);
-                const int column = std::clamp(x, 0, width - 1) / kPoiIconSize;
-                const int row = std::clamp(y, 0, height - 1) / kPoiIconSize;
-                const auto index = static_cast<std::uint32_t>(row * columns + column);
-                CellEntry& cell = cells[index];
-                if (cell.record != nullptr)
-                    continue;
-                cell = CellEntry{&r, x + bounds.left, y + bounds.top, iconCell};
-                occupied.push_back(index);
-            }
-        });
+        const auto place = [&](double latitude, double longitude, std::uint32_t i) {
+            double px = 0, py = 0;
+            if (!project(latitude, longitude, px, py))
+                return;
+            // A point whose icon misses the canvas shows nothing; one on
+            // the edge counts in the edge's cell.
+            const double cx = px - bounds.left;
+            const double cy = py - bounds.top;
+            if (!(cx > -half && cx < width + half && cy > -half && cy < height + half))
+                return;
+            ++count.inView;
+            // Whole pixels towards zero, as the icons were always placed.
+            const int x = static_cast<int>(px) - bounds.left;
+            const int y = static_cast<int>(py) - bounds.top;
+            const int column = std::clamp(x, 0, width - 1) / kPoiIconSize;
+            const int row = std::clamp(y, 0, height - 1) / kPoiIconSize;
+            const auto index = static_cast<std::uint32_t>(row * columns + column);
+            CellEntry& cell = cells[index];
+            if (cell.record != nullptr)
+                return;
+            cell = CellEntry{&group.points.At(i), x + bounds.left, y + bounds.top, iconCell};
+            occupied.push_back(index);
+        };
+        if (group.positions.size() == group.points.Count()) {
+            std::uint32_t i = 0;
+            for (const PoiPosition& p : group.positions) place(p.latitude, p.longitude, i++);
+        } else {
+            std::uint32_t i = 0;
+            group.points.ForEachSpan([&](std::span<const PoiRecord> span) {
+                for (const PoiRecord& r : span) place(r.latitude, r.longitude, i++);
+            });
+        }
     }
 
     if (icons != nullptr) {

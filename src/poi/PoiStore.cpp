@@ -10,7 +10,11 @@ PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
     const std::uint64_t stored = PoiPointCount(store);
     const std::uint64_t room = stored < kMaxPois ? kMaxPois - stored : 0;
     const PoiRead read = ReadPoiCsv(
-        path, [&group](const PoiRecord& r) { group.points.Append(r); },
+        path,
+        [&group](const PoiRecord& r) {
+            group.points.Append(r);
+            group.positions.push_back({r.latitude, r.longitude});
+        },
         room < kMaxPoisPerFile ? room : kMaxPoisPerFile);
     result.read = read != PoiRead::OpenFailed;
     result.truncated = read == PoiRead::Truncated;
@@ -26,7 +30,10 @@ PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
 }
 
 void DeleteAllPois(PoiStore& store) {
-    for (std::uint32_t i = 0; i < store.Count(); ++i) store.At(i).points.Clear();
+    for (std::uint32_t i = 0; i < store.Count(); ++i) {
+        store.At(i).points.Clear();
+        store.At(i).positions = {};
+    }
     store.Clear();
 }
 

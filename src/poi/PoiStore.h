@@ -7,14 +7,25 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "CursorList.h"
 #include "PoiCsv.h"
 
 namespace satwalk::poi {
 
+// A point's degrees alone: what a repaint reads of every point, packed
+// eight to the cache line's worth of records it would otherwise walk.
+struct PoiPosition {
+    double latitude = 0;
+    double longitude = 0;
+};
+
 struct PoiGroup {
     PoiList points;
+    // The points' positions in the same order, kept by ImportPoiFile; a
+    // group built by hand may leave it empty (drawing then reads the points).
+    std::vector<PoiPosition> positions;
     std::uint32_t category = 0;  // row of PoiCategoryTable, 0 for none; the icon cell
     std::string name;            // the category's name, or the file's base name
 };
