@@ -95,7 +95,10 @@ bool ProjectToScreen(const MapView& view, double latitude, double longitude, Poi
     return true;
 }
 
-ScreenProjector::ScreenProjector(const MapView& view) : view_(view), world_(view.mapMode == 0) {
+ScreenProjector::ScreenProjector(const MapView& view)
+    : view_(view),
+      world_(view.mapMode == 0),
+      worldProjection_(view.worldOrigin, view.viewScale, view.scaleBarPixels) {
     if (!world_)
         return;
     const double pxPerDegree = PixelsPerDegree(view);
@@ -111,10 +114,7 @@ bool ScreenProjector::Project(double latitude, double longitude, PointF& out) co
         return ProjectToScreen(view_, latitude, longitude, out);
     if (!usable_ || !std::isfinite(latitude) || !std::isfinite(longitude))
         return false;
-    GeoPoint point;
-    point.latitude = latitude;
-    point.longitude = NearestTurn(longitude, centreLongitude_);
-    const PointF p = ProjectToView(view_.worldOrigin, point, view_.viewScale, view_.scaleBarPixels);
+    const PointF p = worldProjection_.Project(latitude, NearestTurn(longitude, centreLongitude_));
     if (!std::isfinite(p.x) || !std::isfinite(p.y))
         return false;
     out = p;

@@ -79,6 +79,7 @@ class ScreenProjector {
     bool world_ = false;
     bool usable_ = false;
     double centreLongitude_ = 0.0;
+    ViewProjection worldProjection_;
 };
 
 // The inverse, for taps: the degrees under a screen point. World-mode
