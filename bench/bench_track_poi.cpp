@@ -1,14 +1,17 @@
 // Track logs, trails and POIs at the sizes a long trip makes: reading a
-// 1,000,000-line log, repainting a 1,000,000-point trail at 480 × 640, and
-// repainting 100,000 POIs with a few hundred on screen. Painting goes to a
-// canvas that only counts what it is asked to draw, so the figures are the
-// core's own cost; the counters give the memory of the trails, the kept
-// polyline and the store.
+// 1,000,000-line log, repainting a 1,000,000-point trail at 480 × 640,
+// repainting 100,000 POIs with a few hundred on screen, and repainting
+// 100,000 and 1,000,000 POIs all in view. Painting goes to a canvas that
+// only counts what it is asked to draw, so the figures are the core's own
+// cost; the POIs all in view are painted through the Qt canvas into a
+// picture too, when the program's Qt part is built. The counters give the
+// memory of the trails, the kept polyline and the store.
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
 
 #include <cstdio>
+#include <map>
 #include <random>
 #include <string>
 
@@ -18,6 +21,13 @@
 #include "TrackLogFile.h"
 #include "TrackState.h"
 #include "TrailPainter.h"
+
+#ifdef SATWALK_BENCH_QT
+#include <QGuiApplication>
+#include <QImage>
+
+#include "QtCanvas.h"
+#endif
 
 namespace {
 
@@ -242,6 +252,116 @@ void BM_PoiLayerProjection(benchmark::State& state) {
 }
 BENCHMARK(BM_PoiLayerProjection)->Unit(benchmark::kMillisecond);
 
+// `count` POIs spread over a 2 × 2.6 km rectangle that a world view of the
+// map screen shows whole at 480 × 640.
+const poi::PoiStore& PoisInView(int count) {
+    static std::map<int, poi::PoiStore> stores;
+    poi::PoiStore& s = stores[count];
+    if (!s.Empty())
+        return s;
+    std::mt19937 rng(9);
+    std::uniform_real_distribution<double> lat(30.249, 30.271), lon(120.130, 120.150);
+    for (int g = 0; g < 10; ++g) {
+        poi::PoiGroup group;
+        group.category = static_cast<std::uint32_t>(g * 3);
+        for (int i = 0; i < count / 10; ++i) {
+            poi::PoiRecord r;
+            r.latitude = lat(rng);
+            r.longitude = lon(rng);
+            std::snprintf(r.name, sizeof r.name, "Point %d-%d", g, i);
+            group.points.Append(r);
+            group.positions.push_back({r.latitude, r.longitude});  // as an import keeps them
+        }
+        s.Append(std::move(group));
+    }
+    return s;
+}
+
+map::MapView WorldViewOfTheStore() {
+    map::MapView view;
+    view.viewRect = {0, 0, 480, 640};
+    view.viewScale = 0.5;  // the 100-pixel scale bar stands for 500 m
+    view.worldOrigin.latitude = 0;
+    view.worldOrigin.longitude = 120.14;
+    view.worldOrigin.screenX = 240;
+    view.worldOrigin.screenY =
+        320 + map::MercatorNorthing(30.26, view.viewScale, view.scaleBarPixels);
+    return view;
+}
+
+// The map screen's POI layer as it paints: the view's own projection.
+poi::PoiProjection ProjectionOf(const map::ScreenProjector& projector) {
+    return [&projector](double lat, double lon, double& x, double& y) {
+        map::PointF p;
+        if (!projector.Project(lat, lon, p))
+            return false;
+        x = p.x;
+        y = p.y;
+        return true;
+    };
+}
+
+// range(0): POIs in the store, every one of them in view.
+void BM_PoiRepaintAllInView(benchmark::State& state) {
+    const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
+    const map::MapView view = WorldViewOfTheStore();
+    const map::ScreenProjector projector(view);
+    const poi::PoiProjection project = ProjectionOf(projector);
+    const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
+    CountingCanvas canvas;
+    poi::PoiDrawCount drawn;
+    for (auto _ : state) drawn = poi::DrawPois(canvas, store, project, &icons);
+    state.counters["inView"] = drawn.inView;
+    state.counters["icons"] = drawn.icons;
+    state.counters["labels"] = drawn.labels;
+}
+BENCHMARK(BM_PoiRepaintAllInView)
+    ->Arg(100'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+
+#ifdef SATWALK_BENCH_QT
+// The same into a 480 × 640 picture through the program's Qt canvas, the
+// icons from a strip of the real size.
+void BM_PoiRepaintAllInViewQt(benchmark::State& state) {
+    const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
+    const map::MapView view = WorldViewOfTheStore();
+    const map::ScreenProjector projector(view);
+    const poi::PoiProjection project = ProjectionOf(projector);
+    screens::ScreenBitmaps bitmaps;
+    QImage strip(496, 16, QImage::Format_ARGB32);
+    strip.fill(qRgb(200, 40, 40));
+    const screens::Bitmap icons{bitmaps.Add(std::move(strip)), 496, 16};
+    QImage target(480, 640, QImage::Format_RGB32);
+    poi::PoiDrawCount drawn;
+    for (auto _ : state) {
+        target.fill(Qt::white);
+        screens::QtCanvas canvas(target, bitmaps);
+        drawn = poi::DrawPois(canvas, store, project, &icons);
+    }
+    state.counters["icons"] = drawn.icons;
+}
+BENCHMARK(BM_PoiRepaintAllInViewQt)
+    ->Arg(100'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+#endif
+
 }  // namespace
 
+#ifdef SATWALK_BENCH_QT
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
+#else
 BENCHMARK_MAIN();
+#endif

@@ -5,6 +5,7 @@
 // Each input starts from a fresh decoder, so a found input reproduces alone.
 #include <locale.h>
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -20,14 +21,16 @@ using namespace satwalk::gps;
 namespace {
 
 // Every text stays terminated, and its quick decimal reading agrees with the
-// C library's to the bit.
+// C library's to the bit (non-finite readings are 0).
 template <std::size_t N>
 void CheckText(const char (&field)[N]) {
     static const locale_t c = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     if (std::memchr(field, '\0', N) == nullptr)
         std::abort();
     const double quick = TextToDouble(field);
-    const double library = strtod_l(field, nullptr, c);
+    double library = strtod_l(field, nullptr, c);
+    if (!std::isfinite(library))
+        library = 0.0;
     if (std::memcmp(&quick, &library, sizeof quick) != 0)
         std::abort();
 }

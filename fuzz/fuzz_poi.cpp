@@ -1,6 +1,8 @@
 // Any bytes as a POI file, in both encodings and fed in two pieces: every
 // name and note comes out as terminated, valid UTF-8 of at most 19 source
-// bytes' worth, and a store of the group copies and clears cleanly.
+// bytes' worth, no coordinate is non-finite, a budget of records is never
+// passed, and a store of the group copies and clears cleanly.
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -39,7 +41,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (std::uint32_t i = 0; i < group.points.Count(); ++i) {
             CheckText(group.points.At(i).name);
             CheckText(group.points.At(i).note);
+            if (!std::isfinite(group.points.At(i).latitude) ||
+                !std::isfinite(group.points.At(i).longitude))
+                std::abort();
         }
+        // A budget of records: never more, and the parser says it is full
+        // exactly when the whole read gave more.
+        constexpr std::uint64_t kBudget = 4;
+        std::uint64_t given = 0;
+        PoiCsvParser budgeted(
+            encoding, [&given](const PoiRecord&) { ++given; }, kBudget);
+        budgeted.Feed(text, size);
+        if (!budgeted.Full())
+            budgeted.Finish();
+        if (given > kBudget || budgeted.Full() != (group.points.Count() > kBudget))
+            std::abort();
         PoiStore store;
         store.Append(group);
         if (store.At(0).points.Count() != group.points.Count())

@@ -1,7 +1,10 @@
 // Any reference-point file: at most five slots come out active, the count
 // matches the flags, and the slots written back read back with the same
-// flags. The same bytes as a dialog edit read as some number.
+// flags; no number read is non-finite, and a calibration from them has a
+// finite scale and extent. The same bytes as a dialog edit read as some
+// finite number.
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -17,6 +20,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (active < 0 || active > kReferenceSlotCount || active != CountActive(slots))
         __builtin_trap();
 
+    for (const GeoPoint& p : slots) {
+        if (!std::isfinite(p.latitude) || !std::isfinite(p.longitude) || !std::isfinite(p.imageX) ||
+            !std::isfinite(p.imageY))
+            __builtin_trap();
+    }
+    const MapCalibration calibration = ComputeCalibration(slots);
+    if (calibration.IsValid()) {
+        MapExtent extent;
+        ComputeMapExtent(calibration, ImageSize{4000, 3000}, extent);
+        if (!std::isfinite(calibration.latPerPixel[0]) ||
+            !std::isfinite(calibration.lonPerPixel[0]) ||
+            !std::isfinite(ScaleBarDistance(extent, 480, 100)))
+            __builtin_trap();
+    }
+
     const std::string written = FormatReferenceText(slots);
     if (written.size() < kReferenceTextLimit - 1) {
         ReferencePoints again{};
@@ -29,7 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
 
     const std::string_view edit(text.data(), text.size());
-    (void)ParseDialogNumber(edit, kLongitudeSecondsChars);
+    if (!std::isfinite(ParseDialogNumber(edit, kLongitudeSecondsChars)))
+        __builtin_trap();
     ReferenceDialogFields fields;
     fields.latitude = {std::string(edit), std::string(edit), std::string(edit)};
     GeoPoint slot;

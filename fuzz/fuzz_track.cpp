@@ -1,6 +1,8 @@
 // Any bytes as a track log: read in two pieces (the split taken from the
 // first byte), the points drawn as a trail. The times stay within what
-// their digits can say, and every marker stays inside the view.
+// their digits can say, no coordinate is non-finite, and every marker
+// stays inside the view.
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -22,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     track::TrackLogParser parser;
     const auto add = [&](const track::TrackLogPoint& p) {
         const track::TrackTime& t = p.time;
-        if (t.year < -999 || t.year > 9999 || t.month < -9 || t.second > 99)
+        if (t.year < -999 || t.year > 9999 || t.month < -9 || t.second > 99 ||
+            !std::isfinite(p.longitude) || !std::isfinite(p.latitude))
             std::abort();
         trail.Append(track::TrackPoint{static_cast<float>(p.longitude * 100),
                                        static_cast<float>(p.latitude * 100), t});

@@ -85,6 +85,13 @@ class PrintingSink final : public link::LinkSink {
         WriteAll(STDERR_FILENO, line);
     }
 
+    void OnRecordResumed() override {
+        std::string line = "satwalk-tool log: recording into ";
+        line += recordFolder_ != nullptr ? recordFolder_ : "the folder";
+        line += " again\n";
+        WriteAll(STDERR_FILENO, line);
+    }
+
   private:
     link::ReceiverLink& link_;
     const char* recordFolder_;

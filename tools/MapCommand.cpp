@@ -173,9 +173,9 @@ int RunMap(int argc, char** argv) {
     if (read != map::ReferenceRead::Read) {
         const int err = errno;
         std::fprintf(stderr, "satwalk-tool map: cannot %s %s: %s\n",
-                     read == map::ReferenceRead::NotOpened ? "open" : "read", rpt,
-                     read == map::ReferenceRead::NotOpened ? std::strerror(err)
-                                                           : "not a readable regular file");
+                     read == map::ReferenceRead::ReadFailed ? "read" : "open", rpt,
+                     read == map::ReferenceRead::ReadFailed ? "not a readable regular file"
+                                                            : std::strerror(err));
         return 2;
     }
 

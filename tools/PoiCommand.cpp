@@ -9,7 +9,8 @@
 #include <string_view>
 
 #include "Json.h"
-#include "PoiStore.h"
+#include "PoiCategories.h"
+#include "PoiCsv.h"
 #include "ToolCommands.h"
 
 namespace satwalk::tools {
@@ -35,21 +36,20 @@ int RunPoi(int argc, char** argv) {
         std::fputs(kUsage, stderr);
         return 2;
     }
-    poi::PoiStore store;
-    const poi::PoiImport imported = poi::ImportPoiFile(store, argv[0]);
-    if (!imported.read) {
-        std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0], poi::kOpenPoiFileFailed);
-        return 1;
-    }
+    // Streamed: each point is printed as it is read, up to the budget of a
+    // file the program imports.
+    std::string name = poi::PoiBaseName(argv[0]);
+    const std::uint32_t category = poi::LookUpPoiCategory(name);
     std::string out = "{\"category\":";
-    out += std::to_string(imported.category);
+    out += std::to_string(category);
     out += ",\"categoryName\":";
-    common::AppendJsonString(out, imported.name);
+    common::AppendJsonString(out, name);
     out += ",\"points\":[";
-    const poi::PoiList& points = store.At(0).points;
-    for (std::uint32_t i = 0; i < points.Count(); ++i) {
-        const poi::PoiRecord& r = points.At(i);
-        out += i == 0 ? "{\"latitude\":" : ",{\"latitude\":";
+    bool first = true;
+    bool failed = false;
+    const poi::PoiRead read = poi::ReadPoiCsv(argv[0], [&](const poi::PoiRecord& r) {
+        out += first ? "{\"latitude\":" : ",{\"latitude\":";
+        first = false;
         common::AppendJsonNumber(out, r.latitude);
         out += ",\"longitude\":";
         common::AppendJsonNumber(out, r.longitude);
@@ -61,13 +61,23 @@ int RunPoi(int argc, char** argv) {
             out += ",\"category\":" + std::to_string(r.category);
         out += '}';
         if (out.size() > (1 << 20)) {
-            if (!WriteAll(STDOUT_FILENO, out))
-                return 1;
+            failed = failed || !WriteAll(STDOUT_FILENO, out);
             out.clear();
         }
+    });
+    if (read == poi::PoiRead::OpenFailed) {
+        std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0], poi::kOpenPoiFileFailed);
+        return 1;
+    }
+    if (read == poi::PoiRead::Truncated) {
+        std::fprintf(stderr,
+                     "satwalk-tool poi: %s: more than %llu points; the first %llu, as the "
+                     "program imports them\n",
+                     argv[0], static_cast<unsigned long long>(poi::kMaxPoisPerFile),
+                     static_cast<unsigned long long>(poi::kMaxPoisPerFile));
     }
     out += "]}\n";
-    return WriteAll(STDOUT_FILENO, out) ? 0 : 1;
+    return WriteAll(STDOUT_FILENO, out) && !failed ? 0 : 1;
 }
 
 }  // namespace satwalk::tools

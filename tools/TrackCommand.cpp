@@ -1,7 +1,8 @@
 // satwalk-tool track: a track file (the program's log, GPX or NMEA) read
 // exactly as the program reads it, as one JSON object of points, as a GPX
 // 1.1 track (--gpx) or as its statistics (--stats). Points are written as
-// the file is read, so memory stays flat on any size of file.
+// the file is read, so memory stays flat on any size of file; as in the
+// program, a file is read up to kMaxTrackPoints points.
 #include <unistd.h>
 
 #include <charconv>
@@ -132,6 +133,13 @@ int RunTrack(int argc, char** argv) {
             std::fprintf(
                 stderr, "satwalk-tool track: %s\n",
                 common::FormatString(common::LoadString(common::kStrTrackFileCut), name).c_str());
+            break;
+        case track::TrackFileResult::TooLarge:
+            std::fprintf(stderr,
+                         "satwalk-tool track: %s: more than %llu points; the first %llu, as "
+                         "the program shows them\n",
+                         path, static_cast<unsigned long long>(track::kMaxTrackPoints),
+                         static_cast<unsigned long long>(track::kMaxTrackPoints));
             break;
         case track::TrackFileResult::Read:
             break;

@@ -95,6 +95,8 @@ void AppLink::SetRecordNmea(bool on) {
     if (on && link_.running)
         link::MakeNmeaLogPath(link_);
     link_.recordNmea = on;
+    if (!on)
+        ClearRecordingFault();
 }
 
 void AppLink::StartNewNmeaLog() {
@@ -116,7 +118,14 @@ bool AppLink::StartLink() {
 }
 
 int AppLink::StopLink() {
-    return static_cast<int>(link::StopLink(link_));
+    const int reason = static_cast<int>(link::StopLink(link_));
+    ClearRecordingFault();  // nothing is recorded any more, so nothing fails
+    return reason;
+}
+
+void AppLink::ClearRecordingFault() {
+    if (window_ != nullptr)
+        window_->shell().ReportRecordingWrite(shell::Recording::Nmea, 0);
 }
 
 bool AppLink::Start() {
@@ -182,6 +191,29 @@ void AppLink::OnOtherTalkersOnly() {
         return;
     QMetaObject::invokeMethod(
         window_, [w = window_] { w->shell().OnOtherTalkersOnly(); }, Qt::QueuedConnection);
+}
+
+// The recorder's faults go to the status line, queued like the hint: the
+// reader never waits for the window to show them.
+void AppLink::OnRecordFailed(int error) {
+    ReportRecording(error);
+}
+
+void AppLink::OnRecordResumed() {
+    ReportRecording(0);
+}
+
+void AppLink::ReportRecording(int error) {
+    if (window_ == nullptr || closing_)
+        return;
+    QMetaObject::invokeMethod(
+        window_,
+        [this, w = window_, error] {
+            // A failure that arrives after the stop is no standing fault.
+            if (error == 0 || link_.running)
+                w->shell().ReportRecordingWrite(shell::Recording::Nmea, error);
+        },
+        Qt::QueuedConnection);
 }
 
 }  // namespace satwalk::app

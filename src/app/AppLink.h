@@ -73,6 +73,8 @@ class AppLink : public QObject,
     void OnGpsTime() override;
     void OnStopCommand() override;
     void OnOtherTalkersOnly() override;
+    void OnRecordFailed(int error) override;
+    void OnRecordResumed() override;
 
     // link::LinkTimer
     bool Start() override;
@@ -86,6 +88,8 @@ class AppLink : public QObject,
   private:
     // Calls `slot` (one of the above) on the window's thread and waits.
     void Deliver(const char* slot);
+    void ReportRecording(int error);  // reader thread
+    void ClearRecordingFault();       // window's thread
 
     link::PortMap portMap_;
     // Bluetooth receivers' ports; declared before the link, which gives its

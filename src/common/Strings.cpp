@@ -1,6 +1,7 @@
 #include "Strings.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 
 namespace satwalk::common {
@@ -110,6 +111,17 @@ constexpr Entry kStrings[] = {
     {41101, "Satwalk %s\nGPS 显示与记录 (GPS display and logging)"},
     {41103, "Create Time Timer failed: %s\n\nPress OK to continue..."},
     {41104, "警报声音无法播放，警报在屏幕上显示"},
+    {41601, "轨迹记录 %s 太大：只显示了前 %s 个点。"},
+    {41602, "POI 文件 %s 太大：只导入了前 %s 个 POI。"},
+    {41603, "轨迹记录失败：%s"},
+    {41604, "NMEA 记录失败：%s"},
+    {41605, "磁盘已满"},
+    {41606, "文件夹不存在"},
+    {41607, "没有写入权限"},
+    {41608, "写入错误"},
+    {41609, "无法保存设置到 %s：%s\n\n本次更改的设置将会丢失。"},
+    {41610, "无法读取参照点文件 %s，地图未校准。\n\n原文件不会被覆盖。"},
+    {41611, "无法读取的参照点文件已保留为 %s。"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),
@@ -128,6 +140,40 @@ const char* LoadString(int id) {
 const char* OtherTalkersHint() {
     return "GPS接收机发送的是其他卫星系统的数据 (GN、GL、GA、GB、BD)，没有GPS (GP) 定位数据，"
            "因此无法定位。\n\n请在“选项”中开启“接收所有卫星系统” (或使用启动参数 --all-talkers)。";
+}
+
+std::string FormatStrings(const char* format, std::initializer_list<std::string_view> arguments) {
+    std::string out;
+    const std::string_view f = format;
+    std::size_t from = 0;
+    for (const std::string_view argument : arguments) {
+        const std::size_t at = f.find("%s", from);
+        if (at == std::string_view::npos)
+            break;
+        out.append(f.substr(from, at - from));
+        out.append(argument);
+        from = at + 2;
+    }
+    out.append(f.substr(from));
+    return out;
+}
+
+const char* WriteFailureReason(int error) {
+    switch (error) {
+        case ENOSPC:
+        case EFBIG:
+        case EDQUOT:
+            return LoadString(kStrReasonDiskFull);
+        case ENOENT:
+        case ENOTDIR:
+            return LoadString(kStrReasonFolderMissing);
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return LoadString(kStrReasonNotPermitted);
+        default:
+            return LoadString(kStrReasonWriteError);
+    }
 }
 
 std::string FormatString(const char* format, const std::string& argument) {

@@ -1,7 +1,9 @@
 // The string table: interface texts by their resource ids, in UTF-8.
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace satwalk::common {
 
@@ -10,6 +12,9 @@ const char* LoadString(int id);
 
 // Fills the one "%s" of a table string (or of any format) with `argument`.
 std::string FormatString(const char* format, const std::string& argument);
+// Fills the "%s" of a format in order; text of an argument is never read as
+// a format itself.
+std::string FormatStrings(const char* format, std::initializer_list<std::string_view> arguments);
 
 inline constexpr int kStrCancel = 40004;
 inline constexpr int kStrOk = 40005;
@@ -106,6 +111,27 @@ inline constexpr int kStrMenuLoadedMapKey = 41036;  // "%s": the map's file name
 inline constexpr int kStrAboutText = 41101;         // "%s": the version
 inline constexpr int kStrClockTimerFailed = 41103;  // "%s": the error code
 inline constexpr int kStrAlarmSoundFailed = 41104;
+// A file past its reader's budget: the file's name and how much was shown.
+inline constexpr int kStrTrackLogTooLarge = 41601;
+inline constexpr int kStrPoiFileTooLarge = 41602;
+// A recording that could not be written, with the reason below, in the
+// window's title and the state's status until a write succeeds again.
+inline constexpr int kStrTrackRecordingFailed = 41603;
+inline constexpr int kStrNmeaRecordingFailed = 41604;
+inline constexpr int kStrReasonDiskFull = 41605;
+inline constexpr int kStrReasonFolderMissing = 41606;
+inline constexpr int kStrReasonNotPermitted = 41607;
+inline constexpr int kStrReasonWriteError = 41608;
+// The settings could not be saved at exit: the file and the reason.
+inline constexpr int kStrSaveOptionsFailed = 41609;
+// A reference-point file that is there but cannot be read: its name.
+inline constexpr int kStrReferenceFileUnreadable = 41610;
+// The unreadable file was kept under the second name before a new one was
+// written.
+inline constexpr int kStrReferenceFileKept = 41611;
+
+// The reason text (one of the four above) for an errno of a failed write.
+const char* WriteFailureReason(int error);
 
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";

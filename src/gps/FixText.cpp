@@ -2,6 +2,7 @@
 
 #include <locale.h>
 
+#include <cmath>
 #include <cstdlib>
 
 namespace satwalk::gps {
@@ -11,6 +12,12 @@ namespace {
 locale_t CLocale() {
     static const locale_t loc = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     return loc;
+}
+
+// "nan", "inf" and numbers past the double range are no numbers to a
+// position or a scale: they read as text that is not a number does.
+double Finite(double value) {
+    return std::isfinite(value) ? value : 0.0;
 }
 
 }  // namespace
@@ -45,7 +52,7 @@ double TextToDouble(const char* text) {
     if (*p == '-' || *p == '+')
         ++p;
     if (p[0] == '0' && (p[1] == 'x' || p[1] == 'X'))
-        return strtod_l(text, nullptr, CLocale());
+        return Finite(strtod_l(text, nullptr, CLocale()));
     std::uint64_t digits = 0;
     int count = 0;
     int fraction = 0;
@@ -54,7 +61,7 @@ double TextToDouble(const char* text) {
         if (*p >= '0' && *p <= '9') {
             digits = digits * 10 + static_cast<std::uint64_t>(*p - '0');
             if (digits >= kExactLimit)
-                return strtod_l(text, nullptr, CLocale());
+                return Finite(strtod_l(text, nullptr, CLocale()));
             ++count;
             fraction += point ? 1 : 0;
         } else if (*p == '.' && !point) {
@@ -64,7 +71,7 @@ double TextToDouble(const char* text) {
         }
     }
     if (count == 0 || *p == 'e' || *p == 'E' || fraction > kMaxFractionDigits)
-        return strtod_l(text, nullptr, CLocale());
+        return Finite(strtod_l(text, nullptr, CLocale()));
     const double value = static_cast<double>(digits) / kPowersOfTen[fraction];
     return negative ? -value : value;
 }

@@ -37,6 +37,8 @@ inline int TextToInt(const char* text) {
     return static_cast<int>(value);
 }
 
+// The leading decimal number as atof reads it, in any locale; a text whose
+// number is not finite ("nan", "inf", 1e400) reads 0, as one without a number.
 double TextToDouble(const char* text);
 
 // Characters [from, from+count) of a NUL-terminated text, never reading past

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "PortNames.h"
 #include "Strings.h"
@@ -327,7 +328,8 @@ bool StartLink(ReceiverLink& link) {
     link.watchdogTicks = 0;
     link.runTicks = 0;
     link.talkersWatch = OtherTalkersWatch{};
-    link.recordFailureTold = false;
+    link.recordFailing = false;
+    link.recordLength = 0;
     {
         std::lock_guard<std::mutex> g(link.readerMutex);
         link.readerActive = true;
@@ -442,6 +444,12 @@ void ReaderThread(ReceiverLink& link) {
             }
         }
 
+        if (count > 0 && link.recordNmea) {
+            if (link.recordLength + count > kRecordBufferSize)
+                FlushRecording(link);  // text without line ends, or NULs: no batch yet
+            std::memcpy(link.recordBuffer + link.recordLength, chunk, count);
+            link.recordLength += count;
+        }
         if (count > 0) {
             if (!LockUnlessStopping(link))
                 break;
@@ -484,24 +492,36 @@ void ReaderThread(ReceiverLink& link) {
             if (!all && link.talkersWatch.AfterBatch(link.talkers.counts, link.runTicks))
                 sink->OnOtherTalkersOnly();
         }
-        if (link.recordNmea) {
-            int error = 0;
-            {
-                std::lock_guard<std::mutex> g(link.recordLock);
-                if (link.nmeaLogPath[0] != '\0')
-                    error = AppendNmeaBatch(link.nmeaLogPath, link.buffer, length);
-            }
-            LinkSink* sink = link.sink.load();
-            if (error != 0 && !link.recordFailureTold && sink != nullptr) {
-                link.recordFailureTold = true;
-                sink->OnRecordFailed(error);
-            }
-        }
+        FlushRecording(link);
         link.buffer[0] = '\0';
         link.bufferLength = 0;
         link.processPending = false;
     }
+    if (!link.stopRequested)
+        FlushRecording(link);  // the port went away: what it sent last is kept too
     MarkReaderEnded(link);
+}
+
+void FlushRecording(ReceiverLink& link) {
+    const std::size_t length = std::exchange(link.recordLength, 0);
+    if (length == 0 || !link.recordNmea)
+        return;
+    int error = 0;
+    {
+        std::lock_guard<std::mutex> g(link.recordLock);
+        if (link.nmeaLogPath[0] == '\0')
+            return;
+        error = AppendNmeaBatch(link.nmeaLogPath, link.recordBuffer, length);
+    }
+    if ((error != 0) == link.recordFailing)
+        return;
+    link.recordFailing = error != 0;
+    if (LinkSink* sink = link.sink.load(); sink != nullptr) {
+        if (error != 0)
+            sink->OnRecordFailed(error);
+        else
+            sink->OnRecordResumed();
+    }
 }
 
 void LinkTimerProc(ReceiverLink& link) {

@@ -11,8 +11,9 @@
 //     descriptor. Each tick sets processPending and wakes it; the first read
 //     after the tick hands the accumulated text to the decoder. A burst that
 //     would overflow the 2,048-byte buffer is decoded at once (the bytes that
-//     do not fit are dropped). Nothing spins and nothing is allocated per
-//     batch.
+//     do not fit are not decoded). The recording keeps the bytes as they
+//     were read, those too, and text after a NUL. Nothing spins and nothing
+//     is allocated per batch.
 //
 // Standard library and POSIX only.
 #pragma once
@@ -43,7 +44,10 @@ inline constexpr std::uint32_t kOtherTalkersTicks = 10;  // before the other-tal
 
 inline constexpr std::size_t kBufferSize = 2048;  // accumulation buffer, NUL included
 inline constexpr std::size_t kReadSize = 1024;    // one read from the port
-inline constexpr int kStopWaitMs = 1000;          // bound on waiting for the reader
+// Raw bytes kept for the recording between two batches: a whole buffer and
+// the read that did not fit it.
+inline constexpr std::size_t kRecordBufferSize = kBufferSize + kReadSize;
+inline constexpr int kStopWaitMs = 1000;  // bound on waiting for the reader
 
 // The COM indexes a Bluetooth port may be registered under, tried from the
 // highest down.
@@ -76,9 +80,12 @@ class LinkSink {
     // the OnGpsData of the batch.
     virtual void OnOtherTalkersOnly() {}
 
-    // A batch could not be recorded (`error` is the errno). Called once per
-    // start, on the reader thread; the program itself stays silent.
+    // The recording could not be written (`error` is the errno): called on
+    // the reader thread at the first failure, and again only after a write
+    // has worked in between (OnRecordResumed).
     virtual void OnRecordFailed(int /*error*/) {}
+    // A write of the recording worked after OnRecordFailed.
+    virtual void OnRecordResumed() {}
 
   protected:
     ~LinkSink() = default;
@@ -182,7 +189,9 @@ struct ReceiverLink {
     gps::GsvAssembly gsvAssembly;
     gps::Talkers talkers;            // the reader's: the setting as decoded, counts, table
     OtherTalkersWatch talkersWatch;  // the reader's; made afresh by StartLink
-    bool recordFailureTold = false;  // the reader's; cleared by StartLink
+    bool recordFailing = false;      // the reader's: the last write failed; cleared by StartLink
+    char recordBuffer[kRecordBufferSize] = {};  // the reader's: raw bytes since the last write
+    std::size_t recordLength = 0;
 
     std::string lastErrorCode;    // text of the last link error, e.g. "0x08200a06"
     char nmeaLogPath[4096] = {};  // the current recording file ("" = none)
@@ -250,6 +259,11 @@ void LinkTimerProc(ReceiverLink& link);
 // local time now (or `now` when given).
 void MakeNmeaLogPath(ReceiverLink& link);
 void MakeNmeaLogPath(ReceiverLink& link, std::time_t now);
+
+// Appends the raw bytes read since the last write to the recording (when
+// recordNmea is set and a file is named) and tells the sink of a change
+// between failing and working. Reader thread.
+void FlushRecording(ReceiverLink& link);
 
 // Appends one batch to a recording file: open, append, close. The batch is
 // written whole or not at all: after a short write (a full disk) the file

@@ -249,6 +249,12 @@ bool MapFeature::LoadMap(const std::string& path) {
     model_.ApplyLoadedMap(path, size, MakeReferenceFileName(shell_.settings().storageRoot, path));
     if (model_.referencesRead)
         shell_.settings().showReferencePoints = 1;
+    if (model_.referencesUnreadable) {
+        shell_.ui().ShowMessage(
+            common::FormatString(common::LoadString(common::kStrReferenceFileUnreadable),
+                                 MakeReferenceFileName(shell_.settings().storageRoot, path)),
+            shell::MessageIcon::Information, shell::MessageButtons::Ok);
+    }
     mapLoaded_ = true;
     if (onCalibrationChanged)
         onCalibrationChanged();
@@ -310,6 +316,12 @@ void MapFeature::OpenReferenceDialog() {
             if (!c.saved) {
                 shell_.ui().ShowMessage(std::string(kSaveReferenceFailedMessage),
                                         shell::MessageIcon::Error, shell::MessageButtons::Ok);
+            }
+            if (!c.keptAs.empty()) {
+                shell_.ui().ShowMessage(
+                    common::FormatString(common::LoadString(common::kStrReferenceFileKept),
+                                         c.keptAs),
+                    shell::MessageIcon::Information, shell::MessageButtons::Ok);
             }
             model_.ApplyConfirmation(c);
             if (onCalibrationChanged)

@@ -57,6 +57,16 @@ void ForActivePairs(const ReferencePoints& slots, F&& f) {
 
 }  // namespace
 
+namespace {
+
+constexpr double kSaneCoordinate = 1e9;
+
+bool Sane(double v) {
+    return std::isfinite(v) && std::fabs(v) <= kSaneCoordinate;
+}
+
+}  // namespace
+
 int CountActive(const ReferencePoints& referencePoints) {
     int n = 0;
     for (const GeoPoint& p : referencePoints) n += p.valid == 1;
@@ -85,7 +95,16 @@ MapCalibration ComputeCalibration(const ReferencePoints& referencePoints) {
             ++lonPairs;
         }
     });
-    if (latPairs < 1 || lonPairs < 1) {
+    // Numbers from a file or a dialog may be anything: a calibration built on
+    // a coordinate that is not finite, or so large that the map's extent and
+    // scale bar would overflow, is none.
+    bool sane = true;
+    for (const GeoPoint& p : referencePoints) {
+        if (p.valid == 1)
+            sane =
+                sane && Sane(p.latitude) && Sane(p.longitude) && Sane(p.imageX) && Sane(p.imageY);
+    }
+    if (!sane || latPairs < 1 || lonPairs < 1) {
         c.latPerPixel[0] = 0.0;
         c.lonPerPixel[0] = 0.0;
         c.calibrated = 0;
@@ -182,27 +201,40 @@ double KilometresPerDegreeLongitude(double latitude) {
            kDegreeKmCos3 * std::cos(latitude * kPi / 60.0);
 }
 
-double MercatorNorthing(double latitude, double scale, int scaleBarPixels) {
-    if (std::isnan(latitude))
-        return latitude;
-    const LatitudeStretchTable& t = StretchTable();
-    // Running sums of the table, added in the same order as a loop over the
-    // bands would, so the result is the same to the last bit; the world map
-    // projects tens of thousands of points per paint.
-    static const LatitudeStretchTable sums = [&t] {
+namespace {
+
+// Running sums of the stretch table, added in the same order as a loop over
+// the bands would, so a northing is the same to the last bit; the world map
+// projects tens of thousands of points per paint.
+const LatitudeStretchTable& NorthingSums() {
+    static const LatitudeStretchTable sums = [] {
+        const LatitudeStretchTable& t = StretchTable();
         LatitudeStretchTable s{};
         double run = 0.0;
         for (std::size_t i = 0; i < t.size(); ++i) s[i] = run += t[i];
         return s;
     }();
+    return sums;
+}
+
+double NorthingFromTables(double latitude, double pixelsPerScale, const LatitudeStretchTable& t,
+                          const LatitudeStretchTable& sums) {
     double a = std::fabs(latitude);
     if (a > kMaxLatitude)
         a = kMaxLatitude;
     const int n = static_cast<int>(a);
     const double f = a - n;
     const double s = sums[n] + f * t[n];
-    const double result = s * (scaleBarPixels / scale) * kNorthingDegreeKm;
+    const double result = s * pixelsPerScale * kNorthingDegreeKm;
     return latitude < 0.0 ? -result : result;
+}
+
+}  // namespace
+
+double MercatorNorthing(double latitude, double scale, int scaleBarPixels) {
+    if (std::isnan(latitude))
+        return latitude;
+    return NorthingFromTables(latitude, scaleBarPixels / scale, StretchTable(), NorthingSums());
 }
 
 PointF ProjectToView(const GeoPoint& origin, const GeoPoint& point, double scale,
@@ -210,6 +242,22 @@ PointF ProjectToView(const GeoPoint& origin, const GeoPoint& point, double scale
     return {((point.longitude - origin.longitude) / scale) * scaleBarPixels * kEquatorDegreeKm +
                 origin.screenX,
             origin.screenY - MercatorNorthing(point.latitude, scale, scaleBarPixels)};
+}
+
+ViewProjection::ViewProjection(const GeoPoint& origin, double scale, int scaleBarPixels)
+    : origin_(origin),
+      scale_(scale),
+      pixels_(scaleBarPixels),
+      table_(&StretchTable()),
+      sums_(&NorthingSums()) {}
+
+PointF ViewProjection::Project(double latitude, double longitude) const {
+    const double northing = std::isnan(latitude)
+                                ? latitude
+                                : NorthingFromTables(latitude, pixels_ / scale_, *table_, *sums_);
+    return {
+        ((longitude - origin_.longitude) / scale_) * pixels_ * kEquatorDegreeKm + origin_.screenX,
+        origin_.screenY - northing};
 }
 
 double StretchAtLatitude(double latitude, double value) {

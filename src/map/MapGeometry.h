@@ -139,6 +139,21 @@ double MercatorNorthing(double latitude, double scale, int scaleBarPixels);
 PointF ProjectToView(const GeoPoint& origin, const GeoPoint& point, double scale,
                      int scaleBarPixels);
 
+// ProjectToView for the many points of one paint at one origin and scale:
+// the same numbers, the tables looked up once.
+class ViewProjection {
+  public:
+    ViewProjection(const GeoPoint& origin, double scale, int scaleBarPixels);
+    PointF Project(double latitude, double longitude) const;
+
+  private:
+    GeoPoint origin_;
+    double scale_;
+    int pixels_;
+    const LatitudeStretchTable* table_;
+    const LatitudeStretchTable* sums_;
+};
+
 // `value` (a distance along the equator) divided by the stretch of the
 // whole-degree band of `latitude`. Latitudes past 80° use the 80° band.
 double StretchAtLatitude(double latitude, double value);

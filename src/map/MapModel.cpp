@@ -255,7 +255,8 @@ void MapModel::ApplyLoadedMap(const std::string& path, ImageSize image,
     refs.activeReferenceCount = 0;
     const ReferenceRead read =
         ReadReferenceFile(referenceFile, refs.referencePoints, refs.activeReferenceCount);
-    referencesRead = read != ReferenceRead::NotOpened;
+    referencesRead = read == ReferenceRead::Read || read == ReferenceRead::ReadFailed;
+    referencesUnreadable = read == ReferenceRead::Unreadable;
     if (referencesRead)
         calibration = ComputeCalibration(refs.referencePoints);
     ResetView();

@@ -99,7 +99,8 @@ class MapModel {
     double latitude = 0.0;
     double longitude = 0.0;
     bool holdMenuOpen = false;
-    bool referencesRead = false;  // the last load found its reference file
+    bool referencesRead = false;        // the last load found its reference file
+    bool referencesUnreadable = false;  // ... or found it there but could not open it
 
     screens::Rect viewRect() const { return view_; }
     int unit() const { return unit_; }

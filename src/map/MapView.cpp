@@ -15,7 +15,12 @@ double PixelsPerDegree(const MapView& view) {
 
 // A longitude within 180° of `near`, so that the world repeats around it.
 double NearestTurn(double longitude, double near) {
-    return near + std::remainder(longitude - near, 360.0);
+    // remainder() leaves a difference within half a turn as it is; skipping
+    // it there spares the world map's many points its cost.
+    const double difference = longitude - near;
+    if (difference >= -180.0 && difference <= 180.0)
+        return near + difference;
+    return near + std::remainder(difference, 360.0);
 }
 
 // The latitude whose northing is `northing`. The northing only grows with
@@ -84,6 +89,32 @@ bool ProjectToScreen(const MapView& view, double latitude, double longitude, Poi
         GeoPoint point;
         p = ImageToScreen(view, GeoToImage(view.calibration, point, latitude, longitude));
     }
+    if (!std::isfinite(p.x) || !std::isfinite(p.y))
+        return false;
+    out = p;
+    return true;
+}
+
+ScreenProjector::ScreenProjector(const MapView& view)
+    : view_(view),
+      world_(view.mapMode == 0),
+      worldProjection_(view.worldOrigin, view.viewScale, view.scaleBarPixels) {
+    if (!world_)
+        return;
+    const double pxPerDegree = PixelsPerDegree(view);
+    usable_ = std::isfinite(pxPerDegree) && pxPerDegree > 0.0;
+    if (usable_) {
+        centreLongitude_ = view.worldOrigin.longitude +
+                           (view.ViewCentre().x - view.worldOrigin.screenX) / pxPerDegree;
+    }
+}
+
+bool ScreenProjector::Project(double latitude, double longitude, PointF& out) const {
+    if (!world_)
+        return ProjectToScreen(view_, latitude, longitude, out);
+    if (!usable_ || !std::isfinite(latitude) || !std::isfinite(longitude))
+        return false;
+    const PointF p = worldProjection_.Project(latitude, NearestTurn(longitude, centreLongitude_));
     if (!std::isfinite(p.x) || !std::isfinite(p.y))
         return false;
     out = p;

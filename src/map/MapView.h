@@ -67,6 +67,21 @@ struct MapView {
 // still placed (true) wherever it falls.
 bool ProjectToScreen(const MapView& view, double latitude, double longitude, PointF& out);
 
+// ProjectToScreen for the many points of one paint: what depends only on
+// the view is worked out once. Places every point as ProjectToScreen does.
+class ScreenProjector {
+  public:
+    explicit ScreenProjector(const MapView& view);
+    bool Project(double latitude, double longitude, PointF& out) const;
+
+  private:
+    const MapView& view_;
+    bool world_ = false;
+    bool usable_ = false;
+    double centreLongitude_ = 0.0;
+    ViewProjection worldProjection_;
+};
+
 // The inverse, for taps: the degrees under a screen point. World-mode
 // latitudes come back within ±80°. False when the image is not calibrated.
 bool ScreenToGeo(const MapView& view, PointF screen, double& latitude, double& longitude);

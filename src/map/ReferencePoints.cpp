@@ -37,9 +37,24 @@ class CLocaleScope {
     locale_t previous_{};
 };
 
-// The leading decimal number of a NUL-terminated text, 0 when there is none.
+// The leading decimal number of a NUL-terminated text, 0 when there is none
+// or it is not finite: no coordinate is "nan" or "inf".
 double LeadingDouble(const char* text) {
-    return std::strtod(text, nullptr);
+    const double value = std::strtod(text, nullptr);
+    return std::isfinite(value) ? value : 0.0;
+}
+
+// There, but not to be opened for reading: the user's points may be in it.
+bool ThereButUnreadable(const std::string& path) {
+    struct stat st {};
+    if (::lstat(path.c_str(), &st) != 0)
+        return false;
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd >= 0) {
+        ::close(fd);
+        return false;
+    }
+    return errno != ENOENT;
 }
 
 bool IsActiveFlag(const char* text) {
@@ -156,7 +171,15 @@ int ParseReferenceText(std::span<const char> text, ReferencePoints& slots) {
     return active;
 }
 
-bool WriteReferenceFile(const std::string& path, const ReferencePoints& slots) {
+bool WriteReferenceFile(const std::string& path, const ReferencePoints& slots,
+                        std::string* keptAs) {
+    if (ThereButUnreadable(path)) {
+        const std::string backup = path + ".bak";
+        if (::rename(path.c_str(), backup.c_str()) != 0)
+            return false;  // never replace what could not be read
+        if (keptAs != nullptr)
+            *keptAs = backup;
+    }
     const std::string text = FormatReferenceText(slots);
     std::string temp = path + ".XXXXXX";
     const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
@@ -176,7 +199,8 @@ ReferenceRead ReadReferenceFile(const std::string& path, ReferencePoints& slots,
     // Non-blocking, so that a FIFO in the file's place cannot stall the load.
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
-        return ReferenceRead::NotOpened;
+        return errno == ENOENT || errno == ENOTDIR ? ReferenceRead::NotOpened
+                                                   : ReferenceRead::Unreadable;
     char buf[kReferenceTextLimit];
     std::size_t got = 0;
     bool failed = false;
@@ -332,7 +356,7 @@ ReferenceConfirmation ConfirmReferencePoint(ReferenceEditing& editing,
     slot.imageY = editing.placementCursor.imageY;
 
     editing.activeReferenceCount = CountActive(editing.referencePoints);
-    result.saved = WriteReferenceFile(referenceFile, editing.referencePoints);
+    result.saved = WriteReferenceFile(referenceFile, editing.referencePoints, &result.keptAs);
 
     calibration = ComputeCalibration(editing.referencePoints);
     if (!calibration.IsValid()) {

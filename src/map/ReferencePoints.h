@@ -40,18 +40,23 @@ std::string FormatReferenceText(const ReferencePoints& slots);
 // to the length or the first NUL; CR and LF are skipped wherever they stand;
 // fields are comma-separated, five per slot in file order; a first field
 // other than exactly 1 leaves its slot inactive, an unparsable number reads
-// 0, and tokens past the 25th are ignored.
+// 0 (so do "nan", "inf" and numbers past the double range), and tokens past
+// the 25th are ignored.
 int ParseReferenceText(std::span<const char> text, ReferencePoints& slots);
 
 // Writes the slots to `path`, replacing the file as a whole (a new file is
 // renamed over the old one, so a failed write never loses the previous
-// file). False when the file cannot be written; the slots in memory are the
-// caller's and stay as they are.
-bool WriteReferenceFile(const std::string& path, const ReferencePoints& slots);
+// file). A file that is there but cannot be read holds points the user has
+// not seen: it is kept as `path` + ".bak" first (its name goes to `keptAs`),
+// and when that fails nothing is written. False when the file cannot be
+// written; the slots in memory are the caller's and stay as they are.
+bool WriteReferenceFile(const std::string& path, const ReferencePoints& slots,
+                        std::string* keptAs = nullptr);
 
 enum class ReferenceRead {
     Read,        // the file was opened and its first 300 bytes parsed
-    NotOpened,   // no such file or no access: the slots are cleared
+    NotOpened,   // no such file: the slots are cleared
+    Unreadable,  // there, but it cannot be opened (no access): the slots are cleared
     ReadFailed,  // opened, but not a readable regular file: parsed what came
 };
 
@@ -141,6 +146,7 @@ void PlaceCursor(ReferenceEditing& editing, PointF screen, PointF image);
 
 struct ReferenceConfirmation {
     bool saved = false;             // false: show kSaveReferenceFailedMessage
+    std::string keptAs;             // an unreadable file was kept under this name
     bool calibrated = false;        // true: reset the view, empty the live map
                                     // trail, reload shown tracks
     double scaleBarDistance = 0.0;  // when calibrated: kilometres of the bar

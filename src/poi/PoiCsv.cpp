@@ -29,7 +29,7 @@ void PoiCsvParser::Feed(const char* data, std::size_t size) {
                 EndField();
                 break;
             case '\n':
-                list_.Append(record_);
+                Emit();
                 record_ = PoiRecord{};
                 field_ = 0;
                 length_ = 0;
@@ -43,6 +43,12 @@ void PoiCsvParser::Feed(const char* data, std::size_t size) {
                 break;
         }
     }
+}
+
+void PoiCsvParser::Emit() {
+    if (records_ < maxRecords_)
+        sink_(record_);
+    ++records_;
 }
 
 void PoiCsvParser::Store(char (&to)[kPoiTextBytes]) {
@@ -82,7 +88,7 @@ void PoiCsvParser::Finish() {
     text_[length_] = '\0';
     if (text_[0] != '\0') {
         Store(fourthColumn_ ? record_.note : record_.name);
-        list_.Append(record_);
+        Emit();
     }
     record_ = PoiRecord{};
     field_ = 0;
@@ -91,8 +97,8 @@ void PoiCsvParser::Finish() {
 
 namespace {
 
-// Reads the whole file in blocks, calling fn(data, size) for each; false on
-// a read error (a file that vanished under us).
+// Reads the file in blocks, calling fn(data, size) for each until it
+// returns false; false on a read error (a file that vanished under us).
 template <typename Fn>
 bool ReadBlocks(int fd, char* block, std::size_t blockSize, Fn&& fn) {
     for (;;) {
@@ -101,22 +107,21 @@ bool ReadBlocks(int fd, char* block, std::size_t blockSize, Fn&& fn) {
             continue;
         if (n < 0)
             return false;
-        if (n == 0)
+        if (n == 0 || !fn(block, static_cast<std::size_t>(n)))
             return true;
-        fn(block, static_cast<std::size_t>(n));
     }
 }
 
 }  // namespace
 
-bool ReadPoiCsv(const std::string& path, PoiList& list) {
+PoiRead ReadPoiCsv(const std::string& path, const PoiSink& onRecord, std::uint64_t maxRecords) {
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (fd < 0)
-        return false;
+        return PoiRead::OpenFailed;
     struct stat st {};
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         ::close(fd);
-        return false;
+        return PoiRead::OpenFailed;
     }
     constexpr std::size_t kBlock = 1 << 16;
     const std::unique_ptr<char[]> block(new char[kBlock]);
@@ -125,17 +130,26 @@ bool ReadPoiCsv(const std::string& path, PoiList& list) {
     Utf8Validator utf8;
     ReadBlocks(fd, block.get(), kBlock, [&](const char* data, std::size_t n) {
         utf8.Feed(reinterpret_cast<const unsigned char*>(data), n);
+        return true;
     });
     if (::lseek(fd, 0, SEEK_SET) != 0) {
         ::close(fd);
-        return false;
+        return PoiRead::OpenFailed;
     }
-    PoiCsvParser parser(utf8.Valid() ? PoiEncoding::Utf8 : PoiEncoding::Gb18030, list);
-    ReadBlocks(fd, block.get(), kBlock,
-               [&](const char* data, std::size_t n) { parser.Feed(data, n); });
-    parser.Finish();
+    PoiCsvParser parser(utf8.Valid() ? PoiEncoding::Utf8 : PoiEncoding::Gb18030, onRecord,
+                        maxRecords);
+    ReadBlocks(fd, block.get(), kBlock, [&](const char* data, std::size_t n) {
+        parser.Feed(data, n);
+        return !parser.Full();
+    });
+    if (!parser.Full())
+        parser.Finish();
     ::close(fd);
-    return true;
+    return parser.Full() ? PoiRead::Truncated : PoiRead::Read;
+}
+
+bool ReadPoiCsv(const std::string& path, PoiList& list) {
+    return ReadPoiCsv(path, [&list](const PoiRecord& r) { list.Append(r); }) != PoiRead::OpenFailed;
 }
 
 }  // namespace satwalk::poi

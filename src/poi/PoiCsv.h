@@ -16,10 +16,14 @@
 // - At the end of the file pending text becomes the name, or the note once
 //   any line has had a fourth column, and that record is appended.
 // - Texts end at a NUL byte.
+// Memory stays bounded whatever the input: a field never holds more than 98
+// bytes, the file is read in fixed blocks, and the reader stops at a budget
+// of records (every LF is one, even on an empty line).
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "CursorList.h"
@@ -42,23 +46,39 @@ using PoiList = track::CursorList<PoiRecord>;
 
 inline constexpr const char* kOpenPoiFileFailed = "Open POI File failed!";
 
-// The byte walker, fed in pieces of any size, appending to `list`.
+// Records one file gives at most (132 MB of them) and all files together:
+// past them a file is read up to the budget and the user is told.
+inline constexpr std::uint64_t kMaxPoisPerFile = 1'000'000;
+inline constexpr std::uint64_t kMaxPois = 2'000'000;
+
+using PoiSink = std::function<void(const PoiRecord&)>;
+
+// The byte walker, fed in pieces of any size, handing each record to the
+// sink while fewer than `maxRecords` have gone there.
 class PoiCsvParser {
   public:
     static constexpr std::size_t kFieldDropLength = 99;
     static constexpr std::size_t kTextCut = 19;
 
-    PoiCsvParser(PoiEncoding encoding, PoiList& list) : decoder_(encoding), list_(list) {}
+    PoiCsvParser(PoiEncoding encoding, PoiSink sink, std::uint64_t maxRecords = kMaxPoisPerFile)
+        : decoder_(encoding), sink_(std::move(sink)), maxRecords_(maxRecords) {}
+    PoiCsvParser(PoiEncoding encoding, PoiList& list)
+        : PoiCsvParser(encoding, [&list](const PoiRecord& r) { list.Append(r); }) {}
 
     void Feed(const char* data, std::size_t size);
     void Finish();  // the end of the file
+    // A record came past the budget: the rest of the file need not be read.
+    bool Full() const { return records_ > maxRecords_; }
 
   private:
+    void Emit();
     void EndField();
     void Store(char (&to)[kPoiTextBytes]);
 
     PoiTextDecoder decoder_;
-    PoiList& list_;
+    PoiSink sink_;
+    std::uint64_t maxRecords_;
+    std::uint64_t records_ = 0;
     bool inComment_ = false;
     char text_[kFieldDropLength + 1] = {};
     std::size_t length_ = 0;
@@ -67,8 +87,16 @@ class PoiCsvParser {
     PoiRecord record_;
 };
 
-// Reads the file at `path` into `list`; false when it cannot be opened
-// (missing, unreadable, not a regular file), with nothing added.
+enum class PoiRead {
+    Read,        // to the end
+    Truncated,   // up to the budget: the file had more records
+    OpenFailed,  // missing, unreadable, not a regular file: nothing given
+};
+
+// Reads the file at `path`, handing at most `maxRecords` records to the sink.
+PoiRead ReadPoiCsv(const std::string& path, const PoiSink& onRecord,
+                   std::uint64_t maxRecords = kMaxPoisPerFile);
+// The same into `list`; false when the file cannot be opened.
 bool ReadPoiCsv(const std::string& path, PoiList& list);
 
 }  // namespace satwalk::poi

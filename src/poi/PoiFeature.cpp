@@ -45,7 +45,8 @@ void PoiFeature::Import() {
     chooser_.ChooseFile(
         browser::kBrowsePoi, common::LoadString(common::kStrOpenFile),
         [this](const browser::ChosenFile& file) {
-            if (!ImportPoiFile(store_, file.path).read) {
+            const PoiImport imported = ImportPoiFile(store_, file.path);
+            if (!imported.read) {
                 shell_.ui().ShowMessage(kOpenPoiFileFailed, shell::MessageIcon::Error,
                                         shell::MessageButtons::Ok);
             }
@@ -56,6 +57,12 @@ void PoiFeature::Import() {
                                                                             : map::cmd::kWorldMap);
             }
             shell_.Repaint();
+            if (imported.truncated) {
+                shell_.ui().ShowMessage(
+                    common::FormatStrings(common::LoadString(common::kStrPoiFileTooLarge),
+                                          {file.name, std::to_string(imported.points)}),
+                    shell::MessageIcon::Information, shell::MessageButtons::Ok);
+            }
         });
 }
 
@@ -80,9 +87,10 @@ void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
         return;
     if (!view.Calibrated())
         return;  // a map without calibration shows no POI
-    const PoiProjection project = [&view](double lat, double lon, double& x, double& y) {
+    const map::ScreenProjector projector(view);
+    const PoiProjection project = [&projector](double lat, double lon, double& x, double& y) {
         map::PointF p;
-        if (!map::ProjectToScreen(view, lat, lon, p))
+        if (!projector.Project(lat, lon, p))
             return false;
         x = p.x;
         y = p.y;

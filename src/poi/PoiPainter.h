@@ -1,10 +1,14 @@
-// Draws the POI store: for every point its category's icon centred on it
-// and its name to the right, the label's bottom level with the icon's.
-// Points whose icon and label both fall outside the canvas are skipped
-// before any text is measured, so a store of 100,000 points with a few
-// hundred on screen costs little more than projecting them.
+// Draws the POI store as a person can read it, whatever its size: the
+// canvas is cut into cells of an icon's size and each cell shows the icon
+// of the first point that falls in it (store order), the rest counted, not
+// drawn; names go to the right of the icons only while few enough points
+// are in view, and only where they do not cover a name already drawn. So a
+// repaint costs one projection per point and at most one icon per cell,
+// and a world view of a million points is a carpet of icons, not one black
+// blob of labels.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include "Canvas.h"
@@ -14,6 +18,8 @@ namespace satwalk::poi {
 
 inline constexpr int kPoiIconSize = 16;
 inline constexpr int kPoiIconCells = 31;  // cell i is category i, 0 uncategorised
+// Names are drawn only while at most this many points are in view.
+inline constexpr std::uint32_t kPoiLabelLimit = 200;
 
 // Signed degrees to screen pixels; false skips the point (no calibrated
 // map is shown).
@@ -24,9 +30,16 @@ struct PoiDrawStyle {
     screens::Colour text = screens::kBlack;
 };
 
+// What one paint showed.
+struct PoiDrawCount {
+    std::uint32_t inView = 0;  // points whose icon falls on the canvas
+    std::uint32_t icons = 0;   // cells drawn: the others in view are counted only
+    std::uint32_t labels = 0;
+};
+
 // `icons` is the 496 × 16 icon strip, or null when it could not be loaded
 // (the labels are still drawn).
-void DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiProjection& project,
-              const screens::Bitmap* icons, const PoiDrawStyle& style = {});
+PoiDrawCount DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiProjection& project,
+                      const screens::Bitmap* icons, const PoiDrawStyle& style = {});
 
 }  // namespace satwalk::poi

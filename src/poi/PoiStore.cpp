@@ -9,9 +9,21 @@ PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
     PoiImport result;
     PoiGroup group;
     // The content decides: GPX waypoints, else the CSV format.
-    result.read = track::SniffTrackFilePath(path) == track::TrackFileKind::Gpx
-                      ? ReadPoiGpx(path, group.points)
-                      : ReadPoiCsv(path, group.points);
+    if (track::SniffTrackFilePath(path) == track::TrackFileKind::Gpx) {
+        result.read = ReadPoiGpx(path, group.points);
+    } else {
+        const std::uint64_t stored = PoiPointCount(store);
+        const std::uint64_t room = stored < kMaxPois ? kMaxPois - stored : 0;
+        const PoiRead read = ReadPoiCsv(
+            path,
+            [&group](const PoiRecord& r) {
+                group.points.Append(r);
+                group.positions.push_back({r.latitude, r.longitude});
+            },
+            room < kMaxPoisPerFile ? room : kMaxPoisPerFile);
+        result.read = read != PoiRead::OpenFailed;
+        result.truncated = read == PoiRead::Truncated;
+    }
     if (!result.read)
         return result;
     group.name = PoiBaseName(path);
@@ -24,7 +36,10 @@ PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
 }
 
 void DeleteAllPois(PoiStore& store) {
-    for (std::uint32_t i = 0; i < store.Count(); ++i) store.At(i).points.Clear();
+    for (std::uint32_t i = 0; i < store.Count(); ++i) {
+        store.At(i).points.Clear();
+        store.At(i).positions = {};
+    }
     store.Clear();
 }
 

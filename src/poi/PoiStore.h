@@ -7,14 +7,25 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "CursorList.h"
 #include "PoiCsv.h"
 
 namespace satwalk::poi {
 
+// A point's degrees alone: what a repaint reads of every point, packed
+// eight to the cache line's worth of records it would otherwise walk.
+struct PoiPosition {
+    double latitude = 0;
+    double longitude = 0;
+};
+
 struct PoiGroup {
     PoiList points;
+    // The points' positions in the same order, kept by ImportPoiFile; a
+    // group built by hand may leave it empty (drawing then reads the points).
+    std::vector<PoiPosition> positions;
     std::uint32_t category = 0;  // row of PoiCategoryTable, 0 for none; the icon cell
     std::string name;            // the category's name, or the file's base name
 };
@@ -26,11 +37,13 @@ struct PoiImport {
     std::uint32_t category = 0;
     std::string name;
     std::uint32_t points = 0;
+    bool truncated = false;  // the file had more records than the budget left room for
 };
 
 // Reads one file into a group of its own, its category looked up from the
 // file's base name, and appends the group to the store (an empty file adds
-// an empty group).
+// an empty group). A file reads up to kMaxPoisPerFile records, and up to
+// kMaxPois in the whole store.
 PoiImport ImportPoiFile(PoiStore& store, const std::string& path);
 
 // Every group's points, then the groups.

@@ -18,9 +18,10 @@ struct DisplayState {
     bool alarmFlashPhase = false;
     bool linkRunning = false;
     bool fixValid = false;
-    bool blinkPhase = false;    // flipped by the blink timer while no fix
-    bool recording = false;     // NMEA recording on
-    bool fixTimeKnown = false;  // a time sync has set the fix clock
+    bool blinkPhase = false;       // flipped by the blink timer while no fix
+    bool recording = false;        // NMEA recording on
+    bool recordingFailed = false;  // a recording's last write failed: the icon is crossed out
+    bool fixTimeKnown = false;     // a time sync has set the fix clock
     bool mapLoaded = false;
     int compassOrientation = 0;  // 1 north-up, anything else course-up
     double latitude = 0.0;       // signed degrees, north positive; the last fix's

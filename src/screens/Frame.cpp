@@ -205,7 +205,15 @@ void DrawReceiverIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y) {
 }
 
 void DrawRecordingIcon(Canvas& canvas, const ScreenContext& ctx, int x, int y) {
-    DrawStatusFrame(canvas, ctx, ctx.display.recording ? 2 : 3, x, y);
+    DrawStatusFrame(canvas, ctx, ctx.display.recording || ctx.display.recordingFailed ? 2 : 3, x,
+                    y);
+    if (!ctx.display.recordingFailed)
+        return;
+    // A recording that loses what it should keep: the icon crossed out in red.
+    const int s = StatusIconSize(ctx);
+    const Pen red{Rgb(230, 0, 0), ctx.HighResolution() ? 4 : 2};
+    canvas.Line(Point{x + 2, y + 2}, Point{x + s - 3, y + s - 3}, red);
+    canvas.Line(Point{x + s - 3, y + 2}, Point{x + 2, y + s - 3}, red);
 }
 
 // ---- course arrow -------------------------------------------------------------

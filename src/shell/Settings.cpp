@@ -1,5 +1,7 @@
 #include "Settings.h"
 
+#include <cerrno>
+
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
@@ -93,7 +95,17 @@ bool OptionsStore::LoadOptions(ProgramSettings& settings) {
 
 bool OptionsStore::SaveOptions(const ProgramSettings& settings) {
     RecordFromSettings(settings, record_);
-    return WriteOptionsFile(path_, record_) == 1;
+    std::error_code ec;
+    const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
+    if (!folder.empty())
+        std::filesystem::create_directories(folder, ec);
+    errno = 0;
+    if (WriteOptionsFile(path_, record_) == 1) {
+        saveError_ = 0;
+        return true;
+    }
+    saveError_ = errno != 0 ? errno : (ec ? ec.value() : EIO);
+    return false;
 }
 
 StorageFolders MakeStorageFolders(const std::string& root) {

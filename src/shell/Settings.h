@@ -55,8 +55,11 @@ class OptionsStore {
     // field goes into `settings`. Returns true when the file was read.
     bool LoadOptions(ProgramSettings& settings);
 
-    // Copies `settings` back into the record and overwrites the file.
+    // Copies `settings` back into the record and overwrites the file, making
+    // its folder first when it is missing. False when it could not be
+    // written, with the errno in saveError().
     bool SaveOptions(const ProgramSettings& settings);
+    int saveError() const { return saveError_; }
 
     const std::string& path() const { return path_; }
     const OptionsRecord& record() const { return record_; }
@@ -64,6 +67,7 @@ class OptionsStore {
   private:
     std::string path_;
     OptionsRecord record_{};
+    int saveError_ = 0;
 };
 
 // Field by field between the record and the settings. Values a program

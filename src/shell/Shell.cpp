@@ -1,6 +1,8 @@
 #include "Shell.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <iterator>
 
 #include "BaudRates.h"
@@ -122,6 +124,7 @@ void Shell::RefreshDisplay() {
     d.speedAlarmLimit = static_cast<int>(settings_.speedAlarmLimit);
     d.recording = settings_.recordNmea != 0;
     d.fix = fixValues_;
+    d.recordingFailed = recordingFaults_.Any();
     // Without a fix the last position stays.
     if (d.linkRunning && d.fixValid) {
         d.latitude = fixValues_.latitude.value_or(gps::kAbsentDegrees);
@@ -225,8 +228,15 @@ void Shell::Exit() {
                                                  MessageIcon::Question, MessageButtons::YesNo);
     if (answer != MessageAnswer::Yes)
         return;
-    if (options_ != nullptr)
-        options_->SaveOptions(settings_);
+    if (options_ != nullptr && !options_->SaveOptions(settings_)) {
+        // Said before the window goes, so the user can still act on it.
+        const std::string text = common::FormatStrings(
+            LoadString(common::kStrSaveOptionsFailed),
+            {options_->path(), common::WriteFailureReason(options_->saveError())});
+        std::fprintf(stderr, "satwalk: %s (%s)\n", text.c_str(),
+                     std::strerror(options_->saveError()));
+        Message(text, MessageIcon::Error);
+    }
     ui_.StopBlinkTimer();
     if (link_.Running()) {
         const int reason = link_.StopLink();
@@ -307,16 +317,34 @@ void Shell::OnGpsData() {
     // The flash starts red at once and goes with the alarm.
     if (SpeedAlarmShowing() != wasShowing)
         alarmFlashPhase = !wasShowing;
-    if (alarm_.soundFailed() && status.empty()) {
-        status = LoadString(common::kStrAlarmSoundFailed);
-        ui_.ShowStatus(status);
-    }
+    if (alarm_.soundFailed())
+        UpdateStatus();
     // The features hear of the batch first; then one paint is asked for,
     // which the window makes after the reader has been let go.
     RefreshDisplay();
     features_.NotifyGpsData();
     RefreshDisplay();
     ui_.RequestRepaint();
+}
+
+void Shell::ReportRecordingWrite(Recording recording, int error) {
+    if (!recordingFaults_.Report(recording, error))
+        return;
+    UpdateStatus();
+    Repaint();
+}
+
+void Shell::UpdateStatus() {
+    std::string text = recordingFaults_.Text();
+    if (alarm_.soundFailed()) {
+        if (!text.empty())
+            text += "；";
+        text += LoadString(common::kStrAlarmSoundFailed);
+    }
+    if (text == status)
+        return;
+    status = std::move(text);
+    ui_.ShowStatus(status);
 }
 
 void Shell::OnGpsTime() {

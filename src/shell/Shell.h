@@ -14,6 +14,7 @@
 #include "GpsState.h"
 #include "MenuModel.h"
 #include "ReceiverSettingsModel.h"
+#include "RecordingStatus.h"
 #include "ScreenIds.h"
 #include "Settings.h"
 #include "SpeedAlarm.h"
@@ -180,6 +181,9 @@ class Shell {
     // The link has heard only other satellite systems' talkers for ten
     // seconds: the hint that names the all-talkers setting, once a run.
     void OnOtherTalkersOnly();
+    // A write of a recording failed (`error` its errno) or, with 0, worked:
+    // the status and the recording icon show the faults that stand.
+    void ReportRecordingWrite(Recording recording, int error);
 
     // The two drop-downs as they are at this moment.
     MenuEntry BuildViewMenu() const;
@@ -201,8 +205,8 @@ class Shell {
     bool blinkPhase = false;
     // Flipped every second while the speed alarm shows; red when set.
     bool alarmFlashPhase = false;
-    // The window's status line: set once, at the first alarm sound that
-    // could not play.
+    // The window's status line: the recordings that fail, and the alarm
+    // sound that could not play.
     std::string status;
     bool exited = false;
     bool otherTalkersHintShown = false;
@@ -220,6 +224,7 @@ class Shell {
     void ReportLoss(int reason);
     void Message(const std::string& text, MessageIcon icon);
     void RefreshDisplay();
+    void UpdateStatus();
     MenuEntry Decorated(MenuEntry entry) const;
     MenuEntry FeatureMenu(int textId, MenuPlace place) const;
 
@@ -227,6 +232,7 @@ class Shell {
     LinkControl& link_;
     ShellUi& ui_;
     SpeedAlarm alarm_;
+    RecordingFaults recordingFaults_;
     OptionsStore* options_;
     FeatureRegistry features_;
     gps::GpsState fix_;

@@ -129,7 +129,7 @@ TrackSample TrackFeature::CurrentSample() const {
         return s;
     const TrackProjections p = Projections();
     const MapXY w = p.world(s.latitude, s.longitude);
-    s.worldValid = true;
+    s.worldValid = std::isfinite(w.x) && std::isfinite(w.y);
     s.worldX = static_cast<float>(w.x);
     s.worldY = static_cast<float>(w.y);
     if (p.map) {
@@ -147,9 +147,15 @@ void TrackFeature::Message(const std::string& text, bool exclamation) {
         shell::MessageButtons::Ok);
 }
 
+void TrackFeature::ReportWrite() {
+    const bool recording = state_.trackLogOn != 0 && !state_.trackFilePath.empty();
+    shell_.ReportRecordingWrite(shell::Recording::Track, recording ? state_.lastWriteError : 0);
+}
+
 void TrackFeature::OnTrackTick() {
     if (!track::OnTrackTick(state_, shell_.link().Running(), CurrentSample()))
         platform_.StopTrackTimer();
+    ReportWrite();
     if (shell_.currentScreen == shell::kScreenMap)
         shell_.Repaint();
 }
@@ -160,6 +166,7 @@ void TrackFeature::OnLinkStarted() {
     state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     track::OnLinkStarted(state_, CurrentSample());
+    ReportWrite();
     RestartTrackTimer(common::FormatString(kTrackTimerFailedOnStart,
                                            std::string(" ") + common::err::kTrackTimer));
 }
@@ -173,6 +180,7 @@ void TrackFeature::OnLinkStopped() {
     // As the tick does once the link has gone: the live trails go, and so
     // does recording, until the user switches it on again.
     track::OnTrackTick(state_, false, TrackSample{});
+    ReportWrite();
     EndFollowPause();
 }
 
@@ -187,6 +195,7 @@ void TrackFeature::OnSettingsChanged() {
     state_.trackFolder = folder;
     if (state_.trackLogOn != 0 && shell_.link().Running())
         StartTrackLog(state_, CurrentSample());
+    ReportWrite();
 }
 
 void TrackFeature::SaveTrackLog() {
@@ -194,6 +203,7 @@ void TrackFeature::SaveTrackLog() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample()))
         RestartTrackTimer(kTrackTimerFailedOnSave);
+    ReportWrite();
     shell_.Repaint();
 }
 
@@ -249,6 +259,13 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
             if (result == TrackFileResult::Truncated && !rebuild)
                 Message(common::FormatString(common::LoadString(common::kStrTrackFileCut), name),
                         true);
+            // Said once, over the part that is shown; a rebuild says nothing.
+            if (result == TrackFileResult::TooLarge && !rebuild) {
+                shell_.ui().ShowMessage(
+                    common::FormatStrings(common::LoadString(common::kStrTrackLogTooLarge),
+                                          {name, std::to_string(kMaxTrackPoints)}),
+                    shell::MessageIcon::Information, shell::MessageButtons::Ok);
+            }
         });
 }
 

@@ -108,6 +108,8 @@ class TrackFeature final : public shell::Feature {
     void CloseView();
     void ShowStatistics();
     void EndFollowPause();
+    // The shell's status shows a log that cannot be written until one can.
+    void ReportWrite();
     void Message(const std::string& text, bool exclamation = false);
     void WriteState(common::JsonMembers& members) const;
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cmath>
 #include <condition_variable>
@@ -383,7 +384,16 @@ TrackFileKind SniffTrackFilePath(const std::string& path) {
 }
 
 TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& onPoint,
-                            const TrackWaypointSink& onWaypoint, const TrackProgress& progress) {
+                            const TrackWaypointSink& onWaypoint, const TrackProgress& progress,
+                            std::uint64_t maxPoints) {
+    // Points past the budget are not handed on, and reading stops soon after
+    // (points may be counted on the pipe's thread).
+    std::atomic<std::uint64_t> points{0};
+    const TrackFilePointSink counted = [&points, &onPoint, maxPoints](const TrackFilePoint& p) {
+        if (points.fetch_add(1, std::memory_order_relaxed) < maxPoints)
+            onPoint(p);
+    };
+    const TrackFilePointSink& sink = onPoint ? counted : onPoint;
     TrackFileRead read;
     // Non-blocking open: a FIFO named like a track must not hang the reader.
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
@@ -420,22 +430,22 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
     std::unique_ptr<NmeaTrackParser> nmea;
     switch (read.kind) {
         case TrackFileKind::Log:
-            log = std::make_unique<LogFileParser>(onPoint);
+            log = std::make_unique<LogFileParser>(sink);
             break;
         case TrackFileKind::Gpx:
             // Points go through a pipe to a thread of their own, unless
             // waypoints are wanted too (both sinks then run here, in order).
             if (onPoint && !onWaypoint) {
-                pipe = std::make_unique<PointPipe>(onPoint);
+                pipe = std::make_unique<PointPipe>(sink);
                 gpx = std::make_unique<GpxParser>(
                     [p = pipe.get()](const TrackFilePoint& point) { p->Push(point); },
                     TrackWaypointSink{});
             } else {
-                gpx = std::make_unique<GpxParser>(onPoint, onWaypoint);
+                gpx = std::make_unique<GpxParser>(sink, onWaypoint);
             }
             break;
         case TrackFileKind::Nmea:
-            nmea = std::make_unique<NmeaTrackParser>(onPoint);
+            nmea = std::make_unique<NmeaTrackParser>(sink);
             break;
         case TrackFileKind::Unknown:
             ::close(fd);
@@ -447,7 +457,7 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
     if (progress)
         progress(0, total);
     bool going = true;
-    while (going && have > 0) {
+    while (going && have > 0 && points.load(std::memory_order_relaxed) <= maxPoints) {
         if (log)
             log->Feed(block.get(), have);
         else if (gpx)
@@ -482,6 +492,8 @@ TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& o
         else if (!gpx->Complete())
             read.result = TrackFileResult::Truncated;
     }
+    if (read.result != TrackFileResult::NotATrack && points.load() > maxPoints)
+        read.result = TrackFileResult::TooLarge;
     return read;
 }
 

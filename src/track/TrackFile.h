@@ -64,6 +64,7 @@ TrackFileKind SniffTrackFilePath(const std::string& path);
 enum class TrackFileResult {
     Read,        // read to the end
     Truncated,   // GPX that breaks off or goes wrong part way: the points before are kept
+    TooLarge,    // more points than the budget: the first ones are kept, the rest not read
     OpenFailed,  // missing, unreadable or not a regular file
     NotATrack,   // none of the formats: nothing was produced
 };
@@ -83,9 +84,11 @@ struct TrackFileRead {
 // blocks' progress. GPX points without waypoints reach onPoint on a thread
 // of the reader's own (in order, never two at once), so that parsing and
 // the caller's work overlap; everything else runs on the calling thread.
+// At most `maxPoints` points are handed on (TooLarge past them).
 TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& onPoint,
                             const TrackWaypointSink& onWaypoint = {},
-                            const TrackProgress& progress = {});
+                            const TrackProgress& progress = {},
+                            std::uint64_t maxPoints = kMaxTrackPoints);
 
 // A point's seconds since 1970 as its local calendar time reads (no zone):
 // for differences between points.

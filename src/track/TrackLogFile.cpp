@@ -82,16 +82,22 @@ std::string FormatTrackLine(double longitude, double latitude, const TrackTime& 
     return line;
 }
 
-TrackWrite AppendTrackLine(const std::string& path, std::string_view line) {
+TrackWrite AppendTrackLine(const std::string& path, std::string_view line, int* error) {
+    int ignored = 0;
+    int& err = error != nullptr ? *error : ignored;
+    err = 0;
     // Non-blocking so that a FIFO in the track folder cannot hang the
     // program; only a regular file is written.
     const int fd =
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
-    if (fd < 0)
+    if (fd < 0) {
+        err = errno;
         return TrackWrite::NotOpened;
+    }
     struct stat st {};
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         ::close(fd);
+        err = EINVAL;
         return TrackWrite::NotOpened;
     }
     if (line.empty()) {
@@ -104,13 +110,17 @@ TrackWrite AppendTrackLine(const std::string& path, std::string_view line) {
     while (result == TrackWrite::Written && done < line.size()) {
         const ssize_t n =
             ::pwrite(fd, line.data() + done, line.size() - done, end + static_cast<off_t>(done));
-        if (n > 0)
+        if (n > 0) {
             done += static_cast<std::size_t>(n);
-        else if (n < 0 && errno == EINTR)
+        } else if (n < 0 && errno == EINTR) {
             continue;
-        else
+        } else {
+            err = n < 0 ? errno : ENOSPC;
             result = TrackWrite::NotWritten;
+        }
     }
+    if (end < 0)
+        err = errno;
     if (result == TrackWrite::NotWritten && done > 0)
         (void)!::ftruncate(fd, end);  // a half line would spoil the next one
     ::close(fd);

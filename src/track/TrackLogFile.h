@@ -39,7 +39,8 @@ enum class TrackWrite {
 // Opens `path` as open-always (made when missing, never truncated), appends
 // `line` when it is not empty, and closes it again. A write that fails
 // halfway is rolled back to the file's previous length, so the lines
-// already written stay whole.
-TrackWrite AppendTrackLine(const std::string& path, std::string_view line);
+// already written stay whole. `error` (when given) receives the errno of a
+// failure, 0 otherwise.
+TrackWrite AppendTrackLine(const std::string& path, std::string_view line, int* error = nullptr);
 
 }  // namespace satwalk::track

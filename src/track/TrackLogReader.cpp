@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -25,7 +26,7 @@ double ReadDegrees(const char* text, std::size_t length) {
     double value = 0;
     const auto r = std::from_chars(text, end, value);
     if (r.ec == std::errc() && r.ptr == end)
-        return value;
+        return std::isfinite(value) ? value : 0.0;  // "nan" and "inf" are no degrees
     return gps::TextToDouble(text);
 }
 
@@ -81,7 +82,7 @@ bool TrackLogParser::EndField() {
 }
 
 TrackLogResult ReadTrackLog(const std::string& path, const TrackPointSink& onPoint,
-                            const TrackProgress& progress) {
+                            const TrackProgress& progress, std::uint64_t maxPoints) {
     // Non-blocking open: a FIFO named like a log must not hang the reader.
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (fd < 0)
@@ -96,19 +97,27 @@ TrackLogResult ReadTrackLog(const std::string& path, const TrackPointSink& onPoi
     const auto total = static_cast<std::uint64_t>(st.st_size);
     std::uint64_t done = 0;
     TrackLogParser parser;
+    std::uint64_t points = 0;
+    const auto budgeted = [&](const TrackLogPoint& p) {
+        if (points < maxPoints)
+            onPoint(p);
+        ++points;
+    };
     for (;;) {
         const ssize_t n = ::read(fd, block.get(), kBlock);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
             break;  // the end, or a file that vanished under us: keep what was read
-        parser.Feed(block.get(), static_cast<std::size_t>(n), onPoint);
+        parser.Feed(block.get(), static_cast<std::size_t>(n), budgeted);
         done += static_cast<std::uint64_t>(n);
         if (progress)
             progress(done, total < done ? done : total);
+        if (points > maxPoints)
+            break;  // a point past the budget: the rest is not read
     }
     ::close(fd);
-    return TrackLogResult::Read;
+    return points > maxPoints ? TrackLogResult::Truncated : TrackLogResult::Read;
 }
 
 std::string FormatTrackTime(const TrackTime& t) {

@@ -12,7 +12,8 @@
 // - a field's text ends at a NUL byte, as it did in the C strings the
 //   format was made with.
 // Memory stays bounded whatever the input: a field never holds more than
-// 258 bytes and the file is read in fixed blocks.
+// 258 bytes, the file is read in fixed blocks, and a reader that keeps the
+// points stops at a budget of them (kMaxTrackPoints).
 #pragma once
 
 #include <cstddef>
@@ -52,8 +53,13 @@ class TrackLogParser {
     TrackLogPoint point_;
 };
 
+// Points one trail holds at most (40 MB of them): a log of more is shown up
+// to that many, and the user is told. A million-line log is 60 MB of text.
+inline constexpr std::uint64_t kMaxTrackPoints = 2'000'000;
+
 enum class TrackLogResult {
     Read,        // read to the end (or to a read error, which ends it like an end)
+    Truncated,   // read up to the budget of points; the rest of the file was not read
     OpenFailed,  // missing, unreadable or not a regular file
 };
 
@@ -62,8 +68,10 @@ using TrackPointSink = std::function<void(const TrackLogPoint&)>;
 // so; the caller decides whether to show it.
 using TrackProgress = std::function<void(std::uint64_t done, std::uint64_t total)>;
 
+// Calls onPoint for at most `maxPoints` points; the read stops there.
 TrackLogResult ReadTrackLog(const std::string& path, const TrackPointSink& onPoint,
-                            const TrackProgress& progress = {});
+                            const TrackProgress& progress = {},
+                            std::uint64_t maxPoints = kMaxTrackPoints);
 
 // "YYYY-MM-DD hh:mm:ss" from the parsed fields, zero-padded.
 std::string FormatTrackTime(const TrackTime& time);

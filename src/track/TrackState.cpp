@@ -1,6 +1,7 @@
 #include "TrackState.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "FixText.h"
 
@@ -42,6 +43,12 @@ TrackFilePoint FilePoint(const TrackSample& s) {
     return p;
 }
 
+// A position too far out for a float pixel (1e308 degrees in a log) has no
+// place on a trail.
+bool Drawable(const MapXY& p) {
+    return std::isfinite(static_cast<float>(p.x)) && std::isfinite(static_cast<float>(p.y));
+}
+
 }  // namespace
 
 TrackSample SampleFromFix(const gps::GpsState& fix, const gps::FixValues& values, bool fixValid,
@@ -78,7 +85,7 @@ void AppendTrackSample(TrackState& state, const TrackSample& sample) {
             sample.fixValid ? FormatTrackLine(sample.longitude, sample.latitude, sample.time,
                                               sample.speedKnots, sample.course, sample.altitude)
                             : std::string();
-        state.lastWrite = AppendTrackLine(state.trackFilePath, line);
+        state.lastWrite = AppendTrackLine(state.trackFilePath, line, &state.lastWriteError);
         if (!state.gpxFilePath.empty()) {
             std::string point;
             if (sample.fixValid)
@@ -158,11 +165,13 @@ TrackFileResult ReadInto(const std::string& path, TrackList* world, TrackList* m
             clear();
         if (world) {
             const MapXY w = projections.world(p.latitude, p.longitude);
-            world->Append(Point(w.x, w.y, p.time));
+            if (Drawable(w))
+                world->Append(Point(w.x, w.y, p.time));
         }
         if (map && projections.map) {
             const MapXY m = projections.map(p.latitude, p.longitude);
-            map->Append(Point(m.x, m.y, p.time));
+            if (Drawable(m))
+                map->Append(Point(m.x, m.y, p.time));
         }
         if (stats)
             stats->Add(p);
@@ -184,7 +193,8 @@ TrackFileResult ReadInto(const std::string& path, TrackList* world, TrackList* m
 }
 
 bool Opened(TrackFileResult result) {
-    return result == TrackFileResult::Read || result == TrackFileResult::Truncated;
+    return result == TrackFileResult::Read || result == TrackFileResult::Truncated ||
+           result == TrackFileResult::TooLarge;
 }
 
 }  // namespace

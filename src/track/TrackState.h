@@ -103,6 +103,7 @@ struct TrackState {
     LocalToUtc gpxZone;
     // The live samples with a fix since the link started.
     TrackStatistics liveStats;
+    int lastWriteError = 0;  // the errno of the last write that failed, 0 after one that worked
 
     // Viewing.
     bool trackViewOn = false;
@@ -126,8 +127,8 @@ void StartTrackLog(TrackState& state, const TrackSample& sample);
 
 // One sample: a line in the log when recording (the file is made even
 // without a fix, the line needs one), a point on each trail whose position
-// is known. A log that cannot be written is skipped silently; the trails go
-// on.
+// is known. A log that cannot be written loses the line (lastWrite and
+// lastWriteError say why, for the caller to show); the trails go on.
 void AppendTrackSample(TrackState& state, const TrackSample& sample);
 
 // The track timer's tick. Returns false when the link has stopped: the live

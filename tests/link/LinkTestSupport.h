@@ -111,6 +111,7 @@ class RecordingSink final : public LinkSink {
         recordError = error;
         ++recordFailures;
     }
+    void OnRecordResumed() override { ++recordResumes; }
 
     std::size_t batches() {
         std::lock_guard<std::mutex> g(mutex_);
@@ -139,6 +140,7 @@ class RecordingSink final : public LinkSink {
     std::function<void()> onData;  // runs inside OnGpsData when set
     std::atomic<int> otherTalkerHints{0};
     std::atomic<int> recordFailures{0};
+    std::atomic<int> recordResumes{0};
     std::atomic<int> recordError{0};
 
   private:

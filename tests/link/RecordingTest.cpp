@@ -39,13 +39,14 @@ class RecordingTest : public ::testing::Test {
     }
 
     // Sends bytes, waits until the reader holds `held` characters, ticks and
-    // waits until the file has grown by them.
+    // waits until the file has grown by all the bytes.
     void SendAndRecord(FakeReceiver& receiver, const std::string& bytes, std::size_t held) {
         const std::size_t before = ReadFile(link.nmeaLogPath).size();
         receiver.Send(bytes);
         ASSERT_TRUE(WaitFor([&] { return link.bufferLength == held; }));
         LinkTimerProc(link);
-        ASSERT_TRUE(WaitFor([&] { return ReadFile(link.nmeaLogPath).size() == before + held; }));
+        ASSERT_TRUE(
+            WaitFor([&] { return ReadFile(link.nmeaLogPath).size() == before + bytes.size(); }));
     }
 
     static inline std::time_t fixedNow = 1173968730;  // 2007-03-15 14:25:30 UTC
@@ -84,10 +85,11 @@ TEST_F(RecordingTest, RecordsTheBytesExactlyAsRead) {
     SendAndRecord(receiver, a, a.size());
     SendAndRecord(receiver, b, b.size());
     SendAndRecord(receiver, c, c.size());
-    // Text after a NUL in a read is not taken, so it is not recorded either.
-    SendAndRecord(receiver, std::string("ab\0cd", 5), 2);
+    // Text after a NUL in a read is not decoded, but it is recorded.
+    const std::string nul("ab\0cd", 5);
+    SendAndRecord(receiver, nul, 2);
     StopLink(link);
-    EXPECT_EQ(ReadFile(link.nmeaLogPath), a + b + c + "ab");
+    EXPECT_EQ(ReadFile(link.nmeaLogPath), a + b + c + nul);
     EXPECT_EQ(ListDir(dir).size(), 1u);
 }
 
@@ -123,14 +125,17 @@ TEST_F(RecordingTest, WithoutASinkBatchesAreRecordedButNotDecoded) {
     EXPECT_EQ(ReadFile(link.nmeaLogPath), text);
 }
 
-// The owner is told once; the program stays silent, the tool says so.
+// The owner is told once of the failure and once when a write works again
+// (the program's status line, the tool's standard error).
 TEST_F(RecordingTest, AVanishedFolderLosesTheBatchesButNotTheLink) {
     FakeReceiver receiver;
     RecordingSink sink(link);
     link.sink = &sink;
     link.nmeaFolder = dir + "/gone";
     Start(receiver);
-    for (std::size_t batch = 1; batch <= 3; ++batch) {
+    for (std::size_t batch = 1; batch <= 4; ++batch) {
+        if (batch == 4)
+            std::filesystem::create_directory(dir + "/gone");
         receiver.Send(Rmc("3112.0001"));
         ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
         LinkTimerProc(link);
@@ -138,11 +143,12 @@ TEST_F(RecordingTest, AVanishedFolderLosesTheBatchesButNotTheLink) {
         ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
     }
     EXPECT_EQ(sink.latitude(2), "3112.0001");
-    EXPECT_TRUE(ListDir(dir).empty());
+    EXPECT_EQ(ListDir(dir + "/gone").size(), 1u);
     EXPECT_TRUE(link.running);
     StopLink(link);
     EXPECT_EQ(sink.recordFailures, 1);
     EXPECT_EQ(sink.recordError, ENOENT);
+    EXPECT_EQ(sink.recordResumes, 1);
 }
 
 // Appends in a child process whose files may not grow past `limit` bytes,

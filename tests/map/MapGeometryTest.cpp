@@ -100,6 +100,10 @@ TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
          false},
         {"a third point breaks the tie",
          Slots({{1, 0, 7, 1, 1}, {2, 9, 7, 2, 2}, {5, 20, 30, 3, 3}}), true},
+        {"latitudes past the double range's half",
+         Slots({{1, 0, 0, 1e308, 1}, {2, 9, 9, -1e308, 2}}), false},
+        {"a coordinate that is not finite", Slots({{1, 0, 0, NAN, 1}, {2, 9, 9, 2, 2}}), false},
+        {"an infinite pixel", Slots({{1, 0, 0, 1, 1}, {2, INFINITY, 9, 2, 2}}), false},
     };
     for (const Case& tc : cases) {
         const MapCalibration c = ComputeCalibration(tc.slots);

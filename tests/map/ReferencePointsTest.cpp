@@ -103,7 +103,9 @@ TEST(ReferenceText, TokenRules) {
         {"flag 1.9 counts as 1", "1.9,1,2,3,4,", 1, {1, 1, 2, 0, 0, 3, 4}},
         {"flag 2 is inactive", "2,1,2,3,4,", 0, {0, 1, 2, 0, 0, 3, 4}},
         {"flag past int range is not 1", "4294967297,1,2,3,4,", 0, {0, 1, 2, 0, 0, 3, 4}},
-        {"garbage numbers read 0", "1,north,1e999x,-,0x10,", 1, {1, 0, HUGE_VAL, 0, 0, 0, 16}},
+        {"garbage numbers read 0", "1,north,1e999x,-,0x10,", 1, {1, 0, 0, 0, 0, 0, 16}},
+        {"nan and inf read 0", "1,nan,inf,-infinity,NAN(1),", 1, {1, 0, 0, 0, 0, 0, 0}},
+        {"number prefix counts", "1,12abc,3.5.6,7e1,8,", 1, {1, 12, 3.5, 0, 0, 70, 8}},
         {"over-long token keeps its tail",
          "1,12345678901234567890123,2,3,4,",
          1,
@@ -158,6 +160,21 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
 
     EXPECT_FALSE(WriteReferenceFile(TempPath("no-such-folder/x.rpt"), s));
     EXPECT_FALSE(WriteReferenceFile(dir, s));
+
+    // A file that is there but cannot be opened (a link to itself: root too
+    // is refused) is said, and kept as .bak before a new file is written.
+    const std::string loop = TempPath("loop.rpt");
+    ::unlink(loop.c_str());
+    ::unlink((loop + ".bak").c_str());
+    ASSERT_EQ(::symlink(loop.c_str(), loop.c_str()), 0);
+    EXPECT_EQ(ReadReferenceFile(loop, s, active), ReferenceRead::Unreadable);
+    std::string keptAs;
+    EXPECT_TRUE(WriteReferenceFile(loop, s, &keptAs));
+    EXPECT_EQ(keptAs, loop + ".bak");
+    struct stat st {};
+    EXPECT_EQ(::lstat(keptAs.c_str(), &st), 0);
+    EXPECT_TRUE(S_ISLNK(st.st_mode)) << "the unreadable file is the one kept";
+    EXPECT_EQ(ReadReferenceFile(loop, s, active), ReferenceRead::Read);
 }
 
 TEST(Dms, SplitAndJoin) {

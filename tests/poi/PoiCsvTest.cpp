@@ -61,6 +61,7 @@ TEST(PoiCsv, ByteRules) {
          "2,1,tail,;"},
         {"a NUL ends a text", "1,2,AB\0CD\r\n"s, "2,1,AB,;"},
         {"coordinates read as atof reads", " 1.5x,-2e1,A\r\n", "-20,1.5,A,;"},
+        {"nan, inf and overflow read 0", "nan,inf,A\r\n1e999,-infinity,B\r\n", "0,0,A,;0,0,B,;"},
     };
     for (const CsvCase& c : cases) {
         EXPECT_EQ(Records(c.bytes, PoiEncoding::Utf8), c.records) << c.name;
@@ -123,6 +124,16 @@ TEST(PoiCsv, FilesChooseTheirEncoding) {
             got += numbers + std::string(list.At(i).name) + "," + list.At(i).note + ";";
         }
         EXPECT_EQ(got, c.records) << c.name;
+    }
+    // Every bare newline is a record: a file of them reads up to the budget.
+    const std::string newlines = dir + "newlines.csv";
+    std::ofstream(newlines, std::ios::binary) << std::string(8, '\n');
+    for (const std::uint64_t budget : {5u, 8u}) {
+        std::uint64_t records = 0;
+        EXPECT_EQ(ReadPoiCsv(
+                      newlines, [&](const PoiRecord&) { ++records; }, budget),
+                  budget < 8 ? PoiRead::Truncated : PoiRead::Read);
+        EXPECT_EQ(records, budget);
     }
     PoiList list;
     EXPECT_FALSE(ReadPoiCsv(dir + "no-such-file.csv", list));

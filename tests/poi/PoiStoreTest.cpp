@@ -130,5 +130,40 @@ TEST(PoiPainter, IconsCentredLabelsBesideCulledToTheCanvas) {
     EXPECT_TRUE(canvas.OfKind(CanvasCall::Kind::Text).empty());
 }
 
+// Many points in one place: one icon per 16-pixel cell, the rest counted;
+// names only while few are in view, and never one over another.
+TEST(PoiPainter, CellsAndLabelsStayReadable) {
+    const struct {
+        const char* what;
+        int points;
+        double spread;  // pixels between neighbours along the diagonal
+        PoiDrawCount drawn;
+    } cases[] = {
+        {"a pile on one pixel", 5000, 0, {5000, 1, 0}},
+        {"two in one cell, one name", 2, 3, {2, 1, 1}},
+        {"two names that would overlap", 2, 17, {2, 2, 1}},
+        {"too many in view for names", 300, 1, {300, 19, 0}},
+    };
+    const PoiProjection project = [](double lat, double lon, double& x, double& y) {
+        x = 100 + lon;
+        y = 100 + lat;
+        return true;
+    };
+    const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
+    for (const auto& c : cases) {
+        PoiStore store;
+        PoiGroup group;
+        for (int i = 0; i < c.points; ++i)
+            group.points.Append(PoiRecord{i * c.spread, i * c.spread, "Name", ""});
+        store.Append(group);
+        screens::RecordingCanvas canvas(Rect{0, 0, 480, 640});
+        const PoiDrawCount drawn = DrawPois(canvas, store, project, &icons);
+        EXPECT_EQ(drawn.inView, c.drawn.inView) << c.what;
+        EXPECT_EQ(drawn.icons, c.drawn.icons) << c.what;
+        EXPECT_EQ(drawn.labels, c.drawn.labels) << c.what;
+        EXPECT_EQ(canvas.OfKind(CanvasCall::Kind::Blit).size(), c.drawn.icons) << c.what;
+    }
+}
+
 }  // namespace
 }  // namespace satwalk::poi

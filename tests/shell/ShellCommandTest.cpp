@@ -2,6 +2,10 @@
 // link and the sound faked, and what the window hands to the screens.
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+
 #include <cstring>
 
 #include "CommandIds.h"
@@ -259,6 +263,30 @@ TEST_F(ShellTest, FirstSoundFailureIsReportedOnceInTheStatus) {
     EXPECT_TRUE(ui.messages.empty()) << "no message box while driving";
 }
 
+// A recording that cannot be written stands in the status and crosses out
+// the recording icon until a write works again; no message box.
+TEST_F(ShellTest, RecordingFaultsShowUntilAWriteWorks) {
+    const struct {
+        Recording recording;
+        int error;
+        const char* status;
+    } steps[] = {
+        {Recording::Track, ENOSPC, "轨迹记录失败：磁盘已满"},
+        {Recording::Track, EFBIG, "轨迹记录失败：磁盘已满"},
+        {Recording::Nmea, ENOENT, "轨迹记录失败：磁盘已满；NMEA 记录失败：文件夹不存在"},
+        {Recording::Track, 0, "NMEA 记录失败：文件夹不存在"},
+        {Recording::Nmea, EACCES, "NMEA 记录失败：没有写入权限"},
+        {Recording::Nmea, 0, ""},
+    };
+    for (const auto& step : steps) {
+        shell.ReportRecordingWrite(step.recording, step.error);
+        EXPECT_EQ(shell.status, step.status) << step.error;
+        EXPECT_EQ(shell.display().recordingFailed, *step.status != '\0') << step.error;
+    }
+    EXPECT_EQ(ui.statuses.size(), 5u) << "a fault said again changes nothing";
+    EXPECT_TRUE(ui.messages.empty());
+}
+
 TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     FakeSound sound;
     sound.failing = true;
@@ -269,6 +297,33 @@ TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     alarm.CheckSpeedAlarm(10, true, 50, true);
     EXPECT_FALSE(alarm.playing());
     EXPECT_EQ(sound.stopCalls, 3);
+}
+
+// The settings' file in a folder that is missing: the folder is made; one
+// that cannot be made is said before the window closes.
+TEST(ShellExitTest, SettingsThatCannotBeSavedAreSaid) {
+    const std::string dir = ::testing::TempDir() + "exit-save";
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    std::ofstream(dir + "/file") << "x";
+    for (const bool saved : {true, false}) {
+        const std::string path = dir + (saved ? "/new/folder/options" : "/file/options");
+        ProgramSettings settings;
+        FakeLink link;
+        FakeUi ui;
+        FakeSound sound;
+        OptionsStore options(path);
+        Shell shell(settings, link, ui, sound, &options);
+        ui.answerYes = true;
+        shell.OnCommand(cmd::kExit);
+        EXPECT_TRUE(ui.closed);
+        EXPECT_EQ(std::filesystem::exists(path), saved) << path;
+        ASSERT_EQ(ui.messages.size(), saved ? 1u : 2u) << path;  // the question, then the failure
+        if (!saved) {
+            EXPECT_NE(ui.messages[1].first.find(path), std::string::npos);
+        }
+    }
+    std::filesystem::remove_all(dir);
 }
 
 TEST_F(ShellTest, MenuStateAfterStartAndStop) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "TrackFile.h"
 #include "TrackState.h"
 #include "TrackTestSupport.h"
 
@@ -67,6 +68,8 @@ TEST(TrackLogReader, HostileLogs) {
         {"short and odd date-times", "1,2,,2024\r\n1,2,,-3 x5\r\n",
          "1,2,2024-00-00 00:00:00;1,2,-003-05-00 00:00:00;"},
         {"binary noise", "\xff\xfe\x01\x02,\x80\r\n\r\n,,,\r\n"s, "0,0,0000-00-00 00:00:00;"},
+        {"nan, inf and overflow read 0", "nan,-inf,,2024\r\n1e999,infinity,,2024\r\n",
+         "0,0,2024-00-00 00:00:00;0,0,2024-00-00 00:00:00;"},
     };
     for (const ReaderCase& c : cases) {
         EXPECT_EQ(Points(c.bytes), c.points) << c.name;
@@ -145,6 +148,46 @@ TEST(TrackViewing, ProgressReportsTheWholeFile) {
     EXPECT_EQ(total, log.size());
     EXPECT_GE(calls, 3u);
     EXPECT_EQ(points, log.size() / kLine.size());
+}
+
+// A log past the budget of points is read up to it and says so; a log of
+// tiny lines ends no read.
+TEST(TrackViewing, BudgetOfPoints) {
+    const std::string dir = test::ScratchFolder("budget");
+    std::string tiny;
+    for (int i = 0; i < 100; ++i) tiny += kLine;
+    test::WriteFile(dir + "/tiny.log", tiny);
+    // The program's own log, and the same rule for every reader (GPX here).
+    std::string gpx = "<gpx version=\"1.1\"><trk><trkseg>";
+    for (int i = 0; i < 100; ++i) gpx += "<trkpt lat=\"1\" lon=\"2\"/>";
+    test::WriteFile(dir + "/many.gpx", gpx + "</trkseg></trk></gpx>");
+    const struct {
+        const char* file;
+        std::uint64_t budget;
+        std::uint64_t points;
+        TrackFileResult result;
+    } cases[] = {
+        {"tiny.log", 10, 10, TrackFileResult::TooLarge},
+        {"tiny.log", 99, 99, TrackFileResult::TooLarge},
+        {"tiny.log", 100, 100, TrackFileResult::Read},
+        {"many.gpx", 10, 10, TrackFileResult::TooLarge},
+    };
+    for (const auto& c : cases) {
+        std::uint64_t points = 0;
+        EXPECT_EQ(
+            ReadTrackFile(
+                dir + "/" + c.file, [&](const TrackFilePoint&) { ++points; }, {}, {}, c.budget)
+                .result,
+            c.result)
+            << c.file << " " << c.budget;
+        EXPECT_EQ(points, c.points) << c.file << " " << c.budget;
+    }
+    // A position too far out for a pixel is on no trail.
+    test::WriteFile(dir + "/far.log", "1,1e308,,2024\r\n" + kLine);
+    const TrackRead read = ReadTrackTrails(dir + "/far.log", Projections(true));
+    EXPECT_TRUE(read.opened);
+    EXPECT_EQ(read.result, TrackFileResult::Read);
+    EXPECT_EQ(read.world.Count(), 1u);
 }
 
 }  // namespace

@@ -104,13 +104,21 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     EXPECT_NE(shell::BuildStateJson(shell, {}).find("\"tracks\":{\"recording\":true"),
               std::string::npos);
 
-    // The storage moves to a card: the recording goes on in a new file there.
+    // The storage moves to a card that then goes: the check mark stays, the
+    // status says the log is lost; the card back, the next line clears it.
     const std::string card = settings.storageRoot + "/card/My GPS/Track Log";
     fs::create_directories(card);
     settings.storageRoot += "/card";
     shell.features().NotifySettingsChanged();
     EXPECT_EQ(state().trackFilePath.rfind(card + "/", 0), 0u) << state().trackFilePath;
     EXPECT_EQ(ReadFile(path), text);
+    fs::remove_all(settings.storageRoot);  // the card
+    feature->OnTrackTick();
+    EXPECT_TRUE(SaveChecked());
+    EXPECT_EQ(shell.status, "轨迹记录失败：文件夹不存在");
+    fs::create_directories(card);
+    feature->OnTrackTick();
+    EXPECT_EQ(shell.status, "");
 
     // The link dies under the timer: the next tick ends everything but the file.
     link.running = false;
