@@ -53,6 +53,10 @@ constexpr Entry kStrings[] = {
     {40199, "插入当前GPS座标"},
     {40200, "向上"},
     {40208, "Satwalk"},
+    // Texts of the additions, numbered after the handheld's own.
+    {41701, "NMEA 转发"},
+    {41702, "NMEA 转发无法在 %s 上监听，GPS接收机照常运行。"},
+    {41703, "本机 gpsd"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),

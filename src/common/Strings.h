@@ -40,6 +40,13 @@ inline constexpr int kStrStartGps = 40109;
 inline constexpr int kStrMenu = 40077;
 inline constexpr int kStrView = 40078;
 
+// The NMEA relay: its option, said once when it cannot listen (%s: the
+// address and the system's reason); the receiver settings' entry of a gpsd
+// found on this machine.
+inline constexpr int kStrRelayOption = 41701;
+inline constexpr int kStrRelayCannotListen = 41702;
+inline constexpr int kStrLocalGpsd = 41703;
+
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";
 

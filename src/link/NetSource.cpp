@@ -1,16 +1,21 @@
 #include "NetSource.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace satwalk::link {
@@ -37,8 +42,8 @@ namespace {
 // connection refused at once leaves the socket closed for the reader to see
 // as hung up, so every failure is reported the same way.
 int StartSocket(const addrinfo* ai) {
-    const int s = ::socket(ai->ai_family, ai->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC,
-                           ai->ai_protocol);
+    const int s =
+        ::socket(ai->ai_family, ai->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, ai->ai_protocol);
     if (s < 0)
         return -1;
     [[maybe_unused]] const int r = ::connect(s, ai->ai_addr, ai->ai_addrlen);
@@ -192,6 +197,41 @@ bool NetSource::Advance(int fd, short revents) {
         return true;
     }
     return phase_ != Phase::Failed;
+}
+
+bool GpsdAnswers(std::uint16_t port, int timeoutMs) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return false;
+    sockaddr_in a{};
+    a.sin_family = AF_INET;
+    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    a.sin_port = htons(port);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    const auto left = [&end] {
+        return static_cast<int>(
+            std::max<long long>(0, std::chrono::duration_cast<std::chrono::milliseconds>(
+                                       end - std::chrono::steady_clock::now())
+                                       .count()));
+    };
+    std::string got;
+    constexpr std::string_view kGreeting = "{\"class\":\"VERSION\"";
+    if (::connect(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a) == 0 ||
+        errno == EINPROGRESS) {
+        // Its greeting comes unasked, right after the connection.
+        for (int reads = 0; reads < 8 && got.size() < kGreeting.size(); ++reads) {
+            pollfd p{fd, POLLIN, 0};
+            if (::poll(&p, 1, left()) != 1)
+                break;
+            char buf[64];
+            const ssize_t n = ::recv(fd, buf, sizeof buf, 0);
+            if (n <= 0)
+                break;
+            got.append(buf, static_cast<std::size_t>(n));
+        }
+    }
+    ::close(fd);
+    return got.starts_with(kGreeting);
 }
 
 std::size_t NetSource::Filter(char* data, std::size_t n) {

@@ -19,6 +19,7 @@
 #include <netdb.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "SourceAddress.h"
@@ -41,6 +42,13 @@ class GpsdFilter {
     bool atLineStart_ = true;
     bool inJson_ = false;
 };
+
+// How long opening the receiver settings waits for a gpsd on this machine.
+inline constexpr int kGpsdProbeMs = 300;
+
+// Whether a gpsd answers on 127.0.0.1:`port` (its VERSION greeting) within
+// `timeoutMs`. Loopback only: no name is resolved.
+bool GpsdAnswers(std::uint16_t port, int timeoutMs);
 
 class NetSource {
   public:

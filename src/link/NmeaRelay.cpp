@@ -50,14 +50,12 @@ bool NmeaRelay::Start(const std::string& host, std::uint16_t port, std::string& 
     hints.ai_socktype = SOCK_STREAM;
     hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
     addrinfo* list = nullptr;
-    const int gai =
-        ::getaddrinfo(numeric.c_str(), std::to_string(port).c_str(), &hints, &list);
+    const int gai = ::getaddrinfo(numeric.c_str(), std::to_string(port).c_str(), &hints, &list);
     if (gai != 0) {
         error = ::gai_strerror(gai);
         return false;
     }
-    const int fd =
-        ::socket(list->ai_family, list->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    const int fd = ::socket(list->ai_family, list->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     const int one = 1;
     bool ok = fd >= 0;
     ok = ok && ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one) == 0;
@@ -73,9 +71,9 @@ bool NmeaRelay::Start(const std::string& host, std::uint16_t port, std::string& 
             ::close(fd);
         return false;
     }
-    port_ = ntohs(bound.ss_family == AF_INET6
-                      ? reinterpret_cast<const sockaddr_in6*>(&bound)->sin6_port
-                      : reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);
+    port_ =
+        ntohs(bound.ss_family == AF_INET6 ? reinterpret_cast<const sockaddr_in6*>(&bound)->sin6_port
+                                          : reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);
     listenFd_ = fd;
     stop_ = false;
     {
@@ -132,7 +130,8 @@ void NmeaRelay::Run() {
         fds.push_back({listenFd_, POLLIN, 0});
         bool behind = false;
         for (const Client& c : clients_) {
-            fds.push_back({c.fd, static_cast<short>(POLLIN | (c.backlog.empty() ? 0 : POLLOUT)), 0});
+            fds.push_back(
+                {c.fd, static_cast<short>(POLLIN | (c.backlog.empty() ? 0 : POLLOUT)), 0});
             behind = behind || !c.backlog.empty();
         }
         if (::poll(fds.data(), fds.size(), behind ? kPollTickMs : -1) < 0 && errno != EINTR)
@@ -235,8 +234,8 @@ void NmeaRelay::Send(Client& client, const char* data, std::size_t length) {
 void NmeaRelay::Flush(Client& client) {
     if (client.backlog.empty() || client.fd < 0)
         return;
-    const ssize_t n =
-        ::send(client.fd, client.backlog.data(), client.backlog.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    const ssize_t n = ::send(client.fd, client.backlog.data(), client.backlog.size(),
+                             MSG_DONTWAIT | MSG_NOSIGNAL);
     if (n < 0 && errno != EAGAIN && errno != EINTR) {
         ::close(client.fd);
         client.fd = -1;

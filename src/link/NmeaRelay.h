@@ -30,7 +30,6 @@ inline constexpr std::size_t kRelayMaxClients = 16;
 inline constexpr std::size_t kRelayBacklogLimit = 64 * 1024;  // per client
 inline constexpr std::size_t kRelayInboxLimit = 256 * 1024;   // between reader and relay
 inline constexpr int kRelayStallMs = 2000;
-inline constexpr const char* kRelayDefaultAddress = "127.0.0.1:10110";
 
 class NmeaRelay final : public ByteTap {
   public:
@@ -58,7 +57,7 @@ class NmeaRelay final : public ByteTap {
   private:
     struct Client {
         int fd = -1;
-        std::string backlog;                             // what it has not taken yet
+        std::string backlog;                               // what it has not taken yet
         std::chrono::steady_clock::time_point stuckSince;  // when backlog became non-empty
     };
 
@@ -78,7 +77,7 @@ class NmeaRelay final : public ByteTap {
     std::atomic<std::size_t> dropped_{0};
 
     std::mutex inboxLock_;
-    std::string inbox_;  // guarded by inboxLock_
+    std::string inbox_;             // guarded by inboxLock_
     bool inboxOverflowed_ = false;  // guarded by inboxLock_: the relay thread fell behind
 };
 

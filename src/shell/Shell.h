@@ -14,6 +14,7 @@
 #include "GpsState.h"
 #include "MenuModel.h"
 #include "ReceiverSettingsModel.h"
+#include "RelaySetting.h"
 #include "ScreenIds.h"
 #include "Settings.h"
 #include "SpeedAlarm.h"
@@ -88,6 +89,10 @@ class LinkControl {
     virtual void SetNmeaFolder(const std::string& folder) { (void)folder; }
     virtual void StartNewNmeaLog() {}
     virtual void SetAllTalkers(bool on) { (void)on; }
+    // The NMEA relay: as set, and a change (kept in its file, and in effect
+    // at once while the receiver runs).
+    virtual link::RelaySetting Relay() const { return {}; }
+    virtual void SetRelay(const link::RelaySetting& setting) { (void)setting; }
 
   protected:
     ~LinkControl() = default;

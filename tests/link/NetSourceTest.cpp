@@ -11,6 +11,8 @@
 #include "NetSource.h"
 #include "NetTestSupport.h"
 #include "NmeaRelay.h"
+#include "ReceiverSettingsModel.h"
+#include "RelaySetting.h"
 #include "SourceAddress.h"
 #include "ThreadTimer.h"
 
@@ -64,10 +66,10 @@ TEST(SourceAddress, RelayAddressTakesTheDefaultHost) {
         const char* host;
         std::uint16_t port;
     };
-    for (const Case& c : {Case{"10110", true, "127.0.0.1", 10110},
-                          Case{"0.0.0.0:4000", true, "0.0.0.0", 4000},
-                          Case{"[::]:4000", true, "::", 4000}, Case{"host", false, "", 0},
-                          Case{"70000", false, "", 0}, Case{"", false, "", 0}}) {
+    for (const Case& c :
+         {Case{"10110", true, "127.0.0.1", 10110}, Case{"0.0.0.0:4000", true, "0.0.0.0", 4000},
+          Case{"[::]:4000", true, "::", 4000}, Case{"host", false, "", 0},
+          Case{"70000", false, "", 0}, Case{"", false, "", 0}}) {
         std::string host;
         std::uint16_t port = 0;
         EXPECT_EQ(ParseHostPort(c.text, "127.0.0.1", host, port), c.ok) << c.text;
@@ -76,6 +78,53 @@ TEST(SourceAddress, RelayAddressTakesTheDefaultHost) {
             EXPECT_EQ(port, c.port);
         }
     }
+}
+
+TEST(RelaySetting, ReadsItsFileAndFallsBackToTheDefault) {
+    const std::pair<const char*, RelaySetting> cases[] = {
+        {"on 127.0.0.1:10110\n", {true, "127.0.0.1:10110"}},
+        {"off 0.0.0.0:4000\r\n", {false, "0.0.0.0:4000"}},
+        {"on 4000", {true, "4000"}},
+        {"on [::1]:4000", {true, "[::1]:4000"}},
+        {"on boat.local:4000", {true, kRelayDefaultAddress}},  // listening takes no names
+        {"yes 4000", {}},
+        {"", {}},
+    };
+    for (const auto& [text, want] : cases) {
+        EXPECT_EQ(ParseRelaySetting(text), want) << text;
+        EXPECT_EQ(ParseRelaySetting(FormatRelaySetting(want)), want) << text;
+    }
+}
+
+// The port list names network sources, lists the map's numbers from 10 on,
+// and offers a gpsd that answers on this machine under the next free one.
+TEST(ReceiverSettings, PortListShowsSourcesAndAGpsdFoundHere) {
+    std::atomic<bool> done{false};
+    test::OneShotServer gpsd([&](int fd) {
+        test::SendAll(fd, "{\"class\":\"VERSION\",\"release\":\"3.22\"}\r\n");
+        test::WaitFor([&] { return done.load(); });
+    });
+    const PortMap map = {{3, "gpsd://localhost"}, {10, "tcp://10.0.0.5:10110"}};
+    const std::vector<PortSlot> found = ProbePortSlots(nullptr, map, gpsd.port());
+    done = true;
+    ASSERT_EQ(found.size(), 12u);
+    EXPECT_EQ(PortEntryText(3, found[3]), "COM3  gpsd localhost:2947");
+    EXPECT_EQ(found[10].number, 10);
+    EXPECT_EQ(found[10].device, "tcp 10.0.0.5:10110");
+    EXPECT_EQ(found[11].number, 11);
+    EXPECT_EQ(found[11].source, "gpsd://localhost:" + std::to_string(gpsd.port()));
+
+    ReceiverSettings settings;
+    settings.bluetoothReceiver = false;
+    settings.comPort = 10;
+    ReceiverSettingsDialog dialog = OpenReceiverSettings(settings, found);
+    EXPECT_EQ(dialog.ports.selection, 10);
+    SelectPort(dialog, 11);
+    AcceptReceiverSettings(dialog, settings);
+    EXPECT_EQ(settings.comPort, 11u);
+    EXPECT_EQ(settings.linkPortName, "COM11:");
+    // Nothing answers: no entry, and no wait beyond the probe's bound.
+    EXPECT_EQ(ProbePortSlots(nullptr, {}, test::FreePort()).size(), 10u);
 }
 
 TEST(GpsdFilter, DropsJsonLinesWhereverTheReadsSplit) {
@@ -89,7 +138,8 @@ TEST(GpsdFilter, DropsJsonLinesWhereverTheReadsSplit) {
         {"{\"class\":\"TPV\"", ""},
     };
     for (const auto& [in, want] : cases) {
-        for (std::size_t cut = 0; cut <= in.size(); cut += std::max<std::size_t>(1, in.size() / 37)) {
+        for (std::size_t cut = 0; cut <= in.size();
+             cut += std::max<std::size_t>(1, in.size() / 37)) {
             GpsdFilter filter;
             std::string a = in.substr(0, cut);
             std::string b = in.substr(cut);
@@ -336,9 +386,9 @@ TEST_F(Gpsd, GpsdOnTheRelayReportsOurPositions) {
                       "tcp://127.0.0.1:" + std::to_string(relay.Port())});
     ASSERT_TRUE(WaitGpsd());
     const std::string out = test::MakeTempDir() + "/tpv.json";
-    test::Child pipe({"sh", "-c",
-                      "exec timeout 20 gpspipe -w -n 40 127.0.0.1:" + std::to_string(port) + " >" +
-                          out});
+    test::Child pipe(
+        {"sh", "-c",
+         "exec timeout 20 gpspipe -w -n 40 127.0.0.1:" + std::to_string(port) + " >" + out});
     // The receiver talks an epoch at a time, each decoded before the next
     // goes, until gpsd has reported a few positions.
     std::vector<std::string> epochs;

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalBlocker>
 #include <QStandardPaths>
 #include <QStorageInfo>
@@ -12,7 +13,9 @@
 
 #include "OptionsFeature.h"
 #include "QtCanvas.h"
+#include "RelaySetting.h"
 #include "Shell.h"
+#include "Strings.h"
 
 namespace satwalk::shell::qt {
 
@@ -49,6 +52,10 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     storageLabel_ = AddLabel(kIdStorageLabel, QString::fromUtf8(kTextStorageLabel));
     storage_ = AddList(kIdStorageCombo, {});
     allTalkers_ = AddCheckBox(kIdAllTalkers, QString::fromUtf8(kTextAllTalkers));
+    relay_ = AddCheckBox(kIdRelay, QString::fromUtf8(common::LoadString(common::kStrRelayOption)));
+    relayAddress_ = AddEdit(kIdRelayAddress);
+    relayAddress_->setFont(regular);
+    relayAddress_->setPlaceholderText(QString::fromUtf8(link::kRelayDefaultAddress));
 
     for (QLabel* l : {heading_, storageLabel_}) {
         l->setFont(bold);
@@ -57,7 +64,7 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     const int box = std::max(12, (3 * b) / 5);
     const QString boxStyle =
         QStringLiteral("QCheckBox::indicator { width: %1px; height: %1px; }").arg(box);
-    for (QCheckBox* c : {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_}) {
+    for (QCheckBox* c : {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_, relay_}) {
         c->setFont(regular);
         c->setStyleSheet(boxStyle);
     }
@@ -75,6 +82,14 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     forward(keepAwake_, kIdKeepAwake);
     forward(recordNmea_, kIdRecordNmea);
     forward(allTalkers_, kIdAllTalkers);
+    forward(relay_, kIdRelay);
+    // An address that does not parse is shown in red; OK keeps the old one.
+    connect(relayAddress_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        const bool ok = link::IsRelayAddress(text.toStdString());
+        relayAddress_->setStyleSheet(ok ? QString() : QStringLiteral("color: rgb(200,0,0);"));
+        if (!syncing_ && onRelayAddress)
+            onRelayAddress(text.toStdString());
+    });
     connect(storage_, &QComboBox::currentIndexChanged, this, [this](int index) {
         if (!syncing_ && onStorage)
             onStorage(index);
@@ -98,6 +113,8 @@ void OptionsWidget::LayOut() {
     storageLabel_->setGeometry(ToQRect(l.storageLabel));
     storage_->setGeometry(ToQRect(l.storage));
     allTalkers_->setGeometry(ToQRect(l.allTalkers));
+    relay_->setGeometry(ToQRect(l.relay));
+    relayAddress_->setGeometry(ToQRect(l.relayAddress));
 }
 
 void OptionsWidget::Sync(const OptionsDialog& d) {
@@ -106,6 +123,9 @@ void OptionsWidget::Sync(const OptionsDialog& d) {
     keepAwake_->setChecked(d.keepAwake);
     recordNmea_->setChecked(d.recordNmea);
     allTalkers_->setChecked(d.allTalkers);
+    relay_->setChecked(d.relay);
+    if (relayAddress_->text() != Q(d.relayAddress))
+        relayAddress_->setText(Q(d.relayAddress));
     QStringList items;
     for (const std::string& root : d.storage) items << Q(root);
     QStringList shown;
@@ -150,6 +170,7 @@ class DialogView final : public OptionsView {
         OptionsFeature* f = feature;
         widget_->onCheck = [f](int id, bool checked) { f->SetCheck(id, checked); };
         widget_->onStorage = [f](int index) { f->SelectStorage(index); };
+        widget_->onRelayAddress = [f](const std::string& a) { f->SetRelayAddress(a); };
         widget_->onFinished = [this, f](DialogResult result) {
             widget_ = nullptr;
             if (result == DialogResult::Ok)

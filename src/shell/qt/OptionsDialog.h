@@ -16,6 +16,7 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLineEdit;
 
 namespace satwalk::shell {
 class Shell;
@@ -32,6 +33,7 @@ class OptionsWidget final : public FullScreenDialog {
 
     std::function<void(int id, bool checked)> onCheck;
     std::function<void(int index)> onStorage;
+    std::function<void(const std::string& address)> onRelayAddress;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -46,6 +48,8 @@ class OptionsWidget final : public FullScreenDialog {
     QLabel* storageLabel_;
     QComboBox* storage_;
     QCheckBox* allTalkers_;
+    QCheckBox* relay_;
+    QLineEdit* relayAddress_;
     bool syncing_ = false;
 };
 
