@@ -2,7 +2,11 @@
 
 #include <netdb.h>
 #include <poll.h>
+#include <pthread.h>
+#include <sched.h>
+#include <linux/sockios.h>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -17,8 +21,9 @@ using Clock = std::chrono::steady_clock;
 
 // Room in the kernel for a client: small, so that a client that stops
 // reading is noticed within its stall time rather than after a long buffer.
-constexpr int kClientSendBuffer = 16 * 1024;
+constexpr int kClientSendBuffer = 4 * 1024;
 constexpr int kPollTickMs = 200;  // while some client is behind
+constexpr int kCollectMs = 20;    // the inbox is collected this often while clients listen
 
 void Signal(int fd) {
     const std::uint64_t one = 1;
@@ -106,21 +111,23 @@ void NmeaRelay::Stop() {
 }
 
 void NmeaRelay::Publish(const char* data, std::size_t length) {
-    bool wake = false;
-    {
-        std::lock_guard<std::mutex> g(inboxLock_);
-        if (inbox_.size() + length > kRelayInboxLimit) {
-            inboxOverflowed_ = true;  // every client would miss bytes: all are dropped
-        } else {
-            wake = inbox_.empty();
-            inbox_.append(data, length);
-        }
-    }
-    if (wake)
-        Signal(wakeFd_);
+    // No system call here: the relay thread collects the inbox on its own
+    // short clock while it has clients, so the reader never wakes anyone
+    // (a wake-up can cost the waker the rest of its time slice).
+    if (clientCount_.load(std::memory_order_relaxed) == 0)
+        return;
+    std::lock_guard<std::mutex> g(inboxLock_);
+    if (inbox_.size() + length > kRelayInboxLimit)
+        inboxOverflowed_ = true;  // every client would miss bytes: all are dropped
+    else
+        inbox_.append(data, length);
 }
 
 void NmeaRelay::Run() {
+    // A batch thread: woken by the reader, it waits for the reader's time
+    // slice to end instead of taking the core from it mid-read.
+    sched_param none{};
+    ::pthread_setschedparam(::pthread_self(), SCHED_BATCH, &none);
     std::string batch;
     std::vector<pollfd> fds;
     char discard[4096];
@@ -134,7 +141,9 @@ void NmeaRelay::Run() {
                 {c.fd, static_cast<short>(POLLIN | (c.backlog.empty() ? 0 : POLLOUT)), 0});
             behind = behind || !c.backlog.empty();
         }
-        if (::poll(fds.data(), fds.size(), behind ? kPollTickMs : -1) < 0 && errno != EINTR)
+        const int wait = !clients_.empty() ? kCollectMs : -1;
+        if (::poll(fds.data(), fds.size(), behind ? std::min(wait, kPollTickMs) : wait) < 0 &&
+            errno != EINTR)
             break;
         if (stop_)
             break;
@@ -155,9 +164,7 @@ void NmeaRelay::Run() {
                 Drop(i, false);
         }
 
-        if ((fds[0].revents & POLLIN) != 0) {
-            std::uint64_t value;
-            [[maybe_unused]] const ssize_t n = ::read(wakeFd_, &value, sizeof value);
+        {
             bool overflowed = false;
             {
                 std::lock_guard<std::mutex> g(inboxLock_);
@@ -178,10 +185,11 @@ void NmeaRelay::Run() {
 
         const auto now = Clock::now();
         for (std::size_t i = clients_.size(); i-- > 0;) {
-            const Client& c = clients_[i];
+            Client& c = clients_[i];
+            if (c.fd >= 0)
+                Watch(c, now);
             if (c.fd < 0 || c.backlog.size() > kRelayBacklogLimit ||
-                (!c.backlog.empty() &&
-                 now - c.stuckSince > std::chrono::milliseconds(kRelayStallMs))) {
+                (c.behind && now - c.since > std::chrono::milliseconds(kRelayStallMs))) {
                 Drop(i, true);
             }
         }
@@ -202,20 +210,19 @@ void NmeaRelay::Accept() {
             continue;
         }
         ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kClientSendBuffer, sizeof kClientSendBuffer);
-        clients_.push_back(Client{fd, {}, {}});
+        clients_.push_back(Client{fd, {}, 0, 0, false, {}});
         clientCount_ = clients_.size();
     }
 }
 
 void NmeaRelay::Send(Client& client, const char* data, std::size_t length) {
-    if (length == 0)
+    if (length == 0 || client.fd < 0)
         return;
     if (!client.backlog.empty()) {
-        // Behind already: the new bytes queue after the old ones.
-        if (client.backlog.size() + length <= kRelayBacklogLimit + 1)
-            client.backlog.append(data, length);
-        else
-            client.backlog.resize(kRelayBacklogLimit + 1);  // marks it for the drop
+        // Behind already: the new bytes queue after the old ones (one byte
+        // over the limit marks it for the drop).
+        const std::size_t room = kRelayBacklogLimit + 1 - std::min(kRelayBacklogLimit + 1, client.backlog.size());
+        client.backlog.append(data, std::min(length, room));
         return;
     }
     const ssize_t n = ::send(client.fd, data, length, MSG_DONTWAIT | MSG_NOSIGNAL);
@@ -225,17 +232,16 @@ void NmeaRelay::Send(Client& client, const char* data, std::size_t length) {
         return;
     }
     const std::size_t sent = n > 0 ? static_cast<std::size_t>(n) : 0;
-    if (sent < length) {
+    client.written += sent;
+    if (sent < length)
         client.backlog.assign(data + sent, std::min(length - sent, kRelayBacklogLimit + 1));
-        client.stuckSince = Clock::now();
-    }
 }
 
 void NmeaRelay::Flush(Client& client) {
     if (client.backlog.empty() || client.fd < 0)
         return;
-    const ssize_t n = ::send(client.fd, client.backlog.data(), client.backlog.size(),
-                             MSG_DONTWAIT | MSG_NOSIGNAL);
+    const ssize_t n =
+        ::send(client.fd, client.backlog.data(), client.backlog.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (n < 0 && errno != EAGAIN && errno != EINTR) {
         ::close(client.fd);
         client.fd = -1;
@@ -243,8 +249,24 @@ void NmeaRelay::Flush(Client& client) {
     }
     if (n > 0) {
         client.backlog.erase(0, static_cast<std::size_t>(n));
-        client.stuckSince = Clock::now();  // it is reading: the clock starts again
+        client.written += static_cast<std::uint64_t>(n);
     }
+}
+
+void NmeaRelay::Watch(Client& client, Clock::time_point now) {
+    // What the kernel still holds for the client, sent or not; the client
+    // has taken the rest of what was written.
+    int queued = 0;
+    if (::ioctl(client.fd, SIOCOUTQ, &queued) != 0)
+        queued = 0;
+    const std::uint64_t acked = client.written - static_cast<std::uint64_t>(std::max(queued, 0));
+    if (queued <= 0 && client.backlog.empty()) {
+        client.behind = false;
+    } else if (!client.behind || acked > client.acked) {
+        client.behind = true;  // the clock starts, or starts again after progress
+        client.since = now;
+    }
+    client.acked = acked;
 }
 
 void NmeaRelay::Drop(std::size_t index, bool lagging) {

@@ -2,10 +2,12 @@
 // number of TCP clients (gpsd, chart plotters, a second Satwalk).
 //
 // The reader thread hands each read to Publish, which only appends it to an
-// inbox and wakes the relay thread; that thread accepts clients, sends, and
+// inbox (nothing at all while no client listens); the relay thread collects
+// the inbox every 20 ms while it has clients, accepts clients, sends, and
 // reads and discards what clients send. A client that cannot take what it is
-// sent for kStallMs, or falls kBacklogLimit bytes behind, is dropped: it
-// never delays the reader and never makes memory grow. At most kMaxClients
+// sent for kStallMs (bytes wait for it in the kernel or here, and it takes
+// none of them), or falls kBacklogLimit bytes behind, is dropped: it never
+// delays the reader and never makes memory grow. At most kMaxClients
 // at once; a connection beyond them is closed at once.
 //
 // Threads: Start and Stop on the owner's thread; Publish on the reader
@@ -29,7 +31,7 @@ namespace satwalk::link {
 inline constexpr std::size_t kRelayMaxClients = 16;
 inline constexpr std::size_t kRelayBacklogLimit = 64 * 1024;  // per client
 inline constexpr std::size_t kRelayInboxLimit = 256 * 1024;   // between reader and relay
-inline constexpr int kRelayStallMs = 2000;
+inline constexpr int kRelayStallMs = 1500;
 
 class NmeaRelay final : public ByteTap {
   public:
@@ -57,8 +59,11 @@ class NmeaRelay final : public ByteTap {
   private:
     struct Client {
         int fd = -1;
-        std::string backlog;                               // what it has not taken yet
-        std::chrono::steady_clock::time_point stuckSince;  // when backlog became non-empty
+        std::string backlog;      // what the kernel would not take yet
+        std::uint64_t written = 0;  // bytes the kernel took
+        std::uint64_t acked = 0;    // of them, taken by the client (written - queued)
+        bool behind = false;      // bytes wait for it ...
+        std::chrono::steady_clock::time_point since;  // ... with no progress since
     };
 
     void Run();
@@ -66,6 +71,8 @@ class NmeaRelay final : public ByteTap {
     void Send(Client& client, const char* data, std::size_t length);
     void Flush(Client& client);
     void Drop(std::size_t index, bool lagging);
+    // Notes whether the client is behind and whether it made progress.
+    void Watch(Client& client, std::chrono::steady_clock::time_point now);
 
     int listenFd_ = -1;
     int wakeFd_ = -1;
