@@ -72,15 +72,15 @@ std::string LoadAverage() {
 // One epoch of a 10 Hz receiver: RMC, GGA, GSA and three GSV, about 450 bytes.
 std::string Epoch(int k) {
     char buf[1024];
-    const int n = std::snprintf(
-        buf, sizeof buf,
-        "$GPRMC,12%04d.%d0,A,3112.%04d,N,12128.0000,E,10.5,90.0,150307,,,A*00\r\n"
-        "$GPGGA,12%04d.%d0,3112.%04d,N,12128.0000,E,1,08,1.0,12.0,M,8.0,M,,*00\r\n"
-        "$GPGSA,A,3,01,02,03,04,05,06,07,08,,,,,2.0,1.0,1.7*00\r\n"
-        "$GPGSV,3,1,12,01,10,0,30,02,20,40,31,03,30,80,32,04,40,120,33*00\r\n"
-        "$GPGSV,3,2,12,05,10,0,30,06,20,40,31,07,30,80,32,08,40,120,33*00\r\n"
-        "$GPGSV,3,3,12,09,10,0,30,10,20,40,31,11,30,80,32,12,40,120,33*00\r\n",
-        k / 10 % 10000, k % 10, k % 10000, k / 10 % 10000, k % 10, k % 10000);
+    const int n =
+        std::snprintf(buf, sizeof buf,
+                      "$GPRMC,12%04d.%d0,A,3112.%04d,N,12128.0000,E,10.5,90.0,150307,,,A*00\r\n"
+                      "$GPGGA,12%04d.%d0,3112.%04d,N,12128.0000,E,1,08,1.0,12.0,M,8.0,M,,*00\r\n"
+                      "$GPGSA,A,3,01,02,03,04,05,06,07,08,,,,,2.0,1.0,1.7*00\r\n"
+                      "$GPGSV,3,1,12,01,10,0,30,02,20,40,31,03,30,80,32,04,40,120,33*00\r\n"
+                      "$GPGSV,3,2,12,05,10,0,30,06,20,40,31,07,30,80,32,08,40,120,33*00\r\n"
+                      "$GPGSV,3,3,12,09,10,0,30,10,20,40,31,11,30,80,32,12,40,120,33*00\r\n",
+                      k / 10 % 10000, k % 10, k % 10000, k / 10 % 10000, k % 10, k % 10000);
     return std::string(buf, static_cast<std::size_t>(n));
 }
 
@@ -111,9 +111,8 @@ int main(int argc, char** argv) {
                     got[static_cast<std::size_t>(i)] += n;
                 else
                     std::this_thread::sleep_for(2ms);
-                if (i < 2)
-                    [[maybe_unused]] const ssize_t w =
-                        ::send(fd, "garbage\r\n", 9, MSG_DONTWAIT | MSG_NOSIGNAL);
+                if (i < 2) [[maybe_unused]]
+                    const ssize_t w = ::send(fd, "garbage\r\n", 9, MSG_DONTWAIT | MSG_NOSIGNAL);
             }
             ::close(fd);
         });
@@ -182,21 +181,25 @@ int main(int argc, char** argv) {
     std::sort(publishUs.begin(), publishUs.end());
     std::sort(floorUs.begin(), floorUs.end());
     const auto at = [](const std::vector<double>& v, double q) {
-        return v[std::min(v.size() - 1, static_cast<std::size_t>(q * static_cast<double>(v.size())))];
+        return v[std::min(v.size() - 1,
+                          static_cast<std::size_t>(q * static_cast<double>(v.size())))];
     };
     long long minGot = sent;
     for (const auto& g : got) minGot = std::min<long long>(minGot, g.load());
     std::printf("relay, 16 clients, 10 Hz, %d s, %lld bytes sent to each\n", seconds, sent);
-    std::printf("  reader's extra time per batch (Publish): median %.2f us, p99 %.2f us, max %.2f "
-                "us (budget 50 us)\n",
-                at(publishUs, 0.5), at(publishUs, 0.99), publishUs.back());
-    std::printf("  (the same stopwatch around a copy of the epoch: median %.2f us, p99 %.2f us, "
-                "max %.2f us; load average now %s)\n",
-                at(floorUs, 0.5), at(floorUs, 0.99), floorUs.back(), LoadAverage().c_str());
+    std::printf(
+        "  reader's extra time per batch (Publish): median %.2f us, p99 %.2f us, max %.2f "
+        "us (budget 50 us)\n",
+        at(publishUs, 0.5), at(publishUs, 0.99), publishUs.back());
+    std::printf(
+        "  (the same stopwatch around a copy of the epoch: median %.2f us, p99 %.2f us, "
+        "max %.2f us; load average now %s)\n",
+        at(floorUs, 0.5), at(floorUs, 0.99), floorUs.back(), LoadAverage().c_str());
     if (droppedAfter >= 0) {
-        std::printf("  stuck client: its receive buffer full (%d bytes) %.2f s after the start, "
-                    "dropped at %.2f s: %.2f s after it fell behind (budget 2 s)\n",
-                    stuckQueued, fellBehind, droppedAfter, droppedAfter - fellBehind);
+        std::printf(
+            "  stuck client: its receive buffer full (%d bytes) %.2f s after the start, "
+            "dropped at %.2f s: %.2f s after it fell behind (budget 2 s)\n",
+            stuckQueued, fellBehind, droppedAfter, droppedAfter - fellBehind);
     } else {
         std::printf("  stuck client NOT dropped\n");
     }

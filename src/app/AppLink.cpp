@@ -100,17 +100,21 @@ void AppLink::StartNewNmeaLog() {
     link::MakeNmeaLogPath(link_);
 }
 
-void AppLink::SetComPort(std::uint32_t comPort) {
+void AppLink::PortChosen(std::uint32_t comPort) {
     // A gpsd found by the settings becomes a line of the ports file once it
     // is chosen, so that its COM number means it in the next run too.
     if (const auto it = foundGpsd_.find(static_cast<int>(comPort)); it != foundGpsd_.end()) {
         portMap_[it->first] = it->second;
         if (!portsFile_.empty()) {
             std::ofstream out(portsFile_, std::ios::app);
-            out << "COM" << it->first << '=' << it->second << '\n';
+            out << "\nCOM" << it->first << '=' << it->second
+                << '\n';  // after a last line without one
         }
-        foundGpsd_.erase(it);
     }
+    foundGpsd_.clear();
+}
+
+void AppLink::SetComPort(std::uint32_t comPort) {
     link_.portName = link::ComName(static_cast<int>(comPort));
     link_.devicePath = link::ResolvePortName(link_.portName, portMap_, overridePath_);
 }

@@ -74,6 +74,7 @@ class AppLink : public QObject,
     void SwitchRadioBackOff() override;
     void NoteRadioSwitchedOn() override { radioSwitchedOn_ = true; }
     std::vector<link::PortSlot> PortSlots() override;
+    void PortChosen(std::uint32_t comPort) override;
     link::RelaySetting Relay() const override { return relaySetting_; }
     void SetRelay(const link::RelaySetting& setting) override;
 

@@ -1,10 +1,10 @@
 #include "NmeaRelay.h"
 
+#include <linux/sockios.h>
 #include <netdb.h>
 #include <poll.h>
 #include <pthread.h>
 #include <sched.h>
-#include <linux/sockios.h>
 #include <sys/eventfd.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -221,7 +221,8 @@ void NmeaRelay::Send(Client& client, const char* data, std::size_t length) {
     if (!client.backlog.empty()) {
         // Behind already: the new bytes queue after the old ones (one byte
         // over the limit marks it for the drop).
-        const std::size_t room = kRelayBacklogLimit + 1 - std::min(kRelayBacklogLimit + 1, client.backlog.size());
+        const std::size_t room =
+            kRelayBacklogLimit + 1 - std::min(kRelayBacklogLimit + 1, client.backlog.size());
         client.backlog.append(data, std::min(length, room));
         return;
     }
@@ -240,8 +241,8 @@ void NmeaRelay::Send(Client& client, const char* data, std::size_t length) {
 void NmeaRelay::Flush(Client& client) {
     if (client.backlog.empty() || client.fd < 0)
         return;
-    const ssize_t n =
-        ::send(client.fd, client.backlog.data(), client.backlog.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    const ssize_t n = ::send(client.fd, client.backlog.data(), client.backlog.size(),
+                             MSG_DONTWAIT | MSG_NOSIGNAL);
     if (n < 0 && errno != EAGAIN && errno != EINTR) {
         ::close(client.fd);
         client.fd = -1;

@@ -59,10 +59,10 @@ class NmeaRelay final : public ByteTap {
   private:
     struct Client {
         int fd = -1;
-        std::string backlog;      // what the kernel would not take yet
+        std::string backlog;        // what the kernel would not take yet
         std::uint64_t written = 0;  // bytes the kernel took
         std::uint64_t acked = 0;    // of them, taken by the client (written - queued)
-        bool behind = false;      // bytes wait for it ...
+        bool behind = false;        // bytes wait for it ...
         std::chrono::steady_clock::time_point since;  // ... with no progress since
     };
 

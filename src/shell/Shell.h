@@ -80,6 +80,8 @@ class LinkControl {
     virtual void NoteRadioSwitchedOn() {}
     // The ten COM indexes as the receiver settings offer them.
     virtual std::vector<link::PortSlot> PortSlots() { return std::vector<link::PortSlot>(10); }
+    // The receiver settings were confirmed with this COM number.
+    virtual void PortChosen(std::uint32_t comPort) { (void)comPort; }
 
     // What the options dialog changes while the program runs: recording
     // from the next batch on or not, the folder of the next recording, a new
