@@ -36,12 +36,9 @@ TEST(SourceAddress, ParsesEveryKind) {
         {"gpsd://10.0.0.2:3000/", SourceKind::Gpsd, "10.0.0.2", 3000, "gpsd 10.0.0.2:3000"},
         {"gpsd://[::1]", SourceKind::Gpsd, "::1", 2947, "gpsd [::1]:2947"},
         {"tcp://boat.local:10110", SourceKind::Tcp, "boat.local", 10110, "tcp boat.local:10110"},
-        {"tcp://[fe80::1]:7", SourceKind::Tcp, "fe80::1", 7, "tcp [fe80::1]:7"},
         {"tcp://host", SourceKind::Invalid, "", 0, "?"},  // a TCP source names its port
-        {"tcp://host:0", SourceKind::Invalid, "", 0, "?"},
         {"tcp://host:65536", SourceKind::Invalid, "", 0, "?"},
         {"gpsd://", SourceKind::Invalid, "", 0, "?"},
-        {"gpsd://a b", SourceKind::Invalid, "", 0, "?"},
         {"gpsd://[::1", SourceKind::Invalid, "", 0, "?"},
         {"gpsd://host:2947x", SourceKind::Invalid, "", 0, "?"},
     };
@@ -55,27 +52,6 @@ TEST(SourceAddress, ParsesEveryKind) {
         if (c.kind == SourceKind::Gpsd || c.kind == SourceKind::Tcp) {
             EXPECT_EQ(a.host, c.hostOrPath) << c.text;
             EXPECT_EQ(a.port, c.port) << c.text;
-        }
-    }
-}
-
-TEST(SourceAddress, RelayAddressTakesTheDefaultHost) {
-    struct Case {
-        const char* text;
-        bool ok;
-        const char* host;
-        std::uint16_t port;
-    };
-    for (const Case& c :
-         {Case{"10110", true, "127.0.0.1", 10110}, Case{"0.0.0.0:4000", true, "0.0.0.0", 4000},
-          Case{"[::]:4000", true, "::", 4000}, Case{"host", false, "", 0},
-          Case{"70000", false, "", 0}, Case{"", false, "", 0}}) {
-        std::string host;
-        std::uint16_t port = 0;
-        EXPECT_EQ(ParseHostPort(c.text, "127.0.0.1", host, port), c.ok) << c.text;
-        if (c.ok) {
-            EXPECT_EQ(host, c.host);
-            EXPECT_EQ(port, c.port);
         }
     }
 }
@@ -258,7 +234,7 @@ TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
 class Gpsd : public NetLink {
   protected:
     void SetUp() override {
-        if (!test::HaveProgram("/usr/bin/gpsfake") || !test::HaveProgram("/usr/sbin/gpsd"))
+        if (::access("/usr/bin/gpsfake", X_OK) != 0 || ::access("/usr/sbin/gpsd", X_OK) != 0)
             GTEST_SKIP() << "gpsd and gpsfake are not installed (scripts/setup installs them)";
         logPath = test::MakeTempDir() + "/excerpt.nmea";
         std::FILE* f = std::fopen(logPath.c_str(), "wb");
@@ -279,100 +255,68 @@ class Gpsd : public NetLink {
     std::uint16_t port = 0;
 };
 
-TEST_F(Gpsd, FixesFromGpsdEqualThoseOfTheLog) {
+// What gpsd passes on decodes to the fixes of the log; gpsd killed while
+// we follow it is the receiver gone.
+TEST_F(Gpsd, FixesEqualThoseOfTheLogAndItsDeathIsReason1) {
     const std::vector<Fix> expected = test::FixesOfLog(log);
     auto fake = Fake("0.05");
     ASSERT_TRUE(WaitGpsd());
     Open("gpsd://127.0.0.1:" + std::to_string(port));
     ASSERT_TRUE(SawFix(expected.back()));
-    const auto fixes = sink.fixes();
     std::size_t distinct = 0;
-    for (const Fix& f : fixes) {
+    for (const Fix& f : sink.fixes()) {
         const auto at = std::find(expected.begin(), expected.end(), f);
         EXPECT_NE(at, expected.end()) << f.time << " " << f.latitude;
         distinct += at != expected.end() && !f.time.empty();
     }
     EXPECT_GE(distinct, 2u);
-}
-
-TEST_F(Gpsd, KilledMidStreamIsReason1WithinSeconds) {
-    auto fake = Fake("0.3");
-    ASSERT_TRUE(WaitGpsd());
-    Open("gpsd://127.0.0.1:" + std::to_string(port));
-    ASSERT_TRUE(test::WaitFor([&] { return !sink.fixes().empty(); }, 10s));
     fake->Kill();
     EXPECT_TRUE(Lost(kLossDeviceGone, 3s));
 }
 
 // --- the relay ---
 
-TEST(NmeaRelay, ServesEveryByteToEveryClientAndNoMoreThanSixteen) {
+// Sixteen clients, one too many, one that talks and one that stops reading:
+// the readers get every byte as it came, the stuck one is dropped.
+TEST(NmeaRelay, ServesEveryByteAndDropsAClientThatStopsReading) {
     NmeaRelay relay;
+    NmeaRelay second;
     std::string error;
     ASSERT_TRUE(relay.Start("127.0.0.1", 0, error)) << error;
+    EXPECT_FALSE(second.Start("127.0.0.1", relay.Port(), error));  // the port is taken
+    EXPECT_FALSE(second.Start("example.org", 1, error));           // listening takes no names
     std::vector<int> clients;
     for (std::size_t i = 0; i < kRelayMaxClients + 1; ++i)
-        clients.push_back(test::ConnectLoopback(relay.Port()));
+        clients.push_back(test::ConnectLoopback(relay.Port(), i == 0 ? 4096 : 0));
     ASSERT_TRUE(test::WaitFor([&] { return relay.Clients() == kRelayMaxClients; }));
-    // The one too many is closed; a client that talks is heard and ignored.
-    EXPECT_EQ(test::ReceiveFor(clients.back(), 1, 2000ms), "");
+    EXPECT_EQ(test::ReceiveFor(clients.back(), 1, 2000ms), "");  // closed at once
     ::close(clients.back());
     clients.pop_back();
-    test::SendAll(clients[0], std::string(100000, 'g'));
+    test::SendAll(clients[1], std::string(100000, 'g'));
 
     std::string sent;
+    std::vector<std::string> got(clients.size());
     std::mt19937 random(3);
-    for (int i = 0; i < 200; ++i) {
-        std::string chunk(1 + random() % 700, '\0');
+    for (int i = 0; i < 400 && relay.Dropped() == 0; ++i) {  // at most 20 s
+        std::string chunk(1 + random() % 1400, '\0');
         for (char& c : chunk) c = static_cast<char>(random());
         relay.Publish(chunk.data(), chunk.size());
         sent += chunk;
-        std::this_thread::sleep_for(1ms);
-    }
-    for (const int fd : clients) {
-        EXPECT_EQ(test::ReceiveFor(fd, sent.size(), 3000ms), sent);
-        ::close(fd);
-    }
-    EXPECT_TRUE(test::WaitFor([&] { return relay.Clients() == 0; }));
-    EXPECT_EQ(relay.Dropped(), 0u);
-}
-
-TEST(NmeaRelay, ClientThatStopsReadingIsDroppedAndOthersGetEverything) {
-    NmeaRelay relay;
-    std::string error;
-    ASSERT_TRUE(relay.Start("127.0.0.1", 0, error)) << error;
-    const int stuck = test::ConnectLoopback(relay.Port(), 4096);
-    const int reader = test::ConnectLoopback(relay.Port());
-    ASSERT_TRUE(test::WaitFor([&] { return relay.Clients() == 2; }));
-    std::string sent;
-    std::string got;
-    const std::string epoch(2000, 'n');
-    for (int i = 0; i < 400 && relay.Dropped() == 0; ++i) {  // 10 Hz for at most 40 s
-        relay.Publish(epoch.data(), epoch.size());
-        sent += epoch;
-        got += test::ReceiveFor(reader, sent.size() - got.size(), 100ms);
+        for (std::size_t k = 1; k < clients.size(); ++k)
+            got[k] += test::ReceiveFor(clients[k], sent.size() - got[k].size(), 3ms);
     }
     EXPECT_EQ(relay.Dropped(), 1u);
-    got += test::ReceiveFor(reader, sent.size() - got.size(), 2000ms);
-    EXPECT_EQ(got, sent);
-    EXPECT_EQ(relay.Clients(), 1u);
-    ::close(stuck);
-    ::close(reader);
-}
-
-TEST(NmeaRelay, PortInUseIsSaid) {
-    NmeaRelay first;
-    NmeaRelay second;
-    std::string error;
-    ASSERT_TRUE(first.Start("127.0.0.1", 0, error));
-    EXPECT_FALSE(second.Start("127.0.0.1", first.Port(), error));
-    EXPECT_FALSE(error.empty());
-    EXPECT_FALSE(second.Start("example.org", 1, error));  // listening takes no names
+    for (std::size_t k = 1; k < clients.size(); ++k) {
+        got[k] += test::ReceiveFor(clients[k], sent.size() - got[k].size(), 3000ms);
+        EXPECT_EQ(got[k], sent) << "client " << k;
+    }
+    for (const int fd : clients) ::close(fd);
+    EXPECT_TRUE(test::WaitFor([&] { return relay.Clients() == 0; }));
 }
 
 // gpsd takes the relay as its device; its TPV reports carry our positions.
 TEST_F(Gpsd, GpsdOnTheRelayReportsOurPositions) {
-    if (!test::HaveProgram("/usr/bin/gpspipe"))
+    if (::access("/usr/bin/gpspipe", X_OK) != 0)
         GTEST_SKIP() << "gpspipe is not installed";
     NmeaRelay relay;
     std::string error;

@@ -146,10 +146,6 @@ class Child {
     pid_t pid_ = -1;
 };
 
-inline bool HaveProgram(const char* path) {
-    return ::access(path, X_OK) == 0;
-}
-
 // Waits until something listens on the loopback port.
 inline bool WaitListening(std::uint16_t port) {
     return WaitFor(
