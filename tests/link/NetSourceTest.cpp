@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <random>
 
 #include "FixText.h"
@@ -204,7 +205,7 @@ TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
     for (const Case& c : cases) {
         std::atomic<bool> done{false};
         std::string watch;
-        test::OneShotServer server([&](int fd) {
+        auto server = std::make_unique<test::OneShotServer>([&](int fd) {
             if (std::string_view(c.scheme) == "gpsd")
                 watch = test::ReceiveFor(fd, sizeof kGpsdWatch - 1, 2000ms);
             test::SendAll(fd, c.junk);
@@ -214,7 +215,7 @@ TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
                 std::this_thread::sleep_for(50ms);
             }
         });
-        Open(std::string(c.scheme) + "://127.0.0.1:" + std::to_string(server.port()));
+        Open(std::string(c.scheme) + "://127.0.0.1:" + std::to_string(server->port()));
         if (c.thenSentences) {
             EXPECT_TRUE(SawFix({"120001.00", "3112.0001", "12128.0000"})) << c.name;
         } else {
@@ -223,6 +224,7 @@ TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
         done = true;
         StopLink(link);
         sink.Reset();
+        server.reset();  // its thread has ended: `watch` is ours to read
         if (std::string_view(c.scheme) == "gpsd") {
             EXPECT_EQ(watch, kGpsdWatch) << c.name;
         }
