@@ -51,8 +51,8 @@ OptionsDialog OpenOptionsDialog(const ProgramSettings& settings, const std::stri
 
 // The rectangles of the controls for a client width and BaseTextHeight, in
 // the order 1151, 1144, 1146, 1147, 1150, 1148, then the all-talkers check
-// box, a row below the storage list, the relay's check box under it and its
-// address indented on the row below.
+// box, a row below the storage list, and the relay's check box under it
+// with its address beside it.
 struct OptionsLayout {
     screens::Rect heading, autoBluetooth, keepAwake, recordNmea, storageLabel, storage, allTalkers;
     screens::Rect relay, relayAddress;
