@@ -4,18 +4,22 @@
 # and this prints its CPU time as a share of one core, its peak resident
 # memory, and the delay from each epoch's write to its decoded JSON line.
 # Budgets: CPU <= 1 %, RSS < 10 MB, latency <= 1.1 s.
-#   bench/link_cpu.sh [BUILD_DIR] [SECONDS]
+# In gpsd mode a gpsd of its own (on a free loopback port) holds the
+# pseudo-terminal and `satwalk-tool log` follows it at gpsd://127.0.0.1:PORT;
+# the delay is then from the epoch's write into gpsd to its decoded line.
+#   bench/link_cpu.sh [BUILD_DIR] [SECONDS] [tty|gpsd]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 BUILD=${1:-build/default}
 SECONDS_TO_RUN=${2:-60}
+MODE=${3:-tty}
 TOOL="$BUILD/tools/satwalk-tool"
 [ -x "$TOOL" ] || { echo "build satwalk-tool first ($TOOL)" >&2; exit 2; }
 LOG=resources/demo/demo-drive.nmea
-exec python3 - "$TOOL" "$LOG" "$SECONDS_TO_RUN" <<'PY'
-import json, os, subprocess, sys, tempfile, time
+exec python3 - "$TOOL" "$LOG" "$SECONDS_TO_RUN" "$MODE" <<'PY'
+import json, os, socket, subprocess, sys, tempfile, time
 
-tool, log, seconds = sys.argv[1], sys.argv[2], int(sys.argv[3])
+tool, log, seconds, mode = sys.argv[1], sys.argv[2], int(sys.argv[3]), sys.argv[4]
 
 def sentence(body):
     s = 0
@@ -51,7 +55,23 @@ with open(log, "rb") as f:
 replay = subprocess.Popen([tool, "replay", log, "--rate", "1"], stdout=subprocess.PIPE)
 start = time.monotonic()  # epoch 0 is written when the path is printed
 pty = replay.stdout.readline().decode().strip()
-logger = subprocess.Popen([tool, "log", "--port", pty, "--baud", "9600",
+gpsd = None
+port = pty
+if mode == "gpsd":
+    s = socket.socket()
+    s.bind(("127.0.0.1", 0))
+    free = s.getsockname()[1]
+    s.close()
+    gpsd = subprocess.Popen(["gpsd", "-N", "-n", "-b", "-S", str(free), pty],
+                            stderr=subprocess.DEVNULL)
+    for _ in range(200):  # up to 10 s for it to listen
+        try:
+            socket.create_connection(("127.0.0.1", free), 0.2).close()
+            break
+        except OSError:
+            time.sleep(0.05)
+    port = "gpsd://127.0.0.1:%d" % free
+logger = subprocess.Popen([tool, "log", "--port", port, "--baud", "9600",
                            "--seconds", str(seconds)], stdout=subprocess.PIPE)
 def peak_rss_kb(pid):
     # VmHWM of the running program itself (the rusage of a child also counts
@@ -79,9 +99,13 @@ for line in logger.stdout:
 _, status, usage = os.wait4(logger.pid, 0)
 replay.terminate()
 replay.wait()
+if gpsd:
+    gpsd.terminate()
+    gpsd.wait()
 
 cpu = usage.ru_utime + usage.ru_stime
-print("satwalk-tool log, %d s at 1 Hz, 9600 baud: %d batches" % (seconds, batches))
+print("satwalk-tool log, %d s at 1 Hz, %s: %d batches"
+      % (seconds, "through gpsd" if gpsd else "9600 baud", batches))
 print("  CPU  %.3f s = %.3f %% of one core (budget 1 %%)" % (cpu, 100.0 * cpu / seconds))
 print("  RSS  %.1f MB peak (budget 10 MB)" % (hwm / 1024.0))
 if latencies:

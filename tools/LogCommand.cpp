@@ -19,7 +19,9 @@
 
 #include "GpsJson.h"
 #include "Json.h"
+#include "NmeaRelay.h"
 #include "ReceiverLink.h"
+#include "SourceAddress.h"
 #include "ThreadTimer.h"
 #include "ToolCommands.h"
 
@@ -28,15 +30,18 @@ namespace satwalk::tools {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: satwalk-tool log --port PATH [--baud N] [--record DIR] [--seconds S] "
-    "[--all-talkers]\n"
-    "  Opens the receiver on PATH (a tty or pseudo-terminal) as the program\n"
-    "  does and prints one JSON object per decoded batch; when the receiver\n"
-    "  falls silent for 30 s or vanishes, prints the loss and exits 0.\n"
+    "usage: satwalk-tool log --port SOURCE [--baud N] [--record DIR] [--seconds S] "
+    "[--all-talkers] [--relay [HOST:]PORT]\n"
+    "  Opens the receiver at SOURCE (a tty or pseudo-terminal, gpsd://HOST[:PORT]\n"
+    "  or tcp://HOST:PORT) as the program does and prints one JSON object per\n"
+    "  decoded batch; when the receiver falls silent for 30 s or vanishes,\n"
+    "  prints the loss and exits 0.\n"
     "  --baud N        4800, 9600, 14400, 19200, 38400 (default) or 57600\n"
     "  --record DIR    record the raw stream into DIR as the program does\n"
     "  --seconds S     stop after S seconds (no loss line when none happened)\n"
-    "  --all-talkers   accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n";
+    "  --all-talkers   accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n"
+    "  --relay [HOST:]PORT  serve the receiver's bytes to TCP clients (host 127.0.0.1\n"
+    "                  unless named)\n";
 
 // Prints each batch; hands the stop command back to the main thread.
 class PrintingSink final : public link::LinkSink {
@@ -111,13 +116,14 @@ bool ParseNumber(std::string_view text, unsigned long& out) {
 int RunLog(int argc, char** argv) {
     const char* port = nullptr;
     const char* record = nullptr;
+    const char* relay = nullptr;
     unsigned long baud = 38400;
     unsigned long seconds = 0;
     bool allTalkers = false;
     for (int i = 0; i < argc; ++i) {
         const std::string_view arg = argv[i];
-        const bool takesValue =
-            arg == "--port" || arg == "--baud" || arg == "--record" || arg == "--seconds";
+        const bool takesValue = arg == "--port" || arg == "--baud" || arg == "--record" ||
+                                arg == "--seconds" || arg == "--relay";
         if (arg == "-h" || arg == "--help") {
             std::fputs(kUsage, stdout);
             return 0;
@@ -139,6 +145,8 @@ int RunLog(int argc, char** argv) {
             port = value;
         } else if (arg == "--record") {
             record = value;
+        } else if (arg == "--relay") {
+            relay = value;
         } else if (!ParseNumber(value, arg == "--baud" ? baud : seconds) || baud > 0xffffffffUL) {
             std::fprintf(stderr, "satwalk-tool log: %s needs a number\n%s", argv[i - 1], kUsage);
             return 2;
@@ -169,6 +177,22 @@ int RunLog(int argc, char** argv) {
     if (record != nullptr) {
         receiver.recordNmea = true;
         receiver.nmeaFolder = record;
+    }
+
+    // The relay is the receiver's second reader: one that cannot listen is
+    // said once, and the receiver runs on.
+    link::NmeaRelay relayServer;
+    if (relay != nullptr) {
+        std::string host;
+        std::uint16_t relayPort = 0;
+        std::string error = "not [HOST:]PORT";
+        if (link::ParseHostPort(relay, "127.0.0.1", host, relayPort) &&
+            relayServer.Start(host, relayPort, error)) {
+            receiver.tap = &relayServer;
+        } else {
+            std::fprintf(stderr, "satwalk-tool log: cannot relay on %s: %s\n", relay,
+                         error.c_str());
+        }
     }
 
     if (!link::OpenPort(receiver)) {
@@ -203,6 +227,7 @@ int RunLog(int argc, char** argv) {
     }
     timer.Stop();
     owned.reset();  // waits for the reader to end
+    relayServer.Stop();
     WriteAll(STDOUT_FILENO, line);
     return 0;
 }

@@ -12,10 +12,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 
 #include "BluezSearch.h"
 #include "CommandIds.h"
 #include "MainWindow.h"
+#include "NetSource.h"
+#include "SourceAddress.h"
+#include "Strings.h"
 
 namespace satwalk::app {
 
@@ -67,7 +71,14 @@ bool AppLink::RegisterBluetoothPort(std::uint64_t address) {
 }
 
 std::vector<link::PortSlot> AppLink::PortSlots() {
-    return link::ProbePortSlots(&rfcomm_, portMap_);
+    std::vector<link::PortSlot> ports =
+        link::ProbePortSlots(&rfcomm_, portMap_, link::kGpsdDefaultPort);
+    foundGpsd_.clear();
+    for (const link::PortSlot& port : ports) {
+        if (!port.source.empty())
+            foundGpsd_[port.number] = port.source;
+    }
+    return ports;
 }
 
 bool AppLink::SwitchRadioOn() {
@@ -103,6 +114,20 @@ void AppLink::StartNewNmeaLog() {
     link::MakeNmeaLogPath(link_);
 }
 
+void AppLink::PortChosen(std::uint32_t comPort) {
+    // A gpsd found by the settings becomes a line of the ports file once it
+    // is chosen, so that its COM number means it in the next run too.
+    if (const auto it = foundGpsd_.find(static_cast<int>(comPort)); it != foundGpsd_.end()) {
+        portMap_[it->first] = it->second;
+        if (!portsFile_.empty()) {
+            std::ofstream out(portsFile_, std::ios::app);
+            out << "\nCOM" << it->first << '=' << it->second
+                << '\n';  // after a last line without one
+        }
+    }
+    foundGpsd_.clear();
+}
+
 void AppLink::SetComPort(std::uint32_t comPort) {
     link_.portName = link::ComName(static_cast<int>(comPort));
     link_.devicePath = link::ResolvePortName(link_.portName, portMap_, overridePath_);
@@ -114,18 +139,73 @@ bool AppLink::OpenPort() {
 
 bool AppLink::StartLink() {
     closing_ = false;
-    return link::StartLink(link_);
+    const bool started = link::StartLink(link_);
+    UpdateRelay();
+    return started;
 }
 
 int AppLink::StopLink() {
     const int reason = static_cast<int>(link::StopLink(link_));
     ClearRecordingFault();  // nothing is recorded any more, so nothing fails
+    UpdateRelay();
     return reason;
 }
 
 void AppLink::ClearRecordingFault() {
     if (window_ != nullptr)
         window_->shell().ReportRecordingWrite(shell::Recording::Nmea, 0);
+}
+
+void AppLink::LoadRelaySetting(const std::string& path) {
+    relayFile_ = path;
+    relaySetting_ = link::LoadRelaySetting(path);
+}
+
+void AppLink::OverrideRelay(const std::string& address) {
+    relaySetting_ = {true, address};
+    relayOverridden_ = true;
+}
+
+void AppLink::SetRelay(const link::RelaySetting& setting) {
+    if (setting == relaySetting_)
+        return;
+    relaySetting_ = setting;
+    if (!relayOverridden_ && !relayFile_.empty())
+        link::SaveRelaySetting(relayFile_, setting);
+    relay_.Stop();  // a new address listens anew
+    relayFailureTold_ = false;
+    UpdateRelay();
+}
+
+void AppLink::UpdateRelay() {
+    const bool wanted = relaySetting_.on && link_.running;
+    if (!wanted) {
+        link_.tap = nullptr;
+        relay_.Stop();
+        return;
+    }
+    if (relay_.Listening())
+        return;
+    std::string host;
+    std::uint16_t port = 0;
+    std::string error = "[HOST:]PORT?";
+    if (link::ParseHostPort(relaySetting_.address, link::kRelayDefaultHost, host, port) &&
+        relay_.Start(host, port, error)) {
+        link_.tap = &relay_;
+        return;
+    }
+    if (relayFailureTold_ || window_ == nullptr)
+        return;
+    relayFailureTold_ = true;
+    const std::string text = common::FormatString(common::LoadString(common::kStrRelayCannotListen),
+                                                  relaySetting_.address + " (" + error + ")");
+    QMetaObject::invokeMethod(
+        window_,
+        [w = window_, text] {
+            w->shell().ui().ShowMessage(text, shell::MessageIcon::Exclamation,
+                                        shell::MessageButtons::Ok);
+        },
+        Qt::QueuedConnection);
 }
 
 bool AppLink::Start() {

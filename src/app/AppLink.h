@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "NmeaRelay.h"
 #include "PortNames.h"
 #include "ReceiverLink.h"
 #include "ReceiverSettingsModel.h"
@@ -42,7 +43,14 @@ class AppLink : public QObject,
     void StartNewNmeaLog() override;
     void SetAllTalkers(bool on) override { link_.allTalkers = on; }
     // The port map file (lines "COM3=/dev/ttyS0"); a missing file is no map.
-    void LoadPortMap(const std::string& path) { link::LoadPortMap(path, portMap_); }
+    void LoadPortMap(const std::string& path) {
+        portsFile_ = path;
+        link::LoadPortMap(path, portMap_);
+    }
+    // The relay setting's file (read now, written by SetRelay), and a relay
+    // for this run only (--relay), which the file does not learn of.
+    void LoadRelaySetting(const std::string& path);
+    void OverrideRelay(const std::string& address);
 
     // The ten COM indexes as the receiver settings show them: free for a
     // Bluetooth port or not, and the device behind each.
@@ -67,6 +75,9 @@ class AppLink : public QObject,
     void SwitchRadioBackOff() override;
     void NoteRadioSwitchedOn() override { radioSwitchedOn_ = true; }
     std::vector<link::PortSlot> PortSlots() override;
+    void PortChosen(std::uint32_t comPort) override;
+    link::RelaySetting Relay() const override { return relaySetting_; }
+    void SetRelay(const link::RelaySetting& setting) override;
 
     // link::LinkSink (reader thread, except OnStopCommand)
     void OnGpsData() override;
@@ -90,12 +101,24 @@ class AppLink : public QObject,
     void Deliver(const char* slot);
     void ReportRecording(int error);  // reader thread
     void ClearRecordingFault();       // window's thread
+    // Starts or stops the relay to match its setting and the link; a relay
+    // that cannot listen is said once a run.
+    void UpdateRelay();
 
     link::PortMap portMap_;
+    std::string portsFile_;
+    link::PortMap foundGpsd_;  // a gpsd the settings found, until chosen
     // Bluetooth receivers' ports; declared before the link, which gives its
     // port back to the driver as it goes.
     link::RfcommPortDriver rfcomm_;
+    // Declared before the link, so it goes after it: the link's reader may
+    // be handing it a read until the link is gone.
+    link::NmeaRelay relay_;
     link::ReceiverLink link_;
+    link::RelaySetting relaySetting_;
+    std::string relayFile_;
+    bool relayOverridden_ = false;
+    bool relayFailureTold_ = false;
     bool radioSwitchedOn_ = false;  // the program switched the radio on
     std::string overridePath_;
     MainWindow* window_ = nullptr;

@@ -1,8 +1,8 @@
 // satwalk: the GPS display window.
 //
-//   satwalk [--options PATH] [--size WxH] [--dpi N] [--port PATH]
+//   satwalk [--options PATH] [--size WxH] [--dpi N] [--port SOURCE]
 //           [--replay [FILE] [--replay-rate X]] [--script FILE] [--single-instance]
-//           [--all-talkers]
+//           [--all-talkers] [--relay [HOST:]PORT]
 //   satwalk --help | --version | --list-commands
 #include <QApplication>
 #include <QDir>
@@ -37,6 +37,7 @@
 #include "TrackGpxOption.h"
 
 #include "AppLink.h"
+#include "RelaySetting.h"
 #include "ReplayReceiver.h"
 
 namespace {
@@ -48,12 +49,15 @@ constexpr const char* kUsage =
     "  --options PATH        the options file (default: the XDG config folder)\n"
     "  --size WxH            client size above the soft-key bar (default 480x640)\n"
     "  --dpi N               screen density (default 192; 96 selects the small set)\n"
-    "  --port PATH           a device that stands for the configured receiver port\n"
+    "  --port SOURCE         a receiver that stands for the configured port: a device,\n"
+    "                        gpsd://HOST[:PORT] or tcp://HOST:PORT\n"
     "  --replay [FILE]       play FILE (default: the demo drive) as the receiver\n"
     "  --replay-rate X       replay speed, epochs per second (default 1)\n"
     "  --script FILE         run a script (works with -platform offscreen)\n"
     "  --single-instance     take part in the one-copy rule in script mode too\n"
     "  --all-talkers         accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n"
+    "  --relay [HOST:]PORT   serve the receiver's NMEA to TCP clients for this run\n"
+    "                        (host 127.0.0.1 unless named)\n"
     "  --list-commands       print the command ids of the menus and scripts, and exit\n"
     "  --version             print the version and exit\n"
     "  --help                print this and exit\n";
@@ -70,6 +74,7 @@ struct Arguments {
     bool singleInstance = false;
     bool allTalkers = false;
     bool listCommands = false;
+    QString relay;
 };
 
 std::optional<Arguments> ParseArguments(const QStringList& args) {
@@ -127,6 +132,9 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
             a.singleInstance = true;
         } else if (arg == "--all-talkers") {
             a.allTalkers = true;
+        } else if (arg == "--relay") {
+            if (!value(a.relay) || !link::IsRelayAddress(a.relay.toStdString()))
+                return std::nullopt;
         } else if (arg == "--list-commands") {
             a.listCommands = true;
         } else {
@@ -257,6 +265,10 @@ int main(int argc, char** argv) {
     link.SetAllTalkers(settings.allTalkers != 0 || args.allTalkers);
     // COMn to device paths, beside the options file.
     link.LoadPortMap(QFileInfo(optionsPath).dir().filePath("ports").toStdString());
+    // The relay's setting, beside them too; --relay is for this run only.
+    link.LoadRelaySetting(QFileInfo(optionsPath).dir().filePath("relay").toStdString());
+    if (!args.relay.isEmpty())
+        link.OverrideRelay(args.relay.toStdString());
     std::unique_ptr<link::ReplayReceiver> replay;
     if (args.replay) {
         replay = std::make_unique<link::ReplayReceiver>();

@@ -122,6 +122,10 @@ constexpr Entry kStrings[] = {
     {41609, "无法保存设置到 %s：%s\n\n本次更改的设置将会丢失。"},
     {41610, "无法读取参照点文件 %s，地图未校准。\n\n原文件不会被覆盖。"},
     {41611, "无法读取的参照点文件已保留为 %s。"},
+    // Texts of the additions, numbered after the handheld's own.
+    {41701, "NMEA 转发"},
+    {41702, "NMEA 转发无法在 %s 上监听，GPS接收机照常运行。"},
+    {41703, "本机 gpsd"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),

@@ -132,6 +132,12 @@ inline constexpr int kStrReferenceFileKept = 41611;
 
 // The reason text (one of the four above) for an errno of a failed write.
 const char* WriteFailureReason(int error);
+// The NMEA relay: its option, said once when it cannot listen (%s: the
+// address and the system's reason); the receiver settings' entry of a gpsd
+// found on this machine.
+inline constexpr int kStrRelayOption = 41701;
+inline constexpr int kStrRelayCannotListen = 41702;
+inline constexpr int kStrLocalGpsd = 41703;
 
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";

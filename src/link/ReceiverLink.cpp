@@ -14,7 +14,9 @@
 #include <cstring>
 #include <utility>
 
+#include "NetSource.h"
 #include "PortNames.h"
+#include "SourceAddress.h"
 #include "Strings.h"
 #include "TtyBaud.h"
 
@@ -60,10 +62,12 @@ bool IsOfferedBaud(std::uint32_t rate) {
 }
 
 // A tty whose device went away, or a Bluetooth connection that broke (the
-// receiver walked out of range or was switched off).
+// receiver walked out of range or was switched off), or a network source
+// that refused or dropped the connection.
 bool IsGoneError(int err) {
     return err == EIO || err == ENODEV || err == ENXIO || err == ECONNRESET || err == ENOTCONN ||
-           err == ETIMEDOUT || err == EHOSTDOWN || err == EHOSTUNREACH;
+           err == ETIMEDOUT || err == EHOSTDOWN || err == EHOSTUNREACH || err == ECONNREFUSED ||
+           err == EPIPE || err == ENETUNREACH;
 }
 
 void Wake(const ReceiverLink& link) {
@@ -187,6 +191,7 @@ void DeregisterVirtualPort(ReceiverLink& link) {
 
 bool OpenPort(ReceiverLink& link) {
     ClosePortFd(link);
+    link.net.reset();
     int fd = -1;
     if (link.virtualPortRegistered && link.portDriver != nullptr) {
         fd = link.portDriver->ConnectPort(link.virtualPortIndex);
@@ -203,6 +208,13 @@ bool OpenPort(ReceiverLink& link) {
     } else {
         const std::string path =
             link.devicePath.empty() ? ResolvePortName(link.portName, {}) : link.devicePath;
+        const SourceAddress source = ParseSourceAddress(path);
+        if (source.kind != SourceKind::Tty) {
+            fd = NetSource::Begin(source, link.net);
+            if (fd < 0)
+                return FailOpen(link, -1, common::err::kPortOpen);
+            return Opened(link, fd);
+        }
         // Non-blocking, so that a port without carrier does not hold the open.
         fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
         if (fd < 0)
@@ -415,8 +427,10 @@ void ReaderThread(ReceiverLink& link) {
 
     char chunk[kReadSize + 1];
     bool watchPort = true;
+    NetSource* const net = link.net.get();
     while (link.portOpen) {
-        pollfd fds[2] = {{link.wakeFd, POLLIN, 0}, {fd, POLLIN, 0}};
+        const short events = net != nullptr ? net->Events() : POLLIN;
+        pollfd fds[2] = {{link.wakeFd, POLLIN, 0}, {fd, events, 0}};
         if (::poll(fds, watchPort ? 2 : 1, -1) < 0 && errno != EINTR) {
             // Nothing sensible to wait on any more: treat the port as gone
             // and wait for the wake-up alone.
@@ -429,14 +443,27 @@ void ReaderThread(ReceiverLink& link) {
         if (link.stopRequested || !link.portOpen)
             break;
 
+        // A network source still connecting reads nothing yet.
+        const bool connecting = net != nullptr && !net->Streaming();
+        if (watchPort && connecting && fds[1].revents != 0 && !net->Advance(fd, fds[1].revents)) {
+            link.deviceGone = true;
+            watchPort = false;
+        }
+
         // Read when the port has something, and once after every tick.
         std::size_t count = 0;
-        if (watchPort && (fds[1].revents != 0 || link.processPending)) {
+        if (watchPort && !connecting && (fds[1].revents != 0 || link.processPending)) {
             const ssize_t n = ::read(fd, chunk, kReadSize);
             if (n > 0) {
-                count = static_cast<std::size_t>(n);
+                count = net != nullptr ? net->Filter(chunk, static_cast<std::size_t>(n))
+                                       : static_cast<std::size_t>(n);
+                if (ByteTap* tap = link.tap.load(); tap != nullptr && count > 0)
+                    tap->Publish(chunk, count);
             } else if ((n < 0 && IsGoneError(errno)) ||
+                       (n == 0 && net != nullptr && (fds[1].revents & POLLIN) != 0) ||
                        (n <= 0 && (fds[1].revents & (POLLHUP | POLLERR | POLLNVAL)))) {
+                // (A socket that reads nothing although it polled readable
+                // has been closed by the peer.)
                 // The device has vanished; the watchdog ends the link. Stop
                 // watching the descriptor so that the hang-up cannot spin.
                 link.deviceGone = true;

@@ -1,5 +1,6 @@
 // The receiver link: one NMEA 0183 receiver on a tty (USB, ACM, rfcomm or a
-// pseudo-terminal), a reader thread that accumulates what arrives, and a
+// pseudo-terminal) or at a network source (gpsd, NMEA over TCP; see
+// NetSource.h), a reader thread that accumulates what arrives, and a
 // one-second watchdog tick that decides when the text is decoded, notices a
 // silent or vanished receiver and requests the periodic time sync.
 //
@@ -22,6 +23,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <ctime>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -53,6 +55,18 @@ inline constexpr int kStopWaitMs = 1000;  // bound on waiting for the reader
 // highest down.
 inline constexpr int kVirtualPortFirst = 9;
 inline constexpr int kVirtualPortLast = 0;
+
+class NetSource;
+
+// Takes a copy of every byte the receiver sends (the NMEA relay). Called on
+// the reader thread with each read as it came; never waits for anyone.
+class ByteTap {
+  public:
+    virtual void Publish(const char* data, std::size_t length) = 0;
+
+  protected:
+    ~ByteTap() = default;
+};
 
 // How the link reaches its owner. Every call is synchronous.
 class LinkSink {
@@ -145,8 +159,9 @@ struct ReceiverLink {
 
     // --- Configuration, set by the owner before OpenPort / StartLink ---
     std::string portName;                     // "COM%d:" of the configured port, for display
-    std::string devicePath;                   // the tty actually opened (see PortNames.h); when
-                                              // empty, portName resolves through the default map
+    std::string devicePath;                   // the tty or source address actually opened (see
+                                              // PortNames.h, SourceAddress.h); when empty,
+                                              // portName resolves through the default map
     std::uint32_t baudRate = 38400;           // one of common::kBaudRates
     std::uint32_t byteSize = 8;               // data bits (5..8)
     std::uint32_t parity = 0;                 // 0 none, 1 odd, 2 even
@@ -154,6 +169,7 @@ struct ReceiverLink {
     std::atomic<LinkSink*> sink{nullptr};     // null: batches recorded, not decoded
     LinkTimer* timer = nullptr;               // null: ticks are driven by the owner
     VirtualPortDriver* portDriver = nullptr;  // registers Bluetooth ports; null: none
+    std::atomic<ByteTap*> tap{nullptr};       // gets every read of the receiver; null: none
     // Accept all satellite systems: RMC, GGA and GSA of every talker fill the
     // fix, GSV of every talker the satellite table. Read before each decode.
     std::atomic<bool> allTalkers{false};
@@ -172,6 +188,7 @@ struct ReceiverLink {
     bool virtualPortRegistered = false;           // a Bluetooth port is registered ...
     int virtualPortIndex = -1;                    // ... under this COM index
     int portFd = -1;                              // the open port
+    std::unique_ptr<NetSource> net;               // set by OpenPort for a network source
     std::atomic<bool> portOpen{false};            // cleared when the watchdog closes the link
     std::atomic<bool> running{false};             // started and not stopped
     std::atomic<bool> stopRequested{false};       // tells the reader thread to end
@@ -220,12 +237,13 @@ bool RegisterBluetoothPort(ReceiverLink& link, std::uint64_t address);
 void DeregisterVirtualPort(ReceiverLink& link);
 
 // Opens the port (a registered Bluetooth port through the driver, else
-// devicePath, else portName through the default map) and
-// configures it: raw 8-bit input, the baud rate, byteSize/parity/stopBits,
-// no hardware handshake, DTR and RTS dropped, XON/XOFF both ways, reads that
-// return at once, both queues flushed; a connection that is not a tty (a
-// socket) is only made non-blocking. False with lastErrorCode set, the port
-// closed and a registered port deregistered.
+// devicePath, else portName through the default map). A gpsd or TCP source
+// address only begins its connection (NetSource.h): refused, dropped or
+// unresolved, it is a receiver gone for the watchdog. A tty is configured: raw 8-bit input, the
+// baud rate, byteSize/parity/stopBits, no hardware handshake, DTR and RTS dropped, XON/XOFF both
+// ways, reads that return at once, both queues flushed; a connection that is not a tty (a socket)
+// is only made non-blocking. False with lastErrorCode set, the port closed and a registered port
+// deregistered.
 bool OpenPort(ReceiverLink& link);
 
 // Names the recording file (when recordNmea is set), starts the watchdog

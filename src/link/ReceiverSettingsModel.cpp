@@ -1,10 +1,14 @@
 #include "ReceiverSettingsModel.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include "BaudRates.h"
 #include "ErrorCodes.h"
+#include "NetSource.h"
+#include "SourceAddress.h"
+#include "Strings.h"
 
 namespace satwalk::link {
 
@@ -18,6 +22,15 @@ int DeviceRow(const std::vector<BluetoothDevice>& table, const BluetoothDevice& 
             return static_cast<int>(i);
     }
     return -1;
+}
+
+// The entry of a COM number in the port combo; the first when it has none.
+int PortIndex(const ReceiverSettingsDialog& d, int number) {
+    for (std::size_t i = 0; i < d.portNumbers.size(); ++i) {
+        if (d.portNumbers[i] == number)
+            return static_cast<int>(i);
+    }
+    return 0;
 }
 
 void FillDeviceCombo(ComboBox& combo, const std::vector<BluetoothDevice>& table) {
@@ -44,7 +57,7 @@ void EnterManualMode(ReceiverSettingsDialog& d, bool opening) {
     if (!opening) {
         if (!d.ports.entries.empty())
             d.ports.entries.pop_back();  // "自动"
-        d.ports.selection = d.pendingPort;
+        d.ports.selection = PortIndex(d, d.pendingPort);
     }
     d.devices.entries.push_back(kTextSystemSettings);
     d.devices.selection = static_cast<int>(d.devices.entries.size()) - 1;
@@ -89,15 +102,46 @@ std::string DescribePortDevice(const std::string& path, const std::string& byIdF
     return text;
 }
 
-std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map) {
+std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map,
+                                     std::uint16_t localGpsdPort) {
     std::vector<PortSlot> slots(kPortCount);
+    bool gpsdNamed = false;
+    const auto describe = [&](int n, PortSlot& slot) {
+        const SourceAddress source = ParseSourceAddress(ResolvePortName(ComName(n), map));
+        if (source.kind == SourceKind::Tty) {
+            slot.device = DescribePortDevice(source.path);
+            return true;
+        }
+        slot.device = SourceLabel(source);
+        gpsdNamed = gpsdNamed || (source.kind == SourceKind::Gpsd && source.port == localGpsdPort &&
+                                  (source.host == "localhost" || source.host == "127.0.0.1"));
+        return false;
+    };
     for (int n = 0; n < kPortCount; ++n) {
         PortSlot& slot = slots[static_cast<std::size_t>(n)];
-        if (driver != nullptr && driver->RegisterPort(n, 0)) {
+        if (describe(n, slot) && driver != nullptr && driver->RegisterPort(n, 0)) {
             slot.free = true;
             driver->DeregisterPort(n);
         }
-        slot.device = DescribePortDevice(ResolvePortName(ComName(n), map));
+    }
+    int next = kPortCount;
+    for (const auto& [n, path] : map) {
+        if (n < kPortCount)
+            continue;
+        PortSlot slot;
+        slot.number = n;
+        describe(n, slot);
+        slots.push_back(slot);
+        if (n == next)
+            ++next;
+    }
+    if (localGpsdPort != 0 && !gpsdNamed && GpsdAnswers(localGpsdPort, kGpsdProbeMs)) {
+        PortSlot slot;
+        slot.number = next;
+        slot.source = "gpsd://localhost:" + std::to_string(localGpsdPort);
+        slot.device = std::string(common::LoadString(common::kStrLocalGpsd)) +
+                      " localhost:" + std::to_string(localGpsdPort);
+        slots.push_back(slot);
     }
     return slots;
 }
@@ -113,14 +157,16 @@ ReceiverSettingsDialog OpenReceiverSettings(const ReceiverSettings& s,
     d.bauds.selection =
         s.baudIndex < std::size(common::kBaudRates) ? static_cast<int>(s.baudIndex) : 0;
 
-    for (int n = 0; n < kPortCount; ++n) {
-        const PortSlot slot = n < static_cast<int>(portSlots.size())
-                                  ? portSlots[static_cast<std::size_t>(n)]
-                                  : PortSlot{};
-        d.ports.entries.push_back(PortEntryText(n, slot));
+    const std::size_t count = std::max<std::size_t>(kPortCount, portSlots.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const PortSlot slot = i < portSlots.size() ? portSlots[i] : PortSlot{};
+        const int number = i < kPortCount ? static_cast<int>(i) : slot.number;
+        d.ports.entries.push_back(PortEntryText(number, slot));
+        d.portNumbers.push_back(number);
     }
-    d.pendingPort = s.comPort < kPortCount ? static_cast<int>(s.comPort) : 0;
-    d.ports.selection = d.pendingPort;
+    const int configured = static_cast<int>(std::min<std::uint32_t>(s.comPort, 1u << 20));
+    d.pendingPort = d.portNumbers[static_cast<std::size_t>(PortIndex(d, configured))];
+    d.ports.selection = PortIndex(d, d.pendingPort);
 
     d.autoSearch = s.bluetoothReceiver;
     if (d.autoSearch)
@@ -146,9 +192,9 @@ void ToggleAutoSearch(ReceiverSettingsDialog& d, const ReceiverSettings& s) {
 
 void SelectPort(ReceiverSettingsDialog& d, int index) {
     // Only a real port is remembered; "自动" stands for whichever is free.
-    if (index < 0 || index >= kPortCount)
+    if (index < 0 || index >= static_cast<int>(d.portNumbers.size()))
         return;
-    d.pendingPort = index;
+    d.pendingPort = d.portNumbers[static_cast<std::size_t>(index)];
     d.ports.selection = index;
 }
 

@@ -69,7 +69,13 @@ struct MenuButton {
 // One COM index as the port combo shows it.
 struct PortSlot {
     bool free = false;   // a Bluetooth port could be registered under it
-    std::string device;  // the device behind it ("/dev/ttyACM0", a by-id name), may be empty
+    std::string device;  // the device behind it ("/dev/ttyACM0", a by-id name, "gpsd
+                         // localhost:2947"), may be empty
+    // The ten slots are COM0..COM9 by their place; entries after them (the
+    // ports file's COM10 and above, a gpsd found on this machine) carry
+    // their number here, and the address a found gpsd is reached at.
+    int number = -1;
+    std::string source{};
 };
 
 struct ReceiverSettingsDialog {
@@ -78,6 +84,7 @@ struct ReceiverSettingsDialog {
     bool deviceLabelEnabled = false;  // 1006
     ComboBox devices;                 // 1001
     ComboBox ports;                   // 1108
+    std::vector<int> portNumbers;     // the COM number of each port entry but "自动"
     ComboBox bauds;                   // 1107
     int pendingPort = 0;
     MenuButton search{kCmdSearch, kTextSearch, true};
@@ -104,9 +111,14 @@ std::string PortEntryText(int index, const PortSlot& slot);
 std::string DescribePortDevice(const std::string& path,
                                const std::string& byIdFolder = "/dev/serial/by-id");
 
-// The ten slots of the port combo: each index is free when a Bluetooth port
-// can be registered under it (tried and given back at once).
-std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map);
+// The slots of the port combo: COM0..COM9, each free when a Bluetooth port
+// can be registered under it (tried and given back at once; never one whose
+// source is a network address), then the map's entries from COM10 on, then,
+// when a gpsd answers on 127.0.0.1:`localGpsdPort` (0: not looked for) and
+// no entry names it yet, one for it under the first number from 10 the map
+// leaves free.
+std::vector<PortSlot> ProbePortSlots(VirtualPortDriver* driver, const PortMap& map,
+                                     std::uint16_t localGpsdPort = 0);
 
 // Builds the dialog as it opens; `slots` has one entry per index 0..9.
 ReceiverSettingsDialog OpenReceiverSettings(const ReceiverSettings& settings,

@@ -47,6 +47,12 @@ OptionsLayout LayOutOptionsDialog(int clientWidth, int b) {
     l.storageLabel = at((5 * b) / 3 + 4 * h + b / 2);
     l.storage = at((6 * b) / 3 + 5 * h - b / 4 + b / 2);
     l.allTalkers = at(l.storage.bottom + (2 * b) / 3);
+    // The relay's check box and its address share a row, so that the dialog
+    // still fits a landscape screen.
+    l.relay = at(l.allTalkers.bottom + b / 3);
+    l.relayAddress = l.relay;
+    l.relay.right = left + (2 * w) / 5;
+    l.relayAddress.left = l.relay.right;
     return l;
 }
 

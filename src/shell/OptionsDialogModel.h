@@ -19,6 +19,8 @@ inline constexpr int kIdRecordNmea = 1147;
 inline constexpr int kIdStorageLabel = 1150;
 inline constexpr int kIdStorageCombo = 1148;
 inline constexpr int kIdAllTalkers = 1152;
+inline constexpr int kIdRelay = 1153;         // "NMEA 转发" (kStrRelayOption)
+inline constexpr int kIdRelayAddress = 1154;  // its listening address
 
 inline constexpr const char* kTextGeneralHeading = "常规设置";
 inline constexpr const char* kTextAutoBluetooth = "自动开启/关闭蓝牙";
@@ -32,6 +34,8 @@ struct OptionsDialog {
     bool keepAwake = false;            // 1146
     bool recordNmea = false;           // 1147
     bool allTalkers = false;           // 1152: accept all satellite systems
+    bool relay = false;                // 1153: the NMEA relay
+    std::string relayAddress;          // 1154: "[HOST:]PORT" it listens on
     std::vector<std::string> storage;  // 1148: storage roots
     int storageSelection = -1;
 };
@@ -47,9 +51,11 @@ OptionsDialog OpenOptionsDialog(const ProgramSettings& settings, const std::stri
 
 // The rectangles of the controls for a client width and BaseTextHeight, in
 // the order 1151, 1144, 1146, 1147, 1150, 1148, then the all-talkers check
-// box, a row below the storage list.
+// box, a row below the storage list, and the relay's check box under it
+// with its address beside it.
 struct OptionsLayout {
     screens::Rect heading, autoBluetooth, keepAwake, recordNmea, storageLabel, storage, allTalkers;
+    screens::Rect relay, relayAddress;
 };
 OptionsLayout LayOutOptionsDialog(int clientWidth, int baseTextHeight);
 

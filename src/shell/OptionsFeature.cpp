@@ -20,6 +20,9 @@ void OptionsFeature::Register(FeatureRegistry& registry) {
         members.Bool("optionsOpen", guard_.IsOpen());
         members.Bool("autoBluetooth", s.autoBluetooth != 0);
         members.Bool("allTalkers", s.allTalkers != 0);
+        const link::RelaySetting relay = shell_.link().Relay();
+        members.Bool("relay", relay.on);
+        members.Text("relayAddress", relay.address);
     });
 }
 
@@ -28,6 +31,9 @@ void OptionsFeature::Open() {
         return;
     dialog_ = OpenOptionsDialog(shell_.settings(), defaultRoot_,
                                 mountPoints_ ? mountPoints_() : std::vector<std::string>{});
+    const link::RelaySetting relay = shell_.link().Relay();
+    dialog_.relay = relay.on;
+    dialog_.relayAddress = relay.address;
     view_.Show(dialog_);
 }
 
@@ -47,6 +53,9 @@ void OptionsFeature::SetCheck(int id, bool checked) {
         case kIdAllTalkers:
             dialog_.allTalkers = checked;
             break;
+        case kIdRelay:
+            dialog_.relay = checked;
+            break;
         default:
             return;
     }
@@ -60,11 +69,23 @@ void OptionsFeature::SelectStorage(int index) {
     view_.Show(dialog_);
 }
 
+void OptionsFeature::SetRelayAddress(const std::string& address) {
+    if (guard_.IsOpen())
+        dialog_.relayAddress = address;  // the view marks one that does not parse
+}
+
 void OptionsFeature::Ok() {
     if (!guard_.IsOpen())
         return;
     StorageFolders folders = MakeStorageFolders(shell_.settings().storageRoot);
     applied_ = AcceptOptionsDialog(dialog_, shell_.settings(), folders, *this);
+    // The relay keeps its file of its own; an address that does not parse
+    // leaves the one it had.
+    link::RelaySetting relay = shell_.link().Relay();
+    relay.on = dialog_.relay;
+    if (link::IsRelayAddress(dialog_.relayAddress))
+        relay.address = dialog_.relayAddress;
+    shell_.link().SetRelay(relay);
     // The next recording goes to the new place even when none runs now.
     if (applied_.rootChanged)
         shell_.link().SetNmeaFolder(folders.nmea);

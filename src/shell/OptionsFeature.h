@@ -41,6 +41,7 @@ class OptionsFeature final : public Feature, private OptionsEffects {
     // storage list, OK and Cancel.
     void SetCheck(int id, bool checked);
     void SelectStorage(int index);
+    void SetRelayAddress(const std::string& address);
     void Ok();
     void Cancel();
 

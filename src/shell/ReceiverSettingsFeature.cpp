@@ -151,6 +151,7 @@ void ReceiverSettingsFeature::Ok() {
         receiver_.table.front() = dialog_.savedFirstRow;
     link::AcceptReceiverSettings(dialog_, receiver_);
     SettingsFromReceiver(receiver_, shell_.settings());
+    shell_.link().PortChosen(receiver_.comPort);
     End();
 }
 

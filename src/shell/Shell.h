@@ -15,6 +15,7 @@
 #include "MenuModel.h"
 #include "ReceiverSettingsModel.h"
 #include "RecordingStatus.h"
+#include "RelaySetting.h"
 #include "ScreenIds.h"
 #include "Settings.h"
 #include "SpeedAlarm.h"
@@ -81,6 +82,8 @@ class LinkControl {
     virtual void NoteRadioSwitchedOn() {}
     // The ten COM indexes as the receiver settings offer them.
     virtual std::vector<link::PortSlot> PortSlots() { return std::vector<link::PortSlot>(10); }
+    // The receiver settings were confirmed with this COM number.
+    virtual void PortChosen(std::uint32_t comPort) { (void)comPort; }
 
     // What the options dialog changes while the program runs: recording
     // from the next batch on or not, the folder of the next recording, a new
@@ -90,6 +93,10 @@ class LinkControl {
     virtual void SetNmeaFolder(const std::string& folder) { (void)folder; }
     virtual void StartNewNmeaLog() {}
     virtual void SetAllTalkers(bool on) { (void)on; }
+    // The NMEA relay: as set, and a change (kept in its file, and in effect
+    // at once while the receiver runs).
+    virtual link::RelaySetting Relay() const { return {}; }
+    virtual void SetRelay(const link::RelaySetting& setting) { (void)setting; }
 
   protected:
     ~LinkControl() = default;

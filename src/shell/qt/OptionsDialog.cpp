@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalBlocker>
 #include <QStandardPaths>
 #include <QStorageInfo>
@@ -12,6 +13,7 @@
 
 #include "OptionsFeature.h"
 #include "QtCanvas.h"
+#include "RelaySetting.h"
 #include "Shell.h"
 #include "Strings.h"
 #include "TrackGpxOption.h"
@@ -53,6 +55,10 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     allTalkers_ = AddCheckBox(kIdAllTalkers, QString::fromUtf8(kTextAllTalkers));
     saveGpxTrack_ = AddCheckBox(kIdSaveGpxTrack,
                                 QString::fromUtf8(common::LoadString(common::kStrSaveGpxTrack)));
+    relay_ = AddCheckBox(kIdRelay, QString::fromUtf8(common::LoadString(common::kStrRelayOption)));
+    relayAddress_ = AddEdit(kIdRelayAddress);
+    relayAddress_->setFont(regular);
+    relayAddress_->setPlaceholderText(QString::fromUtf8(link::kRelayDefaultAddress));
 
     for (QLabel* l : {heading_, storageLabel_}) {
         l->setFont(bold);
@@ -61,7 +67,8 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     const int box = std::max(12, (3 * b) / 5);
     const QString boxStyle =
         QStringLiteral("QCheckBox::indicator { width: %1px; height: %1px; }").arg(box);
-    for (QCheckBox* c : {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_, saveGpxTrack_}) {
+    for (QCheckBox* c :
+         {autoBluetooth_, keepAwake_, recordNmea_, allTalkers_, relay_, saveGpxTrack_}) {
         c->setFont(regular);
         c->setStyleSheet(boxStyle);
     }
@@ -79,6 +86,14 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     forward(keepAwake_, kIdKeepAwake);
     forward(recordNmea_, kIdRecordNmea);
     forward(allTalkers_, kIdAllTalkers);
+    forward(relay_, kIdRelay);
+    // An address that does not parse is shown in red; OK keeps the old one.
+    connect(relayAddress_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        const bool ok = link::IsRelayAddress(text.toStdString());
+        relayAddress_->setStyleSheet(ok ? QString() : QStringLiteral("color: rgb(200,0,0);"));
+        if (!syncing_ && onRelayAddress)
+            onRelayAddress(text.toStdString());
+    });
     connect(storage_, &QComboBox::currentIndexChanged, this, [this](int index) {
         if (!syncing_ && onStorage)
             onStorage(index);
@@ -102,9 +117,12 @@ void OptionsWidget::LayOut() {
     storageLabel_->setGeometry(ToQRect(l.storageLabel));
     storage_->setGeometry(ToQRect(l.storage));
     allTalkers_->setGeometry(ToQRect(l.allTalkers));
-    // The GPX option below the last one, a step of the same size on.
-    const int step = l.allTalkers.Height() + baseTextHeight() / 3;
-    saveGpxTrack_->setGeometry(ToQRect(l.allTalkers).translated(0, step));
+    relay_->setGeometry(ToQRect(l.relay));
+    relayAddress_->setGeometry(ToQRect(l.relayAddress));
+    // The GPX option below the relay's address, a step as between the boxes.
+    const int gap = baseTextHeight() / 3;
+    saveGpxTrack_->setGeometry(
+        ToQRect(l.allTalkers).translated(0, l.relayAddress.bottom + gap - l.allTalkers.top));
 }
 
 void OptionsWidget::Sync(const OptionsDialog& d) {
@@ -113,6 +131,9 @@ void OptionsWidget::Sync(const OptionsDialog& d) {
     keepAwake_->setChecked(d.keepAwake);
     recordNmea_->setChecked(d.recordNmea);
     allTalkers_->setChecked(d.allTalkers);
+    relay_->setChecked(d.relay);
+    if (relayAddress_->text() != Q(d.relayAddress))
+        relayAddress_->setText(Q(d.relayAddress));
     QStringList items;
     for (const std::string& root : d.storage) items << Q(root);
     QStringList shown;
@@ -158,6 +179,7 @@ class DialogView final : public OptionsView {
         widget_->onCheck = [f](int id, bool checked) { f->SetCheck(id, checked); };
         widget_->onStorage = [f](int index) { f->SelectStorage(index); };
         widget_->saveGpxTrack()->setChecked(shell_.settings().saveGpxTrack != 0);
+        widget_->onRelayAddress = [f](const std::string& a) { f->SetRelayAddress(a); };
         widget_->onFinished = [this, f](DialogResult result) {
             if (result == DialogResult::Ok)
                 SaveGpxTrackOption(widget_->saveGpxTrack()->isChecked());

@@ -16,6 +16,7 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLineEdit;
 
 namespace satwalk::shell {
 class Shell;
@@ -35,6 +36,7 @@ class OptionsWidget final : public FullScreenDialog {
 
     std::function<void(int id, bool checked)> onCheck;
     std::function<void(int index)> onStorage;
+    std::function<void(const std::string& address)> onRelayAddress;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,6 +52,8 @@ class OptionsWidget final : public FullScreenDialog {
     QComboBox* storage_;
     QCheckBox* allTalkers_;
     QCheckBox* saveGpxTrack_;
+    QCheckBox* relay_;
+    QLineEdit* relayAddress_;
     bool syncing_ = false;
 };
 
