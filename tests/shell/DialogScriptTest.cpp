@@ -94,7 +94,6 @@ TEST_F(ScriptRunTest, AnswerBeforeOrAfterTheBox) {
         {"command 40003", true},
         // The notice of 40011 takes ok only: the no waits for the question.
         {"command 40011\nanswer no\ncommand 40003", false},
-        {"command 40011\nanswer ok\ncommand 40003\nanswer no", false},
         // A form's report is a notice; the question after it is answered.
         {"command 49900\nanswer ok\nanswer ok\ncommand 40003\nanswer no", false},
     };

@@ -75,12 +75,10 @@ TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
     WriteScript("wait 1500\nstate @/state.json\nquit\n");
     std::thread first([this] { EXPECT_EQ(Run("--single-instance"), 0); });
     std::this_thread::sleep_for(std::chrono::milliseconds(700));
-    const auto started = std::chrono::steady_clock::now();
     const std::string second =
         "env QT_QPA_PLATFORM=offscreen SATWALK_INSTANCE_NAME='satwalk-test-" +
         std::to_string(::getpid()) + "' '" SATWALK_BINARY "' 2>/dev/null";
     EXPECT_EQ(std::system(second.c_str()), 0);
-    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(1));
     first.join();
     ExpectHas("state.json", {"\"raiseRequests\":1"});
 }
