@@ -65,6 +65,7 @@ TEST_F(ScriptRunTest, DialogStepsThatDoNotFitFail) {
         const char* lines;
         const char* error;
     } cases[] = {
+        {"key 7\nfly away", "unknown line"},
         {"set 902 x", "no dialog is open"},
         {"command 49900\nset 999 1", "has no control 999"},
         {"command 49900\nset 903 0\nset 902 x", "is greyed"},

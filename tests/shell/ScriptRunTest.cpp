@@ -55,22 +55,6 @@ TEST_F(ScriptRunTest, ReplayedReceiverDrivesFixAndAlarm) {
                                "\"latitude\":\"\"", "\"fixTimeLocal\":null"});
 }
 
-// A script that ends with the confirmed exit: the options are saved.
-TEST_F(ScriptRunTest, ConfirmedExitSavesTheOptions) {
-    WriteScript("command 40049\ncommand 40003\n");
-    ASSERT_EQ(Run(), 0) << Read("stderr.txt");
-    const std::string options = Read("options");
-    ASSERT_EQ(options.size(), 3720u);
-    EXPECT_EQ(options[36], 90);
-    EXPECT_EQ(options[40], 1);
-}
-
-TEST_F(ScriptRunTest, BadLineFails) {
-    WriteScript("key 7\nfly away\n");
-    EXPECT_EQ(Run(), 2);
-    EXPECT_NE(Read("stderr.txt").find("unknown line"), std::string::npos);
-}
-
 TEST_F(ScriptRunTest, SecondStartRaisesTheFirstAndEnds) {
     WriteScript("wait 1500\nstate @/state.json\nquit\n");
     std::thread first([this] { EXPECT_EQ(Run("--single-instance"), 0); });
