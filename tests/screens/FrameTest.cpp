@@ -58,19 +58,6 @@ TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
     }
 }
 
-TEST(ToolStrip, ScreenOutsideTheRangeLightsNothingAndPaintsWhite) {
-    for (int screen : {-1, 5, 99}) {
-        ScreenContext ctx = MakeContext(test::kPortraitHi);
-        ctx.display.currentScreen = screen;
-        RecordingCanvas canvas(ctx.frame);
-        PaintCurrentScreen(canvas, ctx, gps::GpsState{});
-        ASSERT_EQ(canvas.Calls().size(), 1u);
-        EXPECT_EQ(canvas.Calls()[0].kind, K::FillRect);
-        EXPECT_EQ(canvas.Calls()[0].colour, kWhite);
-        EXPECT_EQ(canvas.Calls()[0].rect, ctx.frame);
-    }
-}
-
 struct AlarmCase {
     test::Variant variant;
     int limit;

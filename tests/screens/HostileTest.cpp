@@ -74,22 +74,5 @@ TEST(HostileFix, EveryScreenPaintsWithSaneGeometry) {
     }
 }
 
-TEST(HostileFix, TinyAndDegenerateScreens) {
-    for (Rect client :
-         {Rect{0, 0, 0, 0}, Rect{0, 0, 1, 1}, Rect{0, 0, 30, 2000}, Rect{0, 0, 3000, 20}}) {
-        ScreenContext ctx;
-        AssignBitmapHandles(ctx);
-        RecordingCanvas canvas(client);
-        UpdateScreenLayout(canvas, ctx, client);
-        for (int screen = 0; screen <= 4; ++screen) {
-            ctx.display.currentScreen = screen;
-            const gps::GpsState g = Absurd();
-            ctx.display.fix = gps::ReadFix(g);
-            PaintCurrentScreen(canvas, ctx, g);
-        }
-        SUCCEED();
-    }
-}
-
 }  // namespace
 }  // namespace satwalk::screens

@@ -347,12 +347,5 @@ TEST(TextFormats, LatitudeAndLongitude) {
     for (const auto& [v, s] : lons) EXPECT_EQ(FormatLongitude(v), s) << v;
 }
 
-TEST(TextFormats, UnitLinesAndFixMode) {
-    EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kMetric), "海拔 12.50 m   速度 3.00 km/h");
-    EXPECT_EQ(FormatAltitudeSpeedLine(12.5, 3, kNautical), "海拔 12.50 ft  速度 3.00 kts");
-    EXPECT_EQ(FormatFixMode('3'), "3D GPS Fix");
-    EXPECT_EQ(FormatFixMode('x'), "GPS Fix N/A");
-}
-
 }  // namespace
 }  // namespace satwalk::screens
