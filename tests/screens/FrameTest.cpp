@@ -43,6 +43,20 @@ TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
     }
 }
 
+TEST(ToolStrip, TapsFallOnTheTabUnderThem) {
+    const struct {
+        test::Variant variant;
+        int x, y, tab;  // -1: no tab
+    } cases[] = {
+        {test::kPortraitHi, 42, 603, 0},
+        {test::kPortraitHi, 437, 603, 5},
+        {test::kPortraitHi, 42, 540, -1},
+        {test::kLandscapeHi, 20, 330, 4},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(HitTestTab(MakeContext(c.variant), c.x, c.y), c.tab) << c.x << "," << c.y;
+}
+
 struct AlarmCase {
     test::Variant variant;
     int limit;

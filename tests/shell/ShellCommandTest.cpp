@@ -80,6 +80,16 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     EXPECT_TRUE(satelliteData.open());
 }
 
+// Tabs 1 and 2 (world and loaded map) belong to the map feature, absent here.
+TEST_F(ShellTest, TabsChooseTheirScreens) {
+    const int tabs[][2] = {{0, kScreenGpsInfo}, {3, kScreenCompass}, {4, kScreenSpeedometer},
+                           {5, kScreenSkyPlot}, {2, kScreenSkyPlot}, {6, kScreenSkyPlot}};
+    for (const auto& [tab, screen] : tabs) {
+        shell.OnTabTapped(tab);
+        EXPECT_EQ(shell.currentScreen, screen) << tab;
+    }
+}
+
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
     shell.OnKeyDown(Key::Digit0);
     EXPECT_TRUE(link.running);
