@@ -15,6 +15,17 @@ namespace {
 using namespace std::string_literals;
 
 // Each record as "lat,lon,name,note;" in UTF-8.
+std::string Describe(const PoiList& list) {
+    std::string out;
+    for (std::uint32_t i = 0; i < list.Count(); ++i) {
+        const PoiRecord& r = list.At(i);
+        char numbers[64];
+        std::snprintf(numbers, sizeof numbers, "%g,%g,", r.latitude, r.longitude);
+        out += numbers + std::string(r.name) + "," + r.note + ";";
+    }
+    return out;
+}
+
 std::string Records(const std::string& bytes, PoiEncoding encoding, std::size_t piece = 0) {
     PoiList list;
     PoiCsvParser parser(encoding, list);
@@ -23,14 +34,7 @@ std::string Records(const std::string& bytes, PoiEncoding encoding, std::size_t 
     for (std::size_t at = 0; at < bytes.size(); at += piece)
         parser.Feed(bytes.data() + at, std::min(piece, bytes.size() - at));
     parser.Finish();
-    std::string out;
-    for (list.Seek(0); list.HasCurrent(); list.Next()) {
-        const PoiRecord& r = list.Current();
-        char numbers[64];
-        std::snprintf(numbers, sizeof numbers, "%g,%g,", r.latitude, r.longitude);
-        out += numbers + std::string(r.name) + "," + r.note + ";";
-    }
-    return out;
+    return Describe(list);
 }
 
 struct CsvCase {
@@ -116,14 +120,7 @@ TEST(PoiCsv, FilesChooseTheirEncoding) {
         std::ofstream(path, std::ios::binary) << c.bytes;
         PoiList list;
         ASSERT_TRUE(ReadPoiCsv(path, list)) << c.name;
-        std::string got;
-        for (std::uint32_t i = 0; i < list.Count(); ++i) {
-            char numbers[64];
-            std::snprintf(numbers, sizeof numbers, "%g,%g,", list.At(i).latitude,
-                          list.At(i).longitude);
-            got += numbers + std::string(list.At(i).name) + "," + list.At(i).note + ";";
-        }
-        EXPECT_EQ(got, c.records) << c.name;
+        EXPECT_EQ(Describe(list), c.records) << c.name;
     }
     // Every bare newline is a record: a file of them reads up to the budget.
     const std::string newlines = dir + "newlines.csv";

@@ -1,4 +1,4 @@
-// The frame: layout formulas, tool-strip tiles, alarm cells and the small
+// The frame: tool-strip tiles, alarm cells and the small
 // instruments shared by every screen.
 #include <gtest/gtest.h>
 
@@ -9,21 +9,6 @@ namespace {
 
 using test::MakeContext;
 using K = CanvasCall::Kind;
-
-TEST(ScreenLayout, BaseTextHeightAndContentRect) {
-    EXPECT_EQ(BaseTextHeightForDpi(96), 15);
-    EXPECT_EQ(BaseTextHeightForDpi(192), 30);
-    EXPECT_EQ(BaseTextHeightForDpi(130), 20);  // (1950 + 48) / 96, truncated
-
-    const ScreenContext p = MakeContext(test::kPortraitHi);
-    EXPECT_EQ(p.orientation, Orientation::Portrait);
-    EXPECT_EQ(p.screen, (Rect{0, 0, 480, 511}));
-    const ScreenContext l = MakeContext(test::kLandscapeHi);
-    EXPECT_EQ(l.orientation, Orientation::Landscape);
-    EXPECT_EQ(l.screen, (Rect{52, 0, 592, 480}));
-    // A square screen is portrait.
-    EXPECT_EQ(OrientationOf(Rect{0, 0, 300, 300}), Orientation::Portrait);
-}
 
 struct TabCase {
     test::Variant variant;
@@ -56,6 +41,20 @@ TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
                                                                    : BitmapId::ToolStripLandscape;
         EXPECT_EQ(call.bitmap, strip);
     }
+}
+
+TEST(ToolStrip, TapsFallOnTheTabUnderThem) {
+    const struct {
+        test::Variant variant;
+        int x, y, tab;  // -1: no tab
+    } cases[] = {
+        {test::kPortraitHi, 42, 603, 0},
+        {test::kPortraitHi, 437, 603, 5},
+        {test::kPortraitHi, 42, 540, -1},
+        {test::kLandscapeHi, 20, 330, 4},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(HitTestTab(MakeContext(c.variant), c.x, c.y), c.tab) << c.x << "," << c.y;
 }
 
 struct AlarmCase {

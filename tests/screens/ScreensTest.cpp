@@ -84,8 +84,6 @@ TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
         PaintGpsInfoScreen(canvas, ctx, fix);
         const auto thumb = canvas.OfKind(K::StretchBlit);
         ASSERT_EQ(thumb.size(), 1u);
-        EXPECT_EQ(thumb[0].dst.Width(), 182);
-        EXPECT_EQ(thumb[0].dst.Height(), 104);
         const CanvasCall* dot = nullptr;
         for (const auto& e : canvas.Calls())
             if (e.kind == K::Ellipse && e.brush.colour == Rgb(255, 0, 0))
@@ -204,25 +202,6 @@ TEST(CompassScreen, LettersTurnWithTheCourseInCourseUpOnly) {
     }
 }
 
-TEST(CompassScreen, NoTickIsEverRed) {
-    for (const char* course : {"0", "359.9", "-99999", "999999", "1e300"}) {
-        for (int mode : {0, 1}) {
-            ScreenContext ctx = MakeContext(test::kPortraitHi);
-            ctx.display.compassOrientation = mode;
-            gps::GpsState g;
-            SET_FIELD(g.course, course);
-            RecordingCanvas canvas(ctx.frame);
-            ctx.display.fix = gps::ReadFix(g);
-            PaintCompassScreen(canvas, ctx);
-            int red = 0;
-            for (const auto& l : canvas.OfKind(K::Line))
-                if (test::IsRed(l.pen) && l.pen.width < 3)
-                    ++red;
-            EXPECT_EQ(red, 0) << course << " mode " << mode;
-        }
-    }
-}
-
 TEST(CompassScreen, TextsInTheUnits) {
     ScreenContext ctx = MakeContext(test::kPortraitHi);
     ctx.display.unitSystem = kNautical;
@@ -322,14 +301,6 @@ TEST(Speedometer, LabelsUnitsAndAlarmText) {
         EXPECT_NE(canvas.FindText(c.last), nullptr) << c.unit;
         EXPECT_NE(canvas.FindText(c.unit), nullptr) << c.unit;
         EXPECT_NE(canvas.FindText(c.alarm), nullptr) << c.unit;
-        EXPECT_NE(canvas.FindText("0.00"), nullptr);
-        // The "0" label sits at the lower left of the dial, the last at the lower right.
-        const CanvasCall* zero = canvas.FindText("0");
-        const CanvasCall* last = canvas.FindText(c.last);
-        EXPECT_LT(zero->rect.right, ctx.dials.speedX);
-        EXPECT_GT(zero->rect.top, ctx.dials.speedY);
-        EXPECT_GT(last->rect.left, ctx.dials.speedX);
-        EXPECT_GT(last->rect.top, ctx.dials.speedY);
     }
 }
 

@@ -80,6 +80,16 @@ TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
     EXPECT_TRUE(satelliteData.open());
 }
 
+// Tabs 1 and 2 (world and loaded map) belong to the map feature, absent here.
+TEST_F(ShellTest, TabsChooseTheirScreens) {
+    const int tabs[][2] = {{0, kScreenGpsInfo}, {3, kScreenCompass}, {4, kScreenSpeedometer},
+                           {5, kScreenSkyPlot}, {2, kScreenSkyPlot}, {6, kScreenSkyPlot}};
+    for (const auto& [tab, screen] : tabs) {
+        shell.OnTabTapped(tab);
+        EXPECT_EQ(shell.currentScreen, screen) << tab;
+    }
+}
+
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
     shell.OnKeyDown(Key::Digit0);
     EXPECT_TRUE(link.running);
@@ -113,20 +123,16 @@ TEST_F(ShellTest, StartGpsFailures) {
         bool radioOk = true;
     };
     const int kRadio = common::kStrRadioSwitchFailed;
+    const int kConfigure = common::kStrConfigureReceiverFirst;
+    const int kPort = common::kStrBluetoothPortFailed;
+    const MessageIcon kInfo = MessageIcon::Information, kError = MessageIcon::Error;
     const Case cases[] = {
-        {1, 0, true, {common::kStrConfigureReceiverFirst}, MessageIcon::Information, 0},
-        {1, 42, true, {common::kStrBluetoothPortFailed}, MessageIcon::Error, 0},
-        {0, 0, false, {common::kStrCannotConnect}, MessageIcon::Information, 1},
+        {1, 0, true, {kConfigure}, kInfo, 0},
+        {1, 42, true, {kPort}, kError, 0},
+        {0, 0, false, {common::kStrCannotConnect}, kInfo, 1},
         // The radio is switched on first; its failure is said and the start goes on.
-        {1,
-         0,
-         true,
-         {kRadio, common::kStrConfigureReceiverFirst},
-         MessageIcon::Information,
-         0,
-         1,
-         false},
-        {1, 42, true, {common::kStrBluetoothPortFailed}, MessageIcon::Error, 0, 1, true},
+        {1, 0, true, {kRadio, kConfigure}, kInfo, 0, 1, false},
+        {1, 42, true, {kPort}, kError, 0, 1, true},
     };
     for (const Case& c : cases) {
         FakeLink l;
@@ -330,12 +336,10 @@ TEST_F(ShellTest, MenuStateAfterStartAndStop) {
     auto menu = shell.BuildMainMenu();
     ASSERT_NE(FindMenuEntry(menu, cmd::kStartGps), nullptr);
     EXPECT_EQ(FindMenuEntry(menu, cmd::kStopGps), nullptr);
-    EXPECT_EQ(menu.items[0].text, "启动 GPS\t[0]");
 
     shell.OnCommand(cmd::kStartGps);
     menu = shell.BuildMainMenu();
     EXPECT_EQ(menu.items[0].id, cmd::kStopGps);
-    EXPECT_EQ(menu.items[0].text, "停止 GPS\t[0]");
     EXPECT_FALSE(FindMenuEntry(menu, cmd::kGpsSettings)->enabled);
 
     shell.OnCommand(cmd::kStopGps);

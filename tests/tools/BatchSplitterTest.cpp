@@ -33,7 +33,8 @@ std::vector<std::string> Split(const std::string& input, std::size_t batch, bool
 using V = std::vector<std::string>;
 
 TEST(BatchSplitter, Cases) {
-    const std::string l10 = "123456789\n";
+    const std::string l10 = "123456789\n", l20 = l10 + l10;
+    const auto x = [](std::size_t n, char c = 'x') { return std::string(n, c); };
     const struct {
         const char* name;
         std::string input;
@@ -42,29 +43,13 @@ TEST(BatchSplitter, Cases) {
         V expected;
     } cases[] = {
         {"empty", "", 25, false, {}},
-        {"lines packed greedily",
-         l10 + l10 + l10 + l10 + l10,
-         25,
-         false,
-         {l10 + l10, l10 + l10, l10}},
-        {"exact fit", l10 + l10 + l10, 20, false, {l10 + l10, l10}},
+        {"lines packed greedily", l20 + l20 + l10, 25, false, {l20, l20, l10}},
+        {"exact fit", l20 + l10, 20, false, {l20, l10}},
         {"unterminated last line", l10 + "abc", 25, false, {l10 + "abc"}},
-        {"unterminated last line that does not fit",
-         l10 + l10 + "abcdefg",
-         25,
-         false,
-         {l10 + l10, "abcdefg"}},
-        {"long line cut into pieces",
-         l10 + std::string(60, 'x') + "\n" + l10,
-         25,
-         false,
-         {l10, std::string(25, 'x'), std::string(25, 'x'), std::string(10, 'x') + "\n" + l10}},
-        {"cut mode",
-         std::string(60, 'y'),
-         25,
-         true,
-         {std::string(25, 'y'), std::string(25, 'y'), std::string(10, 'y')}},
-        {"cut mode ignores lines", l10 + l10 + l10, 25, true, {l10 + l10 + "12345", "6789\n"}},
+        {"unterminated, does not fit", l20 + "abcdefg", 25, false, {l20, "abcdefg"}},
+        {"long line", l10 + x(60) + "\n" + l10, 25, false, {l10, x(25), x(25), x(10) + "\n" + l10}},
+        {"cut mode", x(60, 'y'), 25, true, {x(25, 'y'), x(25, 'y'), x(10, 'y')}},
+        {"cut mode ignores lines", l20 + l10, 25, true, {l20 + "12345", "6789\n"}},
         {"batch of one byte", "ab\n", 1, false, {"a", "b", "\n"}},
     };
     for (const auto& c : cases) {

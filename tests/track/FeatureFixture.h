@@ -40,9 +40,8 @@ class FakeChooser : public browser::FileChooser {
 // Runs reads at once; the timers are only remembered.
 class FakeTrackPlatform : public TrackPlatform {
   public:
-    bool StartTrackTimer(std::uint32_t periodMs, std::function<void()> tick) override {
+    bool StartTrackTimer(std::uint32_t periodMs, std::function<void()>) override {
         trackPeriod = periodMs;
-        trackTick = std::move(tick);
         return failTrackTimer ? false : (trackRunning = true);
     }
     void StopTrackTimer() override { trackRunning = false; }
@@ -57,7 +56,6 @@ class FakeTrackPlatform : public TrackPlatform {
     void StopFollowTimer() override { followExpired = nullptr; }
     void RunReader(std::function<void(const TrackProgress&)> work,
                    std::function<void()> done) override {
-        ++reads;
         work([](std::uint64_t, std::uint64_t) {});
         if (deferDone)
             deferred = std::move(done);
@@ -67,7 +65,6 @@ class FakeTrackPlatform : public TrackPlatform {
     bool failTrackTimer = false;
     bool trackRunning = false;
     std::uint32_t trackPeriod = 0;
-    std::function<void()> trackTick;
     void ShowStatistics(const std::string& name, const TrackStatistics& stats, int) override {
         statisticsName = name;
         statisticsPoints = stats.points();
@@ -79,7 +76,6 @@ class FakeTrackPlatform : public TrackPlatform {
     std::function<void()> deferred;
     std::uint32_t followPeriod = 0;
     std::function<void()> followExpired;
-    int reads = 0;
 };
 
 class FeatureFixture : public ::testing::Test {

@@ -123,11 +123,6 @@ TEST(TrackViewing, ViewRefuseRebuildAndClose) {
     EXPECT_FALSE(state.trackViewOn);
     EXPECT_TRUE(state.viewedTrackPath.empty());
     EXPECT_TRUE(state.viewedWorldTrail.Empty());
-
-    StartFollowPause(state);
-    EXPECT_TRUE(state.followPaused);
-    EndFollowPause(state);
-    EXPECT_FALSE(state.followPaused);
 }
 
 TEST(TrackViewing, ProgressReportsTheWholeFile) {

@@ -122,12 +122,6 @@ TEST(TrackRecording, UnwritableLogsLoseNothing) {
     EXPECT_EQ(state.liveWorldTrail.Count(), 1u);
 }
 
-}  // namespace
-}  // namespace satwalk::track
-
-namespace satwalk::track {
-namespace {
-
 TEST(TrackRecording, AGpxBesideTheLogWhenAsked) {
     const std::string dir = test::ScratchFolder("gpx-recording");
     for (const bool asked : {false, true}) {

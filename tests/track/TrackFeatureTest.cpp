@@ -190,30 +190,21 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
         bool viewing;
         std::uint32_t points;
     };
+    const auto say = [](int id, const std::string& name) {
+        return common::FormatString(common::LoadString(id), name);
+    };
+    const std::string writing = beingWritten.substr(beingWritten.rfind('/') + 1);
     const Case cases[] = {
         {"a log", good, {}, true, 2},
         {"cancelled", "", {}, true, 2},
-        {"missing: the view stays",
-         settings.storageRoot + "/gone.log",
-         {kOpenTrackLogFailed},
-         true,
-         2},
+        {"missing: the view stays", good + ".gone", {kOpenTrackLogFailed}, true, 2},
         {"the log being written",
          beingWritten,
-         {common::FormatString(common::LoadString(common::kStrLogBeingWritten),
-                               beingWritten.substr(beingWritten.rfind('/') + 1))},
+         {say(common::kStrLogBeingWritten, writing)},
          true,
          2},
-        {"no track file: says so, the view stays",
-         junk,
-         {common::FormatString(common::LoadString(common::kStrNotATrackFile), "junk.gpx")},
-         true,
-         2},
-        {"a cut GPX: what was whole, and a notice",
-         cut,
-         {common::FormatString(common::LoadString(common::kStrTrackFileCut), "cut.gpx")},
-         true,
-         1},
+        {"no track file", junk, {say(common::kStrNotATrackFile, "junk.gpx")}, true, 2},
+        {"a cut GPX: what was whole", cut, {say(common::kStrTrackFileCut, "cut.gpx")}, true, 1},
         {"a log again", good, {}, true, 2},
     };
     for (const Case& c : cases) {

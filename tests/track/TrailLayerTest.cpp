@@ -67,7 +67,7 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
         list.Append(TrackPoint{at, at, {}});
         list.Append(TrackPoint{at + 50, at + 20, {}});
     };
-    enum Trail { ViewedWorld = 1, ViewedMap = 2, LiveWorld = 4, LiveMap = 8 };
+    enum Trail { VW = 1, VM = 2, LW = 4, LM = 8 };  // viewed or live, world or map
     struct Case {
         const char* name;
         int trails;  // which trails hold points
@@ -77,26 +77,11 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
     const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
     const auto live = TrailLayerPainter::kLiveStyle.line.colour;
     const Case cases[] = {
-        {"world: viewed under live",
-         ViewedWorld | ViewedMap | LiveWorld,
-         false,
-         true,
-         true,
-         {viewed, live}},
-        {"track hidden", ViewedWorld | LiveWorld, false, false, true, {}},
-        {"map: its own trails",
-         ViewedWorld | ViewedMap | LiveMap,
-         true,
-         true,
-         true,
-         {viewed, live}},
-        {"map: viewed map trail only with a world trail",
-         ViewedMap | LiveMap,
-         true,
-         true,
-         true,
-         {live}},
-        {"map without calibration", ViewedWorld | ViewedMap | LiveMap, true, true, false, {}},
+        {"world: viewed under live", VW | VM | LW, false, true, true, {viewed, live}},
+        {"track hidden", VW | LW, false, false, true, {}},
+        {"map: its own trails", VW | VM | LM, true, true, true, {viewed, live}},
+        {"map: viewed map trail only with a world trail", VM | LM, true, true, true, {live}},
+        {"map without calibration", VW | VM | LM, true, true, false, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -104,13 +89,13 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
         state.viewedMapTrail.Clear();
         state.liveWorldTrail.Clear();
         state.liveMapTrail.Clear();
-        if (c.trails & ViewedWorld)
+        if (c.trails & VW)
             fill(state.viewedWorldTrail, 300);
-        if (c.trails & ViewedMap)
+        if (c.trails & VM)
             fill(state.viewedMapTrail, 310);
-        if (c.trails & LiveWorld)
+        if (c.trails & LW)
             fill(state.liveWorldTrail, 320);
-        if (c.trails & LiveMap)
+        if (c.trails & LM)
             fill(state.liveMapTrail, 330);
         std::uint32_t show = c.show ? 1 : 0;
         TrailLayer layer(state, show);

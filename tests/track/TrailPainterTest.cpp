@@ -32,10 +32,7 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
     const TrailTransform identity;
     const TrailCase cases[] = {
         {"points are truncated", {{10.9f, 20.2f}, {30.5f, 40.7f}}, identity, {{10, 20}, {30, 40}}},
-        {"the transform scales and shifts each axis",
-         {{1, 1}, {2, 3}},
-         {10, 5, -10, 100},
-         {{15, 90}, {25, 70}}},
+        {"scaled and shifted per axis", {{1, 1}, {2, 3}}, {10, 5, -10, 100}, {{15, 90}, {25, 70}}},
         {"a pixel is drawn once",
          {{10, 10}, {10.2f, 10.7f}, {11, 10}, {10.9f, 10.1f}},
          identity,
@@ -48,10 +45,7 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
          {{100, 100}, {-50, -50}, {-50, 300}, {600, -50}, {100, 100}},
          identity,
          {{100, 100}, {-50, -50}, {-50, 300}, {600, -50}, {100, 100}}},
-        {"far points stay representable",
-         {{1e30f, 0}, {100, 100}},
-         identity,
-         {{100000000, 0}, {100, 100}}},
+        {"far points", {{1e30f, 0}, {100, 100}}, identity, {{100000000, 0}, {100, 100}}},
     };
     for (const TrailCase& c : cases) {
         screens::RecordingCanvas canvas(kView);
@@ -73,10 +67,7 @@ TEST(TrailPainter, LinesHiddenUnderMarkersAreLeftOut) {
     const StrokeCase cases[] = {
         {"4 pixels apart: covered", {{100, 100}, {104, 96}}, 1, {}},
         {"5 pixels apart: drawn", {{100, 100}, {105, 100}}, 1, {{{100, 100}, {105, 100}}}},
-        {"a wide pen shows between close markers",
-         {{100, 100}, {104, 100}},
-         3,
-         {{{100, 100}, {104, 100}}}},
+        {"a wide pen shows", {{100, 100}, {104, 100}}, 3, {{{100, 100}, {104, 100}}}},
         {"an end whose marker is clipped", {{1, 100}, {4, 100}}, 1, {{{1, 100}, {4, 100}}}},
         {"pieces join while they follow on",
          {{100, 100}, {110, 100}, {120, 100}, {121, 101}, {140, 100}},
@@ -105,9 +96,7 @@ TEST(TrailPainter, MarkersCoverEveryVisibleVertexClippedToTheView) {
         {"one vertex: a 6 x 6 square from x - 3 to x + 2", {{100, 200}}, {{97, 197, 103, 203}}},
         {"clipped at the corner", {{1, 1}}, {{0, 0, 4, 4}}},
         {"outside the view", {{-10, -10}}, {}},
-        {"diagonal neighbours",
-         {{10, 10}, {12, 12}},
-         {{7, 7, 13, 9}, {7, 9, 15, 13}, {9, 13, 15, 15}}},
+        {"diagonal", {{10, 10}, {12, 12}}, {{7, 7, 13, 9}, {7, 9, 15, 13}, {9, 13, 15, 15}}},
     };
     for (const MarkerCase& c : cases) {
         screens::RecordingCanvas canvas(kView);
@@ -128,6 +117,7 @@ TEST(TrailPainter, BuildsAgainOnlyWhenTheTrailOrViewChanges) {
     TrailPainter painter;
     screens::RecordingCanvas canvas(kView);
     const TrailTransform moved{1, 5, 1, 0};
+    const Rect turned{0, 0, 640, 480};
     struct Step {
         const char* name;
         std::function<void()> change;
@@ -139,18 +129,18 @@ TEST(TrailPainter, BuildsAgainOnlyWhenTheTrailOrViewChanges) {
         {"first draw", [] {}, {}, kView, true},
         {"nothing changed", [] {}, {}, kView, false},
         {"view moved", [] {}, moved, kView, true},
-        {"view resized", [] {}, moved, Rect{0, 0, 640, 480}, true},
+        {"view resized", [] {}, moved, turned, true},
         {"point appended",
          [&] {
              trail.Append(TrackPoint{30, 30, {}});
          },
-         moved, Rect{0, 0, 640, 480}, true},
+         moved, turned, true},
         {"cleared and refilled alike",
          [&] {
              trail.Clear();
              trail = Trail({{10, 10}, {20, 20}, {30, 30}});
          },
-         moved, Rect{0, 0, 640, 480}, true},
+         moved, turned, true},
     };
     for (const Step& s : steps) {
         s.change();
