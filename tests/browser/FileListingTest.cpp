@@ -21,13 +21,11 @@ TEST(SizeText, ThresholdsAndDecimals) {
         const char* text;
     };
     constexpr std::uint64_t K = 1024, M = K * K, G = M * K;
-    const Case cases[] = {
-        {0, "0B"},           {1024, "1024B"},
-        {1025, "1.00K"},     {10 * K, "10.0K"},
-        {150 * K, "150K"},   {M + 1, "1.00M"},
-        {G, "1024M"},        {99 * G + G / 2, "99.5G"},
-        {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"},
-    };
+    const Case cases[] = {{0, "0B"},           {1024, "1024B"},
+                          {1025, "1.00K"},     {10 * K, "10.0K"},
+                          {150 * K, "150K"},   {M + 1, "1.00M"},
+                          {G, "1024M"},        {99 * G + G / 2, "99.5G"},
+                          {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"}};
     for (const Case& tc : cases) EXPECT_EQ(SizeText(tc.bytes), tc.text) << tc.bytes;
 }
 
@@ -37,22 +35,20 @@ TEST(Listing, ModeFilters) {
         const char* name;
         bool listed;
     };
-    const Case cases[] = {
-        {kBrowseMaps, "MAP.Bmp", true},
-        {kBrowseMaps, "a.GIF", true},
-        {kBrowseMaps, "photo.jpeg", false},
-        {kBrowseMaps, ".jpg", true},
-        {kBrowseMaps, "jpg", false},
-        {kBrowseMaps, "x.jpg.txt", false},
-        {kBrowseTrackLogs, "20260516.LOG", true},
-        {kBrowseTrackLogs, "walk.GPX", true},
-        {kBrowseTrackLogs, "x_NMEA0183.nmea", true},
-        {kBrowsePoi, "fuel.CSV", true},
-        {kBrowsePoi, "caches.gpx", true},
-        {kBrowsePoi, "fuel.log", false},
-        {0, "a.jpg", false},
-        {4, "a.csv", false},
-    };
+    const Case cases[] = {{kBrowseMaps, "MAP.Bmp", true},
+                          {kBrowseMaps, "a.GIF", true},
+                          {kBrowseMaps, "photo.jpeg", false},
+                          {kBrowseMaps, ".jpg", true},
+                          {kBrowseMaps, "jpg", false},
+                          {kBrowseMaps, "x.jpg.txt", false},
+                          {kBrowseTrackLogs, "20260516.LOG", true},
+                          {kBrowseTrackLogs, "walk.GPX", true},
+                          {kBrowseTrackLogs, "x_NMEA0183.nmea", true},
+                          {kBrowsePoi, "fuel.CSV", true},
+                          {kBrowsePoi, "caches.gpx", true},
+                          {kBrowsePoi, "fuel.log", false},
+                          {0, "a.jpg", false},
+                          {4, "a.csv", false}};
     for (const Case& tc : cases)
         EXPECT_EQ(MatchesMode(tc.mode, tc.name), tc.listed) << tc.mode << " " << tc.name;
     EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv; *.gpx]");
@@ -70,22 +66,19 @@ TEST(Listing, RowsOrderAndTheWayUp) {
         {"zeta.jpg", false, 2048}, {"Alpha", true, 0},  {"beta.PNG", false, 10},
         {"notes.txt", false, 5},   {".", true, 0},      {"..", true, 0},
         {"alpha.gif", false, 1},   {"!first", true, 0}, {"track.log", true, 0},
-        {"bad\xff.jpg", false, 3},
-    };
+        {"bad\xff.jpg", false, 3}};
     struct Case {
         int mode;
         const char* folder;
         std::vector<std::string> names;
     };
-    const Case cases[] = {
-        {kBrowseMaps,
-         "/home/u",
-         {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg", "beta.PNG", "track.log/",
-          "zeta.jpg"}},
-        {kBrowseTrackLogs, "/", {"!first/", "Alpha/", "track.log/"}},
-        {kBrowsePoi, "/media/", {"../", "!first/", "Alpha/", "track.log/"}},
-        {7, "/", {}},
-    };
+    const Case cases[] = {{kBrowseMaps,
+                           "/home/u",
+                           {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg",
+                            "beta.PNG", "track.log/", "zeta.jpg"}},
+                          {kBrowseTrackLogs, "/", {"!first/", "Alpha/", "track.log/"}},
+                          {kBrowsePoi, "/media/", {"../", "!first/", "Alpha/", "track.log/"}},
+                          {7, "/", {}}};
     for (const Case& tc : cases)
         EXPECT_EQ(Names(BuildListing(tc.mode, tc.folder, entries)), tc.names) << tc.folder;
 
@@ -106,12 +99,10 @@ TEST(Listing, WalkingPaths) {
         const char* name;
         bool root;
     };
-    const Case cases[] = {
-        {"/", "/", "", true},
-        {"/home", "/", "home", false},
-        {"/home/u/", "/home", "u", false},
-        {"//", "/", "", true},
-    };
+    const Case cases[] = {{"/", "/", "", true},
+                          {"/home", "/", "home", false},
+                          {"/home/u/", "/home", "u", false},
+                          {"//", "/", "", true}};
     for (const Case& tc : cases) {
         EXPECT_EQ(ParentFolder(tc.folder), tc.parent) << tc.folder;
         EXPECT_EQ(FolderName(tc.folder), tc.name) << tc.folder;

@@ -103,8 +103,7 @@ TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
         {"latitudes past the double range's half",
          Slots({{1, 0, 0, 1e308, 1}, {2, 9, 9, -1e308, 2}}), false},
         {"a coordinate that is not finite", Slots({{1, 0, 0, NAN, 1}, {2, 9, 9, 2, 2}}), false},
-        {"an infinite pixel", Slots({{1, 0, 0, 1, 1}, {2, INFINITY, 9, 2, 2}}), false},
-    };
+        {"an infinite pixel", Slots({{1, 0, 0, 1, 1}, {2, INFINITY, 9, 2, 2}}), false}};
     for (const Case& tc : cases) {
         const MapCalibration c = ComputeCalibration(tc.slots);
         EXPECT_EQ(c.IsValid(), tc.calibrated) << tc.what;
@@ -169,10 +168,7 @@ TEST(Conversions, DisplayAndImageRescale) {
     struct Case {
         PointF screen, image;
     };
-    const Case cases[] = {
-        {{260, 145}, {1100, 550}},
-        {{0, 0}, {60, -30}},
-    };
+    const Case cases[] = {{{260, 145}, {1100, 550}}, {{0, 0}, {60, -30}}};
     for (const Case& tc : cases) {
         const PointF i = DisplayToImage(span, display, origin, tc.screen, image);
         EXPECT_DOUBLE_EQ(i.x, tc.image.x);
@@ -191,14 +187,12 @@ TEST(Projection, NorthingCountsItsBandTwice) {
         double latitude;
         double bands;
     };
-    const Case cases[] = {
-        {0.0, 1.0},
-        {0.5, 1.5},
-        {-0.5, -1.5},
-        {1.0, 1.0 + t[1] + t[1] * 0.0},
-        {1.25, 1.0 + t[1] + 0.25 * t[1]},
-        {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])},
-    };
+    const Case cases[] = {{0.0, 1.0},
+                          {0.5, 1.5},
+                          {-0.5, -1.5},
+                          {1.0, 1.0 + t[1] + t[1] * 0.0},
+                          {1.25, 1.0 + t[1] + 0.25 * t[1]},
+                          {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])}};
     for (const Case& tc : cases)
         EXPECT_NEAR(MercatorNorthing(tc.latitude, 2.0, 100), tc.bands * band, 1e-9) << tc.latitude;
     EXPECT_EQ(MercatorNorthing(85, 2.0, 100), MercatorNorthing(80, 2.0, 100));

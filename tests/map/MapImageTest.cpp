@@ -59,8 +59,7 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
         {"long.bmp",
          WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1),
          ImageLoadError::TooLarge,
-         {}},
-    };
+         {}}};
     for (const Case& c : cases) {
         MapImage image, fromMemory;
         EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
@@ -78,11 +77,9 @@ TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
     const struct {
         QString path;
         ImageLoadError error;
-    } cases[] = {
-        {dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
-        {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
-        {Write("b.png", "PNG?"), ImageLoadError::NotAnImage},
-    };
+    } cases[] = {{dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
+                 {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
+                 {Write("b.png", "PNG?"), ImageLoadError::NotAnImage}};
     for (const auto& c : cases) {
         EXPECT_EQ(LoadMapImage(c.path, image), c.error);
         EXPECT_EQ(image.Size().width, 64);
@@ -94,12 +91,10 @@ TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
         ImageSize size;
         std::vector<std::pair<int, int>> levels;
     };
-    const Case cases[] = {
-        {{512, 300}, {{512, 300}}},
-        {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
-        {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
-        {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}},
-    };
+    const Case cases[] = {{{512, 300}, {{512, 300}}},
+                          {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
+                          {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
+                          {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
     for (const Case& c : cases) {
         const MapImage image =
             MapImage::FromImage(QImage(c.size.width, c.size.height, QImage::Format_RGB32));
@@ -133,9 +128,8 @@ TEST(MapImageLevels, AverageWhatTheyCoverAndLayTransparencyOnWhite) {
 TEST(MapImageLevels, LevelForTheZoom) {
     const MapImage map = MapImage::FromImage(QImage(4000, 100, QImage::Format_RGB32));
     ASSERT_EQ(map.LevelCount(), 4);  // 4000, 2000, 1000, 500
-    const std::pair<double, int> cases[] = {
-        {8.0, 0}, {1.0, 0}, {0.51, 0}, {0.5, 1}, {0.3, 1}, {0.25, 2}, {0.2, 2}, {0.01, 3},
-    };
+    const std::pair<double, int> cases[] = {{8.0, 0}, {1.0, 0},  {0.51, 0}, {0.5, 1},
+                                            {0.3, 1}, {0.25, 2}, {0.2, 2},  {0.01, 3}};
     for (auto [scale, level] : cases) EXPECT_EQ(map.LevelFor(scale), level) << scale;
 }
 
@@ -152,11 +146,9 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
         double width;  // displayed width; height is half
         PointF centre;
     };
-    const Case cases[] = {
-        {"fitted, from a reduced level", 480, {1000, 500}},
-        {"zoomed in", 4000, {1000, 500}},
-        {"zoomed in, off centre", 8000, {1000, 250}},
-    };
+    const Case cases[] = {{"fitted, from a reduced level", 480, {1000, 500}},
+                          {"zoomed in", 4000, {1000, 500}},
+                          {"zoomed in, off centre", 8000, {1000, 250}}};
     for (const Case& c : cases) {
         const VisiblePart part =
             ComputeVisiblePart(map.Size(), c.width, c.width / 2, c.centre, view);

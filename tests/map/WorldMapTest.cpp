@@ -29,15 +29,13 @@ TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
         std::size_t rings;
         std::size_t points;
     };
-    const Case cases[] = {
-        {"empty", "", 0, 0},
-        {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
-        {"too short", "0,0 1,1\n", 0, 0},
-        {"garbage line", "north,east\nx\n,,,\n", 0, 0},
-        {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
-        {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
-        {"no final newline", "0,0 1,0 0,1", 1, 3},
-    };
+    const Case cases[] = {{"empty", "", 0, 0},
+                          {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
+                          {"too short", "0,0 1,1\n", 0, 0},
+                          {"garbage line", "north,east\nx\n,,,\n", 0, 0},
+                          {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
+                          {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
+                          {"no final newline", "0,0 1,0 0,1", 1, 3}};
     for (const Case& tc : cases) {
         const WorldLand land = ParseWorldLand(tc.text);
         EXPECT_EQ(land.rings.size(), tc.rings) << tc.what;
@@ -60,8 +58,7 @@ TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
         {"out and back", "17900,6500 100,0 -36000,100 100,0 -100,100 36000,0\n", 17900, 18100},
         {"starts on the far side", "-18000,6500 36000,0 -100,0 100,0 -36000,0\n", 17900, 18000},
         // Once round only: the south polar ring closes along its bottom.
-        {"once round", "-18000,-8000 18000,100 18000,-100 -36000,-1000\n", -18000, 18000},
-    };
+        {"once round", "-18000,-8000 18000,100 18000,-100 -36000,-1000\n", -18000, 18000}};
     for (const auto& tc : cases) {
         const WorldLand land = ParseWorldLand(tc.text);
         ASSERT_EQ(land.rings.size(), 1u) << tc.what;
@@ -118,13 +115,11 @@ TEST(WorldMapDrawing, EveryZoomStaysInsideTheView) {
         double lat, lon, km;
         bool land, covers;
     };
-    const Case cases[] = {
-        {"whole world", 0, 0, 20000, true, false},
-        {"China, close", 30, 110, 1, true, true},
-        {"open Pacific, close", 0, -150, 1, false, false},
-        {"Mediterranean coast", 43.3, 5.4, 50, true, false},
-        {"south of 80, flattened", -85, 0, 100, true, false},
-    };
+    const Case cases[] = {{"whole world", 0, 0, 20000, true, false},
+                          {"China, close", 30, 110, 1, true, true},
+                          {"open Pacific, close", 0, -150, 1, false, false},
+                          {"Mediterranean coast", 43.3, 5.4, 50, true, false},
+                          {"south of 80, flattened", -85, 0, 100, true, false}};
     for (const Case& tc : cases) {
         const Drawn d = Draw(CentredOn(tc.lat, tc.lon, tc.km, view));
         EXPECT_EQ(d.polygons > 0, tc.land) << tc.what;
