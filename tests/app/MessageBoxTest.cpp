@@ -17,14 +17,12 @@ using shell::MessageButtons;
 using shell::MessageIcon;
 
 TEST(MessageBoxTest, StandardButtonsInChineseAtEachDensity) {
-    struct Case {
+    const struct {
         int baseTextHeight;
         MessageButtons buttons;
         QStringList texts;
-    };
-    const Case cases[] = {{15, MessageButtons::Ok, {"确定"}},
-                          {30, MessageButtons::YesNo, {"否", "是"}}};
-    for (const Case& c : cases) {
+    } cases[] = {{15, MessageButtons::Ok, {"确定"}}, {30, MessageButtons::YesNo, {"否", "是"}}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.baseTextHeight);
         const auto box = MakeMessageBox(nullptr, "您确定要退出程序？", MessageIcon::Question,
                                         c.buttons, c.baseTextHeight);

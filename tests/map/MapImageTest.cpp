@@ -32,13 +32,12 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
                      bmp = Encode(picture, "bmp");
     QByteArray garbledPng = png;
     garbledPng.replace(png.size() / 2, 64, QByteArray(64, '\x5A'));
-    struct Case {
+    const struct {
         const char* name;
         QByteArray bytes;
         ImageLoadError error;
         ImageSize size;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"map.png", png, ImageLoadError::None, {300, 200}},
         {"map.jpg", jpeg, ImageLoadError::None, {300, 200}},
         {"map.bmp", bmp, ImageLoadError::None, {300, 200}},
@@ -60,7 +59,7 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
          WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1),
          ImageLoadError::TooLarge,
          {}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         MapImage image, fromMemory;
         EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
         EXPECT_EQ(image.Size().width, c.size.width) << c.name;
@@ -87,15 +86,14 @@ TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
 }
 
 TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
-    struct Case {
+    const struct {
         ImageSize size;
         std::vector<std::pair<int, int>> levels;
-    };
-    const Case cases[] = {{{512, 300}, {{512, 300}}},
-                          {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
-                          {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
-                          {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
-    for (const Case& c : cases) {
+    } cases[] = {{{512, 300}, {{512, 300}}},
+                 {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
+                 {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
+                 {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
+    for (const auto& c : cases) {
         const MapImage image =
             MapImage::FromImage(QImage(c.size.width, c.size.height, QImage::Format_RGB32));
         std::vector<std::pair<int, int>> levels;
@@ -141,15 +139,14 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
     QPainter(&picture).fillRect(1000, 0, 1000, 1000, QColor(0, 0, 220));
     const MapImage map = MapImage::FromImage(picture);
     const screens::Rect view{0, 0, 480, 640};
-    struct Case {
+    const struct {
         const char* what;
         double width;  // displayed width; height is half
         PointF centre;
-    };
-    const Case cases[] = {{"fitted, from a reduced level", 480, {1000, 500}},
-                          {"zoomed in", 4000, {1000, 500}},
-                          {"zoomed in, off centre", 8000, {1000, 250}}};
-    for (const Case& c : cases) {
+    } cases[] = {{"fitted, from a reduced level", 480, {1000, 500}},
+                 {"zoomed in", 4000, {1000, 500}},
+                 {"zoomed in, off centre", 8000, {1000, 250}}};
+    for (const auto& c : cases) {
         const VisiblePart part =
             ComputeVisiblePart(map.Size(), c.width, c.width / 2, c.centre, view);
         QImage target(480, 640, QImage::Format_RGB32);

@@ -21,14 +21,13 @@ constexpr Rect kView{0, 0, 480, 640};
 
 TEST(MapFit, FitsTheRelativelyLongerSide) {
     // Zoom step 20 throughout.
-    struct Case {
+    const struct {
         const char* what;
         ImageSize image;
         Rect view;
         int bar;
         MapFit fit;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"wide image", {1000, 500}, kSmallView, kSmallBar, {0, 240.0, 120.0, 20, 10}},
         {"tall image", {300, 900}, kSmallView, kSmallBar, {1, 242.0 / 3, 242.0, 6, 20}},
         // 242 < 240 * 242 / 242 is false: a tie goes to the width.
@@ -38,7 +37,7 @@ TEST(MapFit, FitsTheRelativelyLongerSide) {
         {"empty image", {0, 500}, kSmallView, kSmallBar, {}},
         {"bar fills view", {1000, 500}, kSmallView, 268, {}},
         {"view no wider", {1000, 500}, {50, 0, 50, 268}, kSmallBar, {}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const MapFit fit = FitImageToView(c.image, c.view, c.bar, 20);
         EXPECT_EQ(fit.fitByHeight, c.fit.fitByHeight) << c.what;
         EXPECT_DOUBLE_EQ(fit.displayedWidth, c.fit.displayedWidth) << c.what;
@@ -76,12 +75,11 @@ TEST(RecentMaps, ChoosingAndOpeningReorderWithoutDuplicates) {
         std::string loaded;  // Open: the path it returns
         List after;
     };
-    struct Case {
+    const struct {
         const char* what;
         RecentMaps start;
         std::vector<Step> steps;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"first map",
          {},
          {{Step::Choose, "a", 0, "", {"a", "", "", "", ""}},
@@ -102,7 +100,7 @@ TEST(RecentMaps, ChoosingAndOpeningReorderWithoutDuplicates) {
          {{Step::Open, "", 3, "", {"a", "", "", "", ""}},
           {Step::Open, "", 5, "", {"a", "", "", "", ""}},
           {Step::Open, "", -1, "", {"a", "", "", "", ""}}}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         RecentMaps recent = c.start;
         for (const Step& s : c.steps) {
             if (s.kind == Step::Choose) {
@@ -149,7 +147,7 @@ TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
         {"no image", {0, 0}, 480, 240, {0, 0}, {}, {}},
         {"no size", {1000, 500}, 0, 0, {500, 250}, {}, {}},
         {"not a number", {1000, 500}, 480, 240, {NAN, 250}, {}, {}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const VisiblePart part = ComputeVisiblePart(c.image, c.width, c.height, c.centre, kView);
         EXPECT_EQ(part.empty, c.destination == Rect{}) << c.what;
         EXPECT_EQ(part.destination, c.destination) << c.what;

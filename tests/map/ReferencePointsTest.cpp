@@ -28,18 +28,17 @@ std::string TempPath(const std::string& name) {
 }
 
 TEST(ReferenceFileName, StemUpToTheFirstDot) {
-    struct Case {
+    const struct {
         const char* root;
         const char* map;
         const char* file;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"/media/card/Documents", "/home/u/Maps/city.2007.jpg",
          "/media/card/Documents/My GPS/Reference Points/Ref Pt_city.rpt"},
         {"/home/u/Documents/", "scan", "/home/u/Documents/My GPS/Reference Points/Ref Pt_scan.rpt"},
         {"/d", "/maps/.hidden.png", "/d/My GPS/Reference Points/Ref Pt_.rpt"},
         {"/d", "/maps.v2/plain", "/d/My GPS/Reference Points/Ref Pt_plain.rpt"}};
-    for (const Case& tc : cases) EXPECT_EQ(MakeReferenceFileName(tc.root, tc.map), tc.file);
+    for (const auto& tc : cases) EXPECT_EQ(MakeReferenceFileName(tc.root, tc.map), tc.file);
 }
 
 TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
@@ -56,13 +55,12 @@ TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
 }
 
 TEST(ReferenceText, TokenRules) {
-    struct Case {
+    const struct {
         const char* what;
         std::string text;
         int active;
         GeoPoint first;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"empty", "", 0, {}},
         {"no line end, no trailing comma", "1,30,114,10,20", 1, {1, 30, 114, 0, 0, 10, 20}},
         {"line breaks inside tokens vanish",
@@ -82,7 +80,7 @@ TEST(ReferenceText, TokenRules) {
          {1, 123, 2, 0, 0, 3, 4}},
         {"NUL ends the text", "1,10,20,30,40,\0"s + "1,1,1,1,1,", 1, {1, 10, 20, 0, 0, 30, 40}},
         {"binary", "\xff\xfe\x01,\x80\x7f,\x1b[0m"s, 0, {0, 0, 0, 0, 0, 0, 0}}};
-    for (const Case& tc : cases) {
+    for (const auto& tc : cases) {
         int active = -1;
         const ReferencePoints s = Parse(tc.text, &active);
         EXPECT_EQ(active, tc.active) << tc.what;
@@ -147,19 +145,18 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
 }
 
 TEST(Dms, SplitAndJoin) {
-    struct Case {
+    const struct {
         double value;
         const char* deg;
         const char* min;
         const char* sec;
-    };
-    const Case cases[] = {{-33.5, "33.000000", "30.000000", "0.000000"},
-                          // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show
-                          // as 60.
-                          {114.3, "114.000000", "17.000000", "60.000000"},
-                          {0.0, "0.000000", "0.000000", "0.000000"},
-                          {-179.999999, "179.000000", "59.000000", "59.996400"}};
-    for (const Case& tc : cases) {
+    } cases[] = {{-33.5, "33.000000", "30.000000", "0.000000"},
+                 // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show
+                 // as 60.
+                 {114.3, "114.000000", "17.000000", "60.000000"},
+                 {0.0, "0.000000", "0.000000", "0.000000"},
+                 {-179.999999, "179.000000", "59.000000", "59.996400"}};
+    for (const auto& tc : cases) {
         GeoPoint slot;
         slot.latitude = tc.value;
         slot.longitude = tc.value;
