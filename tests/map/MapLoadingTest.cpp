@@ -163,17 +163,5 @@ TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
     EXPECT_EQ(inset.source, (RectF{380, 340, 620, 660}));
 }
 
-TEST(VisiblePart, OriginAgreesWithTheRescale) {
-    // The origin is what DisplayToImage needs to turn a tap into the pixel
-    // under it: the view's centre must give back the scroll centre.
-    const ImageSize image{1200, 900};
-    const PointF centre{333.25, 871.5};
-    const Rect view{0, 26, 480, 614};
-    const VisiblePart part = ComputeVisiblePart(image, 1700, 1275, centre, view);
-    const PointF back = DisplayToImage({1700, 1275}, part.displayOrigin, {}, {240, 320}, image);
-    EXPECT_NEAR(back.x, centre.x, 1e-9);
-    EXPECT_NEAR(back.y, centre.y, 1e-9);
-}
-
 }  // namespace
 }  // namespace satwalk::map
