@@ -96,28 +96,22 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
 // Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot
 // the confirmed fields make.
 TEST_F(ReferenceDialogTest, SetAndConfirm) {
+    constexpr double kSecond = 1.0 / 3600;
     const struct {
         const char* what;
         std::vector<std::pair<int, std::string>> sets;
         int valid;
         double latitude, longitude;
-    } cases[] = {{"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
-                 {"longitude seconds read to nine characters",
-                  {{1009, "59.9999999999"}},
-                  1,
-                  33.5,
-                  151.25 + 59.999999 * 0.0002777777777777778},
-                 {"latitude seconds read whole",
-                  {{1005, "59.9999999999"}},
-                  1,
-                  33.5 + 59.9999999999 * 0.0002777777777777778,
-                  151.25},
-                 {"minutes past 60 and text after the number",
-                  {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}},
-                  1,
-                  11.5,
-                  5.5},
-                 {"unticked", {{1013, "0"}}, 0, 33.5, 151.25}};
+    } cases[] = {
+        {"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
+        {"longitude seconds cut", {{1009, "59.9999999999"}}, 1, 33.5, 151.25 + 59.999999 * kSecond},
+        {"lat seconds whole", {{1005, "59.9999999999"}}, 1, 33.5 + 59.9999999999 * kSecond, 151.25},
+        {"minutes past 60, text after numbers",
+         {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}},
+         1,
+         11.5,
+         5.5},
+        {"unticked", {{1013, "0"}}, 0, 33.5, 151.25}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         Open(0, {1, -33.5, 151.25, 0, 0, 0, 0});
