@@ -49,6 +49,12 @@ StylusScene Scene(bool mapMode = false, bool placing = false, int unit = 30) {
     return s;
 }
 
+StylusScene Without(bool StylusScene::*flag) {
+    StylusScene s = Scene();
+    s.*flag = false;
+    return s;
+}
+
 // The centre of button k (1..6).
 int Cy(int k) {
     return 100 + 34 * (k - 1) + 14;
@@ -141,20 +147,10 @@ TEST(MapInteraction, WhereTheStylusGoesDownDecidesWhatItDoes) {
         {"placing: the cursor moves", Scene(true, true), 200, 300, StylusDownResult::PlacementTap,
          "place 200 300"},
         {"button edge is not the button", Scene(), 450, Cy(1), StylusDownResult::Map, ""},
-        {"outside the picture",
-         [] {
-             StylusScene s = Scene();
-             s.insideMap = false;
-             return s;
-         }(),
-         200, 700, StylusDownResult::Ignored, ""},
-        {"another screen",
-         [] {
-             StylusScene s = Scene();
-             s.onMapScreen = false;
-             return s;
-         }(),
-         465, Cy(1), StylusDownResult::Ignored, ""}};
+        {"outside the picture", Without(&StylusScene::insideMap), 200, 700,
+         StylusDownResult::Ignored, ""},
+        {"another screen", Without(&StylusScene::onMapScreen), 465, Cy(1),
+         StylusDownResult::Ignored, ""}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         MapInteraction s;
