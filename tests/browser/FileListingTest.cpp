@@ -16,16 +16,15 @@ namespace satwalk::browser {
 namespace {
 
 TEST(SizeText, ThresholdsAndDecimals) {
-    struct Case {
+    constexpr std::uint64_t K = 1024, M = K * K, G = M * K;
+    const struct {
         std::uint64_t bytes;
         const char* text;
-    };
-    constexpr std::uint64_t K = 1024, M = K * K, G = M * K;
-    const Case cases[] = {{0, "0B"},           {1024, "1024B"},
-                          {1025, "1.00K"},     {10 * K, "10.0K"},
-                          {150 * K, "150K"},   {M + 1, "1.00M"},
-                          {G, "1024M"},        {99 * G + G / 2, "99.5G"},
-                          {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"}};
+    } cases[] = {{0, "0B"},           {1024, "1024B"},
+                 {1025, "1.00K"},     {10 * K, "10.0K"},
+                 {150 * K, "150K"},   {M + 1, "1.00M"},
+                 {G, "1024M"},        {99 * G + G / 2, "99.5G"},
+                 {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"}};
     for (const auto& tc : cases) EXPECT_EQ(SizeText(tc.bytes), tc.text) << tc.bytes;
 }
 

@@ -125,17 +125,16 @@ TEST(RecentMaps, MenuShowsFileNamesAndEmptyEntries) {
 
 TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
     // A 480 × 640 view; an empty destination says nothing is visible.
-    struct Case {
+    constexpr ImageSize kSquare{1000, 1000};
+    constexpr double kHalf = 1000.0 / 479 * 0.5;
+    const struct {
         const char* what;
         ImageSize image;
         double width, height;  // displayed size
         PointF centre;         // image pixel at the view's centre
         RectF source;
         Rect destination;
-    };
-    constexpr ImageSize kSquare{1000, 1000};
-    constexpr double kHalf = 1000.0 / 479 * 0.5;
-    const Case cases[] = {
+    } cases[] = {
         {"zoomed in 2x", kSquare, 2000, 2000, {500, 500}, {380, 340, 620, 660}, kView},
         {"fitted", {1000, 500}, 480, 240, {500, 250}, {0, 0, 1000, 500}, {0, 200, 480, 440}},
         {"at left edge", kSquare, 2000, 2000, {0, 500}, {0, 340, 120, 660}, {240, 0, 480, 640}},
