@@ -17,16 +17,12 @@ using shell::MessageButtons;
 using shell::MessageIcon;
 
 TEST(MessageBoxTest, StandardButtonsInChineseAtEachDensity) {
-    struct Case {
+    const struct {
         int baseTextHeight;
         MessageButtons buttons;
         QStringList texts;
-    };
-    const Case cases[] = {
-        {15, MessageButtons::Ok, {"确定"}},
-        {30, MessageButtons::YesNo, {"否", "是"}},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{15, MessageButtons::Ok, {"确定"}}, {30, MessageButtons::YesNo, {"否", "是"}}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.baseTextHeight);
         const auto box = MakeMessageBox(nullptr, "您确定要退出程序？", MessageIcon::Question,
                                         c.buttons, c.baseTextHeight);
@@ -49,8 +45,7 @@ TEST(MessageBoxTest, MnemonicsLeaveTheButtonText) {
         const char* in;
         const char* out;
     } cases[] = {
-        {"是(&Y)", "是"}, {"否 (&N)", "否"}, {"&OK", "OK"}, {"A && B", "A & B"}, {"取消", "取消"},
-    };
+        {"是(&Y)", "是"}, {"否 (&N)", "否"}, {"&OK", "OK"}, {"A && B", "A & B"}, {"取消", "取消"}};
     for (const auto& c : cases)
         EXPECT_EQ(WithoutMnemonic(QString::fromUtf8(c.in)), QString::fromUtf8(c.out)) << c.in;
 }

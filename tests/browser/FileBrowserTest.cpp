@@ -89,15 +89,13 @@ TEST_F(FileBrowserTest, WalkingTheTree) {
         Step step;
         std::string folder;
         const char* selected;
-    } steps[] = {
-        {OpenSub, Maps() + "/sub", ".."},
-        {Back, Maps(), "sub"},
-        {UpKey, top, "maps"},
-        {EnterKey, Maps(), ".."},
-        {OpenSub, Maps() + "/sub", ".."},
-        {Escape, Maps(), "sub"},
-        {TapDotDot, top, "maps"},
-    };
+    } steps[] = {{OpenSub, Maps() + "/sub", ".."},
+                 {Back, Maps(), "sub"},
+                 {UpKey, top, "maps"},
+                 {EnterKey, Maps(), ".."},
+                 {OpenSub, Maps() + "/sub", ".."},
+                 {Escape, Maps(), "sub"},
+                 {TapDotDot, top, "maps"}};
     for (const auto& s : steps) {
         switch (s.step) {
             case OpenSub:
@@ -149,8 +147,7 @@ TEST_F(FileBrowserTest, ChoosingAFile) {
         {"choose", Maps() + "/MAP.Bmp", true},     {"choose", Maps() + "/../maps/./b.png", true},
         {"choose", Maps() + "/photo.jpeg", false},  // not a map: not listed
         {"choose", Maps() + "/gone.png", false},   {"enter", Maps() + "/c.GIF", true},
-        {"tap", Maps() + "/big.jpg", true},        {"cancel", "", false},
-    };
+        {"tap", Maps() + "/big.jpg", true},        {"cancel", "", false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.how) + " " + c.path);
         FileBrowser* b = Open(kBrowseMaps, Maps());

@@ -16,44 +16,38 @@ namespace satwalk::browser {
 namespace {
 
 TEST(SizeText, ThresholdsAndDecimals) {
-    struct Case {
+    constexpr std::uint64_t K = 1024, M = K * K, G = M * K;
+    const struct {
         std::uint64_t bytes;
         const char* text;
-    };
-    constexpr std::uint64_t K = 1024, M = K * K, G = M * K;
-    const Case cases[] = {
-        {0, "0B"},           {1024, "1024B"},
-        {1025, "1.00K"},     {10 * K, "10.0K"},
-        {150 * K, "150K"},   {M + 1, "1.00M"},
-        {G, "1024M"},        {99 * G + G / 2, "99.5G"},
-        {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"},
-    };
-    for (const Case& tc : cases) EXPECT_EQ(SizeText(tc.bytes), tc.text) << tc.bytes;
+    } cases[] = {{0, "0B"},           {1024, "1024B"},
+                 {1025, "1.00K"},     {10 * K, "10.0K"},
+                 {150 * K, "150K"},   {M + 1, "1.00M"},
+                 {G, "1024M"},        {99 * G + G / 2, "99.5G"},
+                 {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"}};
+    for (const auto& tc : cases) EXPECT_EQ(SizeText(tc.bytes), tc.text) << tc.bytes;
 }
 
 TEST(Listing, ModeFilters) {
-    struct Case {
+    const struct {
         int mode;
         const char* name;
         bool listed;
-    };
-    const Case cases[] = {
-        {kBrowseMaps, "MAP.Bmp", true},
-        {kBrowseMaps, "a.GIF", true},
-        {kBrowseMaps, "photo.jpeg", false},
-        {kBrowseMaps, ".jpg", true},
-        {kBrowseMaps, "jpg", false},
-        {kBrowseMaps, "x.jpg.txt", false},
-        {kBrowseTrackLogs, "20260516.LOG", true},
-        {kBrowseTrackLogs, "walk.GPX", true},
-        {kBrowseTrackLogs, "x_NMEA0183.nmea", true},
-        {kBrowsePoi, "fuel.CSV", true},
-        {kBrowsePoi, "caches.gpx", true},
-        {kBrowsePoi, "fuel.log", false},
-        {0, "a.jpg", false},
-        {4, "a.csv", false},
-    };
-    for (const Case& tc : cases)
+    } cases[] = {{kBrowseMaps, "MAP.Bmp", true},
+                 {kBrowseMaps, "a.GIF", true},
+                 {kBrowseMaps, "photo.jpeg", false},
+                 {kBrowseMaps, ".jpg", true},
+                 {kBrowseMaps, "jpg", false},
+                 {kBrowseMaps, "x.jpg.txt", false},
+                 {kBrowseTrackLogs, "20260516.LOG", true},
+                 {kBrowseTrackLogs, "walk.GPX", true},
+                 {kBrowseTrackLogs, "x_NMEA0183.nmea", true},
+                 {kBrowsePoi, "fuel.CSV", true},
+                 {kBrowsePoi, "caches.gpx", true},
+                 {kBrowsePoi, "fuel.log", false},
+                 {0, "a.jpg", false},
+                 {4, "a.csv", false}};
+    for (const auto& tc : cases)
         EXPECT_EQ(MatchesMode(tc.mode, tc.name), tc.listed) << tc.mode << " " << tc.name;
     EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv; *.gpx]");
     EXPECT_EQ(FilterCaption(9), "");
@@ -70,23 +64,19 @@ TEST(Listing, RowsOrderAndTheWayUp) {
         {"zeta.jpg", false, 2048}, {"Alpha", true, 0},  {"beta.PNG", false, 10},
         {"notes.txt", false, 5},   {".", true, 0},      {"..", true, 0},
         {"alpha.gif", false, 1},   {"!first", true, 0}, {"track.log", true, 0},
-        {"bad\xff.jpg", false, 3},
-    };
-    struct Case {
+        {"bad\xff.jpg", false, 3}};
+    const struct {
         int mode;
         const char* folder;
         std::vector<std::string> names;
-    };
-    const Case cases[] = {
-        {kBrowseMaps,
-         "/home/u",
-         {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg", "beta.PNG", "track.log/",
-          "zeta.jpg"}},
-        {kBrowseTrackLogs, "/", {"!first/", "Alpha/", "track.log/"}},
-        {kBrowsePoi, "/media/", {"../", "!first/", "Alpha/", "track.log/"}},
-        {7, "/", {}},
-    };
-    for (const Case& tc : cases)
+    } cases[] = {{kBrowseMaps,
+                  "/home/u",
+                  {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg", "beta.PNG",
+                   "track.log/", "zeta.jpg"}},
+                 {kBrowseTrackLogs, "/", {"!first/", "Alpha/", "track.log/"}},
+                 {kBrowsePoi, "/media/", {"../", "!first/", "Alpha/", "track.log/"}},
+                 {7, "/", {}}};
+    for (const auto& tc : cases)
         EXPECT_EQ(Names(BuildListing(tc.mode, tc.folder, entries)), tc.names) << tc.folder;
 
     const auto rows = BuildListing(kBrowseMaps, "/home/u", entries);
@@ -100,19 +90,16 @@ TEST(Listing, RowsOrderAndTheWayUp) {
 }
 
 TEST(Listing, WalkingPaths) {
-    struct Case {
+    const struct {
         const char* folder;
         const char* parent;
         const char* name;
         bool root;
-    };
-    const Case cases[] = {
-        {"/", "/", "", true},
-        {"/home", "/", "home", false},
-        {"/home/u/", "/home", "u", false},
-        {"//", "/", "", true},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"/", "/", "", true},
+                 {"/home", "/", "home", false},
+                 {"/home/u/", "/home", "u", false},
+                 {"//", "/", "", true}};
+    for (const auto& tc : cases) {
         EXPECT_EQ(ParentFolder(tc.folder), tc.parent) << tc.folder;
         EXPECT_EQ(FolderName(tc.folder), tc.name) << tc.folder;
         EXPECT_EQ(IsRoot(tc.folder), tc.root) << tc.folder;
@@ -122,17 +109,16 @@ TEST(Listing, WalkingPaths) {
 }
 
 TEST(Listing, DisplayNamesAreValidUtf8) {
-    struct Case {
+    const struct {
         std::string raw, shown;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"地图.jpg", "地图.jpg"},
         {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                    // overlong '/'
         {"\xED\xA0\x80x", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBDx"},  // surrogate
         {"a\xE5\x9C", "a\xEF\xBF\xBD\xEF\xBF\xBD"},                  // cut short
         {"\xB5\xD8.jpg", "\xEF\xBF\xBD\xEF\xBF\xBD.jpg"},            // GB18030
     };
-    for (const Case& tc : cases) EXPECT_EQ(SafeDisplayName(tc.raw), tc.shown);
+    for (const auto& tc : cases) EXPECT_EQ(SafeDisplayName(tc.raw), tc.shown);
 }
 
 class Folder : public ::testing::Test {

@@ -32,13 +32,12 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
                      bmp = Encode(picture, "bmp");
     QByteArray garbledPng = png;
     garbledPng.replace(png.size() / 2, 64, QByteArray(64, '\x5A'));
-    struct Case {
+    const struct {
         const char* name;
         QByteArray bytes;
         ImageLoadError error;
         ImageSize size;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"map.png", png, ImageLoadError::None, {300, 200}},
         {"map.jpg", jpeg, ImageLoadError::None, {300, 200}},
         {"map.bmp", bmp, ImageLoadError::None, {300, 200}},
@@ -59,9 +58,8 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
         {"long.bmp",
          WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1),
          ImageLoadError::TooLarge,
-         {}},
-    };
-    for (const Case& c : cases) {
+         {}}};
+    for (const auto& c : cases) {
         MapImage image, fromMemory;
         EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
         EXPECT_EQ(image.Size().width, c.size.width) << c.name;
@@ -78,11 +76,9 @@ TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
     const struct {
         QString path;
         ImageLoadError error;
-    } cases[] = {
-        {dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
-        {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
-        {Write("b.png", "PNG?"), ImageLoadError::NotAnImage},
-    };
+    } cases[] = {{dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
+                 {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
+                 {Write("b.png", "PNG?"), ImageLoadError::NotAnImage}};
     for (const auto& c : cases) {
         EXPECT_EQ(LoadMapImage(c.path, image), c.error);
         EXPECT_EQ(image.Size().width, 64);
@@ -90,17 +86,14 @@ TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
 }
 
 TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
-    struct Case {
+    const struct {
         ImageSize size;
         std::vector<std::pair<int, int>> levels;
-    };
-    const Case cases[] = {
-        {{512, 300}, {{512, 300}}},
-        {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
-        {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
-        {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{{512, 300}, {{512, 300}}},
+                 {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
+                 {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
+                 {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
+    for (const auto& c : cases) {
         const MapImage image =
             MapImage::FromImage(QImage(c.size.width, c.size.height, QImage::Format_RGB32));
         std::vector<std::pair<int, int>> levels;
@@ -133,9 +126,8 @@ TEST(MapImageLevels, AverageWhatTheyCoverAndLayTransparencyOnWhite) {
 TEST(MapImageLevels, LevelForTheZoom) {
     const MapImage map = MapImage::FromImage(QImage(4000, 100, QImage::Format_RGB32));
     ASSERT_EQ(map.LevelCount(), 4);  // 4000, 2000, 1000, 500
-    const std::pair<double, int> cases[] = {
-        {8.0, 0}, {1.0, 0}, {0.51, 0}, {0.5, 1}, {0.3, 1}, {0.25, 2}, {0.2, 2}, {0.01, 3},
-    };
+    const std::pair<double, int> cases[] = {{8.0, 0}, {1.0, 0},  {0.51, 0}, {0.5, 1},
+                                            {0.3, 1}, {0.25, 2}, {0.2, 2},  {0.01, 3}};
     for (auto [scale, level] : cases) EXPECT_EQ(map.LevelFor(scale), level) << scale;
 }
 
@@ -147,17 +139,14 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
     QPainter(&picture).fillRect(1000, 0, 1000, 1000, QColor(0, 0, 220));
     const MapImage map = MapImage::FromImage(picture);
     const screens::Rect view{0, 0, 480, 640};
-    struct Case {
+    const struct {
         const char* what;
         double width;  // displayed width; height is half
         PointF centre;
-    };
-    const Case cases[] = {
-        {"fitted, from a reduced level", 480, {1000, 500}},
-        {"zoomed in", 4000, {1000, 500}},
-        {"zoomed in, off centre", 8000, {1000, 250}},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"fitted, from a reduced level", 480, {1000, 500}},
+                 {"zoomed in", 4000, {1000, 500}},
+                 {"zoomed in, off centre", 8000, {1000, 250}}};
+    for (const auto& c : cases) {
         const VisiblePart part =
             ComputeVisiblePart(map.Size(), c.width, c.width / 2, c.centre, view);
         QImage target(480, 640, QImage::Format_RGB32);

@@ -42,18 +42,16 @@ TEST(MapView, ProjectsDegreesInBothModes) {
         double lat, lon;
         bool placed;
         double x, y;
-    } cases[] = {
-        // 180 W is the view's left edge; 180 E the same meridian, taken on
-        // the side nearest the centre.
-        {"world date line west", World(), 0.5, -179.999, true, 0.0, NAN},
-        {"world date line east", World(), 0.5, 180.0, true, 480.0, NAN},
-        {"world greenwich", World(), 20.0, 0.0, true, 240.0, NAN},
-        {"image top left", Image(true), 31, 120, true, 0.0, 80.0},
-        {"image centre", Image(true), 28.5, 125, true, 240.0, 200.0},
-        {"image off to the east", Image(true), 28.5, 140, true, 960.0, 200.0},
-        {"image not calibrated", Image(false), 28.5, 125, false, 0, 0},
-        {"not a number", World(), NAN, 0, false, 0, 0},
-    };
+    } cases[] = {// 180 W is the view's left edge; 180 E the same meridian, taken on
+                 // the side nearest the centre.
+                 {"world date line west", World(), 0.5, -179.999, true, 0.0, NAN},
+                 {"world date line east", World(), 0.5, 180.0, true, 480.0, NAN},
+                 {"world greenwich", World(), 20.0, 0.0, true, 240.0, NAN},
+                 {"image top left", Image(true), 31, 120, true, 0.0, 80.0},
+                 {"image centre", Image(true), 28.5, 125, true, 240.0, 200.0},
+                 {"image off to the east", Image(true), 28.5, 140, true, 960.0, 200.0},
+                 {"image not calibrated", Image(false), 28.5, 125, false, 0, 0},
+                 {"not a number", World(), NAN, 0, false, 0, 0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         PointF p{-1, -1};
@@ -74,12 +72,10 @@ TEST(MapView, TapsComeBackToTheDegreesThatWereProjected) {
         const char* name;
         MapView view;
         double lat, lon;
-    } cases[] = {
-        {"world north", World(), 30.25, 120.1},
-        {"world south west", World(), -33.9, -70.6},
-        {"world far north", World(), 79.5, 10},
-        {"image", Image(true), 27.3, 123.4},
-    };
+    } cases[] = {{"world north", World(), 30.25, 120.1},
+                 {"world south west", World(), -33.9, -70.6},
+                 {"world far north", World(), 79.5, 10},
+                 {"image", Image(true), 27.3, 123.4}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         PointF p;

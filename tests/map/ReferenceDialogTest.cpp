@@ -82,8 +82,7 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
         {4,
          {0, 30.5125, 120.0, 0, 0, 0, 0},
          {"激活参照点 5 off", "北纬 grey", "30.000000 grey", "30.000000 grey", "45.000000 grey",
-          "东经 grey", "120.000000 grey", "0.000000 grey", "0.000000 grey"}},
-    };
+          "东经 grey", "120.000000 grey", "0.000000 grey", "0.000000 grey"}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.slot);
         ReferenceDialog* d = Open(c.slot, c.point);
@@ -97,6 +96,7 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
 // Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot
 // the confirmed fields make.
 TEST_F(ReferenceDialogTest, SetAndConfirm) {
+    constexpr double kSecond = 1.0 / 3600;
     const struct {
         const char* what;
         std::vector<std::pair<int, std::string>> sets;
@@ -104,23 +104,14 @@ TEST_F(ReferenceDialogTest, SetAndConfirm) {
         double latitude, longitude;
     } cases[] = {
         {"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
-        {"longitude seconds read to nine characters",
-         {{1009, "59.9999999999"}},
-         1,
-         33.5,
-         151.25 + 59.999999 * 0.0002777777777777778},
-        {"latitude seconds read whole",
-         {{1005, "59.9999999999"}},
-         1,
-         33.5 + 59.9999999999 * 0.0002777777777777778,
-         151.25},
-        {"minutes past 60 and text after the number",
+        {"longitude seconds cut", {{1009, "59.9999999999"}}, 1, 33.5, 151.25 + 59.999999 * kSecond},
+        {"lat seconds whole", {{1005, "59.9999999999"}}, 1, 33.5 + 59.9999999999 * kSecond, 151.25},
+        {"minutes past 60, text after numbers",
          {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}},
          1,
          11.5,
          5.5},
-        {"unticked", {{1013, "0"}}, 0, 33.5, 151.25},
-    };
+        {"unticked", {{1013, "0"}}, 0, 33.5, 151.25}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         Open(0, {1, -33.5, 151.25, 0, 0, 0, 0});
@@ -142,14 +133,12 @@ TEST_F(ReferenceDialogTest, InsertCurrentCoordinate) {
     const struct {
         ReferenceFix fix;
         std::vector<std::string> shown;
-    } cases[] = {
-        {{true, -22.5, -43.25},
-         {"激活参照点 2 on", "南纬", "22.000000", "30.000000", "0.000000", "西经", "43.000000",
-          "15.000000", "0.000000"}},
-        {{false, -22.5, -43.25},
-         {"激活参照点 2 on", "北纬", "0.000000", "0.000000", "0.000000", "东经", "0.000000",
-          "0.000000", "0.000000"}},
-    };
+    } cases[] = {{{true, -22.5, -43.25},
+                  {"激活参照点 2 on", "南纬", "22.000000", "30.000000", "0.000000", "西经",
+                   "43.000000", "15.000000", "0.000000"}},
+                 {{false, -22.5, -43.25},
+                  {"激活参照点 2 on", "北纬", "0.000000", "0.000000", "0.000000", "东经",
+                   "0.000000", "0.000000", "0.000000"}}};
     for (const auto& c : cases) {
         ReferenceDialog* d = Open(1, {0, 1.0, 2.0, 0, 0, 0, 0}, c.fix);
         ASSERT_TRUE(Set(1013, "1"));

@@ -23,22 +23,19 @@ const WorldLand& Land() {
 }
 
 TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
-    struct Case {
+    const struct {
         const char* what;
         const char* text;
         std::size_t rings;
         std::size_t points;
-    };
-    const Case cases[] = {
-        {"empty", "", 0, 0},
-        {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
-        {"too short", "0,0 1,1\n", 0, 0},
-        {"garbage line", "north,east\nx\n,,,\n", 0, 0},
-        {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
-        {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
-        {"no final newline", "0,0 1,0 0,1", 1, 3},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"empty", "", 0, 0},
+                 {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
+                 {"too short", "0,0 1,1\n", 0, 0},
+                 {"garbage line", "north,east\nx\n,,,\n", 0, 0},
+                 {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
+                 {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
+                 {"no final newline", "0,0 1,0 0,1", 1, 3}};
+    for (const auto& tc : cases) {
         const WorldLand land = ParseWorldLand(tc.text);
         EXPECT_EQ(land.rings.size(), tc.rings) << tc.what;
         EXPECT_EQ(land.PointCount(), tc.points) << tc.what;
@@ -60,8 +57,7 @@ TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
         {"out and back", "17900,6500 100,0 -36000,100 100,0 -100,100 36000,0\n", 17900, 18100},
         {"starts on the far side", "-18000,6500 36000,0 -100,0 100,0 -36000,0\n", 17900, 18000},
         // Once round only: the south polar ring closes along its bottom.
-        {"once round", "-18000,-8000 18000,100 18000,-100 -36000,-1000\n", -18000, 18000},
-    };
+        {"once round", "-18000,-8000 18000,100 18000,-100 -36000,-1000\n", -18000, 18000}};
     for (const auto& tc : cases) {
         const WorldLand land = ParseWorldLand(tc.text);
         ASSERT_EQ(land.rings.size(), 1u) << tc.what;
@@ -113,19 +109,16 @@ Drawn Draw(const WorldView& v) {
 
 TEST(WorldMapDrawing, EveryZoomStaysInsideTheView) {
     const Rect view{0, 30, 480, 610};
-    struct Case {
+    const struct {
         const char* what;
         double lat, lon, km;
         bool land, covers;
-    };
-    const Case cases[] = {
-        {"whole world", 0, 0, 20000, true, false},
-        {"China, close", 30, 110, 1, true, true},
-        {"open Pacific, close", 0, -150, 1, false, false},
-        {"Mediterranean coast", 43.3, 5.4, 50, true, false},
-        {"south of 80, flattened", -85, 0, 100, true, false},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"whole world", 0, 0, 20000, true, false},
+                 {"China, close", 30, 110, 1, true, true},
+                 {"open Pacific, close", 0, -150, 1, false, false},
+                 {"Mediterranean coast", 43.3, 5.4, 50, true, false},
+                 {"south of 80, flattened", -85, 0, 100, true, false}};
+    for (const auto& tc : cases) {
         const Drawn d = Draw(CentredOn(tc.lat, tc.lon, tc.km, view));
         EXPECT_EQ(d.polygons > 0, tc.land) << tc.what;
         EXPECT_TRUE(d.allInside) << tc.what;
@@ -143,10 +136,9 @@ TEST(WorldMapDrawing, PanningPastTheDateLineShowsTheOtherSide) {
 }
 
 TEST(WorldMapDrawing, AbsurdViewsNeitherFailNorFlood) {
-    struct Case {
+    const struct {
         double km, lon;
-    };
-    const Case cases[] = {{0.0, 0}, {-5.0, 0}, {1e-300, 0}, {1e300, 0}, {1, 1e15}, {1, NAN}};
+    } cases[] = {{0.0, 0}, {-5.0, 0}, {1e-300, 0}, {1e300, 0}, {1, 1e15}, {1, NAN}};
     for (const auto& [km, lon] : cases) {
         WorldView v = CentredOn(0, 0, 1, Rect{0, 0, 100, 100});
         v.scale = km;
