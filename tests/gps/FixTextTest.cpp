@@ -9,6 +9,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "FixText.h"
 #include "GpsState.h"
@@ -21,17 +22,14 @@ using common::kImperial;
 using common::kMetric;
 using common::kNautical;
 
-struct PositionCase {
-    const char* latitude;
-    char northSouth;
-    const char* longitude;
-    char eastWest;
-    double expectedLatitude;
-    double expectedLongitude;
-};
-
 TEST(NmeaToDegrees, SignedDegrees) {
-    const PositionCase cases[] = {
+    const struct {
+        const char* latitude;
+        char northSouth;
+        const char* longitude;
+        char eastWest;
+        double expectedLatitude, expectedLongitude;
+    } cases[] = {
         {"3015.1234", 'S', "12009.5000", 'E', -30.252056666666665, 120.15833333333333},
         {"3015.1234", 'N', "12009.5000", 'W', 30.252056666666665, -120.15833333333333},
         {"4807.0380", 'N', "01131.0000", 'E', 48.1173, 11.516666666666667},
@@ -43,8 +41,7 @@ TEST(NmeaToDegrees, SignedDegrees) {
         {"3015.1234", 'n', "12009.5000", 'e', -30.252056666666665, -120.15833333333333},
     };
     for (const auto& c : cases) {
-        double lat = 1;
-        double lon = 1;
+        double lat = 1, lon = 1;
         SCOPED_TRACE(std::string(c.latitude) + c.northSouth + " " + c.longitude + c.eastWest);
         EXPECT_EQ(NmeaToDegrees(c.latitude, c.northSouth, c.longitude, c.eastWest, &lat, &lon), 1);
         EXPECT_NEAR(lat, c.expectedLatitude, 1e-12);
@@ -53,8 +50,7 @@ TEST(NmeaToDegrees, SignedDegrees) {
 }
 
 TEST(NmeaToDegrees, EmptyTextsGiveNegativeZero) {
-    double lat = 1;
-    double lon = 1;
+    double lat = 1, lon = 1;
     NmeaToDegrees("", 0, "", 0, &lat, &lon);
     EXPECT_EQ(lat, 0.0);
     EXPECT_TRUE(std::signbit(lat));
@@ -144,19 +140,14 @@ TEST(ReadFix, EachNumberFromItsOwnText) {
     const FixValues v = ReadFix(d.state);
     EXPECT_NEAR(v.latitude.value(), -30.252056666666665, 1e-12);
     EXPECT_NEAR(v.longitude.value(), 120.15833333333333, 1e-12);
-    EXPECT_EQ(v.speedKnots, 20.5);
-    EXPECT_EQ(v.course, 33.5);
-    EXPECT_EQ(v.altitude, 23.4);
-    EXPECT_EQ(v.pdop, 1.8);
-    EXPECT_EQ(v.hdop, 0.9);
-    EXPECT_EQ(v.vdop, 1.6);
-    EXPECT_EQ(v.satellitesUsed, 8);
-    EXPECT_EQ(v.satellitesInView, 2);
+    using O = std::optional<double>;
+    EXPECT_EQ((std::vector<O>{v.speedKnots, v.course, v.altitude, v.pdop, v.hdop, v.vdop,
+                              v.satellites[0].elevation, v.satellites[0].azimuth}),
+              (std::vector<O>{20.5, 33.5, 23.4, 1.8, 0.9, 1.6, 72.0, 40.0}));
+    EXPECT_EQ((std::vector<std::optional<int>>{v.satellitesUsed, v.satellitesInView,
+                                               v.satellites[0].snr, v.satellites[1].snr}),
+              (std::vector<std::optional<int>>{8, 2, 48, std::nullopt}));  // 05 is not tracked
     EXPECT_TRUE(v.valid);
-    EXPECT_EQ(v.satellites[0].elevation, 72.0);
-    EXPECT_EQ(v.satellites[0].azimuth, 40.0);
-    EXPECT_EQ(v.satellites[0].snr, 48);
-    EXPECT_EQ(v.satellites[1].snr, std::nullopt);  // not tracked
 }
 
 // An empty text is absent, not 0; a text without its NUL ends at the
