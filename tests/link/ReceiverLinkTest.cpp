@@ -178,10 +178,7 @@ TEST(LinkTalkersTest, CombinedTalkerGivesAFixWithTheSettingAndTheHintWithout) {
         for (std::size_t tick = 1; tick <= 12; ++tick) {
             receiver.Send(
                 Sentence("GNRMC,120000.00,A,3112.0001,N,12128.0000,E,0.5,0.0,150307,,,A"));
-            ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
-            LinkTimerProc(link);
-            ASSERT_TRUE(sink.WaitBatches(tick));
-            ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
+            ASSERT_TRUE(sink.TickAndWait(tick));
         }
         StopLink(link);
         EXPECT_EQ(sink.latitude(11), all ? "3112.0001" : "") << "all talkers " << all;
@@ -266,9 +263,7 @@ TEST_F(LinkTest, StopNeverWaitsMoreThanItsBoundForABusyHandler) {
     ASSERT_TRUE(OpenPort(link));
     ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
     second.Send(Rmc("3112.0005"));
-    ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
-    LinkTimerProc(link);
-    ASSERT_TRUE(sink.WaitBatches(2));
+    ASSERT_TRUE(sink.TickAndWait(2));
     EXPECT_EQ(sink.latitude(1), "3112.0005");
 }
 

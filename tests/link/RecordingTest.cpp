@@ -126,10 +126,7 @@ TEST_F(RecordingTest, AVanishedFolderLosesTheBatchesButNotTheLink) {
         if (batch == 4)
             std::filesystem::create_directory(dir + "/gone");
         receiver.Send(Rmc("3112.0001"));
-        ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
-        LinkTimerProc(link);
-        ASSERT_TRUE(sink.WaitBatches(batch));
-        ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
+        ASSERT_TRUE(sink.TickAndWait(batch));
     }
     EXPECT_EQ(sink.latitude(2), "3112.0001");
     EXPECT_EQ(ListDir(dir + "/gone").size(), 1u);
