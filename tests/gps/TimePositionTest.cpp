@@ -73,13 +73,5 @@ TEST(TimeSync, EmptyDateStillSyncs) {
     EXPECT_EQ(d.state.fixTimeLocal, 0u);
 }
 
-TEST(TimeSync, WorksWithoutASink) {
-    GpsState s;
-    GsvAssembly a;
-    ParseNmeaBuffer(s, a, Sentence("GPRMC,010203,A,,,,,,,160526,,"), nullptr);
-    EXPECT_EQ(s.timeSyncPending, 0u);
-    EXPECT_NE(s.fixTimeLocal, 0u);
-}
-
 }  // namespace
 }  // namespace satwalk::gps
