@@ -93,12 +93,9 @@ TEST(ParseGsv, UntrackedSatelliteAndWideFields) {
     const SatelliteRecord* r = d.state.satellites;
     // The cycle completed and sorted: "07" (7) before "12" (12), each row
     // moved with all four of its fields.
-    EXPECT_STREQ(r[0].prn, "07");
-    EXPECT_STREQ(r[0].snr, "") << "empty SNR ending at '*'";
-    EXPECT_STREQ(r[1].prn, "12");
-    EXPECT_STREQ(r[1].elevation, "12345");
-    EXPECT_STREQ(r[1].azimuth, "123456");
-    EXPECT_STREQ(r[1].snr, "1234");
+    EXPECT_EQ(std::string(r[0].prn) + "|" + r[0].snr, "07|") << "empty SNR ending at '*'";
+    EXPECT_EQ(std::string(r[1].prn) + "|" + r[1].elevation + "|" + r[1].azimuth + "|" + r[1].snr,
+              "12|12345|123456|1234");
 }
 
 }  // namespace

@@ -10,10 +10,6 @@
 namespace satwalk::link {
 namespace {
 
-InquiryAnswer Answer(std::string name, std::string address, bool hasName = true) {
-    return {hasName, std::move(name), std::move(address)};
-}
-
 std::string Address(int i) {
     char text[18];
     std::snprintf(text, sizeof text, "00:11:22:33:44:%02X", i);
@@ -28,7 +24,7 @@ std::string Repeat(const std::string& piece, int times) {
 
 std::vector<InquiryAnswer> Named(int count) {
     std::vector<InquiryAnswer> a;
-    for (int i = 0; i < count; ++i) a.push_back(Answer("GPS " + std::to_string(i), Address(i)));
+    for (int i = 0; i < count; ++i) a.push_back({true, "GPS " + std::to_string(i), Address(i)});
     return a;
 }
 
