@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "NmeaTestUtil.h"
 
@@ -11,21 +12,13 @@ namespace {
 using testing::Decoder;
 using testing::Sentence;
 
-struct ChecksumCase {
-    unsigned computed;
-    const char* received;
-    bool match;
-};
-
 TEST(VerifyChecksum, MatchesOnlyTwoUppercaseDigits) {
-    const ChecksumCase cases[] = {
+    const std::tuple<unsigned, const char*, bool> cases[] = {
         {0x4A, "4A", true},  {0x4A, "4a", false}, {0x07, "07", true}, {0x07, "7\r", false},
         {0x07, "70", false}, {0x00, "00", true},  {0xFF, "FF", true}, {0x10, "01", false},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(VerifyChecksum(c.computed, c.received), c.match)
-            << std::hex << c.computed << " vs " << c.received;
-    }
+    for (const auto& [computed, received, match] : cases)
+        EXPECT_EQ(VerifyChecksum(computed, received), match) << computed << " vs " << received;
 }
 
 // An RMC body whose only variable is the time, so each case can tell which of
@@ -45,17 +38,14 @@ std::string WithChecksum(std::string sentence, const char* sum) {
     return sentence;
 }
 
-struct FramingCase {
-    const char* name;
-    std::string batch;
-    const char* utcTime;  // what the RMC block holds afterwards
-    const char* satellitesUsed;
-};
-
 TEST(ParseNmeaBuffer, Framing) {
     const std::string rmc = Sentence(Rmc("111111.000"));
     const std::string gga = Sentence(Gga("07"));
-    const FramingCase cases[] = {
+    const struct {
+        const char* name;
+        std::string batch;
+        const char *utcTime, *satellitesUsed;  // what the RMC and GGA blocks hold afterwards
+    } cases[] = {
         {"clean sentences", rmc + gga, "111111.000", "07"},
         {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
          "111111.000", "07"},

@@ -24,78 +24,56 @@ std::string Gsv(int total, int number, int inView, std::vector<int> prns) {
     return Sentence(body);
 }
 
-std::vector<std::string> Prns(const GpsState& s) {
-    std::vector<std::string> out;
-    for (const auto& r : s.satellites) out.emplace_back(r.prn);
+// The table's PRN column, rows separated by spaces (empty rows stay empty).
+std::string Prns(const GpsState& s) {
+    std::string out;
+    for (const auto& r : s.satellites) out += (&r == s.satellites ? "" : " ") + std::string(r.prn);
     return out;
 }
-
-using V = std::vector<std::string>;
-
-struct GsvCase {
-    const char* name;
-    std::vector<std::string> batches;
-    V prns;
-    const char* inView;
-    bool cycleOpen;
-};
 
 TEST(ParseGsv, Assembly) {
     const std::string m1 = Gsv(3, 1, 12, {31, 2, 17, 9});
     const std::string m2 = Gsv(3, 2, 12, {25, 14, 1, 30});
     const std::string m3 = Gsv(3, 3, 12, {5, 12, 22, 10});
-    const GsvCase cases[] = {
+    const std::string kEmpty(11, ' ');
+    const struct {
+        const char* name;
+        std::vector<std::string> batches;
+        std::string prns;
+        const char* inView;
+        bool cycleOpen;
+    } cases[] = {
         {"complete cycle sorted by number",
          {m1 + m2 + m3},
-         {"1", "2", "5", "9", "10", "12", "14", "17", "22", "25", "30", "31"},
+         "1 2 5 9 10 12 14 17 22 25 30 31",
          "12",
          false},
-        {"cycle over two batches",
-         {m1, m2 + m3},
-         {"1", "2", "5", "9", "10", "12", "14", "17", "22", "25", "30", "31"},
-         "12",
-         false},
-        {"only message 1 so far: arrival order",
-         {m1},
-         {"31", "2", "17", "9", "", "", "", "", "", "", "", ""},
-         "12",
-         true},
+        {"cycle over two batches", {m1, m2 + m3}, "1 2 5 9 10 12 14 17 22 25 30 31", "12", false},
+        {"only message 1 so far: arrival order", {m1}, "31 2 17 9        ", "12", true},
         // Message 3 fills rows 8..11; the count then reaches the number in
         // view, so the cycle closes and sorts with the hole of message 2.
-        {"lost message 2",
-         {m1, m3},
-         {"", "", "", "", "2", "5", "9", "10", "12", "17", "22", "31"},
-         "12",
-         false},
+        {"lost message 2", {m1, m3}, "    2 5 9 10 12 17 22 31", "12", false},
         {"a change of announced count abandons the cycle",
          {m1 + Gsv(2, 2, 8, {50, 51, 52, 53})},
-         {"", "", "", "", "", "", "", "", "", "", "", ""},
+         kEmpty,
          "",
          false},
         {"more than 12 satellites: rows beyond the table dropped",
          {Gsv(4, 1, 16, {16, 15, 14, 13}) + Gsv(4, 2, 16, {12, 11, 10, 9}) +
           Gsv(4, 3, 16, {8, 7, 6, 5}) + Gsv(4, 4, 16, {4, 3, 2, 1})},
-         {"5", "6", "7", "8", "9", "10", "11", "12", "13", "14", "15", "16"},
+         "5 6 7 8 9 10 11 12 13 14 15 16",
          "16",
          false},
-        {"message number above the table",
-         {Gsv(9, 9, 40, {1, 2, 3, 4})},
-         {"", "", "", "", "", "", "", "", "", "", "", ""},
-         "40",
-         true},
-        {"three-digit count keeps two",
-         {Gsv(1, 1, 123, {3})},
-         {"3", "", "", "", "", "", "", "", "", "", "", ""},
-         "12",
-         true},
-        {"count is the last field", {Sentence("GPGSV,1,1,00")}, V(12), "00", true},
-        {"fields stop early", {Sentence("GPGSV,1")}, V(12), "", true},
-        {"no fields", {Sentence("GPGSV,")}, V(12), "", false},
+        {"message number above the table", {Gsv(9, 9, 40, {1, 2, 3, 4})}, kEmpty, "40", true},
+        {"three-digit count keeps two", {Gsv(1, 1, 123, {3})}, "3           ", "12", true},
+        {"count is the last field", {Sentence("GPGSV,1,1,00")}, kEmpty, "00", true},
+        {"fields stop early", {Sentence("GPGSV,1")}, kEmpty, "", true},
+        {"no fields", {Sentence("GPGSV,")}, kEmpty, "", false},
         // Message "0" starts four rows before the table; with a count of -1
         // the index wraps onto it after three satellites.
         {"negative count reached by a wrapped index",
          {Sentence("GPGSV,1,0,-1,1,2,3,4,5,6,7,8,9,10,11,12")},
-         V(12),
+         kEmpty,
          "-1",
          false},
     };
@@ -115,12 +93,9 @@ TEST(ParseGsv, UntrackedSatelliteAndWideFields) {
     const SatelliteRecord* r = d.state.satellites;
     // The cycle completed and sorted: "07" (7) before "12" (12), each row
     // moved with all four of its fields.
-    EXPECT_STREQ(r[0].prn, "07");
-    EXPECT_STREQ(r[0].snr, "") << "empty SNR ending at '*'";
-    EXPECT_STREQ(r[1].prn, "12");
-    EXPECT_STREQ(r[1].elevation, "12345");
-    EXPECT_STREQ(r[1].azimuth, "123456");
-    EXPECT_STREQ(r[1].snr, "1234");
+    EXPECT_EQ(std::string(r[0].prn) + "|" + r[0].snr, "07|") << "empty SNR ending at '*'";
+    EXPECT_EQ(std::string(r[1].prn) + "|" + r[1].elevation + "|" + r[1].azimuth + "|" + r[1].snr,
+              "12|12345|123456|1234");
 }
 
 }  // namespace

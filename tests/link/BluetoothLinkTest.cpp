@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -26,31 +27,28 @@ RfcommPortDriver Driver(std::set<int> devices) {
 }
 
 TEST(BluetoothPortTest, IndexesAreTakenFromNineDown) {
-    struct Case {
-        std::set<int> devices;  // indexes with a device behind them
-        int links;              // links registering one after the other
-        std::string lastPort;   // the last link's port, or its error
-    };
-    const Case cases[] = {
+    // Indexes with a device behind them, links registering one after the
+    // other, the last link's port or its error.
+    const std::tuple<std::set<int>, int, std::string> cases[] = {
         {{}, 1, "COM9:"},
         {{9, 8}, 1, "COM7:"},
         {{9}, 3, "COM6:"},
         {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 1, "0x08200a10"},
         {{1, 3, 5, 7, 9}, 6, "0x08200a10"},
     };
-    for (const Case& c : cases) {
-        RfcommPortDriver driver = Driver(c.devices);
+    for (const auto& [devices, count, lastPort] : cases) {
+        RfcommPortDriver driver = Driver(devices);
         std::vector<std::unique_ptr<ReceiverLink>> links;
         std::string last;
-        for (int i = 0; i < c.links; ++i) {
+        for (int i = 0; i < count; ++i) {
             links.push_back(std::make_unique<ReceiverLink>());
             ReceiverLink& link = *links.back();
             link.portDriver = &driver;
             last = RegisterBluetoothPort(link, kReceiver) == 1 ? link.portName : link.lastErrorCode;
         }
-        EXPECT_EQ(last, c.lastPort) << c.links << " links";
+        EXPECT_EQ(last, lastPort) << count << " links";
         for (auto& link : links) DeregisterVirtualPort(*link);
-        EXPECT_TRUE(RegisterBluetoothPort(*links.front(), kReceiver) == 1 || c.devices.size() == 10)
+        EXPECT_TRUE(RegisterBluetoothPort(*links.front(), kReceiver) == 1 || devices.size() == 10)
             << "indexes come back at deregistration";
         DeregisterVirtualPort(*links.front());
     }
@@ -125,9 +123,7 @@ TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
     ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
 
     Send(Rmc("3112.0001"));
-    ASSERT_TRUE(WaitFor([&] { return link.bufferLength > 0; }));
-    LinkTimerProc(link);
-    ASSERT_TRUE(sink.WaitBatches(1));
+    ASSERT_TRUE(sink.TickAndWait(1));
     EXPECT_EQ(sink.latitude(0), "3112.0001");
 
     // Out of range: the connection drops, the next tick gives the link up.
@@ -142,29 +138,18 @@ TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
 }
 
 TEST_F(BluetoothLinkTest, EveryEndGivesTheIndexBack) {
-    struct Case {
-        const char* what;
-        bool refuse;
-        bool start;
-        int openResult;
-    };
-    const Case cases[] = {
-        {"refused connection", true, false, 0},
-        {"stopped by the user", false, true, 1},
-    };
-    for (const Case& c : cases) {
-        refuse = c.refuse;
-        ASSERT_EQ(RegisterBluetoothPort(link, kReceiver), 1) << c.what;
-        EXPECT_TRUE(driver.Registered(9)) << c.what;
-        EXPECT_EQ(OpenPort(link), c.openResult) << c.what;
-        if (c.openResult == 0) {
-            EXPECT_EQ(link.lastErrorCode, "0x08200a06") << c.what;
+    for (const bool refused : {true, false}) {  // else stopped by the user
+        refuse = refused;
+        ASSERT_EQ(RegisterBluetoothPort(link, kReceiver), 1) << refused;
+        EXPECT_TRUE(driver.Registered(9)) << refused;
+        EXPECT_EQ(OpenPort(link), refused ? 0 : 1) << refused;
+        if (refused) {
+            EXPECT_EQ(link.lastErrorCode, "0x08200a06");
+        } else {
+            ASSERT_EQ(StartLink(link), 1);
+            EXPECT_EQ(StopLink(link), kLossNone);
         }
-        if (c.start) {
-            ASSERT_EQ(StartLink(link), 1) << c.what;
-            EXPECT_EQ(StopLink(link), kLossNone) << c.what;
-        }
-        EXPECT_FALSE(driver.Registered(9)) << c.what;
+        EXPECT_FALSE(driver.Registered(9)) << refused;
         DropConnection();
     }
 }

@@ -1,7 +1,6 @@
 // Pseudo-terminal receivers and a recording sink for the link tests.
 #pragma once
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <mutex>
@@ -127,6 +127,15 @@ class RecordingSink final : public LinkSink {
         std::lock_guard<std::mutex> g(mutex_);
         return syncs_;
     }
+    // Waits for data in the reader's buffer, ticks, and waits until batch
+    // `n` is decoded and the reader is idle again.
+    bool TickAndWait(std::size_t n) {
+        if (!WaitFor([&] { return link.bufferLength > 0; }))
+            return false;
+        LinkTimerProc(link);
+        return WaitBatches(n) &&
+               WaitFor([&] { return link.bufferLength == 0 && !link.processPending; });
+    }
     bool WaitBatches(std::size_t n) {
         std::unique_lock<std::mutex> g(mutex_);
         return changed_.wait_for(g, std::chrono::seconds(3),
@@ -171,14 +180,9 @@ inline std::string MakeTempDir() {
 // Names of the entries of a folder.
 inline std::vector<std::string> ListDir(const std::string& path) {
     std::vector<std::string> names;
-    if (DIR* d = ::opendir(path.c_str())) {
-        while (const dirent* e = ::readdir(d)) {
-            const std::string name = e->d_name;
-            if (name != "." && name != "..")
-                names.push_back(name);
-        }
-        ::closedir(d);
-    }
+    std::error_code error;
+    for (const auto& e : std::filesystem::directory_iterator(path, error))
+        names.push_back(e.path().filename());
     return names;
 }
 

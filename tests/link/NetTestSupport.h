@@ -1,7 +1,7 @@
 // Loopback peers for the network source and relay tests: a one-shot TCP
 // server, a process group of our own (gpsd, gpsfake, gpspipe), and a sink
-// that keeps the position of every batch. Everything on 127.0.0.1, every
-// wait bounded.
+// that keeps the fix of every batch. Everything on 127.0.0.1, every wait
+// bounded.
 #pragma once
 
 #include <arpa/inet.h>
@@ -26,12 +26,20 @@
 
 namespace satwalk::link::test {
 
-// A listening socket on 127.0.0.1 with a port of the kernel's choosing.
-inline int ListenLoopback(std::uint16_t& port) {
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+using namespace std::chrono_literals;
+
+inline sockaddr_in Loopback(std::uint16_t port) {
     sockaddr_in a{};
     a.sin_family = AF_INET;
     a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    a.sin_port = htons(port);
+    return a;
+}
+
+// A listening socket on 127.0.0.1 with a port of the kernel's choosing.
+inline int ListenLoopback(std::uint16_t& port) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in a = Loopback(0);
     socklen_t size = sizeof a;
     if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 ||
         ::listen(fd, 4) != 0 || ::getsockname(fd, reinterpret_cast<sockaddr*>(&a), &size) != 0)
@@ -51,15 +59,11 @@ inline int ConnectLoopback(std::uint16_t port, int receiveBuffer = 0) {
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (receiveBuffer > 0)
         ::setsockopt(fd, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    a.sin_port = htons(port);
-    if (::connect(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0) {
-        ::close(fd);
-        return -1;
-    }
-    return fd;
+    const sockaddr_in a = Loopback(port);
+    if (::connect(fd, reinterpret_cast<const sockaddr*>(&a), sizeof a) == 0)
+        return fd;
+    ::close(fd);
+    return -1;
 }
 
 inline void SendAll(int fd, const std::string& bytes) {
@@ -74,16 +78,16 @@ inline void SendAll(int fd, const std::string& bytes) {
 // Reads what arrives within `limit`, up to `want` bytes; ends early at EOF.
 inline std::string ReceiveFor(int fd, std::size_t want, std::chrono::milliseconds limit) {
     std::string got;
-    const auto end = std::chrono::steady_clock::now() + limit;
     char buf[4096];
-    while (got.size() < want && std::chrono::steady_clock::now() < end) {
+    for (const auto end = std::chrono::steady_clock::now() + limit;
+         got.size() < want && std::chrono::steady_clock::now() < end;) {
         const ssize_t n = ::recv(fd, buf, sizeof buf, MSG_DONTWAIT);
         if (n == 0)
             break;
         if (n > 0)
             got.append(buf, static_cast<std::size_t>(n));
         else
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            std::this_thread::sleep_for(2ms);
     }
     return got;
 }
@@ -92,36 +96,28 @@ inline std::string ReceiveFor(int fd, std::size_t want, std::chrono::millisecond
 // connection is closed when `serve` returns.
 class OneShotServer {
   public:
-    explicit OneShotServer(std::function<void(int fd)> serve) {
-        listen_ = ListenLoopback(port_);
-        thread_ = std::thread([this, serve = std::move(serve)] {
-            pollfd p{listen_, POLLIN, 0};
-            if (::poll(&p, 1, 5000) != 1)
-                return;
-            const int fd = ::accept4(listen_, nullptr, nullptr, SOCK_CLOEXEC);
-            if (fd < 0)
-                return;
-            serve(fd);
-            ::close(fd);
-        });
-    }
-    ~OneShotServer() {
-        thread_.join();
-        ::close(listen_);
-    }
+    explicit OneShotServer(std::function<void(int fd)> serve)
+        : listen_(ListenLoopback(port_)), thread_([this, serve = std::move(serve)] {
+              pollfd p{listen_, POLLIN, 0};
+              const int fd = ::poll(&p, 1, 5000) == 1
+                                 ? ::accept4(listen_, nullptr, nullptr, SOCK_CLOEXEC)
+                                 : -1;
+              if (fd >= 0)
+                  serve(fd), ::close(fd);
+          }) {}
+    ~OneShotServer() { thread_.join(), ::close(listen_); }
     std::uint16_t port() const { return port_; }
 
   private:
-    int listen_ = -1;
     std::uint16_t port_ = 0;
+    int listen_;
     std::thread thread_;
 };
 
 // A program run in a process group of its own, killed with its children.
 class Child {
   public:
-    explicit Child(std::vector<std::string> argv) {
-        pid_ = ::fork();
+    explicit Child(std::vector<std::string> argv) : pid_(::fork()) {
         if (pid_ == 0) {
             ::setpgid(0, 0);
             std::vector<char*> args;
@@ -130,32 +126,26 @@ class Child {
             ::execvp(args[0], args.data());
             ::_exit(127);
         }
-        if (pid_ > 0)
-            ::setpgid(pid_, pid_);
+        ::setpgid(pid_, pid_);
     }
     ~Child() { Kill(); }
     void Kill() {
-        if (pid_ <= 0)
-            return;
-        ::kill(-pid_, SIGKILL);
-        ::waitpid(pid_, nullptr, 0);
+        if (pid_ > 0)
+            ::kill(-pid_, SIGKILL), ::waitpid(pid_, nullptr, 0);
         pid_ = -1;
     }
 
   private:
-    pid_t pid_ = -1;
+    pid_t pid_;
 };
 
-// Waits until something listens on the loopback port.
 inline bool WaitListening(std::uint16_t port) {
     return WaitFor(
         [port] {
             const int fd = ConnectLoopback(port);
-            if (fd >= 0)
-                ::close(fd);
-            return fd >= 0;
+            return fd >= 0 && ::close(fd) == 0;
         },
-        std::chrono::milliseconds(10000));
+        10000ms);
 }
 
 struct Fix {
@@ -191,18 +181,27 @@ class FixSink final : public LinkSink {
     std::vector<Fix> fixes_;
 };
 
+// The log cut before each RMC, so that each piece is one epoch.
+inline std::vector<std::string> Epochs(const std::string& log) {
+    std::vector<std::string> epochs;
+    for (std::size_t at = 0, next; at < log.size(); at = next) {
+        next = std::min(log.find("$GPRMC", at + 1), log.size());
+        epochs.push_back(log.substr(at, next - at));
+    }
+    return epochs;
+}
+
 // The fix after each RMC of a log, decoded line by line.
 inline std::vector<Fix> FixesOfLog(const std::string& log) {
     gps::GpsState state;
     gps::GsvAssembly assembly;
     std::vector<Fix> fixes;
-    for (std::size_t at = 0; at < log.size();) {
-        const std::size_t end = std::min(log.find('\n', at), log.size());
+    for (std::size_t at = 0, end; at < log.size(); at = end + 1) {
+        end = std::min(log.find('\n', at), log.size());
         const std::string_view line(log.data() + at, end - at);
         gps::ParseNmeaBuffer(state, assembly, line, nullptr);
         if (line.substr(3, 4) == "RMC,")
             fixes.push_back({state.utcTime, state.latitude, state.longitude});
-        at = end + 1;
     }
     return fixes;
 }

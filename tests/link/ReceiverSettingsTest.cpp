@@ -2,15 +2,13 @@
 // with the radio and the inquiry faked.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "BluetoothSearch.h"
 #include "ReceiverSettingsModel.h"
 
 namespace satwalk::link {
 namespace {
-
-InquiryAnswer Answer(std::string name, std::string address, bool hasName = true) {
-    return {hasName, std::move(name), std::move(address)};
-}
 
 std::string Address(int i) {
     char text[18];
@@ -26,7 +24,7 @@ std::string Repeat(const std::string& piece, int times) {
 
 std::vector<InquiryAnswer> Named(int count) {
     std::vector<InquiryAnswer> a;
-    for (int i = 0; i < count; ++i) a.push_back(Answer("GPS " + std::to_string(i), Address(i)));
+    for (int i = 0; i < count; ++i) a.push_back({true, "GPS " + std::to_string(i), Address(i)});
     return a;
 }
 
@@ -37,14 +35,13 @@ TEST(BluetoothInquiryTest, AnswersBecomeRowsByTheInquiryRules) {
     badAddress[1].address = "00:11:22:33:44";
     std::vector<InquiryAnswer> repeated = Named(2);
     repeated.push_back(repeated[0]);
-    struct Case {
+    const struct {
         const char* what;
         std::vector<InquiryAnswer> answers;
         int result;
         const char* code;
         std::size_t rows;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"none", {}, kInquiryOk, "", 0},
         {"sixteen reach the maximum", Named(16), kInquiryFailed, "", 16},
         {"seventeen stop at the maximum", Named(17), kInquiryFailed, "", 16},
@@ -52,7 +49,7 @@ TEST(BluetoothInquiryTest, AnswersBecomeRowsByTheInquiryRules) {
         {"an answer without an address", badAddress, kInquiryFailed, "0x08200a04", 0},
         {"a repeated address counts once", repeated, kInquiryOk, "", 2},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const InquiryResult r = FinishInquiry(c.answers, kMaxDevices);
         EXPECT_EQ(r.result, c.result) << c.what;
         EXPECT_EQ(r.errorCode, c.code) << c.what;
@@ -63,11 +60,7 @@ TEST(BluetoothInquiryTest, AnswersBecomeRowsByTheInquiryRules) {
 TEST(BluetoothInquiryTest, NamesAreCleanedAndCutToTheRow) {
     const std::string cjk = "接";                  // 3 bytes, 1 unit
     const std::string emoji = "\xF0\x9F\x9B\xB0";  // 4 bytes, 2 units
-    struct Case {
-        std::string raw;
-        std::string clean;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"Holux GR-231", "Holux GR-231"},
         {"bad\xFF\xFEname", "bad\xEF\xBF\xBD\xEF\xBF\xBDname"},
         {"cut\xE6\x8E", "cut\xEF\xBF\xBD\xEF\xBF\xBD"},
@@ -77,7 +70,8 @@ TEST(BluetoothInquiryTest, NamesAreCleanedAndCutToTheRow) {
         {std::string(254, 'n') + emoji, std::string(254, 'n')},
         {std::string("a\0b", 3), "a"},
     };
-    for (const Case& c : cases) EXPECT_EQ(CleanDeviceName(c.raw), c.clean) << c.raw.substr(0, 20);
+    for (const auto& [raw, clean] : cases)
+        EXPECT_EQ(CleanDeviceName(raw), clean) << raw.substr(0, 20);
 }
 
 // ---- the dialog ----
@@ -104,20 +98,19 @@ ReceiverSettings Settings(bool bluetooth) {
 }
 
 TEST(ReceiverSettingsDialogTest, OkAndCancel) {
-    struct Case {
+    const struct {
         const char* what;
         bool bluetooth;
         std::vector<BluetoothDevice> table;
         int deviceRow;
         BluetoothDevice chosen;
         std::string portName;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"bluetooth, a row chosen", true, {kOther, kChosen}, 0, kOther, ""},
         {"bluetooth, no devices clears the choice", true, {}, -1, BluetoothDevice{}, ""},
         {"manual keeps the device, names the port", false, {kOther}, 0, kChosen, "COM7:"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ReceiverSettings s = Settings(c.bluetooth);
         s.table = c.table;
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
@@ -129,9 +122,8 @@ TEST(ReceiverSettingsDialogTest, OkAndCancel) {
         AcceptReceiverSettings(d, s);
         EXPECT_TRUE(d.ended && d.endResult == 1) << c.what;
         EXPECT_EQ(s.chosen, c.chosen) << c.what;
-        EXPECT_EQ(s.comPort, 7u) << c.what;
-        EXPECT_EQ(s.baudIndex, 4u) << c.what;
-        EXPECT_EQ(s.linkBaud, 38400u) << c.what;
+        EXPECT_EQ(std::tuple(s.comPort, s.baudIndex, s.linkBaud), std::tuple(7u, 4u, 38400u))
+            << c.what;
         EXPECT_EQ(s.linkPortName, c.portName) << c.what;
     }
 
@@ -175,15 +167,14 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
     std::vector<BluetoothDevice> sixteenKept = sixteen;
     sixteenKept[0] = kOther;  // the first row as it was
 
-    struct Case {
+    const std::vector<std::string> oldCombo = {"Other GPS", "Chosen GPS"};
+    const struct {
         const char* what;
         SearchOutcome outcome;
         std::vector<std::string> texts;
         std::vector<BluetoothDevice> table;
         std::vector<std::string> combo;
-    };
-    const std::vector<std::string> oldCombo = {"Other GPS", "Chosen GPS"};
-    const Case cases[] = {
+    } cases[] = {
         {"found two", {false, false, {kInquiryOk, "", found}}, {}, found, {"A", "B"}},
         {"found none", {false, false, {kInquiryOk, "", {}}}, {kTextNoReceiver}, {}, {}},
         {"radio off", {false, false, {kInquiryRadioOff, "", {}}}, {kTextRadioOff}, {}, oldCombo},
@@ -203,7 +194,7 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
          sixteenKept,
          oldCombo},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ReceiverSettings s = Settings(true);
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
         std::vector<DialogMessage> none;
