@@ -115,6 +115,11 @@ TEST(GpsdFilter, DropsJsonLinesWhereverTheReadsSplit) {
 // (so that 30 silent ticks take three seconds).
 class NetLink : public ::testing::Test {
   protected:
+    // The link stops while its timer is still there (members go in reverse).
+    ~NetLink() override {
+        StopLink(link);
+        link.timer = nullptr;
+    }
     void Open(const std::string& address) {
         link.devicePath = address;
         link.sink = &sink;
