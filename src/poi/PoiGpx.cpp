@@ -32,10 +32,18 @@ PoiRecord PoiFromWaypoint(const track::TrackWaypoint& w) {
     return r;
 }
 
-bool ReadPoiGpx(const std::string& path, PoiList& list) {
+bool ReadPoiGpx(const std::string& path, PoiList& list, std::uint64_t maxPoints, bool* truncated) {
     PoiList read;
-    const track::TrackFileRead result = track::ReadTrackFile(
-        path, {}, [&read](const track::TrackWaypoint& w) { read.Append(PoiFromWaypoint(w)); });
+    bool cut = false;
+    const track::TrackFileRead result =
+        track::ReadTrackFile(path, {}, [&read, &cut, maxPoints](const track::TrackWaypoint& w) {
+            if (read.Count() < maxPoints)
+                read.Append(PoiFromWaypoint(w));
+            else
+                cut = true;  // counted, not kept: the budget holds
+        });
+    if (truncated != nullptr)
+        *truncated = cut;
     if (result.kind != track::TrackFileKind::Gpx ||
         (result.result != track::TrackFileResult::Read &&
          result.result != track::TrackFileResult::Truncated))

@@ -16,6 +16,9 @@ PoiRecord PoiFromWaypoint(const track::TrackWaypoint& waypoint);
 
 // Appends the waypoints of the GPX file at `path` to `list`; false when it
 // cannot be opened or is no GPX (nothing added then).
-bool ReadPoiGpx(const std::string& path, PoiList& list);
+// At most `maxPoints` waypoints are kept; `truncated` (when given) says
+// whether the file had more.
+bool ReadPoiGpx(const std::string& path, PoiList& list, std::uint64_t maxPoints = kMaxPoisPerFile,
+                bool* truncated = nullptr);
 
 }  // namespace satwalk::poi

@@ -9,11 +9,12 @@ PoiImport ImportPoiFile(PoiStore& store, const std::string& path) {
     PoiImport result;
     PoiGroup group;
     // The content decides: GPX waypoints, else the CSV format.
+    const std::uint64_t stored = PoiPointCount(store);
+    const std::uint64_t room = stored < kMaxPois ? kMaxPois - stored : 0;
     if (track::SniffTrackFilePath(path) == track::TrackFileKind::Gpx) {
-        result.read = ReadPoiGpx(path, group.points);
+        result.read = ReadPoiGpx(
+            path, group.points, room < kMaxPoisPerFile ? room : kMaxPoisPerFile, &result.truncated);
     } else {
-        const std::uint64_t stored = PoiPointCount(store);
-        const std::uint64_t room = stored < kMaxPois ? kMaxPois - stored : 0;
         const PoiRead read = ReadPoiCsv(
             path,
             [&group](const PoiRecord& r) {
