@@ -11,6 +11,7 @@
 #include "Json.h"
 #include "PoiCategories.h"
 #include "PoiCsv.h"
+#include "PoiGpx.h"
 #include "ToolCommands.h"
 
 namespace satwalk::tools {
@@ -47,7 +48,7 @@ int RunPoi(int argc, char** argv) {
     out += ",\"points\":[";
     bool first = true;
     bool failed = false;
-    const poi::PoiRead read = poi::ReadPoiCsv(argv[0], [&](const poi::PoiRecord& r) {
+    const auto print = [&](const poi::PoiRecord& r) {
         out += first ? "{\"latitude\":" : ",{\"latitude\":";
         first = false;
         common::AppendJsonNumber(out, r.latitude);
@@ -64,7 +65,20 @@ int RunPoi(int argc, char** argv) {
             failed = failed || !WriteAll(STDOUT_FILENO, out);
             out.clear();
         }
-    });
+    };
+    // The content decides, as in the program: GPX waypoints, else CSV.
+    poi::PoiRead read = poi::PoiRead::Read;
+    if (track::SniffTrackFilePath(argv[0]) == track::TrackFileKind::Gpx) {
+        poi::PoiList list;
+        bool cut = false;
+        if (!poi::ReadPoiGpx(argv[0], list, poi::kMaxPoisPerFile, &cut))
+            read = poi::PoiRead::OpenFailed;
+        for (std::uint32_t i = 0; i < list.Count(); ++i) print(list.At(i));
+        if (cut)
+            read = poi::PoiRead::Truncated;
+    } else {
+        read = poi::ReadPoiCsv(argv[0], print);
+    }
     if (read == poi::PoiRead::OpenFailed) {
         std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0], poi::kOpenPoiFileFailed);
         return 1;
