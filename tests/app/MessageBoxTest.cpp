@@ -42,8 +42,7 @@ TEST(MessageBoxTest, StandardButtonsInChineseAtEachDensity) {
 
 TEST(MessageBoxTest, MnemonicsLeaveTheButtonText) {
     const struct {
-        const char* in;
-        const char* out;
+        const char *in, *out;
     } cases[] = {
         {"是(&Y)", "是"}, {"否 (&N)", "否"}, {"&OK", "OK"}, {"A && B", "A & B"}, {"取消", "取消"}};
     for (const auto& c : cases)

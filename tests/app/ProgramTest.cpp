@@ -44,8 +44,7 @@ std::string Capture(const std::string& command, int& status) {
 
 TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
     const struct {
-        const char* flag;
-        const char* starts;
+        const char *flag, *starts;
     } cases[] = {
         {"--help", "usage: satwalk"}, {"-h", "usage: satwalk"}, {"--version", "satwalk 0."}};
     for (const auto& c : cases) {

@@ -72,6 +72,12 @@ class FileBrowserTest : public ::testing::Test {
         QApplication::sendEvent(target, &up);
     }
 
+    static void Tap(FileBrowser& b, int row) {
+        QTreeWidget* list = b.list();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->topLevelItem(row)).center());
+    }
+
     fs::path root_;
     QWidget window_;
     DialogStack stack_{window_, 30};
@@ -83,43 +89,26 @@ class FileBrowserTest : public ::testing::Test {
 // may be used.
 TEST_F(FileBrowserTest, WalkingTheTree) {
     FileBrowser* b = Open(kBrowseMaps, Maps());
-    const std::string top = root_.string();
-    enum Step { OpenSub, Back, Escape, UpKey, EnterKey, TapDotDot };
+    const std::string top = root_.string(), maps = Maps(), sub = maps + "/sub";
+    // A step is a key, or one of these.
+    constexpr int kOpenSub = -1, kUpKey = -2, kTapDotDot = -3;
     const struct {
-        Step step;
+        int step;
         std::string folder;
         const char* selected;
-    } steps[] = {{OpenSub, Maps() + "/sub", ".."},
-                 {Back, Maps(), "sub"},
-                 {UpKey, top, "maps"},
-                 {EnterKey, Maps(), ".."},
-                 {OpenSub, Maps() + "/sub", ".."},
-                 {Escape, Maps(), "sub"},
-                 {TapDotDot, top, "maps"}};
+    } steps[] = {{kOpenSub, sub, ".."},    {Qt::Key_Backspace, maps, "sub"},
+                 {kUpKey, top, "maps"},    {Qt::Key_Return, maps, ".."},
+                 {kOpenSub, sub, ".."},    {Qt::Key_Escape, maps, "sub"},
+                 {kTapDotDot, top, "maps"}};
     for (const auto& s : steps) {
-        switch (s.step) {
-            case OpenSub:
-                b->Activate(6);  // sub, the last row
-                break;
-            case Back:
-                Key(stack_.KeyTarget(), Qt::Key_Backspace);
-                break;
-            case Escape:
-                Key(stack_.KeyTarget(), Qt::Key_Escape);
-                break;
-            case UpKey:
-                stack_.PressSoftKey(0);
-                break;
-            case EnterKey:
-                Key(stack_.KeyTarget(), Qt::Key_Return);
-                break;
-            case TapDotDot: {
-                QTreeWidget* list = b->list();
-                QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                                  list->visualItemRect(list->topLevelItem(0)).center());
-                break;
-            }
-        }
+        if (s.step == kOpenSub)
+            b->Activate(6);  // sub, the last row
+        else if (s.step == kUpKey)
+            stack_.PressSoftKey(0);
+        else if (s.step == kTapDotDot)
+            Tap(*b, 0);
+        else
+            Key(stack_.KeyTarget(), s.step);
         SCOPED_TRACE(s.folder);
         EXPECT_EQ(b->folder(), s.folder);
         EXPECT_EQ(Current(*b), s.selected);
@@ -159,9 +148,7 @@ TEST_F(FileBrowserTest, ChoosingAFile) {
             b->list()->setCurrentItem(b->list()->topLevelItem(4));
             Key(stack_.KeyTarget(), Qt::Key_Return);
         } else if (how == "tap") {
-            QTreeWidget* list = b->list();
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                              list->visualItemRect(list->topLevelItem(3)).center());
+            Tap(*b, 3);
         } else {
             stack_.PressSoftKey(1);
         }

@@ -29,24 +29,16 @@ TEST(SizeText, ThresholdsAndDecimals) {
 }
 
 TEST(Listing, ModeFilters) {
+    constexpr int M = kBrowseMaps, T = kBrowseTrackLogs, P = kBrowsePoi;
     const struct {
         int mode;
         const char* name;
         bool listed;
-    } cases[] = {{kBrowseMaps, "MAP.Bmp", true},
-                 {kBrowseMaps, "a.GIF", true},
-                 {kBrowseMaps, "photo.jpeg", false},
-                 {kBrowseMaps, ".jpg", true},
-                 {kBrowseMaps, "jpg", false},
-                 {kBrowseMaps, "x.jpg.txt", false},
-                 {kBrowseTrackLogs, "20260516.LOG", true},
-                 {kBrowseTrackLogs, "walk.GPX", true},
-                 {kBrowseTrackLogs, "x_NMEA0183.nmea", true},
-                 {kBrowsePoi, "fuel.CSV", true},
-                 {kBrowsePoi, "caches.gpx", true},
-                 {kBrowsePoi, "fuel.log", false},
-                 {0, "a.jpg", false},
-                 {4, "a.csv", false}};
+    } cases[] = {{M, "MAP.Bmp", true},      {M, "a.GIF", true},      {M, "photo.jpeg", false},
+                 {M, ".jpg", true},         {M, "jpg", false},       {M, "x.jpg.txt", false},
+                 {T, "20260516.LOG", true}, {T, "walk.GPX", true},   {T, "x_NMEA0183.nmea", true},
+                 {P, "fuel.CSV", true},     {P, "caches.gpx", true}, {P, "fuel.log", false},
+                 {0, "a.jpg", false},       {4, "a.csv", false}};
     for (const auto& tc : cases)
         EXPECT_EQ(MatchesMode(tc.mode, tc.name), tc.listed) << tc.mode << " " << tc.name;
     EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv; *.gpx]");
@@ -91,9 +83,7 @@ TEST(Listing, RowsOrderAndTheWayUp) {
 
 TEST(Listing, WalkingPaths) {
     const struct {
-        const char* folder;
-        const char* parent;
-        const char* name;
+        const char *folder, *parent, *name;
         bool root;
     } cases[] = {{"/", "/", "", true},
                  {"/home", "/", "home", false},
@@ -111,13 +101,11 @@ TEST(Listing, WalkingPaths) {
 TEST(Listing, DisplayNamesAreValidUtf8) {
     const struct {
         std::string raw, shown;
-    } cases[] = {
-        {"地图.jpg", "地图.jpg"},
-        {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                    // overlong '/'
-        {"\xED\xA0\x80x", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBDx"},  // surrogate
-        {"a\xE5\x9C", "a\xEF\xBF\xBD\xEF\xBF\xBD"},                  // cut short
-        {"\xB5\xD8.jpg", "\xEF\xBF\xBD\xEF\xBF\xBD.jpg"},            // GB18030
-    };
+    } cases[] = {{"地图.jpg", "地图.jpg"},
+                 {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                    // overlong '/'
+                 {"\xED\xA0\x80x", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBDx"},  // surrogate
+                 {"a\xE5\x9C", "a\xEF\xBF\xBD\xEF\xBF\xBD"},                  // cut short
+                 {"\xB5\xD8.jpg", "\xEF\xBF\xBD\xEF\xBF\xBD.jpg"}};           // GB18030
     for (const auto& tc : cases) EXPECT_EQ(SafeDisplayName(tc.raw), tc.shown);
 }
 

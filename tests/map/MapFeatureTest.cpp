@@ -123,8 +123,7 @@ TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFi
     // Two corners of the picture, each placed with the soft keys' OK.
     const struct {
         int slot;
-        const char* latitude;
-        const char* longitude;
+        const char *latitude, *longitude;
     } points[] = {{0, "30", "120"}, {1, "29", "121"}};
     for (const auto& p : points) {
         shell.OnCommand(cmd::kSetReferencePoint1 + p.slot);

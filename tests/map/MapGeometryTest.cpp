@@ -44,9 +44,7 @@ TEST(Calibration, TwoPointsGiveScalesAndConvertBothWays) {
     EXPECT_DOUBLE_EQ(p.longitude, 110.5);
 
     GeoPoint q;
-    const PointF px = GeoToImage(c, q, 29.5, 110.5);
-    EXPECT_DOUBLE_EQ(px.x, 50);
-    EXPECT_DOUBLE_EQ(px.y, 100);
+    EXPECT_EQ(GeoToImage(c, q, 29.5, 110.5), (PointF{50, 100}));
 
     MapExtent e;
     ComputeMapExtent(c, {100, 200}, e);
@@ -104,10 +102,8 @@ TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
     for (const auto& tc : cases) {
         const MapCalibration c = ComputeCalibration(tc.slots);
         EXPECT_EQ(c.IsValid(), tc.calibrated) << tc.what;
-        if (!tc.calibrated) {
-            EXPECT_EQ(c.latPerPixel[0], 0.0) << tc.what;
-            EXPECT_EQ(c.lonPerPixel[0], 0.0) << tc.what;
-        }
+        if (!tc.calibrated)
+            EXPECT_TRUE(c.latPerPixel[0] == 0.0 && c.lonPerPixel[0] == 0.0) << tc.what;
     }
 }
 
@@ -120,8 +116,7 @@ TEST(Calibration, MapAcrossTheDateLine) {
     EXPECT_DOUBLE_EQ(c.lonPerPixel[0], 0.01);
 
     const struct {
-        double x;
-        double longitude;
+        double x, longitude;
     } cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
     for (const auto& tc : cases) {
         GeoPoint p = AtPixel(tc.x, 0);
@@ -157,11 +152,8 @@ TEST(Conversions, DisplayAndImageRescale) {
     } cases[] = {{{260, 145}, {1100, 550}}, {{0, 0}, {60, -30}}};
     for (const auto& tc : cases) {
         const PointF i = DisplayToImage(span, display, origin, tc.screen, image);
-        EXPECT_DOUBLE_EQ(i.x, tc.image.x);
-        EXPECT_DOUBLE_EQ(i.y, tc.image.y);
-        const PointF back = ImageToDisplay(span, display, origin, i, image);
-        EXPECT_DOUBLE_EQ(back.x, tc.screen.x);
-        EXPECT_DOUBLE_EQ(back.y, tc.screen.y);
+        EXPECT_EQ(i, tc.image);
+        EXPECT_EQ(ImageToDisplay(span, display, origin, i, image), tc.screen);
     }
 }
 
@@ -170,8 +162,7 @@ TEST(Projection, NorthingCountsItsBandTwice) {
     const double band = 100.0 / 2.0 * 111.0;
     const LatitudeStretchTable& t = StretchTable();
     const struct {
-        double latitude;
-        double bands;
+        double latitude, bands;
     } cases[] = {{0.0, 1.0},
                  {0.5, 1.5},
                  {-0.5, -1.5},

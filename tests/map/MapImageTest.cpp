@@ -32,33 +32,31 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
                      bmp = Encode(picture, "bmp");
     QByteArray garbledPng = png;
     garbledPng.replace(png.size() / 2, 64, QByteArray(64, '\x5A'));
+    using E = ImageLoadError;
     const struct {
         const char* name;
         QByteArray bytes;
         ImageLoadError error;
         ImageSize size;
     } cases[] = {
-        {"map.png", png, ImageLoadError::None, {300, 200}},
-        {"map.jpg", jpeg, ImageLoadError::None, {300, 200}},
-        {"map.bmp", bmp, ImageLoadError::None, {300, 200}},
-        {"map.gif", TinyGif(), ImageLoadError::None, {1, 1}},
-        {"no suffix", jpeg, ImageLoadError::None, {300, 200}},
-        {"empty.png", QByteArray(), ImageLoadError::NotAnImage, {}},
-        {"notes.png", "just some text, no picture\n", ImageLoadError::NotAnImage, {}},
-        {"icon.png", Encode(picture.scaled(32, 32), "ico"), ImageLoadError::NotAnImage, {}},
-        {"cut.png", png.left(png.size() / 2), ImageLoadError::Damaged, {}},
-        {"garbled.png", garbledPng, ImageLoadError::Damaged, {}},
-        {"zero.png", WithDeclaredSize(png, "png", 0, 0), ImageLoadError::Damaged, {}},
-        {"zero.jpg", WithDeclaredSize(jpeg, "jpeg", 0, 0), ImageLoadError::Damaged, {}},
-        {"zero.bmp", WithDeclaredSize(bmp, "bmp", 0, 200), ImageLoadError::Damaged, {}},
-        {"bomb.png", WithDeclaredSize(png, "png", 60000, 60000), ImageLoadError::TooLarge, {}},
-        {"bomb.jpg", WithDeclaredSize(jpeg, "jpeg", 60000, 60000), ImageLoadError::TooLarge, {}},
-        {"bomb.bmp", WithDeclaredSize(bmp, "bmp", 60000, 60000), ImageLoadError::TooLarge, {}},
+        {"map.png", png, E::None, {300, 200}},
+        {"map.jpg", jpeg, E::None, {300, 200}},
+        {"map.bmp", bmp, E::None, {300, 200}},
+        {"map.gif", TinyGif(), E::None, {1, 1}},
+        {"no suffix", jpeg, E::None, {300, 200}},
+        {"empty.png", QByteArray(), E::NotAnImage, {}},
+        {"notes.png", "just some text, no picture\n", E::NotAnImage, {}},
+        {"icon.png", Encode(picture.scaled(32, 32), "ico"), E::NotAnImage, {}},
+        {"cut.png", png.left(png.size() / 2), E::Damaged, {}},
+        {"garbled.png", garbledPng, E::Damaged, {}},
+        {"zero.png", WithDeclaredSize(png, "png", 0, 0), E::Damaged, {}},
+        {"zero.jpg", WithDeclaredSize(jpeg, "jpeg", 0, 0), E::Damaged, {}},
+        {"zero.bmp", WithDeclaredSize(bmp, "bmp", 0, 200), E::Damaged, {}},
+        {"bomb.png", WithDeclaredSize(png, "png", 60000, 60000), E::TooLarge, {}},
+        {"bomb.jpg", WithDeclaredSize(jpeg, "jpeg", 60000, 60000), E::TooLarge, {}},
+        {"bomb.bmp", WithDeclaredSize(bmp, "bmp", 60000, 60000), E::TooLarge, {}},
         // One pixel past the budget in a single long row.
-        {"long.bmp",
-         WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1),
-         ImageLoadError::TooLarge,
-         {}}};
+        {"long.bmp", WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1), E::TooLarge, {}}};
     for (const auto& c : cases) {
         MapImage image, fromMemory;
         EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;

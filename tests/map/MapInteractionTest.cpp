@@ -64,8 +64,7 @@ TEST(MapInteraction, ButtonsSendTheirKeyAtOnceAndAgainOnEveryTick) {
     const struct {
         int button;
         const char* key;
-        int panMode;
-        int zoomRequest;
+        int panMode, zoomRequest;
     } cases[] = {{1, "key up", 1, 0},    {2, "key down", 1, 0}, {3, "key left", 1, 0},
                  {4, "key right", 1, 0}, {5, "key up", 0, 1},   {6, "key down", 0, 2}};
     for (const auto& c : cases) {

@@ -75,39 +75,35 @@ TEST(RecentMaps, ChoosingAndOpeningReorderWithoutDuplicates) {
         std::string loaded;  // Open: the path it returns
         List after;
     };
+    constexpr auto C = Step::Choose, O = Step::Open;
+    const RecentMaps one = {"a", "", "", "", ""};
     const struct {
         const char* what;
         RecentMaps start;
         std::vector<Step> steps;
-    } cases[] = {
-        {"first map",
-         {},
-         {{Step::Choose, "a", 0, "", {"a", "", "", "", ""}},
-          {Step::Open, "", 0, "a", {"a", "", "", "", ""}}}},
-        {"new map drops the fifth", full, {{Step::Choose, "n", 0, "", {"n", "a", "b", "c", "d"}}}},
-        {"entry 3 chosen again moves to the top",
-         full,
-         {{Step::Choose, "c", 2, "", Entries(full)},
-          {Step::Open, "", 2, "c", {"c", "a", "b", "d", "e"}}}},
-        {"last entry from the menu", full, {{Step::Open, "", 4, "e", {"e", "a", "b", "c", "d"}}}},
-        {"paths compare case and all",
-         full,
-         {{Step::Choose, "A", 0, "", {"A", "a", "b", "c", "d"}},
-          {Step::Choose, "a ", 0, "", {"a ", "A", "a", "b", "c"}}}},
-        {"nothing chosen", full, {{Step::Choose, "", -1, "", Entries(full)}}},
-        {"unused entry opens nothing",
-         {"a", "", "", "", ""},
-         {{Step::Open, "", 3, "", {"a", "", "", "", ""}},
-          {Step::Open, "", 5, "", {"a", "", "", "", ""}},
-          {Step::Open, "", -1, "", {"a", "", "", "", ""}}}}};
+    } cases[] = {{"first map", {}, {{C, "a", 0, "", Entries(one)}, {O, "", 0, "a", Entries(one)}}},
+                 {"new map drops the fifth", full, {{C, "n", 0, "", {"n", "a", "b", "c", "d"}}}},
+                 {"entry 3 chosen again moves to the top",
+                  full,
+                  {{C, "c", 2, "", Entries(full)}, {O, "", 2, "c", {"c", "a", "b", "d", "e"}}}},
+                 {"last entry from the menu", full, {{O, "", 4, "e", {"e", "a", "b", "c", "d"}}}},
+                 {"paths compare case and all",
+                  full,
+                  {{C, "A", 0, "", {"A", "a", "b", "c", "d"}},
+                   {C, "a ", 0, "", {"a ", "A", "a", "b", "c"}}}},
+                 {"nothing chosen", full, {{C, "", -1, "", Entries(full)}}},
+                 {"unused entry opens nothing",
+                  one,
+                  {{O, "", 3, "", Entries(one)},
+                   {O, "", 5, "", Entries(one)},
+                   {O, "", -1, "", Entries(one)}}}};
     for (const auto& c : cases) {
         RecentMaps recent = c.start;
         for (const Step& s : c.steps) {
-            if (s.kind == Step::Choose) {
+            if (s.kind == Step::Choose)
                 EXPECT_EQ(ChooseMapFile(recent, s.path), s.index) << c.what;
-            } else {
+            else
                 EXPECT_EQ(OpenRecentMap(recent, s.index), s.loaded) << c.what;
-            }
             EXPECT_EQ(Entries(recent), s.after) << c.what;
         }
     }
@@ -115,9 +111,8 @@ TEST(RecentMaps, ChoosingAndOpeningReorderWithoutDuplicates) {
 
 TEST(RecentMaps, MenuShowsFileNamesAndEmptyEntries) {
     const RecentMaps recent = {"/m/west lake.jpg", "scan", "", "/m/图/地图.png", ""};
-    const List texts = {RecentMapMenuText(recent, 0), RecentMapMenuText(recent, 1),
-                        RecentMapMenuText(recent, 2), RecentMapMenuText(recent, 3),
-                        RecentMapMenuText(recent, 4), RecentMapMenuText(recent, 5)};
+    List texts;
+    for (int i = 0; i < 6; ++i) texts.push_back(RecentMapMenuText(recent, i));
     EXPECT_EQ(texts, (List{"west lake.jpg", "scan", "空", "地图.png", "空", "空"}));
 }
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <fstream>
 #include <string>
 
@@ -28,9 +29,7 @@ std::string TempPath(const std::string& name) {
 
 TEST(ReferenceFileName, StemUpToTheFirstDot) {
     const struct {
-        const char* root;
-        const char* map;
-        const char* file;
+        const char *root, *map, *file;
     } cases[] = {
         {"/media/card/Documents", "/home/u/Maps/city.2007.jpg",
          "/media/card/Documents/My GPS/Reference Points/Ref Pt_city.rpt"},
@@ -70,10 +69,7 @@ TEST(ReferenceText, TokenRules) {
         {"garbage numbers read 0", "1,north,1e999x,-,0x10,", 1, {1, 0, 0, 0, 0, 0, 16}},
         {"nan and inf read 0", "1,nan,inf,-infinity,NAN(1),", 1, {1, 0, 0, 0, 0, 0, 0}},
         {"number prefix counts", "1,12abc,3.5.6,7e1,8,", 1, {1, 12, 3.5, 0, 0, 70, 8}},
-        {"over-long token keeps its tail",
-         "1,12345678901234567890123,2,3,4,",
-         1,
-         {1, 123, 2, 0, 0, 3, 4}},
+        {"long token: tail kept", "1,12345678901234567890123,2,3,4,", 1, {1, 123, 2, 0, 0, 3, 4}},
         {"NUL ends the text", "1,10,20,30,40,\0"s + "1,1,1,1,1,", 1, {1, 10, 20, 0, 0, 30, 40}},
         {"binary", "\xff\xfe\x01,\x80\x7f,\x1b[0m"s, 0, {0, 0, 0, 0, 0, 0, 0}}};
     for (const auto& tc : cases) {
@@ -112,9 +108,7 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
     s.fill(GeoPoint{1, 1, 1, 1, 1, 1, 1});
     int active = -1;
     EXPECT_EQ(ReadReferenceFile(TempPath("no-such.rpt"), s, active), ReferenceRead::NotOpened);
-    EXPECT_EQ(active, 0);
-    EXPECT_EQ(s[2], GeoPoint{});
-
+    EXPECT_TRUE(active == 0 && s[2] == GeoPoint{});
     // A folder where the file should be: opened, nothing read.
     const std::string dir = TempPath("folder.rpt");
     ::mkdir(dir.c_str(), 0755);
@@ -135,17 +129,15 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
     EXPECT_TRUE(WriteReferenceFile(loop, s, &keptAs));
     EXPECT_EQ(keptAs, loop + ".bak");
     struct stat st {};
-    EXPECT_EQ(::lstat(keptAs.c_str(), &st), 0);
-    EXPECT_TRUE(S_ISLNK(st.st_mode)) << "the unreadable file is the one kept";
+    EXPECT_TRUE(::lstat(keptAs.c_str(), &st) == 0 && S_ISLNK(st.st_mode))
+        << "the unreadable file is the one kept";
     EXPECT_EQ(ReadReferenceFile(loop, s, active), ReferenceRead::Read);
 }
 
 TEST(Dms, DialogSplitsDegreesMinutesSeconds) {
     const struct {
         double value;
-        const char* deg;
-        const char* min;
-        const char* sec;
+        const char *deg, *min, *sec;
     } cases[] = {{-33.5, "33.000000", "30.000000", "0.000000"},
                  // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show
                  // as 60.
@@ -157,9 +149,7 @@ TEST(Dms, DialogSplitsDegreesMinutesSeconds) {
         slot.latitude = tc.value;
         slot.longitude = tc.value;
         const ReferenceDialogFields f = OpenReferenceDialog(slot);
-        EXPECT_EQ(f.latitude[0], tc.deg) << tc.value;
-        EXPECT_EQ(f.latitude[1], tc.min) << tc.value;
-        EXPECT_EQ(f.latitude[2], tc.sec) << tc.value;
+        EXPECT_EQ(f.latitude, (std::array<std::string, 3>{tc.deg, tc.min, tc.sec})) << tc.value;
         EXPECT_EQ(f.longitude, f.latitude) << tc.value;
     }
 }
@@ -190,8 +180,7 @@ class Confirm : public ::testing::Test {
 TEST_F(Confirm, SecondPointCalibratesAndMovesTheCursorToTheCentre) {
     const std::string file = TempPath("confirm.rpt");
     const ReferenceConfirmation r = Place({100, 200}, file);
-    EXPECT_TRUE(r.saved);
-    EXPECT_TRUE(r.calibrated);
+    EXPECT_TRUE(r.saved && r.calibrated);
     EXPECT_EQ(editing_.placingReferencePoint, 0);
     EXPECT_EQ(editing_.activeReferenceCount, 2);
     EXPECT_EQ(editing_.referencePoints[1], (GeoPoint{1, 29, 111, 0, 0, 100, 200}));
@@ -209,9 +198,7 @@ TEST_F(Confirm, SecondPointCalibratesAndMovesTheCursorToTheCentre) {
 TEST_F(Confirm, FailedCalibrationRestoresTheCursorAndUnsavedFileIsReported) {
     // Same row as slot 1: no latitude scale; the folder does not exist.
     const ReferenceConfirmation r = Place({100, 0}, TempPath("missing/confirm.rpt"));
-    EXPECT_FALSE(r.saved);
-    EXPECT_FALSE(r.calibrated);
-    EXPECT_FALSE(calibration_.IsValid());
+    EXPECT_FALSE(r.saved || r.calibrated || calibration_.IsValid());
     EXPECT_EQ(editing_.placementCursor, (GeoPoint{1, 0, 0, 7, 8, 0, 0}));
     // The slots keep what was typed for this run.
     EXPECT_EQ(editing_.referencePoints[1].valid, 1);

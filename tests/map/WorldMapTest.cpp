@@ -24,10 +24,8 @@ const WorldLand& Land() {
 
 TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
     const struct {
-        const char* what;
-        const char* text;
-        std::size_t rings;
-        std::size_t points;
+        const char *what, *text;
+        std::size_t rings, points;
     } cases[] = {{"empty", "", 0, 0},
                  {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
                  {"too short", "0,0 1,1\n", 0, 0},
@@ -49,8 +47,7 @@ TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
 
 TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
     const struct {
-        const char* what;
-        const char* text;
+        const char *what, *text;
         std::int32_t minLon, maxLon;
     } cases[] = {
         // East of 179 to the meridian, across to -180 and on west, back.
