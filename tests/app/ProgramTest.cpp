@@ -69,10 +69,8 @@ TEST(ProgramTest, ReadmeListsTheProgramsCommands) {
     const std::string readme = ReadFile(fs::path(SATWALK_SOURCE_DIR) / "README.md");
     const std::string begin = "<!-- command list: scripts/readme-commands writes it -->\n";
     const std::string end = "<!-- end of the command list -->";
-    const auto from = readme.find(begin);
-    const auto to = readme.find(end);
-    ASSERT_NE(from, std::string::npos);
-    ASSERT_NE(to, std::string::npos);
+    const auto from = readme.find(begin), to = readme.find(end);
+    ASSERT_TRUE(from != std::string::npos && to != std::string::npos);
     EXPECT_EQ(readme.substr(from + begin.size(), to - from - begin.size()), "\n" + listed + "\n")
         << "the README's command list is out of date: scripts/readme-commands rewrites it";
 }
@@ -110,11 +108,11 @@ class SingleInstanceTest : public ::testing::Test {
         const std::string err = (dir_ / ("err-" + std::to_string(n) + ".txt")).string();
         std::vector<std::string> args = {SATWALK_BINARY, "--options", options,
                                          "--script",     script,      "--single-instance"};
+        std::vector<std::string> env = env_;
         std::vector<char*> argv, envp;
         for (std::string& a : args) argv.push_back(a.data());
-        argv.push_back(nullptr);
-        std::vector<std::string> env = env_;
         for (std::string& e : env) envp.push_back(e.data());
+        argv.push_back(nullptr);
         envp.push_back(nullptr);
         const pid_t pid = ::fork();
         if (pid != 0)

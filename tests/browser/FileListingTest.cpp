@@ -45,8 +45,10 @@ TEST(Listing, ModeFilters) {
     EXPECT_EQ(FilterCaption(9), "");
 }
 
-std::vector<std::string> Names(const std::vector<ListingRow>& rows) {
-    std::vector<std::string> n;
+using List = std::vector<std::string>;
+
+List Names(const std::vector<ListingRow>& rows) {
+    List n;
     for (const ListingRow& r : rows) n.push_back(r.displayName + (r.isFolder ? "/" : ""));
     return n;
 }
@@ -60,7 +62,7 @@ TEST(Listing, RowsOrderAndTheWayUp) {
     const struct {
         int mode;
         const char* folder;
-        std::vector<std::string> names;
+        List names;
     } cases[] = {{kBrowseMaps,
                   "/home/u",
                   {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg", "beta.PNG",
@@ -134,8 +136,7 @@ TEST_F(Folder, ReaderKeepsFoldersAndFilesAndSurvivesLinks) {
     const DirectoryRead r = ReadDirectory(root_);
     ASSERT_TRUE(r.ok);
     const auto rows = BuildListing(kBrowseMaps, root_, r.entries);
-    EXPECT_EQ(Names(rows),
-              (std::vector<std::string>{"../", "a.jpg", "b\xEF\xBF\xBD.png", "loop/", "sub/"}));
+    EXPECT_EQ(Names(rows), (List{"../", "a.jpg", "b\xEF\xBF\xBD.png", "loop/", "sub/"}));
     EXPECT_EQ(rows[1].sizeText, "1.50K");
 
     // Walking into the looping link keeps working until the path is too long.
@@ -143,17 +144,14 @@ TEST_F(Folder, ReaderKeepsFoldersAndFilesAndSurvivesLinks) {
     for (int i = 0; i < 40; ++i) deep = ChildPath(deep, "loop");
     const DirectoryRead d = ReadDirectory(deep);
     if (!d.ok) {
-        EXPECT_EQ(Names(BuildListing(kBrowseMaps, deep, d.entries)),
-                  (std::vector<std::string>{"../"}));
+        EXPECT_EQ(Names(BuildListing(kBrowseMaps, deep, d.entries)), List{"../"});
     }
 }
 
 TEST_F(Folder, UnreadableFolderShowsOnlyTheWayUp) {
     const DirectoryRead missing = ReadDirectory(root_ + "/none");
-    EXPECT_FALSE(missing.ok);
-    EXPECT_EQ(missing.error, ENOENT);
-    EXPECT_EQ(Names(BuildListing(kBrowseMaps, root_ + "/none", missing.entries)),
-              (std::vector<std::string>{"../"}));
+    EXPECT_TRUE(!missing.ok && missing.error == ENOENT);
+    EXPECT_EQ(Names(BuildListing(kBrowseMaps, root_ + "/none", missing.entries)), List{"../"});
 
     File("plain.jpg", 1);
     EXPECT_FALSE(ReadDirectory(root_ + "/plain.jpg").ok);

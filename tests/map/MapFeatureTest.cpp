@@ -83,8 +83,7 @@ TEST_F(MapFeatureTest, MenusKeysAndTabsFollowTheLoadedMap) {
     EXPECT_FALSE(shell.display().mapLoaded);
 
     Load(kMap);
-    ASSERT_TRUE(feature->mapLoaded());
-    EXPECT_TRUE(shell.display().mapLoaded);
+    ASSERT_TRUE(feature->mapLoaded() && shell.display().mapLoaded);
     EXPECT_NE(View().find("(*) 40030 lake.png\t[5]\n    ( ) 40029 世界地图"), std::string::npos)
         << View();
     EXPECT_NE(Main().find("40203 lake.png\n"), std::string::npos) << Main();
@@ -96,8 +95,7 @@ TEST_F(MapFeatureTest, MenusKeysAndTabsFollowTheLoadedMap) {
     // The show toggles are the map's commands.
     shell.OnCommand(cmd::kShowMap);
     shell.OnCommand(cmd::kShowReferencePoints);
-    EXPECT_EQ(settings.showMap, 0u);
-    EXPECT_EQ(settings.showReferencePoints, 0u);
+    EXPECT_TRUE(settings.showMap == 0 && settings.showReferencePoints == 0);
 }
 
 TEST_F(MapFeatureTest, FailedLoadsSayWhyAndKeepTheMapShown) {
@@ -111,8 +109,7 @@ TEST_F(MapFeatureTest, FailedLoadsSayWhyAndKeepTheMapShown) {
         ui.messages.clear();
     }
     // The missing file left the map; the unreadable size dropped it.
-    EXPECT_FALSE(feature->mapLoaded());
-    EXPECT_EQ(platform->loaded, "");
+    EXPECT_TRUE(!feature->mapLoaded() && platform->loaded.empty());
     Load("");  // cancelled: nothing happens
     EXPECT_TRUE(ui.messages.empty());
 }

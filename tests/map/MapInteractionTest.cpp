@@ -2,7 +2,10 @@
 // and their directions, placement taps, and the return to idle.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "MapInteraction.h"
@@ -39,11 +42,9 @@ NavigationButtons Buttons() {
 
 StylusScene Scene(bool mapMode = false, bool placing = false, int unit = 30) {
     StylusScene s;
-    s.onMapScreen = true;
-    s.insideMap = true;
+    s.onMapScreen = s.insideMap = s.linkRunning = true;
     s.mapMode = mapMode;
     s.placing = placing;
-    s.linkRunning = true;
     s.unit = unit;
     s.scaleBarPixels = unit * 10 / 3;
     return s;
@@ -73,8 +74,7 @@ TEST(MapInteraction, ButtonsSendTheirKeyAtOnceAndAgainOnEveryTick) {
         Log log;
         EXPECT_EQ(OnStylusDown(s, Buttons(), Scene(), 465, Cy(c.button), log),
                   StylusDownResult::Button);
-        EXPECT_EQ(s.panMode, c.panMode);
-        EXPECT_EQ(s.zoomRequest, c.zoomRequest);
+        EXPECT_EQ(std::pair(s.panMode, s.zoomRequest), std::pair(c.panMode, c.zoomRequest));
         OnRepeatTick(s, Scene(), log);
         EXPECT_EQ(log.calls, (std::vector<std::string>{c.key, "repeat", c.key}));
     }
@@ -123,12 +123,10 @@ TEST(MapInteraction, DragsPanAgainstTheStylusExceptWhilePlacing) {
         log.calls.clear();
         OnStylusMove(s, Scene(c.placing, c.placing), 200 + c.dx, 300 + c.dy, log);
         std::vector<std::string> pans;
-        for (const std::string& call : log.calls)
-            if (call.rfind("pan", 0) == 0)
-                pans.push_back(call);
+        std::copy_if(log.calls.begin(), log.calls.end(), std::back_inserter(pans),
+                     [](const std::string& call) { return call.rfind("pan", 0) == 0; });
         EXPECT_EQ(pans, c.pans);
-        EXPECT_EQ(s.dragging, 1);
-        EXPECT_EQ(s.panDirection, kPanNone);
+        EXPECT_TRUE(s.dragging == 1 && s.panDirection == kPanNone);
         EXPECT_EQ(s.lastStylus, (screens::Point{200 + c.dx, 300 + c.dy}));
     }
 }

@@ -43,9 +43,7 @@ class LoadedModel : public ::testing::Test {
 TEST_F(LoadedModel, LoadingFitsCalibratesAndCentres) {
     Load(2);
     const MapView v = model.View();
-    EXPECT_EQ(v.mapMode, 1);
-    EXPECT_TRUE(model.referencesRead);
-    EXPECT_TRUE(v.calibration.IsValid());
+    EXPECT_TRUE(v.mapMode == 1 && model.referencesRead && v.calibration.IsValid());
     EXPECT_EQ(model.refs.placementCursor.latitude, 28.5);
     // 10 degrees of longitude over 480 pixels, 100 of them, at 28.5°.
     EXPECT_NEAR(v.scaleBarDistance, KilometresPerDegreeLongitude(28.5) * 10.0 / 480 * 100, 1e-9);
@@ -114,8 +112,7 @@ TEST(MapModel, WorldZoomKeepsTheCentreAndPanningWrapsTheLongitude) {
     for (int i = 0; i < 100; ++i) {
         model.Pan(kPanRight, 41);
         const double lon = model.worldOrigin.longitude - model.worldOrigin.screenX / 11.4319;
-        ASSERT_GE(lon, -180);
-        ASSERT_LE(lon, 180);
+        ASSERT_TRUE(lon >= -180 && lon <= 180) << lon;
     }
     // North stops at the map's top.
     for (int i = 0; i < 1000; ++i) model.Pan(kPanUp, 100);
@@ -156,14 +153,10 @@ screens::ScreenContext Context(bool linkRunning, double lat, double lon) {
     return ctx;
 }
 
-std::vector<std::string> Texts(const RecordingCanvas& canvas) {
-    std::vector<std::string> texts;
-    for (const CanvasCall& c : canvas.OfKind(CanvasCall::Kind::Text)) texts.push_back(c.text);
-    return texts;
-}
-
-bool Has(const std::vector<std::string>& texts, const std::string& text) {
-    return std::find(texts.begin(), texts.end(), text) != texts.end();
+bool Has(const RecordingCanvas& canvas, const std::string& text) {
+    const auto texts = canvas.OfKind(CanvasCall::Kind::Text);
+    return std::any_of(texts.begin(), texts.end(),
+                       [&text](const CanvasCall& c) { return c.text == text; });
 }
 
 TEST_F(LoadedModel, OverlayMessagesFollowCalibrationAndPosition) {
@@ -191,17 +184,17 @@ TEST_F(LoadedModel, OverlayMessagesFollowCalibrationAndPosition) {
         const MapView view = model.View();
         MapOverlayLayer(model).Paint(canvas, view, ctx, {});
         PositionLayer().Paint(canvas, view, ctx, {});
-        const auto texts = Texts(canvas);
-        EXPECT_EQ(Has(texts, notCalibrated), c.expectNotCalibrated);
-        EXPECT_EQ(Has(texts, outside), c.expectOutside);
+        EXPECT_EQ(Has(canvas, notCalibrated), c.expectNotCalibrated);
+        EXPECT_EQ(Has(canvas, outside), c.expectOutside);
         const auto markers = canvas.OfKind(CanvasCall::Kind::TransparentBlit);
         ASSERT_EQ(markers.size(), c.expectMarker ? 1u : 0u);
         if (c.expectMarker) {
             PointF at;
             ASSERT_TRUE(ProjectToScreen(view, c.lat, c.lon, at));
             const screens::Point& dst = markers[0].to;
-            EXPECT_EQ(dst.x + 10, static_cast<int>(at.x)) << "centred on the position";
-            EXPECT_EQ(dst.y + 10, static_cast<int>(at.y));
+            EXPECT_EQ((screens::Point{dst.x + 10, dst.y + 10}),
+                      (screens::Point{static_cast<int>(at.x), static_cast<int>(at.y)}))
+                << "centred on the position";
         }
     }
 }

@@ -88,8 +88,7 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
         ReferenceDialog* d = Open(c.slot, c.point);
         EXPECT_EQ(Shown(*d), c.shown);
         d->Reject();
-        EXPECT_TRUE(cancelled_);
-        EXPECT_FALSE(confirmed_.has_value());
+        EXPECT_TRUE(cancelled_ && !confirmed_.has_value());
     }
 }
 
@@ -106,7 +105,7 @@ TEST_F(ReferenceDialogTest, SetAndConfirm) {
         {"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
         {"longitude seconds cut", {{1009, "59.9999999999"}}, 1, 33.5, 151.25 + 59.999999 * kSecond},
         {"lat seconds whole", {{1005, "59.9999999999"}}, 1, 33.5 + 59.9999999999 * kSecond, 151.25},
-        {"minutes past 60, text after numbers",
+        {"minutes past 60, text after",
          {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}},
          1,
          11.5,
@@ -141,9 +140,7 @@ TEST_F(ReferenceDialogTest, InsertCurrentCoordinate) {
                    "0.000000", "0.000000", "0.000000"}}};
     for (const auto& c : cases) {
         ReferenceDialog* d = Open(1, {0, 1.0, 2.0, 0, 0, 0, 0}, c.fix);
-        ASSERT_TRUE(Set(1013, "1"));
-        ASSERT_TRUE(Set(1011, "1"));
-        ASSERT_TRUE(Set(1013, "0"));
+        ASSERT_TRUE(Set(1013, "1") && Set(1011, "1") && Set(1013, "0"));
         stack_.PressSoftKey(0);
         const std::vector<std::string> shown = Shown(*d);
         for (std::size_t i = 0; i < shown.size(); ++i) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "RecordingCanvas.h"
 #include "WorldMap.h"
@@ -39,8 +40,7 @@ TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
         EXPECT_EQ(land.PointCount(), tc.points) << tc.what;
     }
     const WorldLand one = ParseWorldLand("100,200 10,0 0,10 -10,0");
-    EXPECT_EQ(one.rings[0].maxLon, 110);
-    EXPECT_EQ(one.rings[0].maxLat, 210);
+    EXPECT_EQ(std::pair(one.rings[0].maxLon, one.rings[0].maxLat), std::pair(110, 210));
     WorldLand none;
     EXPECT_FALSE(LoadWorldLand("/nonexistent/world.txt", none));
 }
@@ -78,9 +78,8 @@ WorldView CentredOn(double lat, double lon, double km, Rect rect) {
 
 struct Drawn {
     std::size_t polygons = 0;
-    bool allInside = true;
+    bool allInside = true, leftHalf = false, rightHalf = false;
     bool coversView = false;  // one polygon holds all four corners
-    bool leftHalf = false, rightHalf = false;
 };
 
 Drawn Draw(const WorldView& v) {
@@ -126,8 +125,7 @@ TEST(WorldMapDrawing, EveryZoomStaysInsideTheView) {
 TEST(WorldMapDrawing, PanningPastTheDateLineShowsTheOtherSide) {
     // The Bering Strait: Russia to the left of 180°, Alaska to the right.
     const Drawn d = Draw(CentredOn(65, 180, 500, Rect{0, 0, 480, 640}));
-    EXPECT_TRUE(d.leftHalf);
-    EXPECT_TRUE(d.rightHalf);
+    EXPECT_TRUE(d.leftHalf && d.rightHalf);
     const Drawn past = Draw(CentredOn(65, 180 + 360, 500, Rect{0, 0, 480, 640}));
     EXPECT_EQ(past.polygons, d.polygons);
 }
