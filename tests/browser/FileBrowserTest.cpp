@@ -1,6 +1,5 @@
-// The file browser dialog offscreen, over a folder tree made for the
-// purpose: what it shows in each mode, walking up and down by every way
-// there is, choosing a file, and the root.
+// The file browser dialog offscreen, over a folder tree made for the purpose: what it shows in each
+// mode, walking up and down by every way there is, choosing a file, and the root.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -84,9 +83,8 @@ class FileBrowserTest : public ::testing::Test {
     std::optional<std::string> chosen_;
 };
 
-// Each step from the folder before it: where the browser is then, which
-// row is selected (the folder just left, coming up), and whether "向上"
-// may be used.
+// Each step from the folder before it: where the browser is then, which row is selected (the folder
+// just left, coming up), and whether "向上" may be used.
 TEST_F(FileBrowserTest, WalkingTheTree) {
     FileBrowser* b = Open(kBrowseMaps, Maps());
     const std::string top = root_.string(), maps = Maps(), sub = maps + "/sub";

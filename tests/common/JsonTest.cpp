@@ -1,5 +1,4 @@
-// The JSON writer: string escaping of arbitrary receiver bytes, numbers, and
-// members in order.
+// The JSON writer: string escaping of arbitrary receiver bytes, numbers, and members in order.
 #include <gtest/gtest.h>
 
 #include <limits>

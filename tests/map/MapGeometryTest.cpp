@@ -108,8 +108,7 @@ TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
 }
 
 TEST(Calibration, MapAcrossTheDateLine) {
-    // Column 10 at 179.5°E, column 110 at 179.5°W: one degree in 100 pixels
-    // the short way round.
+    // Column 10 at 179.5°E, column 110 at 179.5°W: one degree in 100 pixels the short way round.
     const ReferencePoints s = Slots({{1, 10, 0, 10, 179.5}, {2, 110, 100, 9, -179.5}});
     const MapCalibration c = ComputeCalibration(s);
     ASSERT_TRUE(c.IsValid());

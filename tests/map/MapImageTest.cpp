@@ -103,8 +103,7 @@ TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
 }
 
 TEST(MapImageLevels, AverageWhatTheyCoverAndLayTransparencyOnWhite) {
-    // An odd number of rows and columns: the last ones average with
-    // themselves.
+    // An odd number of rows and columns: the last ones average with themselves.
     QImage image(1031, 3, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
     image.setPixel(0, 0, qRgb(200, 0, 0));

@@ -1,5 +1,4 @@
-// Fitting a new map into the view, where the view looks at it, and the list
-// of recent maps.
+// Fitting a new map into the view, where the view looks at it, and the list of recent maps.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,6 +1,5 @@
-// The reference-point dialog offscreen, driven through the script's own
-// steps (`set`, the soft keys, `answer`): what it shows as it opens on a
-// slot, and the slot that OK's fields make.
+// The reference-point dialog offscreen, driven through the script's own steps (`set`, the soft
+// keys, `answer`): what it shows as it opens on a slot, and the slot that OK's fields make.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -73,8 +72,7 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
         GeoPoint point;
         std::vector<std::string> shown;
     } cases[] = {
-        // A southern, western point opens under 北纬 and 东经, as its
-        // absolute value.
+        // A southern, western point opens under 北纬 and 东经, as its absolute value.
         {0,
          {1, -33.5, -151.25, 0, 0, 10, 20},
          {"激活参照点 1 on", "北纬", "33.000000", "30.000000", "0.000000", "东经", "151.000000",
@@ -92,8 +90,7 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
     }
 }
 
-// Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot
-// the confirmed fields make.
+// Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot the confirmed fields make.
 TEST_F(ReferenceDialogTest, SetAndConfirm) {
     constexpr double kSecond = 1.0 / 3600;
     const struct {
@@ -105,11 +102,8 @@ TEST_F(ReferenceDialogTest, SetAndConfirm) {
         {"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
         {"longitude seconds cut", {{1009, "59.9999999999"}}, 1, 33.5, 151.25 + 59.999999 * kSecond},
         {"lat seconds whole", {{1005, "59.9999999999"}}, 1, 33.5 + 59.9999999999 * kSecond, 151.25},
-        {"minutes past 60, text after",
-         {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}},
-         1,
-         11.5,
-         5.5},
+        // Minutes past 60 carry; text after the number is ignored.
+        {"past 60", {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}}, 1, 11.5, 5.5},
         {"unticked", {{1013, "0"}}, 0, 33.5, 151.25}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

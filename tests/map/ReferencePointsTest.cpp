@@ -139,8 +139,7 @@ TEST(Dms, DialogSplitsDegreesMinutesSeconds) {
         double value;
         const char *deg, *min, *sec;
     } cases[] = {{-33.5, "33.000000", "30.000000", "0.000000"},
-                 // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show
-                 // as 60.
+                 // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show as 60.
                  {114.3, "114.000000", "17.000000", "60.000000"},
                  {0.0, "0.000000", "0.000000", "0.000000"},
                  {-179.999999, "179.000000", "59.000000", "59.996400"}};

@@ -63,8 +63,7 @@ TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
     }
 }
 
-// A view of `rect` centred on (lat, lon) with the scale bar of 100 pixels
-// standing for `km`.
+// A view of `rect` centred on (lat, lon) with the scale bar of 100 pixels standing for `km`.
 WorldView CentredOn(double lat, double lon, double km, Rect rect) {
     WorldView v;
     v.scale = km;
