@@ -104,8 +104,7 @@ class SingleInstanceTest : public ::testing::Test {
     // closes the pipe's write end, so that many start at one moment.
     pid_t Start(int n, const int* gate = nullptr) const {
         const std::string options = (dir_ / ("options-" + std::to_string(n))).string();
-        const std::string script = (dir_ / "script.txt").string();
-        const std::string err = (dir_ / ("err-" + std::to_string(n) + ".txt")).string();
+        const std::string script = (dir_ / "script.txt").string(), err = Err(n);
         std::vector<std::string> args = {SATWALK_BINARY, "--options", options,
                                          "--script",     script,      "--single-instance"};
         std::vector<std::string> env = env_;
@@ -129,6 +128,8 @@ class SingleInstanceTest : public ::testing::Test {
         ::execve(SATWALK_BINARY, argv.data(), envp.data());
         ::_exit(127);
     }
+
+    std::string Err(int n) const { return (dir_ / ("err-" + std::to_string(n) + ".txt")).string(); }
 
     fs::path dir_;
     std::vector<std::string> env_;
@@ -154,9 +155,7 @@ TEST_F(SingleInstanceTest, SimultaneousStartsLeaveOne) {
         }
         EXPECT_EQ(alive.size(), 1u) << "round " << round;
         for (int n = 0; n < 6; ++n)
-            EXPECT_EQ(
-                ReadFile(dir_ / ("err-" + std::to_string(n) + ".txt")).find("does not answer"),
-                std::string::npos);
+            EXPECT_EQ(ReadFile(Err(n)).find("does not answer"), std::string::npos);
         for (const pid_t pid : alive) {
             ::kill(pid, SIGKILL);
             ::waitpid(pid, nullptr, 0);

@@ -63,11 +63,10 @@ int Cy(int k) {
 
 TEST(MapInteraction, ButtonsSendTheirKeyAtOnceAndAgainOnEveryTick) {
     const struct {
-        int button;
         const char* key;
-        int panMode, zoomRequest;
-    } cases[] = {{1, "key up", 1, 0},    {2, "key down", 1, 0}, {3, "key left", 1, 0},
-                 {4, "key right", 1, 0}, {5, "key up", 0, 1},   {6, "key down", 0, 2}};
+        int button, panMode, zoomRequest;
+    } cases[] = {{"key up", 1, 1, 0},    {"key down", 2, 1, 0}, {"key left", 3, 1, 0},
+                 {"key right", 4, 1, 0}, {"key up", 5, 0, 1},   {"key down", 6, 0, 2}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.button);
         MapInteraction s;
