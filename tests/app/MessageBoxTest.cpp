@@ -41,12 +41,10 @@ TEST(MessageBoxTest, StandardButtonsInChineseAtEachDensity) {
 }
 
 TEST(MessageBoxTest, MnemonicsLeaveTheButtonText) {
-    const struct {
-        const char *in, *out;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"是(&Y)", "是"}, {"否 (&N)", "否"}, {"&OK", "OK"}, {"A && B", "A & B"}, {"取消", "取消"}};
-    for (const auto& c : cases)
-        EXPECT_EQ(WithoutMnemonic(QString::fromUtf8(c.in)), QString::fromUtf8(c.out)) << c.in;
+    for (const auto& [in, out] : cases)
+        EXPECT_EQ(WithoutMnemonic(QString::fromUtf8(in)), QString::fromUtf8(out)) << in;
 }
 
 }  // namespace

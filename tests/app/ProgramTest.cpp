@@ -43,19 +43,17 @@ std::string Capture(const std::string& command, int& status) {
 }
 
 TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
-    const struct {
-        const char *flag, *starts;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"--help", "usage: satwalk"}, {"-h", "usage: satwalk"}, {"--version", "satwalk 0."}};
-    for (const auto& c : cases) {
+    for (const auto& [flag, starts] : cases) {
         // The xcb platform with no display would abort any Qt start-up.
         int status = -1;
         const std::string out =
             Capture("env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " +
-                        std::string(c.flag) + " 2>&1",
+                        std::string(flag) + " 2>&1",
                     status);
-        EXPECT_EQ(status, 0) << c.flag << "\n" << out;
-        EXPECT_EQ(out.rfind(c.starts, 0), 0u) << c.flag << "\n" << out;
+        EXPECT_EQ(status, 0) << flag << "\n" << out;
+        EXPECT_EQ(out.rfind(starts, 0), 0u) << flag << "\n" << out;
     }
 }
 

@@ -30,15 +30,12 @@ class FileBrowserTest : public ::testing::Test {
         fs::remove_all(root_);
         fs::create_directories(root_ / "maps" / "sub");
         fs::create_directories(root_ / "maps" / "Alpha");
-        const struct {
-            const char* name;
-            std::uintmax_t size;
-        } files[] = {{"MAP.Bmp", 10},       {"photo.jpeg", 5},   {"b.png", 1536},
-                     {"c.GIF", 0},          {"track.log", 2000}, {"poi.csv", 150 * 1024},
-                     {"big.jpg", 15u << 20}};
-        for (const auto& f : files) {
-            std::ofstream(root_ / "maps" / f.name).put('x');
-            fs::resize_file(root_ / "maps" / f.name, f.size);
+        const std::pair<const char*, std::uintmax_t> files[] = {
+            {"MAP.Bmp", 10},     {"photo.jpeg", 5},       {"b.png", 1536},       {"c.GIF", 0},
+            {"track.log", 2000}, {"poi.csv", 150 * 1024}, {"big.jpg", 15u << 20}};
+        for (const auto& [name, size] : files) {
+            std::ofstream(root_ / "maps" / name).put('x');
+            fs::resize_file(root_ / "maps" / name, size);
         }
         window_.resize(480, 692);
         window_.show();

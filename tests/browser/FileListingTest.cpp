@@ -17,15 +17,13 @@ namespace {
 
 TEST(SizeText, ThresholdsAndDecimals) {
     constexpr std::uint64_t K = 1024, M = K * K, G = M * K;
-    const struct {
-        std::uint64_t bytes;
-        const char* text;
-    } cases[] = {{0, "0B"},           {1024, "1024B"},
-                 {1025, "1.00K"},     {10 * K, "10.0K"},
-                 {150 * K, "150K"},   {M + 1, "1.00M"},
-                 {G, "1024M"},        {99 * G + G / 2, "99.5G"},
-                 {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"}};
-    for (const auto& tc : cases) EXPECT_EQ(SizeText(tc.bytes), tc.text) << tc.bytes;
+    const std::pair<std::uint64_t, const char*> cases[] = {
+        {0, "0B"},           {1024, "1024B"},
+        {1025, "1.00K"},     {10 * K, "10.0K"},
+        {150 * K, "150K"},   {M + 1, "1.00M"},
+        {G, "1024M"},        {99 * G + G / 2, "99.5G"},
+        {3000 * G, "3000G"}, {~std::uint64_t{0}, "17179869184G"}};
+    for (const auto& [bytes, text] : cases) EXPECT_EQ(SizeText(bytes), text) << bytes;
 }
 
 TEST(Listing, ModeFilters) {
@@ -101,14 +99,13 @@ TEST(Listing, WalkingPaths) {
 }
 
 TEST(Listing, DisplayNamesAreValidUtf8) {
-    const struct {
-        std::string raw, shown;
-    } cases[] = {{"地图.jpg", "地图.jpg"},
-                 {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                    // overlong '/'
-                 {"\xED\xA0\x80x", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBDx"},  // surrogate
-                 {"a\xE5\x9C", "a\xEF\xBF\xBD\xEF\xBF\xBD"},                  // cut short
-                 {"\xB5\xD8.jpg", "\xEF\xBF\xBD\xEF\xBF\xBD.jpg"}};           // GB18030
-    for (const auto& tc : cases) EXPECT_EQ(SafeDisplayName(tc.raw), tc.shown);
+    const std::pair<std::string, std::string> cases[] = {
+        {"地图.jpg", "地图.jpg"},
+        {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                    // overlong '/'
+        {"\xED\xA0\x80x", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBDx"},  // surrogate
+        {"a\xE5\x9C", "a\xEF\xBF\xBD\xEF\xBF\xBD"},                  // cut short
+        {"\xB5\xD8.jpg", "\xEF\xBF\xBD\xEF\xBF\xBD.jpg"}};           // GB18030
+    for (const auto& [raw, shown] : cases) EXPECT_EQ(SafeDisplayName(raw), shown);
 }
 
 class Folder : public ::testing::Test {

@@ -114,13 +114,11 @@ TEST(Calibration, MapAcrossTheDateLine) {
     ASSERT_TRUE(c.IsValid());
     EXPECT_DOUBLE_EQ(c.lonPerPixel[0], 0.01);
 
-    const struct {
-        double x, longitude;
-    } cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
-    for (const auto& tc : cases) {
-        GeoPoint p = AtPixel(tc.x, 0);
+    const std::pair<double, double> cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
+    for (const auto& [x, longitude] : cases) {
+        GeoPoint p = AtPixel(x, 0);
         ImageToGeo(c, p);
-        EXPECT_NEAR(p.longitude, tc.longitude, 1e-9) << tc.x;
+        EXPECT_NEAR(p.longitude, longitude, 1e-9) << x;
     }
 
     MapExtent e;
@@ -146,13 +144,11 @@ TEST(Conversions, DisplayAndImageRescale) {
     // A 1000 x 500 image shown 250 x 125 at (10, 20), scrolled by (100, 50).
     const ImageSize image{1000, 500};
     const PointF span{250, 125}, display{10, 20}, origin{100, 50};
-    const struct {
-        PointF screen, image;
-    } cases[] = {{{260, 145}, {1100, 550}}, {{0, 0}, {60, -30}}};
-    for (const auto& tc : cases) {
-        const PointF i = DisplayToImage(span, display, origin, tc.screen, image);
-        EXPECT_EQ(i, tc.image);
-        EXPECT_EQ(ImageToDisplay(span, display, origin, i, image), tc.screen);
+    const std::pair<PointF, PointF> cases[] = {{{260, 145}, {1100, 550}}, {{0, 0}, {60, -30}}};
+    for (const auto& [screen, pixel] : cases) {
+        const PointF i = DisplayToImage(span, display, origin, screen, image);
+        EXPECT_EQ(i, pixel);
+        EXPECT_EQ(ImageToDisplay(span, display, origin, i, image), screen);
     }
 }
 
@@ -160,16 +156,14 @@ TEST(Projection, NorthingCountsItsBandTwice) {
     // Factor with a 100-pixel bar for 2 km: 50 pixels per km, 111 km a band.
     const double band = 100.0 / 2.0 * 111.0;
     const LatitudeStretchTable& t = StretchTable();
-    const struct {
-        double latitude, bands;
-    } cases[] = {{0.0, 1.0},
-                 {0.5, 1.5},
-                 {-0.5, -1.5},
-                 {1.0, 1.0 + t[1] + t[1] * 0.0},
-                 {1.25, 1.0 + t[1] + 0.25 * t[1]},
-                 {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])}};
-    for (const auto& tc : cases)
-        EXPECT_NEAR(MercatorNorthing(tc.latitude, 2.0, 100), tc.bands * band, 1e-9) << tc.latitude;
+    const std::pair<double, double> cases[] = {{0.0, 1.0},
+                                               {0.5, 1.5},
+                                               {-0.5, -1.5},
+                                               {1.0, 1.0 + t[1] + t[1] * 0.0},
+                                               {1.25, 1.0 + t[1] + 0.25 * t[1]},
+                                               {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])}};
+    for (const auto& [latitude, bands] : cases)
+        EXPECT_NEAR(MercatorNorthing(latitude, 2.0, 100), bands * band, 1e-9) << latitude;
     EXPECT_EQ(MercatorNorthing(85, 2.0, 100), MercatorNorthing(80, 2.0, 100));
     EXPECT_EQ(MercatorNorthing(-90, 2.0, 100), -MercatorNorthing(80, 2.0, 100));
     // A stray latitude past the table reads its last band.

@@ -71,33 +71,29 @@ TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
     ASSERT_EQ(LoadMapImage(Write("a.png", Encode(BusyPicture(64, 48), "png")), image),
               ImageLoadError::None);
     ASSERT_TRUE(QDir(dir_.path()).mkdir("folder.png"));
-    const struct {
-        QString path;
-        ImageLoadError error;
-    } cases[] = {{dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
-                 {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
-                 {Write("b.png", "PNG?"), ImageLoadError::NotAnImage}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(LoadMapImage(c.path, image), c.error);
+    const std::pair<QString, ImageLoadError> cases[] = {
+        {dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
+        {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
+        {Write("b.png", "PNG?"), ImageLoadError::NotAnImage}};
+    for (const auto& [path, error] : cases) {
+        EXPECT_EQ(LoadMapImage(path, image), error);
         EXPECT_EQ(image.Size().width, 64);
     }
 }
 
 TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
-    const struct {
-        ImageSize size;
-        std::vector<std::pair<int, int>> levels;
-    } cases[] = {{{512, 300}, {{512, 300}}},
-                 {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
-                 {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
-                 {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
-    for (const auto& c : cases) {
+    const std::pair<ImageSize, std::vector<std::pair<int, int>>> cases[] = {
+        {{512, 300}, {{512, 300}}},
+        {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
+        {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
+        {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
+    for (const auto& [size, expected] : cases) {
         const MapImage image =
-            MapImage::FromImage(QImage(c.size.width, c.size.height, QImage::Format_RGB32));
+            MapImage::FromImage(QImage(size.width, size.height, QImage::Format_RGB32));
         std::vector<std::pair<int, int>> levels;
         for (int i = 0; i < image.LevelCount(); ++i)
             levels.emplace_back(image.Level(i).width(), image.Level(i).height());
-        EXPECT_EQ(levels, c.levels) << c.size.width << "x" << c.size.height;
+        EXPECT_EQ(levels, expected) << size.width << "x" << size.height;
         EXPECT_EQ(image.Level(image.LevelCount() - 1).format(), QImage::Format_RGB32);
     }
 }

@@ -123,26 +123,24 @@ TEST_F(ReferenceDialogTest, SetAndConfirm) {
 // "插入当前GPS座标" on an inactive slot whose fields were edited: the box is
 // ticked, and the fix (hemispheres by its signs) or zeros fill the fields.
 TEST_F(ReferenceDialogTest, InsertCurrentCoordinate) {
-    const struct {
-        ReferenceFix fix;
-        std::vector<std::string> shown;
-    } cases[] = {{{true, -22.5, -43.25},
-                  {"激活参照点 2 on", "南纬", "22.000000", "30.000000", "0.000000", "西经",
-                   "43.000000", "15.000000", "0.000000"}},
-                 {{false, -22.5, -43.25},
-                  {"激活参照点 2 on", "北纬", "0.000000", "0.000000", "0.000000", "东经",
-                   "0.000000", "0.000000", "0.000000"}}};
-    for (const auto& c : cases) {
-        ReferenceDialog* d = Open(1, {0, 1.0, 2.0, 0, 0, 0, 0}, c.fix);
+    const std::pair<ReferenceFix, std::vector<std::string>> cases[] = {
+        {{true, -22.5, -43.25},
+         {"激活参照点 2 on", "南纬", "22.000000", "30.000000", "0.000000", "西经", "43.000000",
+          "15.000000", "0.000000"}},
+        {{false, -22.5, -43.25},
+         {"激活参照点 2 on", "北纬", "0.000000", "0.000000", "0.000000", "东经", "0.000000",
+          "0.000000", "0.000000"}}};
+    for (const auto& [fix, expected] : cases) {
+        ReferenceDialog* d = Open(1, {0, 1.0, 2.0, 0, 0, 0, 0}, fix);
         ASSERT_TRUE(Set(1013, "1") && Set(1011, "1") && Set(1013, "0"));
         stack_.PressSoftKey(0);
         const std::vector<std::string> shown = Shown(*d);
         for (std::size_t i = 0; i < shown.size(); ++i) {
             // The seconds are what the arithmetic leaves: compare their value.
             if (i == 4 || i == 8)
-                EXPECT_NEAR(std::stod(shown[i]), std::stod(c.shown[i]), 1e-6) << i;
+                EXPECT_NEAR(std::stod(shown[i]), std::stod(expected[i]), 1e-6) << i;
             else
-                EXPECT_EQ(shown[i], c.shown[i]) << i;
+                EXPECT_EQ(shown[i], expected[i]) << i;
         }
         d->Reject();
     }

@@ -130,9 +130,8 @@ TEST(WorldMapDrawing, PanningPastTheDateLineShowsTheOtherSide) {
 }
 
 TEST(WorldMapDrawing, AbsurdViewsNeitherFailNorFlood) {
-    const struct {
-        double km, lon;
-    } cases[] = {{0.0, 0}, {-5.0, 0}, {1e-300, 0}, {1e300, 0}, {1, 1e15}, {1, NAN}};
+    const std::pair<double, double> cases[] = {{0.0, 0},   {-5.0, 0}, {1e-300, 0},
+                                               {1e300, 0}, {1, 1e15}, {1, NAN}};
     for (const auto& [km, lon] : cases) {
         WorldView v = CentredOn(0, 0, 1, Rect{0, 0, 100, 100});
         v.scale = km;
