@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "DirectoryReader.h"
@@ -28,17 +29,14 @@ TEST(SizeText, ThresholdsAndDecimals) {
 
 TEST(Listing, ModeFilters) {
     constexpr int M = kBrowseMaps, T = kBrowseTrackLogs, P = kBrowsePoi;
-    const struct {
-        int mode;
-        const char* name;
-        bool listed;
-    } cases[] = {{M, "MAP.Bmp", true},      {M, "a.GIF", true},      {M, "photo.jpeg", false},
-                 {M, ".jpg", true},         {M, "jpg", false},       {M, "x.jpg.txt", false},
-                 {T, "20260516.LOG", true}, {T, "walk.GPX", true},   {T, "x_NMEA0183.nmea", true},
-                 {P, "fuel.CSV", true},     {P, "caches.gpx", true}, {P, "fuel.log", false},
-                 {0, "a.jpg", false},       {4, "a.csv", false}};
-    for (const auto& tc : cases)
-        EXPECT_EQ(MatchesMode(tc.mode, tc.name), tc.listed) << tc.mode << " " << tc.name;
+    const std::tuple<int, const char*, bool> cases[] = {
+        {M, "MAP.Bmp", true},      {M, "a.GIF", true},      {M, "photo.jpeg", false},
+        {M, ".jpg", true},         {M, "jpg", false},       {M, "x.jpg.txt", false},
+        {T, "20260516.LOG", true}, {T, "walk.GPX", true},   {T, "x_NMEA0183.nmea", true},
+        {P, "fuel.CSV", true},     {P, "caches.gpx", true}, {P, "fuel.log", false},
+        {0, "a.jpg", false},       {4, "a.csv", false}};
+    for (const auto& [mode, name, listed] : cases)
+        EXPECT_EQ(MatchesMode(mode, name), listed) << mode << " " << name;
     EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv; *.gpx]");
     EXPECT_EQ(FilterCaption(9), "");
 }
@@ -57,19 +55,16 @@ TEST(Listing, RowsOrderAndTheWayUp) {
         {"notes.txt", false, 5},   {".", true, 0},      {"..", true, 0},
         {"alpha.gif", false, 1},   {"!first", true, 0}, {"track.log", true, 0},
         {"bad\xff.jpg", false, 3}};
-    const struct {
-        int mode;
-        const char* folder;
-        List names;
-    } cases[] = {{kBrowseMaps,
-                  "/home/u",
-                  {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg", "beta.PNG",
-                   "track.log/", "zeta.jpg"}},
-                 {kBrowseTrackLogs, "/", {"!first/", "Alpha/", "track.log/"}},
-                 {kBrowsePoi, "/media/", {"../", "!first/", "Alpha/", "track.log/"}},
-                 {7, "/", {}}};
-    for (const auto& tc : cases)
-        EXPECT_EQ(Names(BuildListing(tc.mode, tc.folder, entries)), tc.names) << tc.folder;
+    const std::tuple<int, const char*, List> cases[] = {
+        {kBrowseMaps,
+         "/home/u",
+         {"../", "!first/", "Alpha/", "alpha.gif", "bad\xEF\xBF\xBD.jpg", "beta.PNG", "track.log/",
+          "zeta.jpg"}},
+        {kBrowseTrackLogs, "/", {"!first/", "Alpha/", "track.log/"}},
+        {kBrowsePoi, "/media/", {"../", "!first/", "Alpha/", "track.log/"}},
+        {7, "/", {}}};
+    for (const auto& [mode, folder, names] : cases)
+        EXPECT_EQ(Names(BuildListing(mode, folder, entries)), names) << folder;
 
     const auto rows = BuildListing(kBrowseMaps, "/home/u", entries);
     EXPECT_TRUE(rows[0].isUp);
@@ -82,17 +77,15 @@ TEST(Listing, RowsOrderAndTheWayUp) {
 }
 
 TEST(Listing, WalkingPaths) {
-    const struct {
-        const char *folder, *parent, *name;
-        bool root;
-    } cases[] = {{"/", "/", "", true},
-                 {"/home", "/", "home", false},
-                 {"/home/u/", "/home", "u", false},
-                 {"//", "/", "", true}};
-    for (const auto& tc : cases) {
-        EXPECT_EQ(ParentFolder(tc.folder), tc.parent) << tc.folder;
-        EXPECT_EQ(FolderName(tc.folder), tc.name) << tc.folder;
-        EXPECT_EQ(IsRoot(tc.folder), tc.root) << tc.folder;
+    const std::tuple<const char*, const char*, const char*, bool> cases[] = {
+        {"/", "/", "", true},
+        {"/home", "/", "home", false},
+        {"/home/u/", "/home", "u", false},
+        {"//", "/", "", true}};
+    for (const auto& [folder, parent, name, root] : cases) {
+        EXPECT_EQ(ParentFolder(folder), parent) << folder;
+        EXPECT_EQ(FolderName(folder), name) << folder;
+        EXPECT_EQ(IsRoot(folder), root) << folder;
     }
     EXPECT_EQ(ChildPath("/", "home"), "/home");
     EXPECT_EQ(ChildPath("/home/u/", "a.jpg"), "/home/u/a.jpg");

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <initializer_list>
+#include <tuple>
 
 #include "MapGeometry.h"
 
@@ -77,11 +78,7 @@ TEST(Calibration, ThreePointsBlendByRunningHalving) {
 }
 
 TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
-    const struct {
-        const char* what;
-        ReferencePoints slots;
-        bool calibrated;
-    } cases[] = {
+    const std::tuple<const char*, ReferencePoints, bool> cases[] = {
         {"no active slot", ReferencePoints{}, false},
         {"one active slot", Slots({{3, 5, 5, 10, 10}}), false},
         {"same row, columns apart", Slots({{1, 0, 50, 30, 110}, {2, 100, 50, 29, 111}}), false},
@@ -99,11 +96,10 @@ TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
          Slots({{1, 0, 0, 1e308, 1}, {2, 9, 9, -1e308, 2}}), false},
         {"a coordinate that is not finite", Slots({{1, 0, 0, NAN, 1}, {2, 9, 9, 2, 2}}), false},
         {"an infinite pixel", Slots({{1, 0, 0, 1, 1}, {2, INFINITY, 9, 2, 2}}), false}};
-    for (const auto& tc : cases) {
-        const MapCalibration c = ComputeCalibration(tc.slots);
-        EXPECT_EQ(c.IsValid(), tc.calibrated) << tc.what;
-        EXPECT_TRUE(tc.calibrated || (c.latPerPixel[0] == 0.0 && c.lonPerPixel[0] == 0.0))
-            << tc.what;
+    for (const auto& [what, slots, calibrated] : cases) {
+        const MapCalibration c = ComputeCalibration(slots);
+        EXPECT_EQ(c.IsValid(), calibrated) << what;
+        EXPECT_TRUE(calibrated || (c.latPerPixel[0] == 0.0 && c.lonPerPixel[0] == 0.0)) << what;
     }
 }
 

@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QTemporaryDir>
 
+#include <tuple>
+
 #include "ImageFiles.h"
 #include "MapImage.h"
 
@@ -33,12 +35,7 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
     QByteArray garbledPng = png;
     garbledPng.replace(png.size() / 2, 64, QByteArray(64, '\x5A'));
     using E = ImageLoadError;
-    const struct {
-        const char* name;
-        QByteArray bytes;
-        ImageLoadError error;
-        ImageSize size;
-    } cases[] = {
+    const std::tuple<const char*, QByteArray, ImageLoadError, ImageSize> cases[] = {
         {"map.png", png, E::None, {300, 200}},
         {"map.jpg", jpeg, E::None, {300, 200}},
         {"map.bmp", bmp, E::None, {300, 200}},
@@ -57,12 +54,12 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
         {"bomb.bmp", WithDeclaredSize(bmp, "bmp", 60000, 60000), E::TooLarge, {}},
         // One pixel past the budget in a single long row.
         {"long.bmp", WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1), E::TooLarge, {}}};
-    for (const auto& c : cases) {
+    for (const auto& [name, bytes, error, size] : cases) {
         MapImage image, fromMemory;
-        EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
-        EXPECT_EQ(image.Size().width, c.size.width) << c.name;
-        EXPECT_EQ(image.Size().height, c.size.height) << c.name;
-        EXPECT_EQ(LoadMapImageData(c.bytes, fromMemory), c.error) << c.name;
+        EXPECT_EQ(LoadMapImage(Write(name, bytes), image), error) << name;
+        EXPECT_EQ(image.Size().width, size.width) << name;
+        EXPECT_EQ(image.Size().height, size.height) << name;
+        EXPECT_EQ(LoadMapImageData(bytes, fromMemory), error) << name;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ImageViewport.h"
@@ -76,34 +77,31 @@ TEST(RecentMaps, ChoosingAndOpeningReorderWithoutDuplicates) {
     };
     constexpr auto C = Step::Choose, O = Step::Open;
     const RecentMaps one = {"a", "", "", "", ""};
-    const struct {
-        const char* what;
-        RecentMaps start;
-        std::vector<Step> steps;
-    } cases[] = {{"first map", {}, {{C, "a", 0, "", Entries(one)}, {O, "", 0, "a", Entries(one)}}},
-                 {"new map drops the fifth", full, {{C, "n", 0, "", {"n", "a", "b", "c", "d"}}}},
-                 {"entry 3 chosen again moves to the top",
-                  full,
-                  {{C, "c", 2, "", Entries(full)}, {O, "", 2, "c", {"c", "a", "b", "d", "e"}}}},
-                 {"last entry from the menu", full, {{O, "", 4, "e", {"e", "a", "b", "c", "d"}}}},
-                 {"paths compare case and all",
-                  full,
-                  {{C, "A", 0, "", {"A", "a", "b", "c", "d"}},
-                   {C, "a ", 0, "", {"a ", "A", "a", "b", "c"}}}},
-                 {"nothing chosen", full, {{C, "", -1, "", Entries(full)}}},
-                 {"unused entry opens nothing",
-                  one,
-                  {{O, "", 3, "", Entries(one)},
-                   {O, "", 5, "", Entries(one)},
-                   {O, "", -1, "", Entries(one)}}}};
-    for (const auto& c : cases) {
-        RecentMaps recent = c.start;
-        for (const Step& s : c.steps) {
+    const std::tuple<const char*, RecentMaps, std::vector<Step>> cases[] = {
+        {"first map", {}, {{C, "a", 0, "", Entries(one)}, {O, "", 0, "a", Entries(one)}}},
+        {"new map drops the fifth", full, {{C, "n", 0, "", {"n", "a", "b", "c", "d"}}}},
+        {"entry 3 chosen again moves to the top",
+         full,
+         {{C, "c", 2, "", Entries(full)}, {O, "", 2, "c", {"c", "a", "b", "d", "e"}}}},
+        {"last entry from the menu", full, {{O, "", 4, "e", {"e", "a", "b", "c", "d"}}}},
+        {"paths compare case and all",
+         full,
+         {{C, "A", 0, "", {"A", "a", "b", "c", "d"}},
+          {C, "a ", 0, "", {"a ", "A", "a", "b", "c"}}}},
+        {"nothing chosen", full, {{C, "", -1, "", Entries(full)}}},
+        {"unused entry opens nothing",
+         one,
+         {{O, "", 3, "", Entries(one)},
+          {O, "", 5, "", Entries(one)},
+          {O, "", -1, "", Entries(one)}}}};
+    for (const auto& [what, start, steps] : cases) {
+        RecentMaps recent = start;
+        for (const Step& s : steps) {
             if (s.kind == Step::Choose)
-                EXPECT_EQ(ChooseMapFile(recent, s.path), s.index) << c.what;
+                EXPECT_EQ(ChooseMapFile(recent, s.path), s.index) << what;
             else
-                EXPECT_EQ(OpenRecentMap(recent, s.index), s.loaded) << c.what;
-            EXPECT_EQ(Entries(recent), s.after) << c.what;
+                EXPECT_EQ(OpenRecentMap(recent, s.index), s.loaded) << what;
+            EXPECT_EQ(Entries(recent), s.after) << what;
         }
     }
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "MapScreenLayers.h"
 #include "RecordingCanvas.h"
@@ -120,16 +121,11 @@ TEST(MapModel, WorldZoomKeepsTheCentreAndPanningWrapsTheLongitude) {
 }
 
 TEST(MapModel, ScaleBarLabels) {
-    const struct {
-        double km;
-        int units;
-        bool calibrated;
-        const char* label;
-    } cases[] = {{0.25, 0, true, "250.00 m"},    {0.0000004, 0, true, "1.00 m"},
-                 {10.0, 1, true, "6.21 mile"},   {1.0, 1, true, "3279.38 ft"},
-                 {0.925, 2, true, "3038.05 ft"}, {12.5, 0, false, "0.00 km"}};
-    for (const auto& c : cases)
-        EXPECT_EQ(ScaleBarLabel(c.km, c.units, c.calibrated), c.label) << c.km << " " << c.units;
+    const std::tuple<double, int, bool, const char*> cases[] = {
+        {0.25, 0, true, "250.00 m"},  {0.0000004, 0, true, "1.00 m"}, {10.0, 1, true, "6.21 mile"},
+        {1.0, 1, true, "3279.38 ft"}, {0.925, 2, true, "3038.05 ft"}, {12.5, 0, false, "0.00 km"}};
+    for (const auto& [km, units, calibrated, label] : cases)
+        EXPECT_EQ(ScaleBarLabel(km, units, calibrated), label) << km << " " << units;
 }
 
 TEST(MapModel, CoordinateLabels) {
@@ -162,35 +158,30 @@ bool Has(const RecordingCanvas& canvas, const std::string& text) {
 TEST_F(LoadedModel, OverlayMessagesFollowCalibrationAndPosition) {
     const std::string notCalibrated = common::LoadString(40090);
     const std::string outside = common::LoadString(40091);
-    const struct {
-        const char* name;
-        int active;
-        bool running;
-        double lat, lon;
-        bool expectNotCalibrated, expectOutside, expectMarker;
-    } cases[] = {
+    const std::tuple<const char*, int, bool, double, double, bool, bool, bool> cases[] = {
         {"one point: the image and the message, no position", 1, true, 28, 125, true, false, false},
         {"on the map", 2, true, 28, 125, false, false, true},
         {"off the map", 2, true, 40, 125, false, true, true},
         {"off the map, link stopped", 2, false, 40, 125, false, false, false},
         {"the corner itself is on the map", 2, true, 26, 130, false, false, true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        Load(c.active);
-        screens::ScreenContext ctx = Context(c.running, c.lat, c.lon);
-        model.UpdatePosition(c.running, c.running, c.lat, c.lon);
+    for (const auto& [name, active, running, lat, lon, expectNotCalibrated, expectOutside,
+                      expectMarker] : cases) {
+        SCOPED_TRACE(name);
+        Load(active);
+        screens::ScreenContext ctx = Context(running, lat, lon);
+        model.UpdatePosition(running, running, lat, lon);
         model.PauseFollowing();
         RecordingCanvas canvas(kView);
         const MapView view = model.View();
         MapOverlayLayer(model).Paint(canvas, view, ctx, {});
         PositionLayer().Paint(canvas, view, ctx, {});
-        EXPECT_EQ(Has(canvas, notCalibrated), c.expectNotCalibrated);
-        EXPECT_EQ(Has(canvas, outside), c.expectOutside);
+        EXPECT_EQ(Has(canvas, notCalibrated), expectNotCalibrated);
+        EXPECT_EQ(Has(canvas, outside), expectOutside);
         const auto markers = canvas.OfKind(CanvasCall::Kind::TransparentBlit);
-        ASSERT_EQ(markers.size(), c.expectMarker ? 1u : 0u);
-        if (c.expectMarker) {
+        ASSERT_EQ(markers.size(), expectMarker ? 1u : 0u);
+        if (expectMarker) {
             PointF at;
-            ASSERT_TRUE(ProjectToScreen(view, c.lat, c.lon, at));
+            ASSERT_TRUE(ProjectToScreen(view, lat, lon, at));
             const screens::Point& dst = markers[0].to;
             EXPECT_EQ((screens::Point{dst.x + 10, dst.y + 10}),
                       (screens::Point{static_cast<int>(at.x), static_cast<int>(at.y)}))

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ReferenceDialog.h"
@@ -67,11 +68,7 @@ class ReferenceDialogTest : public ::testing::Test {
 };
 
 TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
-    const struct {
-        int slot;
-        GeoPoint point;
-        std::vector<std::string> shown;
-    } cases[] = {
+    const std::tuple<int, GeoPoint, std::vector<std::string>> cases[] = {
         // A southern, western point opens under 北纬 and 东经, as its absolute value.
         {0,
          {1, -33.5, -151.25, 0, 0, 10, 20},
@@ -81,10 +78,10 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
          {0, 30.5125, 120.0, 0, 0, 0, 0},
          {"激活参照点 5 off", "北纬 grey", "30.000000 grey", "30.000000 grey", "45.000000 grey",
           "东经 grey", "120.000000 grey", "0.000000 grey", "0.000000 grey"}}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.slot);
-        ReferenceDialog* d = Open(c.slot, c.point);
-        EXPECT_EQ(Shown(*d), c.shown);
+    for (const auto& [slot, point, shown] : cases) {
+        SCOPED_TRACE(slot);
+        ReferenceDialog* d = Open(slot, point);
+        EXPECT_EQ(Shown(*d), shown);
         d->Reject();
         EXPECT_TRUE(cancelled_ && !confirmed_.has_value());
     }

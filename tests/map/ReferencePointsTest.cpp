@@ -7,6 +7,7 @@
 #include <array>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "ReferencePoints.h"
 
@@ -28,15 +29,13 @@ std::string TempPath(const std::string& name) {
 }
 
 TEST(ReferenceFileName, StemUpToTheFirstDot) {
-    const struct {
-        const char *root, *map, *file;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"/media/card/Documents", "/home/u/Maps/city.2007.jpg",
          "/media/card/Documents/My GPS/Reference Points/Ref Pt_city.rpt"},
         {"/home/u/Documents/", "scan", "/home/u/Documents/My GPS/Reference Points/Ref Pt_scan.rpt"},
         {"/d", "/maps/.hidden.png", "/d/My GPS/Reference Points/Ref Pt_.rpt"},
         {"/d", "/maps.v2/plain", "/d/My GPS/Reference Points/Ref Pt_plain.rpt"}};
-    for (const auto& tc : cases) EXPECT_EQ(MakeReferenceFileName(tc.root, tc.map), tc.file);
+    for (const auto& [root, map, file] : cases) EXPECT_EQ(MakeReferenceFileName(root, map), file);
 }
 
 TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
@@ -135,21 +134,19 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
 }
 
 TEST(Dms, DialogSplitsDegreesMinutesSeconds) {
-    const struct {
-        double value;
-        const char *deg, *min, *sec;
-    } cases[] = {{-33.5, "33.000000", "30.000000", "0.000000"},
-                 // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show as 60.
-                 {114.3, "114.000000", "17.000000", "60.000000"},
-                 {0.0, "0.000000", "0.000000", "0.000000"},
-                 {-179.999999, "179.000000", "59.000000", "59.996400"}};
-    for (const auto& tc : cases) {
+    const std::tuple<double, const char*, const char*, const char*> cases[] = {
+        {-33.5, "33.000000", "30.000000", "0.000000"},
+        // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show as 60.
+        {114.3, "114.000000", "17.000000", "60.000000"},
+        {0.0, "0.000000", "0.000000", "0.000000"},
+        {-179.999999, "179.000000", "59.000000", "59.996400"}};
+    for (const auto& [value, deg, min, sec] : cases) {
         GeoPoint slot;
-        slot.latitude = tc.value;
-        slot.longitude = tc.value;
+        slot.latitude = value;
+        slot.longitude = value;
         const ReferenceDialogFields f = OpenReferenceDialog(slot);
-        EXPECT_EQ(f.latitude, (std::array<std::string, 3>{tc.deg, tc.min, tc.sec})) << tc.value;
-        EXPECT_EQ(f.longitude, f.latitude) << tc.value;
+        EXPECT_EQ(f.latitude, (std::array<std::string, 3>{deg, min, sec})) << value;
+        EXPECT_EQ(f.longitude, f.latitude) << value;
     }
 }
 

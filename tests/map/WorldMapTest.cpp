@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 #include "RecordingCanvas.h"
@@ -104,20 +105,17 @@ Drawn Draw(const WorldView& v) {
 
 TEST(WorldMapDrawing, EveryZoomStaysInsideTheView) {
     const Rect view{0, 30, 480, 610};
-    const struct {
-        const char* what;
-        double lat, lon, km;
-        bool land, covers;
-    } cases[] = {{"whole world", 0, 0, 20000, true, false},
-                 {"China, close", 30, 110, 1, true, true},
-                 {"open Pacific, close", 0, -150, 1, false, false},
-                 {"Mediterranean coast", 43.3, 5.4, 50, true, false},
-                 {"south of 80, flattened", -85, 0, 100, true, false}};
-    for (const auto& tc : cases) {
-        const Drawn d = Draw(CentredOn(tc.lat, tc.lon, tc.km, view));
-        EXPECT_EQ(d.polygons > 0, tc.land) << tc.what;
-        EXPECT_TRUE(d.allInside) << tc.what;
-        EXPECT_EQ(d.coversView, tc.covers) << tc.what;
+    const std::tuple<const char*, double, double, double, bool, bool> cases[] = {
+        {"whole world", 0, 0, 20000, true, false},
+        {"China, close", 30, 110, 1, true, true},
+        {"open Pacific, close", 0, -150, 1, false, false},
+        {"Mediterranean coast", 43.3, 5.4, 50, true, false},
+        {"south of 80, flattened", -85, 0, 100, true, false}};
+    for (const auto& [what, lat, lon, km, land, covers] : cases) {
+        const Drawn d = Draw(CentredOn(lat, lon, km, view));
+        EXPECT_EQ(d.polygons > 0, land) << what;
+        EXPECT_TRUE(d.allInside) << what;
+        EXPECT_EQ(d.coversView, covers) << what;
     }
 }
 
