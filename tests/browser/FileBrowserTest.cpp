@@ -13,6 +13,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "FileBrowser.h"
@@ -87,26 +88,23 @@ TEST_F(FileBrowserTest, WalkingTheTree) {
     const std::string top = root_.string(), maps = Maps(), sub = maps + "/sub";
     // A step is a key, or one of these.
     constexpr int kOpenSub = -1, kUpKey = -2, kTapDotDot = -3;
-    const struct {
-        int step;
-        std::string folder;
-        const char* selected;
-    } steps[] = {{kOpenSub, sub, ".."},    {Qt::Key_Backspace, maps, "sub"},
-                 {kUpKey, top, "maps"},    {Qt::Key_Return, maps, ".."},
-                 {kOpenSub, sub, ".."},    {Qt::Key_Escape, maps, "sub"},
-                 {kTapDotDot, top, "maps"}};
-    for (const auto& s : steps) {
-        if (s.step == kOpenSub)
+    const std::tuple<int, std::string, const char*> steps[] = {
+        {kOpenSub, sub, ".."},    {Qt::Key_Backspace, maps, "sub"},
+        {kUpKey, top, "maps"},    {Qt::Key_Return, maps, ".."},
+        {kOpenSub, sub, ".."},    {Qt::Key_Escape, maps, "sub"},
+        {kTapDotDot, top, "maps"}};
+    for (const auto& [step, folder, selected] : steps) {
+        if (step == kOpenSub)
             b->Activate(6);  // sub, the last row
-        else if (s.step == kUpKey)
+        else if (step == kUpKey)
             stack_.PressSoftKey(0);
-        else if (s.step == kTapDotDot)
+        else if (step == kTapDotDot)
             Tap(*b, 0);
         else
-            Key(stack_.KeyTarget(), s.step);
-        SCOPED_TRACE(s.folder);
-        EXPECT_EQ(b->folder(), s.folder);
-        EXPECT_EQ(Current(*b), s.selected);
+            Key(stack_.KeyTarget(), step);
+        SCOPED_TRACE(folder);
+        EXPECT_EQ(b->folder(), folder);
+        EXPECT_EQ(Current(*b), selected);
         EXPECT_TRUE(b->softKey(0).enabled);
         EXPECT_EQ(stack_.top(), b);
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -62,20 +63,18 @@ int Cy(int k) {
 }
 
 TEST(MapInteraction, ButtonsSendTheirKeyAtOnceAndAgainOnEveryTick) {
-    const struct {
-        const char* key;
-        int button, panMode, zoomRequest;
-    } cases[] = {{"key up", 1, 1, 0},    {"key down", 2, 1, 0}, {"key left", 3, 1, 0},
-                 {"key right", 4, 1, 0}, {"key up", 5, 0, 1},   {"key down", 6, 0, 2}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.button);
+    const std::tuple<const char*, int, int, int> cases[] = {
+        {"key up", 1, 1, 0},    {"key down", 2, 1, 0}, {"key left", 3, 1, 0},
+        {"key right", 4, 1, 0}, {"key up", 5, 0, 1},   {"key down", 6, 0, 2}};
+    for (const auto& [key, button, panMode, zoomRequest] : cases) {
+        SCOPED_TRACE(button);
         MapInteraction s;
         Log log;
-        EXPECT_EQ(OnStylusDown(s, Buttons(), Scene(), 465, Cy(c.button), log),
+        EXPECT_EQ(OnStylusDown(s, Buttons(), Scene(), 465, Cy(button), log),
                   StylusDownResult::Button);
-        EXPECT_EQ(std::pair(s.panMode, s.zoomRequest), std::pair(c.panMode, c.zoomRequest));
+        EXPECT_EQ(std::pair(s.panMode, s.zoomRequest), std::pair(panMode, zoomRequest));
         OnRepeatTick(s, Scene(), log);
-        EXPECT_EQ(log.calls, (std::vector<std::string>{c.key, "repeat", c.key}));
+        EXPECT_EQ(log.calls, (std::vector<std::string>{key, "repeat", key}));
     }
 }
 

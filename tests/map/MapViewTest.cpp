@@ -36,33 +36,28 @@ MapView Image(bool calibrated) {
 }
 
 TEST(MapView, ProjectsDegreesInBothModes) {
-    const struct {
-        const char* name;
-        MapView view;
-        double lat, lon;
-        bool placed;
-        double x, y;
-    } cases[] = {// 180 W is the view's left edge; 180 E the same meridian, taken on
-                 // the side nearest the centre.
-                 {"world date line west", World(), 0.5, -179.999, true, 0.0, NAN},
-                 {"world date line east", World(), 0.5, 180.0, true, 480.0, NAN},
-                 {"world greenwich", World(), 20.0, 0.0, true, 240.0, NAN},
-                 {"image top left", Image(true), 31, 120, true, 0.0, 80.0},
-                 {"image centre", Image(true), 28.5, 125, true, 240.0, 200.0},
-                 {"image off to the east", Image(true), 28.5, 140, true, 960.0, 200.0},
-                 {"image not calibrated", Image(false), 28.5, 125, false, 0, 0},
-                 {"not a number", World(), NAN, 0, false, 0, 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::tuple<const char*, MapView, double, double, bool, double, double> cases[] = {
+        // 180 W is the view's left edge; 180 E the same meridian, taken on
+        // the side nearest the centre.
+        {"world date line west", World(), 0.5, -179.999, true, 0.0, NAN},
+        {"world date line east", World(), 0.5, 180.0, true, 480.0, NAN},
+        {"world greenwich", World(), 20.0, 0.0, true, 240.0, NAN},
+        {"image top left", Image(true), 31, 120, true, 0.0, 80.0},
+        {"image centre", Image(true), 28.5, 125, true, 240.0, 200.0},
+        {"image off to the east", Image(true), 28.5, 140, true, 960.0, 200.0},
+        {"image not calibrated", Image(false), 28.5, 125, false, 0, 0},
+        {"not a number", World(), NAN, 0, false, 0, 0}};
+    for (const auto& [name, view, lat, lon, placed, x, y] : cases) {
+        SCOPED_TRACE(name);
         PointF p{-1, -1};
-        ASSERT_EQ(ProjectToScreen(c.view, c.lat, c.lon, p), c.placed);
-        if (!c.placed) {
+        ASSERT_EQ(ProjectToScreen(view, lat, lon, p), placed);
+        if (!placed) {
             EXPECT_EQ(p, (PointF{-1, -1}));
             continue;
         }
-        EXPECT_NEAR(p.x, c.x, 0.01);
-        if (!std::isnan(c.y)) {
-            EXPECT_NEAR(p.y, c.y, 1e-9);
+        EXPECT_NEAR(p.x, x, 0.01);
+        if (!std::isnan(y)) {
+            EXPECT_NEAR(p.y, y, 1e-9);
         }
     }
 }

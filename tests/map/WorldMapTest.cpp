@@ -25,20 +25,18 @@ const WorldLand& Land() {
 }
 
 TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
-    const struct {
-        const char *what, *text;
-        std::size_t rings, points;
-    } cases[] = {{"empty", "", 0, 0},
-                 {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
-                 {"too short", "0,0 1,1\n", 0, 0},
-                 {"garbage line", "north,east\nx\n,,,\n", 0, 0},
-                 {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
-                 {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
-                 {"no final newline", "0,0 1,0 0,1", 1, 3}};
-    for (const auto& tc : cases) {
-        const WorldLand land = ParseWorldLand(tc.text);
-        EXPECT_EQ(land.rings.size(), tc.rings) << tc.what;
-        EXPECT_EQ(land.PointCount(), tc.points) << tc.what;
+    const std::tuple<const char*, const char*, std::size_t, std::size_t> cases[] = {
+        {"empty", "", 0, 0},
+        {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
+        {"too short", "0,0 1,1\n", 0, 0},
+        {"garbage line", "north,east\nx\n,,,\n", 0, 0},
+        {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
+        {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
+        {"no final newline", "0,0 1,0 0,1", 1, 3}};
+    for (const auto& [what, text, rings, points] : cases) {
+        const WorldLand land = ParseWorldLand(text);
+        EXPECT_EQ(land.rings.size(), rings) << what;
+        EXPECT_EQ(land.PointCount(), points) << what;
     }
     const WorldLand one = ParseWorldLand("100,200 10,0 0,10 -10,0");
     EXPECT_EQ(std::pair(one.rings[0].maxLon, one.rings[0].maxLat), std::pair(110, 210));
@@ -47,20 +45,17 @@ TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
 }
 
 TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
-    const struct {
-        const char *what, *text;
-        std::int32_t minLon, maxLon;
-    } cases[] = {
+    const std::tuple<const char*, const char*, std::int32_t, std::int32_t> cases[] = {
         // East of 179 to the meridian, across to -180 and on west, back.
         {"out and back", "17900,6500 100,0 -36000,100 100,0 -100,100 36000,0\n", 17900, 18100},
         {"starts on the far side", "-18000,6500 36000,0 -100,0 100,0 -36000,0\n", 17900, 18000},
         // Once round only: the south polar ring closes along its bottom.
         {"once round", "-18000,-8000 18000,100 18000,-100 -36000,-1000\n", -18000, 18000}};
-    for (const auto& tc : cases) {
-        const WorldLand land = ParseWorldLand(tc.text);
-        ASSERT_EQ(land.rings.size(), 1u) << tc.what;
-        EXPECT_EQ(land.rings[0].minLon, tc.minLon) << tc.what;
-        EXPECT_EQ(land.rings[0].maxLon, tc.maxLon) << tc.what;
+    for (const auto& [what, text, minLon, maxLon] : cases) {
+        const WorldLand land = ParseWorldLand(text);
+        ASSERT_EQ(land.rings.size(), 1u) << what;
+        EXPECT_EQ(land.rings[0].minLon, minLon) << what;
+        EXPECT_EQ(land.rings[0].maxLon, maxLon) << what;
     }
 }
 
