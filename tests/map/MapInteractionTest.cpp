@@ -103,29 +103,25 @@ TEST(MapInteraction, HoldingRightAcceleratesFromTheFourthTickUpToTheScaleBar) {
 }
 
 TEST(MapInteraction, DragsPanAgainstTheStylusExceptWhilePlacing) {
-    const struct {
-        const char* name;
-        bool placing;
-        int dx, dy;
-        std::vector<std::string> pans;
-    } cases[] = {{"left and down", false, -10, 6, {"pan 4 10", "pan 1 6"}},
-                 {"left and down, placing", true, -10, 6, {"pan 3 10", "pan 2 6"}},
-                 {"right and up", false, 7, -3, {"pan 3 7", "pan 2 3"}},
-                 {"no movement", false, 0, 0, {"pan 4 0", "pan 2 0"}}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::tuple<const char*, bool, int, int, std::vector<std::string>> cases[] = {
+        {"left and down", false, -10, 6, {"pan 4 10", "pan 1 6"}},
+        {"left and down, placing", true, -10, 6, {"pan 3 10", "pan 2 6"}},
+        {"right and up", false, 7, -3, {"pan 3 7", "pan 2 3"}},
+        {"no movement", false, 0, 0, {"pan 4 0", "pan 2 0"}}};
+    for (const auto& [name, placing, dx, dy, expectedPans] : cases) {
+        SCOPED_TRACE(name);
         MapInteraction s;
         Log log;
         // Placement taps only land on a loaded map; the world map drags alike.
-        OnStylusDown(s, Buttons(), Scene(c.placing, c.placing), 200, 300, log);
+        OnStylusDown(s, Buttons(), Scene(placing, placing), 200, 300, log);
         log.calls.clear();
-        OnStylusMove(s, Scene(c.placing, c.placing), 200 + c.dx, 300 + c.dy, log);
+        OnStylusMove(s, Scene(placing, placing), 200 + dx, 300 + dy, log);
         std::vector<std::string> pans;
         std::copy_if(log.calls.begin(), log.calls.end(), std::back_inserter(pans),
                      [](const std::string& call) { return call.rfind("pan", 0) == 0; });
-        EXPECT_EQ(pans, c.pans);
+        EXPECT_EQ(pans, expectedPans);
         EXPECT_TRUE(s.dragging == 1 && s.panDirection == kPanNone);
-        EXPECT_EQ(s.lastStylus, (screens::Point{200 + c.dx, 300 + c.dy}));
+        EXPECT_EQ(s.lastStylus, (screens::Point{200 + dx, 300 + dy}));
     }
 }
 

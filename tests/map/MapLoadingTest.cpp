@@ -21,13 +21,7 @@ constexpr Rect kView{0, 0, 480, 640};
 
 TEST(MapFit, FitsTheRelativelyLongerSide) {
     // Zoom step 20 throughout.
-    const struct {
-        const char* what;
-        ImageSize image;
-        Rect view;
-        int bar;
-        MapFit fit;
-    } cases[] = {
+    const std::tuple<const char*, ImageSize, Rect, int, MapFit> cases[] = {
         {"wide image", {1000, 500}, kSmallView, kSmallBar, {0, 240.0, 120.0, 20, 10}},
         {"tall image", {300, 900}, kSmallView, kSmallBar, {1, 242.0 / 3, 242.0, 6, 20}},
         // 242 < 240 * 242 / 242 is false: a tie goes to the width.
@@ -37,13 +31,13 @@ TEST(MapFit, FitsTheRelativelyLongerSide) {
         {"empty image", {0, 500}, kSmallView, kSmallBar, {}},
         {"bar fills view", {1000, 500}, kSmallView, 268, {}},
         {"view no wider", {1000, 500}, {50, 0, 50, 268}, kSmallBar, {}}};
-    for (const auto& c : cases) {
-        const MapFit fit = FitImageToView(c.image, c.view, c.bar, 20);
-        EXPECT_EQ(fit.fitByHeight, c.fit.fitByHeight) << c.what;
-        EXPECT_DOUBLE_EQ(fit.displayedWidth, c.fit.displayedWidth) << c.what;
-        EXPECT_DOUBLE_EQ(fit.displayedHeight, c.fit.displayedHeight) << c.what;
-        EXPECT_EQ(fit.zoomStepX, c.fit.zoomStepX) << c.what;
-        EXPECT_EQ(fit.zoomStepY, c.fit.zoomStepY) << c.what;
+    for (const auto& [what, image, view, bar, expectedFit] : cases) {
+        const MapFit fit = FitImageToView(image, view, bar, 20);
+        EXPECT_EQ(fit.fitByHeight, expectedFit.fitByHeight) << what;
+        EXPECT_DOUBLE_EQ(fit.displayedWidth, expectedFit.displayedWidth) << what;
+        EXPECT_DOUBLE_EQ(fit.displayedHeight, expectedFit.displayedHeight) << what;
+        EXPECT_EQ(fit.zoomStepX, expectedFit.zoomStepX) << what;
+        EXPECT_EQ(fit.zoomStepY, expectedFit.zoomStepY) << what;
     }
 }
 

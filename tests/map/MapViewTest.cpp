@@ -63,22 +63,19 @@ TEST(MapView, ProjectsDegreesInBothModes) {
 }
 
 TEST(MapView, TapsComeBackToTheDegreesThatWereProjected) {
-    const struct {
-        const char* name;
-        MapView view;
-        double lat, lon;
-    } cases[] = {{"world north", World(), 30.25, 120.1},
-                 {"world south west", World(), -33.9, -70.6},
-                 {"world far north", World(), 79.5, 10},
-                 {"image", Image(true), 27.3, 123.4}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::tuple<const char*, MapView, double, double> cases[] = {
+        {"world north", World(), 30.25, 120.1},
+        {"world south west", World(), -33.9, -70.6},
+        {"world far north", World(), 79.5, 10},
+        {"image", Image(true), 27.3, 123.4}};
+    for (const auto& [name, view, latitude, longitude] : cases) {
+        SCOPED_TRACE(name);
         PointF p;
-        ASSERT_TRUE(ProjectToScreen(c.view, c.lat, c.lon, p));
+        ASSERT_TRUE(ProjectToScreen(view, latitude, longitude, p));
         double lat = 0, lon = 0;
-        ASSERT_TRUE(ScreenToGeo(c.view, p, lat, lon));
-        EXPECT_NEAR(lat, c.lat, 1e-6);
-        EXPECT_NEAR(lon, c.lon, 1e-6);
+        ASSERT_TRUE(ScreenToGeo(view, p, lat, lon));
+        EXPECT_NEAR(lat, latitude, 1e-6);
+        EXPECT_NEAR(lon, longitude, 1e-6);
     }
     // Between the rows of 0.0° north and south the equator's band jumps: the
     // whole gap reads as the equator.

@@ -52,12 +52,7 @@ TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
 }
 
 TEST(ReferenceText, TokenRules) {
-    const struct {
-        const char* what;
-        std::string text;
-        int active;
-        GeoPoint first;
-    } cases[] = {
+    const std::tuple<const char*, std::string, int, GeoPoint> cases[] = {
         {"empty", "", 0, {}},
         {"no line end, no trailing comma", "1,30,114,10,20", 1, {1, 30, 114, 0, 0, 10, 20}},
         {"line breaks vanish", "1,3\r\n0.5,1\n14,\r10,20,\r\n", 1, {1, 30.5, 114, 0, 0, 10, 20}},
@@ -71,12 +66,12 @@ TEST(ReferenceText, TokenRules) {
         {"long token: tail kept", "1,12345678901234567890123,2,3,4,", 1, {1, 123, 2, 0, 0, 3, 4}},
         {"NUL ends the text", "1,10,20,30,40,\0"s + "1,1,1,1,1,", 1, {1, 10, 20, 0, 0, 30, 40}},
         {"binary", "\xff\xfe\x01,\x80\x7f,\x1b[0m"s, 0, {0, 0, 0, 0, 0, 0, 0}}};
-    for (const auto& tc : cases) {
+    for (const auto& [what, text, expectedActive, first] : cases) {
         int active = -1;
-        const ReferencePoints s = Parse(tc.text, &active);
-        EXPECT_EQ(active, tc.active) << tc.what;
-        EXPECT_EQ(s[0], tc.first) << tc.what;
-        EXPECT_EQ(s[1], GeoPoint{}) << tc.what;
+        const ReferencePoints s = Parse(text, &active);
+        EXPECT_EQ(active, expectedActive) << what;
+        EXPECT_EQ(s[0], first) << what;
+        EXPECT_EQ(s[1], GeoPoint{}) << what;
     }
     // Seven slots' worth of tokens: the last two slots' are ignored.
     std::string seven;
