@@ -121,22 +121,17 @@ TEST_F(FileBrowserTest, AtTheRootNoWayUp) {
 }
 
 TEST_F(FileBrowserTest, ChoosingAFile) {
-    const struct {
-        const char* how;
-        std::string path;
-        bool chosen;
-    } cases[] = {
+    const std::tuple<std::string, std::string, bool> cases[] = {
         {"choose", Maps() + "/MAP.Bmp", true},     {"choose", Maps() + "/../maps/./b.png", true},
         {"choose", Maps() + "/photo.jpeg", false},  // not a map: not listed
         {"choose", Maps() + "/gone.png", false},   {"enter", Maps() + "/c.GIF", true},
         {"tap", Maps() + "/big.jpg", true},        {"cancel", "", false}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.how) + " " + c.path);
+    for (const auto& [how, path, chosen] : cases) {
+        SCOPED_TRACE(how + " " + path);
         FileBrowser* b = Open(kBrowseMaps, Maps());
-        const std::string how = c.how;
         std::string error;
         if (how == "choose") {
-            EXPECT_EQ(b->Choose(c.path, error), c.chosen) << error;
+            EXPECT_EQ(b->Choose(path, error), chosen) << error;
         } else if (how == "enter") {
             b->list()->setCurrentItem(b->list()->topLevelItem(4));
             Key(stack_.KeyTarget(), Qt::Key_Return);
@@ -145,10 +140,10 @@ TEST_F(FileBrowserTest, ChoosingAFile) {
         } else {
             stack_.PressSoftKey(1);
         }
-        EXPECT_EQ(stack_.empty(), c.chosen || how == "cancel");
-        if (c.chosen) {
+        EXPECT_EQ(stack_.empty(), chosen || how == "cancel");
+        if (chosen) {
             ASSERT_TRUE(chosen_.has_value());
-            EXPECT_EQ(fs::path(*chosen_), fs::weakly_canonical(c.path));
+            EXPECT_EQ(fs::path(*chosen_), fs::weakly_canonical(path));
         } else {
             EXPECT_FALSE(chosen_.has_value());
         }

@@ -129,16 +129,13 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
     QPainter(&picture).fillRect(1000, 0, 1000, 1000, QColor(0, 0, 220));
     const MapImage map = MapImage::FromImage(picture);
     const screens::Rect view{0, 0, 480, 640};
-    const struct {
-        const char* what;
-        double width;  // displayed width; height is half
-        PointF centre;
-    } cases[] = {{"fitted, from a reduced level", 480, {1000, 500}},
-                 {"zoomed in", 4000, {1000, 500}},
-                 {"zoomed in, off centre", 8000, {1000, 250}}};
-    for (const auto& c : cases) {
-        const VisiblePart part =
-            ComputeVisiblePart(map.Size(), c.width, c.width / 2, c.centre, view);
+    // The displayed width; the height is half of it.
+    const std::tuple<const char*, double, PointF> cases[] = {
+        {"fitted, from a reduced level", 480, {1000, 500}},
+        {"zoomed in", 4000, {1000, 500}},
+        {"zoomed in, off centre", 8000, {1000, 250}}};
+    for (const auto& [what, width, centre] : cases) {
+        const VisiblePart part = ComputeVisiblePart(map.Size(), width, width / 2, centre, view);
         QImage target(480, 640, QImage::Format_RGB32);
         target.fill(Qt::white);
         {
@@ -146,10 +143,10 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
             DrawMapImage(painter, map, part);
         }
         const screens::Rect& d = part.destination;
-        EXPECT_EQ(target.pixel(236, d.top + 2), qRgb(220, 0, 0)) << c.what;
-        EXPECT_EQ(target.pixel(244, d.bottom - 2), qRgb(0, 0, 220)) << c.what;
+        EXPECT_EQ(target.pixel(236, d.top + 2), qRgb(220, 0, 0)) << what;
+        EXPECT_EQ(target.pixel(244, d.bottom - 2), qRgb(0, 0, 220)) << what;
         if (d.top > 0) {
-            EXPECT_EQ(target.pixel(240, d.top - 1), qRgb(255, 255, 255)) << c.what;
+            EXPECT_EQ(target.pixel(240, d.top - 1), qRgb(255, 255, 255)) << what;
         }
     }
 }

@@ -126,13 +126,8 @@ TEST(MapInteraction, DragsPanAgainstTheStylusExceptWhilePlacing) {
 }
 
 TEST(MapInteraction, WhereTheStylusGoesDownDecidesWhatItDoes) {
-    const struct {
-        const char* name;
-        StylusScene scene;
-        int x, y;
-        StylusDownResult result;
-        const char* firstCall;  // "" for none
-    } cases[] = {
+    // The first call the stylus makes, "" for none.
+    const std::tuple<const char*, StylusScene, int, int, StylusDownResult, const char*> cases[] = {
         {"world map", Scene(), 200, 300, StylusDownResult::Map, ""},
         {"loaded map: a hold may follow", Scene(true), 200, 300, StylusDownResult::MayHold, ""},
         {"placing: the cursor moves", Scene(true, true), 200, 300, StylusDownResult::PlacementTap,
@@ -142,14 +137,14 @@ TEST(MapInteraction, WhereTheStylusGoesDownDecidesWhatItDoes) {
          StylusDownResult::Ignored, ""},
         {"another screen", Without(&StylusScene::onMapScreen), 465, Cy(1),
          StylusDownResult::Ignored, ""}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, scene, x, y, result, firstCall] : cases) {
+        SCOPED_TRACE(name);
         MapInteraction s;
         s.panMode = 0;
         Log log;
-        EXPECT_EQ(OnStylusDown(s, Buttons(), c.scene, c.x, c.y, log), c.result);
-        EXPECT_EQ(log.calls.empty() ? "" : log.calls.front(), std::string(c.firstCall));
-        const bool taken = c.result != StylusDownResult::Ignored;
+        EXPECT_EQ(OnStylusDown(s, Buttons(), scene, x, y, log), result);
+        EXPECT_EQ(log.calls.empty() ? "" : log.calls.front(), std::string(firstCall));
+        const bool taken = result != StylusDownResult::Ignored;
         EXPECT_EQ(s.stylusDown, taken ? 1 : 0);
         // On the map the arrows pan while the stylus is down, and go back after.
         if (taken) {

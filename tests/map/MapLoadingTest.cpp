@@ -113,14 +113,8 @@ TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
     // A 480 × 640 view; an empty destination says nothing is visible.
     constexpr ImageSize kSquare{1000, 1000};
     constexpr double kHalf = 1000.0 / 479 * 0.5;
-    const struct {
-        const char* what;
-        ImageSize image;
-        double width, height;  // displayed size
-        PointF centre;         // image pixel at the view's centre
-        RectF source;
-        Rect destination;
-    } cases[] = {
+    // The displayed size, and the image pixel at the view's centre.
+    const std::tuple<const char*, ImageSize, double, double, PointF, RectF, Rect> cases[] = {
         {"zoomed in 2x", kSquare, 2000, 2000, {500, 500}, {380, 340, 620, 660}, kView},
         {"fitted", {1000, 500}, 480, 240, {500, 250}, {0, 0, 1000, 500}, {0, 200, 480, 440}},
         {"at left edge", kSquare, 2000, 2000, {0, 500}, {0, 340, 120, 660}, {240, 0, 480, 640}},
@@ -132,14 +126,14 @@ TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
         {"no image", {0, 0}, 480, 240, {0, 0}, {}, {}},
         {"no size", {1000, 500}, 0, 0, {500, 250}, {}, {}},
         {"not a number", {1000, 500}, 480, 240, {NAN, 250}, {}, {}}};
-    for (const auto& c : cases) {
-        const VisiblePart part = ComputeVisiblePart(c.image, c.width, c.height, c.centre, kView);
-        EXPECT_EQ(part.empty, c.destination == Rect{}) << c.what;
-        EXPECT_EQ(part.destination, c.destination) << c.what;
-        EXPECT_NEAR(part.source.left, c.source.left, 1e-9) << c.what;
-        EXPECT_NEAR(part.source.top, c.source.top, 1e-9) << c.what;
-        EXPECT_NEAR(part.source.right, c.source.right, 1e-9) << c.what;
-        EXPECT_NEAR(part.source.bottom, c.source.bottom, 1e-9) << c.what;
+    for (const auto& [what, image, width, height, centre, source, destination] : cases) {
+        const VisiblePart part = ComputeVisiblePart(image, width, height, centre, kView);
+        EXPECT_EQ(part.empty, destination == Rect{}) << what;
+        EXPECT_EQ(part.destination, destination) << what;
+        EXPECT_NEAR(part.source.left, source.left, 1e-9) << what;
+        EXPECT_NEAR(part.source.top, source.top, 1e-9) << what;
+        EXPECT_NEAR(part.source.right, source.right, 1e-9) << what;
+        EXPECT_NEAR(part.source.bottom, source.bottom, 1e-9) << what;
     }
     // A view away from the screen's corner moves the destination only.
     const VisiblePart inset =

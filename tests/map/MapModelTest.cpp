@@ -52,27 +52,24 @@ TEST_F(LoadedModel, LoadingFitsCalibratesAndCentres) {
 
 TEST_F(LoadedModel, PanAndZoomMoveTheImageUnderTheView) {
     Load(2);
-    const struct {
-        const char* name;
-        int direction, step;  // 0: zoom in, -1: zoom out
-        PointF scroll;
-        double width;
-    } steps[] = {{"right 48 pixels is 100 image columns", kPanRight, 48, {600, 250}, 480},
-                 {"down 24 rows", kPanDown, 24, {600, 300}, 480},
-                 {"zoom in: half a fit more", 0, 0, {600, 300}, 720},
-                 {"zoom in", 0, 0, {600, 300}, 960},
-                 {"zoom in doubles from here", 0, 0, {600, 300}, 1920},
-                 {"zoom in", 0, 0, {600, 300}, 3840},
-                 {"no further than 4 screen pixels an image pixel", 0, 0, {600, 300}, 3840},
-                 {"up past the top stops at the edge", kPanUp, 5000, {600, 0}, 3840}};
-    for (const auto& s : steps) {
-        SCOPED_TRACE(s.name);
-        if (s.direction > 0)
-            model.Pan(s.direction, s.step);
+    // A direction of 0 zooms in, -1 zooms out.
+    const std::tuple<const char*, int, int, PointF, double> steps[] = {
+        {"right 48 pixels is 100 image columns", kPanRight, 48, {600, 250}, 480},
+        {"down 24 rows", kPanDown, 24, {600, 300}, 480},
+        {"zoom in: half a fit more", 0, 0, {600, 300}, 720},
+        {"zoom in", 0, 0, {600, 300}, 960},
+        {"zoom in doubles from here", 0, 0, {600, 300}, 1920},
+        {"zoom in", 0, 0, {600, 300}, 3840},
+        {"no further than 4 screen pixels an image pixel", 0, 0, {600, 300}, 3840},
+        {"up past the top stops at the edge", kPanUp, 5000, {600, 0}, 3840}};
+    for (const auto& [name, direction, step, scroll, width] : steps) {
+        SCOPED_TRACE(name);
+        if (direction > 0)
+            model.Pan(direction, step);
         else
-            model.Zoom(s.direction == 0);
-        EXPECT_EQ(model.map.scrollCentre, s.scroll);
-        EXPECT_DOUBLE_EQ(model.map.currentWidth, s.width);
+            model.Zoom(direction == 0);
+        EXPECT_EQ(model.map.scrollCentre, scroll);
+        EXPECT_DOUBLE_EQ(model.map.currentWidth, width);
     }
     for (int i = 0; i < 10; ++i) model.Zoom(false);
     EXPECT_DOUBLE_EQ(model.map.currentWidth, 240) << "one step below the fit at most";
