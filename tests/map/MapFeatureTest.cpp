@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "CommandIds.h"
 #include "FakeMapPlatform.h"
@@ -118,24 +119,22 @@ TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFi
     Load(kMap);
     Layout();
     // Two corners of the picture, each placed with the soft keys' OK.
-    const struct {
-        int slot;
-        const char *latitude, *longitude;
-    } points[] = {{0, "30", "120"}, {1, "29", "121"}};
-    for (const auto& p : points) {
-        shell.OnCommand(cmd::kSetReferencePoint1 + p.slot);
+    const std::tuple<int, const char*, const char*> points[] = {{0, "30", "120"}, {1, "29", "121"}};
+    for (const auto& [slot, latitude, longitude] : points) {
+        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
         EXPECT_TRUE(shell.softKeys().Plain());
         EXPECT_EQ(shell.softKeys().right, common::LoadString(common::kStrPlacementCancel));
-        platform->answerFields = [&p](ReferenceDialogFields& f) {
+        platform->answerFields = [lat = latitude, lon = longitude](ReferenceDialogFields& f) {
             f.active = true;
-            f.latitude = {p.latitude, "0", "0"};
-            f.longitude = {p.longitude, "0", "0"};
+            f.latitude = {lat, "0", "0"};
+            f.longitude = {lon, "0", "0"};
         };
         // Move the cursor away from the first point before confirming the second.
-        shell.features().NotifyStylusDown(100 + 200 * p.slot, 100 + 200 * p.slot);
-        shell.features().NotifyStylusUp(100 + 200 * p.slot, 100 + 200 * p.slot);
+        const int at = 100 + 200 * slot;
+        shell.features().NotifyStylusDown(at, at);
+        shell.features().NotifyStylusUp(at, at);
         shell.OnCommand(shell::cmd::kLeftSoftKey);
-        EXPECT_EQ(platform->editedSlot, p.slot);
+        EXPECT_EQ(platform->editedSlot, slot);
         EXPECT_FALSE(shell.softKeys().Plain()) << "placement ends with the dialog's OK";
     }
     EXPECT_TRUE(feature->model().calibration.IsValid());

@@ -90,29 +90,25 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
 // Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot the confirmed fields make.
 TEST_F(ReferenceDialogTest, SetAndConfirm) {
     constexpr double kSecond = 1.0 / 3600;
-    const struct {
-        const char* what;
-        std::vector<std::pair<int, std::string>> sets;
-        int valid;
-        double latitude, longitude;
-    } cases[] = {
+    using Sets = std::vector<std::pair<int, std::string>>;
+    const std::tuple<const char*, Sets, int, double, double> cases[] = {
         {"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
         {"longitude seconds cut", {{1009, "59.9999999999"}}, 1, 33.5, 151.25 + 59.999999 * kSecond},
         {"lat seconds whole", {{1005, "59.9999999999"}}, 1, 33.5 + 59.9999999999 * kSecond, 151.25},
         // Minutes past 60 carry; text after the number is ignored.
         {"past 60", {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}}, 1, 11.5, 5.5},
         {"unticked", {{1013, "0"}}, 0, 33.5, 151.25}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [what, sets, valid, latitude, longitude] : cases) {
+        SCOPED_TRACE(what);
         Open(0, {1, -33.5, 151.25, 0, 0, 0, 0});
-        for (const auto& [id, value] : c.sets) ASSERT_TRUE(Set(id, value));
+        for (const auto& [id, value] : sets) ASSERT_TRUE(Set(id, value));
         ASSERT_TRUE(stack_.Answer(DialogResult::Ok));
         ASSERT_TRUE(confirmed_.has_value());
         GeoPoint slot;
         FieldsToSlot(*confirmed_, slot);
-        EXPECT_EQ(slot.valid, c.valid);
-        EXPECT_DOUBLE_EQ(slot.latitude, c.latitude);
-        EXPECT_DOUBLE_EQ(slot.longitude, c.longitude);
+        EXPECT_EQ(slot.valid, valid);
+        EXPECT_DOUBLE_EQ(slot.latitude, latitude);
+        EXPECT_DOUBLE_EQ(slot.longitude, longitude);
         EXPECT_TRUE(stack_.empty());
     }
 }
