@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -87,13 +88,10 @@ class SingleInstanceTest : public ::testing::Test {
                 "XDG_CONFIG_HOME=" + (dir_ / "home/.config").string(),
                 "XDG_RUNTIME_DIR=" + (dir_ / "home").string(),
                 "SATWALK_INSTANCE_NAME=satwalk-one-" + std::to_string(::getpid())};
-        for (char** e = environ; *e != nullptr; ++e) {
-            const std::string var = *e;
-            if (var.rfind("DISPLAY=", 0) != 0 && var.rfind("WAYLAND_DISPLAY=", 0) != 0 &&
-                var.rfind("QT_QPA_PLATFORM=", 0) != 0 && var.rfind("HOME=", 0) != 0 &&
-                var.rfind("XDG_", 0) != 0 && var.rfind("SATWALK_", 0) != 0)
-                env_.push_back(var);
-        }
+        const std::regex own("^(DISPLAY|WAYLAND_DISPLAY|QT_QPA_PLATFORM|HOME)=|^(XDG|SATWALK)_");
+        for (char** e = environ; *e != nullptr; ++e)
+            if (!std::regex_search(*e, own))
+                env_.push_back(*e);
     }
     void TearDown() override { fs::remove_all(dir_); }
 
