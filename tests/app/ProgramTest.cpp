@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,20 +44,17 @@ std::string Capture(const std::string& command, int& status) {
 }
 
 TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
-    const struct {
-        const char* flag;
-        const char* starts;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"--help", "usage: satwalk"}, {"-h", "usage: satwalk"}, {"--version", "satwalk 0."}};
-    for (const auto& c : cases) {
+    for (const auto& [flag, starts] : cases) {
         // The xcb platform with no display would abort any Qt start-up.
         int status = -1;
         const std::string out =
             Capture("env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " +
-                        std::string(c.flag) + " 2>&1",
+                        std::string(flag) + " 2>&1",
                     status);
-        EXPECT_EQ(status, 0) << c.flag << "\n" << out;
-        EXPECT_EQ(out.rfind(c.starts, 0), 0u) << c.flag << "\n" << out;
+        EXPECT_EQ(status, 0) << flag << "\n" << out;
+        EXPECT_EQ(out.rfind(starts, 0), 0u) << flag << "\n" << out;
     }
 }
 
@@ -70,10 +68,8 @@ TEST(ProgramTest, ReadmeListsTheProgramsCommands) {
     const std::string readme = ReadFile(fs::path(SATWALK_SOURCE_DIR) / "README.md");
     const std::string begin = "<!-- command list: scripts/readme-commands writes it -->\n";
     const std::string end = "<!-- end of the command list -->";
-    const auto from = readme.find(begin);
-    const auto to = readme.find(end);
-    ASSERT_NE(from, std::string::npos);
-    ASSERT_NE(to, std::string::npos);
+    const auto from = readme.find(begin), to = readme.find(end);
+    ASSERT_TRUE(from != std::string::npos && to != std::string::npos);
     EXPECT_EQ(readme.substr(from + begin.size(), to - from - begin.size()), "\n" + listed + "\n")
         << "the README's command list is out of date: scripts/readme-commands rewrites it";
 }
@@ -92,13 +88,10 @@ class SingleInstanceTest : public ::testing::Test {
                 "XDG_CONFIG_HOME=" + (dir_ / "home/.config").string(),
                 "XDG_RUNTIME_DIR=" + (dir_ / "home").string(),
                 "SATWALK_INSTANCE_NAME=satwalk-one-" + std::to_string(::getpid())};
-        for (char** e = environ; *e != nullptr; ++e) {
-            const std::string var = *e;
-            if (var.rfind("DISPLAY=", 0) != 0 && var.rfind("WAYLAND_DISPLAY=", 0) != 0 &&
-                var.rfind("QT_QPA_PLATFORM=", 0) != 0 && var.rfind("HOME=", 0) != 0 &&
-                var.rfind("XDG_", 0) != 0 && var.rfind("SATWALK_", 0) != 0)
-                env_.push_back(var);
-        }
+        const std::regex own("^(DISPLAY|WAYLAND_DISPLAY|QT_QPA_PLATFORM|HOME)=|^(XDG|SATWALK)_");
+        for (char** e = environ; *e != nullptr; ++e)
+            if (!std::regex_search(*e, own))
+                env_.push_back(*e);
     }
     void TearDown() override { fs::remove_all(dir_); }
 
@@ -107,15 +100,14 @@ class SingleInstanceTest : public ::testing::Test {
     // closes the pipe's write end, so that many start at one moment.
     pid_t Start(int n, const int* gate = nullptr) const {
         const std::string options = (dir_ / ("options-" + std::to_string(n))).string();
-        const std::string script = (dir_ / "script.txt").string();
-        const std::string err = (dir_ / ("err-" + std::to_string(n) + ".txt")).string();
+        const std::string script = (dir_ / "script.txt").string(), err = Err(n);
         std::vector<std::string> args = {SATWALK_BINARY, "--options", options,
                                          "--script",     script,      "--single-instance"};
+        std::vector<std::string> env = env_;
         std::vector<char*> argv, envp;
         for (std::string& a : args) argv.push_back(a.data());
-        argv.push_back(nullptr);
-        std::vector<std::string> env = env_;
         for (std::string& e : env) envp.push_back(e.data());
+        argv.push_back(nullptr);
         envp.push_back(nullptr);
         const pid_t pid = ::fork();
         if (pid != 0)
@@ -132,6 +124,8 @@ class SingleInstanceTest : public ::testing::Test {
         ::execve(SATWALK_BINARY, argv.data(), envp.data());
         ::_exit(127);
     }
+
+    std::string Err(int n) const { return (dir_ / ("err-" + std::to_string(n) + ".txt")).string(); }
 
     fs::path dir_;
     std::vector<std::string> env_;
@@ -157,9 +151,7 @@ TEST_F(SingleInstanceTest, SimultaneousStartsLeaveOne) {
         }
         EXPECT_EQ(alive.size(), 1u) << "round " << round;
         for (int n = 0; n < 6; ++n)
-            EXPECT_EQ(
-                ReadFile(dir_ / ("err-" + std::to_string(n) + ".txt")).find("does not answer"),
-                std::string::npos);
+            EXPECT_EQ(ReadFile(Err(n)).find("does not answer"), std::string::npos);
         for (const pid_t pid : alive) {
             ::kill(pid, SIGKILL);
             ::waitpid(pid, nullptr, 0);

@@ -1,6 +1,5 @@
-// The file browser dialog offscreen, over a folder tree made for the
-// purpose: what it shows in each mode, walking up and down by every way
-// there is, choosing a file, and the root.
+// The file browser dialog offscreen, over a folder tree made for the purpose: what it shows in each
+// mode, walking up and down by every way there is, choosing a file, and the root.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -14,6 +13,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "FileBrowser.h"
@@ -31,15 +31,12 @@ class FileBrowserTest : public ::testing::Test {
         fs::remove_all(root_);
         fs::create_directories(root_ / "maps" / "sub");
         fs::create_directories(root_ / "maps" / "Alpha");
-        const struct {
-            const char* name;
-            std::uintmax_t size;
-        } files[] = {{"MAP.Bmp", 10},       {"photo.jpeg", 5},   {"b.png", 1536},
-                     {"c.GIF", 0},          {"track.log", 2000}, {"poi.csv", 150 * 1024},
-                     {"big.jpg", 15u << 20}};
-        for (const auto& f : files) {
-            std::ofstream(root_ / "maps" / f.name).put('x');
-            fs::resize_file(root_ / "maps" / f.name, f.size);
+        const std::pair<const char*, std::uintmax_t> files[] = {
+            {"MAP.Bmp", 10},     {"photo.jpeg", 5},       {"b.png", 1536},       {"c.GIF", 0},
+            {"track.log", 2000}, {"poi.csv", 150 * 1024}, {"big.jpg", 15u << 20}};
+        for (const auto& [name, size] : files) {
+            std::ofstream(root_ / "maps" / name).put('x');
+            fs::resize_file(root_ / "maps" / name, size);
         }
         window_.resize(480, 692);
         window_.show();
@@ -72,57 +69,42 @@ class FileBrowserTest : public ::testing::Test {
         QApplication::sendEvent(target, &up);
     }
 
+    static void Tap(FileBrowser& b, int row) {
+        QTreeWidget* list = b.list();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->topLevelItem(row)).center());
+    }
+
     fs::path root_;
     QWidget window_;
     DialogStack stack_{window_, 30};
     std::optional<std::string> chosen_;
 };
 
-// Each step from the folder before it: where the browser is then, which
-// row is selected (the folder just left, coming up), and whether "向上"
-// may be used.
+// Each step from the folder before it: where the browser is then, which row is selected (the folder
+// just left, coming up), and whether "向上" may be used.
 TEST_F(FileBrowserTest, WalkingTheTree) {
     FileBrowser* b = Open(kBrowseMaps, Maps());
-    const std::string top = root_.string();
-    enum Step { OpenSub, Back, Escape, UpKey, EnterKey, TapDotDot };
-    const struct {
-        Step step;
-        std::string folder;
-        const char* selected;
-    } steps[] = {{OpenSub, Maps() + "/sub", ".."},
-                 {Back, Maps(), "sub"},
-                 {UpKey, top, "maps"},
-                 {EnterKey, Maps(), ".."},
-                 {OpenSub, Maps() + "/sub", ".."},
-                 {Escape, Maps(), "sub"},
-                 {TapDotDot, top, "maps"}};
-    for (const auto& s : steps) {
-        switch (s.step) {
-            case OpenSub:
-                b->Activate(6);  // sub, the last row
-                break;
-            case Back:
-                Key(stack_.KeyTarget(), Qt::Key_Backspace);
-                break;
-            case Escape:
-                Key(stack_.KeyTarget(), Qt::Key_Escape);
-                break;
-            case UpKey:
-                stack_.PressSoftKey(0);
-                break;
-            case EnterKey:
-                Key(stack_.KeyTarget(), Qt::Key_Return);
-                break;
-            case TapDotDot: {
-                QTreeWidget* list = b->list();
-                QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                                  list->visualItemRect(list->topLevelItem(0)).center());
-                break;
-            }
-        }
-        SCOPED_TRACE(s.folder);
-        EXPECT_EQ(b->folder(), s.folder);
-        EXPECT_EQ(Current(*b), s.selected);
+    const std::string top = root_.string(), maps = Maps(), sub = maps + "/sub";
+    // A step is a key, or one of these.
+    constexpr int kOpenSub = -1, kUpKey = -2, kTapDotDot = -3;
+    const std::tuple<int, std::string, const char*> steps[] = {
+        {kOpenSub, sub, ".."},    {Qt::Key_Backspace, maps, "sub"},
+        {kUpKey, top, "maps"},    {Qt::Key_Return, maps, ".."},
+        {kOpenSub, sub, ".."},    {Qt::Key_Escape, maps, "sub"},
+        {kTapDotDot, top, "maps"}};
+    for (const auto& [step, folder, selected] : steps) {
+        if (step == kOpenSub)
+            b->Activate(6);  // sub, the last row
+        else if (step == kUpKey)
+            stack_.PressSoftKey(0);
+        else if (step == kTapDotDot)
+            Tap(*b, 0);
+        else
+            Key(stack_.KeyTarget(), step);
+        SCOPED_TRACE(folder);
+        EXPECT_EQ(b->folder(), folder);
+        EXPECT_EQ(Current(*b), selected);
         EXPECT_TRUE(b->softKey(0).enabled);
         EXPECT_EQ(stack_.top(), b);
     }
@@ -139,36 +121,29 @@ TEST_F(FileBrowserTest, AtTheRootNoWayUp) {
 }
 
 TEST_F(FileBrowserTest, ChoosingAFile) {
-    const struct {
-        const char* how;
-        std::string path;
-        bool chosen;
-    } cases[] = {
+    const std::tuple<std::string, std::string, bool> cases[] = {
         {"choose", Maps() + "/MAP.Bmp", true},     {"choose", Maps() + "/../maps/./b.png", true},
         {"choose", Maps() + "/photo.jpeg", false},  // not a map: not listed
         {"choose", Maps() + "/gone.png", false},   {"enter", Maps() + "/c.GIF", true},
         {"tap", Maps() + "/big.jpg", true},        {"cancel", "", false}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.how) + " " + c.path);
+    for (const auto& [how, path, chosen] : cases) {
+        SCOPED_TRACE(how + " " + path);
         FileBrowser* b = Open(kBrowseMaps, Maps());
-        const std::string how = c.how;
         std::string error;
         if (how == "choose") {
-            EXPECT_EQ(b->Choose(c.path, error), c.chosen) << error;
+            EXPECT_EQ(b->Choose(path, error), chosen) << error;
         } else if (how == "enter") {
             b->list()->setCurrentItem(b->list()->topLevelItem(4));
             Key(stack_.KeyTarget(), Qt::Key_Return);
         } else if (how == "tap") {
-            QTreeWidget* list = b->list();
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                              list->visualItemRect(list->topLevelItem(3)).center());
+            Tap(*b, 3);
         } else {
             stack_.PressSoftKey(1);
         }
-        EXPECT_EQ(stack_.empty(), c.chosen || how == "cancel");
-        if (c.chosen) {
+        EXPECT_EQ(stack_.empty(), chosen || how == "cancel");
+        if (chosen) {
             ASSERT_TRUE(chosen_.has_value());
-            EXPECT_EQ(fs::path(*chosen_), fs::weakly_canonical(c.path));
+            EXPECT_EQ(fs::path(*chosen_), fs::weakly_canonical(path));
         } else {
             EXPECT_FALSE(chosen_.has_value());
         }

@@ -1,5 +1,4 @@
-// The JSON writer: string escaping of arbitrary receiver bytes, numbers, and
-// members in order.
+// The JSON writer: string escaping of arbitrary receiver bytes, numbers, and members in order.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -11,10 +10,7 @@ namespace satwalk::common {
 namespace {
 
 TEST(AppendJsonString, EscapesWhatIsNotUtf8Text) {
-    const struct {
-        std::string in;
-        const char* out;
-    } cases[] = {
+    const std::pair<std::string, const char*> cases[] = {
         {"4807.0380", "\"4807.0380\""},
         {"a\"b\\c", "\"a\\\"b\\\\c\""},
         {std::string("\x01\r\n\x7f", 4), "\"\\u0001\\u000d\\u000a\\u007f\""},
@@ -23,31 +19,24 @@ TEST(AppendJsonString, EscapesWhatIsNotUtf8Text) {
         {"\xe4\xb8", "\"\\u00e4\\u00b8\""},             // cut sequence
         {"\xc0\x80", "\"\\u00c0\\u0080\""},             // overlong NUL
         {"\xed\xa0\x80", "\"\\u00ed\\u00a0\\u0080\""},  // surrogate
-        {"\xb0"
-         "C",
-         "\"\\u00b0C\""},  // GB18030-style byte
-    };
-    for (const auto& c : cases) {
+        {"\xb0\x43", "\"\\u00b0C\""}};                  // GB18030-style byte
+    for (const auto& [in, expected] : cases) {
         std::string out;
-        AppendJsonString(out, c.in);
-        EXPECT_EQ(out, c.out);
+        AppendJsonString(out, in);
+        EXPECT_EQ(out, expected);
     }
 }
 
 TEST(AppendJsonNumber, ShortestFormAndNull) {
-    const struct {
-        double value;
-        const char* out;
-    } cases[] = {
+    const std::pair<double, const char*> cases[] = {
         {-0.0, "-0"},
         {30.25205666666667, "30.25205666666667"},
         {std::numeric_limits<double>::infinity(), "null"},
-        {std::numeric_limits<double>::quiet_NaN(), "null"},
-    };
-    for (const auto& c : cases) {
+        {std::numeric_limits<double>::quiet_NaN(), "null"}};
+    for (const auto& [value, expected] : cases) {
         std::string out;
-        AppendJsonNumber(out, c.value);
-        EXPECT_EQ(out, c.out);
+        AppendJsonNumber(out, value);
+        EXPECT_EQ(out, expected);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "CommandIds.h"
 #include "FakeMapPlatform.h"
@@ -83,8 +84,7 @@ TEST_F(MapFeatureTest, MenusKeysAndTabsFollowTheLoadedMap) {
     EXPECT_FALSE(shell.display().mapLoaded);
 
     Load(kMap);
-    ASSERT_TRUE(feature->mapLoaded());
-    EXPECT_TRUE(shell.display().mapLoaded);
+    ASSERT_TRUE(feature->mapLoaded() && shell.display().mapLoaded);
     EXPECT_NE(View().find("(*) 40030 lake.png\t[5]\n    ( ) 40029 世界地图"), std::string::npos)
         << View();
     EXPECT_NE(Main().find("40203 lake.png\n"), std::string::npos) << Main();
@@ -96,8 +96,7 @@ TEST_F(MapFeatureTest, MenusKeysAndTabsFollowTheLoadedMap) {
     // The show toggles are the map's commands.
     shell.OnCommand(cmd::kShowMap);
     shell.OnCommand(cmd::kShowReferencePoints);
-    EXPECT_EQ(settings.showMap, 0u);
-    EXPECT_EQ(settings.showReferencePoints, 0u);
+    EXPECT_TRUE(settings.showMap == 0 && settings.showReferencePoints == 0);
 }
 
 TEST_F(MapFeatureTest, FailedLoadsSayWhyAndKeepTheMapShown) {
@@ -111,8 +110,7 @@ TEST_F(MapFeatureTest, FailedLoadsSayWhyAndKeepTheMapShown) {
         ui.messages.clear();
     }
     // The missing file left the map; the unreadable size dropped it.
-    EXPECT_FALSE(feature->mapLoaded());
-    EXPECT_EQ(platform->loaded, "");
+    EXPECT_TRUE(!feature->mapLoaded() && platform->loaded.empty());
     Load("");  // cancelled: nothing happens
     EXPECT_TRUE(ui.messages.empty());
 }
@@ -121,25 +119,22 @@ TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFi
     Load(kMap);
     Layout();
     // Two corners of the picture, each placed with the soft keys' OK.
-    const struct {
-        int slot;
-        const char* latitude;
-        const char* longitude;
-    } points[] = {{0, "30", "120"}, {1, "29", "121"}};
-    for (const auto& p : points) {
-        shell.OnCommand(cmd::kSetReferencePoint1 + p.slot);
+    const std::tuple<int, const char*, const char*> points[] = {{0, "30", "120"}, {1, "29", "121"}};
+    for (const auto& [slot, latitude, longitude] : points) {
+        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
         EXPECT_TRUE(shell.softKeys().Plain());
         EXPECT_EQ(shell.softKeys().right, common::LoadString(common::kStrPlacementCancel));
-        platform->answerFields = [&p](ReferenceDialogFields& f) {
+        platform->answerFields = [lat = latitude, lon = longitude](ReferenceDialogFields& f) {
             f.active = true;
-            f.latitude = {p.latitude, "0", "0"};
-            f.longitude = {p.longitude, "0", "0"};
+            f.latitude = {lat, "0", "0"};
+            f.longitude = {lon, "0", "0"};
         };
         // Move the cursor away from the first point before confirming the second.
-        shell.features().NotifyStylusDown(100 + 200 * p.slot, 100 + 200 * p.slot);
-        shell.features().NotifyStylusUp(100 + 200 * p.slot, 100 + 200 * p.slot);
+        const int at = 100 + 200 * slot;
+        shell.features().NotifyStylusDown(at, at);
+        shell.features().NotifyStylusUp(at, at);
         shell.OnCommand(shell::cmd::kLeftSoftKey);
-        EXPECT_EQ(platform->editedSlot, p.slot);
+        EXPECT_EQ(platform->editedSlot, slot);
         EXPECT_FALSE(shell.softKeys().Plain()) << "placement ends with the dialog's OK";
     }
     EXPECT_TRUE(feature->model().calibration.IsValid());

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <initializer_list>
+#include <tuple>
 
 #include "MapGeometry.h"
 
@@ -44,9 +45,7 @@ TEST(Calibration, TwoPointsGiveScalesAndConvertBothWays) {
     EXPECT_DOUBLE_EQ(p.longitude, 110.5);
 
     GeoPoint q;
-    const PointF px = GeoToImage(c, q, 29.5, 110.5);
-    EXPECT_DOUBLE_EQ(px.x, 50);
-    EXPECT_DOUBLE_EQ(px.y, 100);
+    EXPECT_EQ(GeoToImage(c, q, 29.5, 110.5), (PointF{50, 100}));
 
     MapExtent e;
     ComputeMapExtent(c, {100, 200}, e);
@@ -79,11 +78,7 @@ TEST(Calibration, ThreePointsBlendByRunningHalving) {
 }
 
 TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
-    const struct {
-        const char* what;
-        ReferencePoints slots;
-        bool calibrated;
-    } cases[] = {
+    const std::tuple<const char*, ReferencePoints, bool> cases[] = {
         {"no active slot", ReferencePoints{}, false},
         {"one active slot", Slots({{3, 5, 5, 10, 10}}), false},
         {"same row, columns apart", Slots({{1, 0, 50, 30, 110}, {2, 100, 50, 29, 111}}), false},
@@ -101,32 +96,25 @@ TEST(Calibration, DegenerateLayoutsDoNotCalibrate) {
          Slots({{1, 0, 0, 1e308, 1}, {2, 9, 9, -1e308, 2}}), false},
         {"a coordinate that is not finite", Slots({{1, 0, 0, NAN, 1}, {2, 9, 9, 2, 2}}), false},
         {"an infinite pixel", Slots({{1, 0, 0, 1, 1}, {2, INFINITY, 9, 2, 2}}), false}};
-    for (const auto& tc : cases) {
-        const MapCalibration c = ComputeCalibration(tc.slots);
-        EXPECT_EQ(c.IsValid(), tc.calibrated) << tc.what;
-        if (!tc.calibrated) {
-            EXPECT_EQ(c.latPerPixel[0], 0.0) << tc.what;
-            EXPECT_EQ(c.lonPerPixel[0], 0.0) << tc.what;
-        }
+    for (const auto& [what, slots, calibrated] : cases) {
+        const MapCalibration c = ComputeCalibration(slots);
+        EXPECT_EQ(c.IsValid(), calibrated) << what;
+        EXPECT_TRUE(calibrated || (c.latPerPixel[0] == 0.0 && c.lonPerPixel[0] == 0.0)) << what;
     }
 }
 
 TEST(Calibration, MapAcrossTheDateLine) {
-    // Column 10 at 179.5°E, column 110 at 179.5°W: one degree in 100 pixels
-    // the short way round.
+    // Column 10 at 179.5°E, column 110 at 179.5°W: one degree in 100 pixels the short way round.
     const ReferencePoints s = Slots({{1, 10, 0, 10, 179.5}, {2, 110, 100, 9, -179.5}});
     const MapCalibration c = ComputeCalibration(s);
     ASSERT_TRUE(c.IsValid());
     EXPECT_DOUBLE_EQ(c.lonPerPixel[0], 0.01);
 
-    const struct {
-        double x;
-        double longitude;
-    } cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
-    for (const auto& tc : cases) {
-        GeoPoint p = AtPixel(tc.x, 0);
+    const std::pair<double, double> cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
+    for (const auto& [x, longitude] : cases) {
+        GeoPoint p = AtPixel(x, 0);
         ImageToGeo(c, p);
-        EXPECT_NEAR(p.longitude, tc.longitude, 1e-9) << tc.x;
+        EXPECT_NEAR(p.longitude, longitude, 1e-9) << x;
     }
 
     MapExtent e;
@@ -152,16 +140,11 @@ TEST(Conversions, DisplayAndImageRescale) {
     // A 1000 x 500 image shown 250 x 125 at (10, 20), scrolled by (100, 50).
     const ImageSize image{1000, 500};
     const PointF span{250, 125}, display{10, 20}, origin{100, 50};
-    const struct {
-        PointF screen, image;
-    } cases[] = {{{260, 145}, {1100, 550}}, {{0, 0}, {60, -30}}};
-    for (const auto& tc : cases) {
-        const PointF i = DisplayToImage(span, display, origin, tc.screen, image);
-        EXPECT_DOUBLE_EQ(i.x, tc.image.x);
-        EXPECT_DOUBLE_EQ(i.y, tc.image.y);
-        const PointF back = ImageToDisplay(span, display, origin, i, image);
-        EXPECT_DOUBLE_EQ(back.x, tc.screen.x);
-        EXPECT_DOUBLE_EQ(back.y, tc.screen.y);
+    const std::pair<PointF, PointF> cases[] = {{{260, 145}, {1100, 550}}, {{0, 0}, {60, -30}}};
+    for (const auto& [screen, pixel] : cases) {
+        const PointF i = DisplayToImage(span, display, origin, screen, image);
+        EXPECT_EQ(i, pixel);
+        EXPECT_EQ(ImageToDisplay(span, display, origin, i, image), screen);
     }
 }
 
@@ -169,17 +152,14 @@ TEST(Projection, NorthingCountsItsBandTwice) {
     // Factor with a 100-pixel bar for 2 km: 50 pixels per km, 111 km a band.
     const double band = 100.0 / 2.0 * 111.0;
     const LatitudeStretchTable& t = StretchTable();
-    const struct {
-        double latitude;
-        double bands;
-    } cases[] = {{0.0, 1.0},
-                 {0.5, 1.5},
-                 {-0.5, -1.5},
-                 {1.0, 1.0 + t[1] + t[1] * 0.0},
-                 {1.25, 1.0 + t[1] + 0.25 * t[1]},
-                 {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])}};
-    for (const auto& tc : cases)
-        EXPECT_NEAR(MercatorNorthing(tc.latitude, 2.0, 100), tc.bands * band, 1e-9) << tc.latitude;
+    const std::pair<double, double> cases[] = {{0.0, 1.0},
+                                               {0.5, 1.5},
+                                               {-0.5, -1.5},
+                                               {1.0, 1.0 + t[1] + t[1] * 0.0},
+                                               {1.25, 1.0 + t[1] + 0.25 * t[1]},
+                                               {-2.5, -(1.0 + t[1] + t[2] + 0.5 * t[2])}};
+    for (const auto& [latitude, bands] : cases)
+        EXPECT_NEAR(MercatorNorthing(latitude, 2.0, 100), bands * band, 1e-9) << latitude;
     EXPECT_EQ(MercatorNorthing(85, 2.0, 100), MercatorNorthing(80, 2.0, 100));
     EXPECT_EQ(MercatorNorthing(-90, 2.0, 100), -MercatorNorthing(80, 2.0, 100));
     // A stray latitude past the table reads its last band.

@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QTemporaryDir>
 
+#include <tuple>
+
 #include "ImageFiles.h"
 #include "MapImage.h"
 
@@ -32,39 +34,32 @@ TEST_F(MapImageFiles, LoadsEachFormatOrSaysWhyNot) {
                      bmp = Encode(picture, "bmp");
     QByteArray garbledPng = png;
     garbledPng.replace(png.size() / 2, 64, QByteArray(64, '\x5A'));
-    const struct {
-        const char* name;
-        QByteArray bytes;
-        ImageLoadError error;
-        ImageSize size;
-    } cases[] = {
-        {"map.png", png, ImageLoadError::None, {300, 200}},
-        {"map.jpg", jpeg, ImageLoadError::None, {300, 200}},
-        {"map.bmp", bmp, ImageLoadError::None, {300, 200}},
-        {"map.gif", TinyGif(), ImageLoadError::None, {1, 1}},
-        {"no suffix", jpeg, ImageLoadError::None, {300, 200}},
-        {"empty.png", QByteArray(), ImageLoadError::NotAnImage, {}},
-        {"notes.png", "just some text, no picture\n", ImageLoadError::NotAnImage, {}},
-        {"icon.png", Encode(picture.scaled(32, 32), "ico"), ImageLoadError::NotAnImage, {}},
-        {"cut.png", png.left(png.size() / 2), ImageLoadError::Damaged, {}},
-        {"garbled.png", garbledPng, ImageLoadError::Damaged, {}},
-        {"zero.png", WithDeclaredSize(png, "png", 0, 0), ImageLoadError::Damaged, {}},
-        {"zero.jpg", WithDeclaredSize(jpeg, "jpeg", 0, 0), ImageLoadError::Damaged, {}},
-        {"zero.bmp", WithDeclaredSize(bmp, "bmp", 0, 200), ImageLoadError::Damaged, {}},
-        {"bomb.png", WithDeclaredSize(png, "png", 60000, 60000), ImageLoadError::TooLarge, {}},
-        {"bomb.jpg", WithDeclaredSize(jpeg, "jpeg", 60000, 60000), ImageLoadError::TooLarge, {}},
-        {"bomb.bmp", WithDeclaredSize(bmp, "bmp", 60000, 60000), ImageLoadError::TooLarge, {}},
+    using E = ImageLoadError;
+    const std::tuple<const char*, QByteArray, ImageLoadError, ImageSize> cases[] = {
+        {"map.png", png, E::None, {300, 200}},
+        {"map.jpg", jpeg, E::None, {300, 200}},
+        {"map.bmp", bmp, E::None, {300, 200}},
+        {"map.gif", TinyGif(), E::None, {1, 1}},
+        {"no suffix", jpeg, E::None, {300, 200}},
+        {"empty.png", QByteArray(), E::NotAnImage, {}},
+        {"notes.png", "just some text, no picture\n", E::NotAnImage, {}},
+        {"icon.png", Encode(picture.scaled(32, 32), "ico"), E::NotAnImage, {}},
+        {"cut.png", png.left(png.size() / 2), E::Damaged, {}},
+        {"garbled.png", garbledPng, E::Damaged, {}},
+        {"zero.png", WithDeclaredSize(png, "png", 0, 0), E::Damaged, {}},
+        {"zero.jpg", WithDeclaredSize(jpeg, "jpeg", 0, 0), E::Damaged, {}},
+        {"zero.bmp", WithDeclaredSize(bmp, "bmp", 0, 200), E::Damaged, {}},
+        {"bomb.png", WithDeclaredSize(png, "png", 60000, 60000), E::TooLarge, {}},
+        {"bomb.jpg", WithDeclaredSize(jpeg, "jpeg", 60000, 60000), E::TooLarge, {}},
+        {"bomb.bmp", WithDeclaredSize(bmp, "bmp", 60000, 60000), E::TooLarge, {}},
         // One pixel past the budget in a single long row.
-        {"long.bmp",
-         WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1),
-         ImageLoadError::TooLarge,
-         {}}};
-    for (const auto& c : cases) {
+        {"long.bmp", WithDeclaredSize(bmp, "bmp", kMaxImageBytes / 4 + 1, 1), E::TooLarge, {}}};
+    for (const auto& [name, bytes, error, size] : cases) {
         MapImage image, fromMemory;
-        EXPECT_EQ(LoadMapImage(Write(c.name, c.bytes), image), c.error) << c.name;
-        EXPECT_EQ(image.Size().width, c.size.width) << c.name;
-        EXPECT_EQ(image.Size().height, c.size.height) << c.name;
-        EXPECT_EQ(LoadMapImageData(c.bytes, fromMemory), c.error) << c.name;
+        EXPECT_EQ(LoadMapImage(Write(name, bytes), image), error) << name;
+        EXPECT_EQ(image.Size().width, size.width) << name;
+        EXPECT_EQ(image.Size().height, size.height) << name;
+        EXPECT_EQ(LoadMapImageData(bytes, fromMemory), error) << name;
     }
 }
 
@@ -73,40 +68,35 @@ TEST_F(MapImageFiles, FailureKeepsThePreviousMap) {
     ASSERT_EQ(LoadMapImage(Write("a.png", Encode(BusyPicture(64, 48), "png")), image),
               ImageLoadError::None);
     ASSERT_TRUE(QDir(dir_.path()).mkdir("folder.png"));
-    const struct {
-        QString path;
-        ImageLoadError error;
-    } cases[] = {{dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
-                 {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
-                 {Write("b.png", "PNG?"), ImageLoadError::NotAnImage}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(LoadMapImage(c.path, image), c.error);
+    const std::pair<QString, ImageLoadError> cases[] = {
+        {dir_.filePath("missing.png"), ImageLoadError::CannotOpen},
+        {dir_.filePath("folder.png"), ImageLoadError::CannotOpen},
+        {Write("b.png", "PNG?"), ImageLoadError::NotAnImage}};
+    for (const auto& [path, error] : cases) {
+        EXPECT_EQ(LoadMapImage(path, image), error);
         EXPECT_EQ(image.Size().width, 64);
     }
 }
 
 TEST(MapImageLevels, HalvedDownToTheSmallestSide) {
-    const struct {
-        ImageSize size;
-        std::vector<std::pair<int, int>> levels;
-    } cases[] = {{{512, 300}, {{512, 300}}},
-                 {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
-                 {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
-                 {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
-    for (const auto& c : cases) {
+    const std::pair<ImageSize, std::vector<std::pair<int, int>>> cases[] = {
+        {{512, 300}, {{512, 300}}},
+        {{1200, 900}, {{1200, 900}, {600, 450}, {300, 225}}},
+        {{1025, 3}, {{1025, 3}, {513, 2}, {257, 1}}},
+        {{1, 2000}, {{1, 2000}, {1, 1000}, {1, 500}}}};
+    for (const auto& [size, expected] : cases) {
         const MapImage image =
-            MapImage::FromImage(QImage(c.size.width, c.size.height, QImage::Format_RGB32));
+            MapImage::FromImage(QImage(size.width, size.height, QImage::Format_RGB32));
         std::vector<std::pair<int, int>> levels;
         for (int i = 0; i < image.LevelCount(); ++i)
             levels.emplace_back(image.Level(i).width(), image.Level(i).height());
-        EXPECT_EQ(levels, c.levels) << c.size.width << "x" << c.size.height;
+        EXPECT_EQ(levels, expected) << size.width << "x" << size.height;
         EXPECT_EQ(image.Level(image.LevelCount() - 1).format(), QImage::Format_RGB32);
     }
 }
 
 TEST(MapImageLevels, AverageWhatTheyCoverAndLayTransparencyOnWhite) {
-    // An odd number of rows and columns: the last ones average with
-    // themselves.
+    // An odd number of rows and columns: the last ones average with themselves.
     QImage image(1031, 3, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
     image.setPixel(0, 0, qRgb(200, 0, 0));
@@ -139,16 +129,13 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
     QPainter(&picture).fillRect(1000, 0, 1000, 1000, QColor(0, 0, 220));
     const MapImage map = MapImage::FromImage(picture);
     const screens::Rect view{0, 0, 480, 640};
-    const struct {
-        const char* what;
-        double width;  // displayed width; height is half
-        PointF centre;
-    } cases[] = {{"fitted, from a reduced level", 480, {1000, 500}},
-                 {"zoomed in", 4000, {1000, 500}},
-                 {"zoomed in, off centre", 8000, {1000, 250}}};
-    for (const auto& c : cases) {
-        const VisiblePart part =
-            ComputeVisiblePart(map.Size(), c.width, c.width / 2, c.centre, view);
+    // The displayed width; the height is half of it.
+    const std::tuple<const char*, double, PointF> cases[] = {
+        {"fitted, from a reduced level", 480, {1000, 500}},
+        {"zoomed in", 4000, {1000, 500}},
+        {"zoomed in, off centre", 8000, {1000, 250}}};
+    for (const auto& [what, width, centre] : cases) {
+        const VisiblePart part = ComputeVisiblePart(map.Size(), width, width / 2, centre, view);
         QImage target(480, 640, QImage::Format_RGB32);
         target.fill(Qt::white);
         {
@@ -156,10 +143,10 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
             DrawMapImage(painter, map, part);
         }
         const screens::Rect& d = part.destination;
-        EXPECT_EQ(target.pixel(236, d.top + 2), qRgb(220, 0, 0)) << c.what;
-        EXPECT_EQ(target.pixel(244, d.bottom - 2), qRgb(0, 0, 220)) << c.what;
+        EXPECT_EQ(target.pixel(236, d.top + 2), qRgb(220, 0, 0)) << what;
+        EXPECT_EQ(target.pixel(244, d.bottom - 2), qRgb(0, 0, 220)) << what;
         if (d.top > 0) {
-            EXPECT_EQ(target.pixel(240, d.top - 1), qRgb(255, 255, 255)) << c.what;
+            EXPECT_EQ(target.pixel(240, d.top - 1), qRgb(255, 255, 255)) << what;
         }
     }
 }

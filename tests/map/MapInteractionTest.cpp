@@ -2,7 +2,11 @@
 // and their directions, placement taps, and the return to idle.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "MapInteraction.h"
@@ -39,11 +43,9 @@ NavigationButtons Buttons() {
 
 StylusScene Scene(bool mapMode = false, bool placing = false, int unit = 30) {
     StylusScene s;
-    s.onMapScreen = true;
-    s.insideMap = true;
+    s.onMapScreen = s.insideMap = s.linkRunning = true;
     s.mapMode = mapMode;
     s.placing = placing;
-    s.linkRunning = true;
     s.unit = unit;
     s.scaleBarPixels = unit * 10 / 3;
     return s;
@@ -61,23 +63,18 @@ int Cy(int k) {
 }
 
 TEST(MapInteraction, ButtonsSendTheirKeyAtOnceAndAgainOnEveryTick) {
-    const struct {
-        int button;
-        const char* key;
-        int panMode;
-        int zoomRequest;
-    } cases[] = {{1, "key up", 1, 0},    {2, "key down", 1, 0}, {3, "key left", 1, 0},
-                 {4, "key right", 1, 0}, {5, "key up", 0, 1},   {6, "key down", 0, 2}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.button);
+    const std::tuple<const char*, int, int, int> cases[] = {
+        {"key up", 1, 1, 0},    {"key down", 2, 1, 0}, {"key left", 3, 1, 0},
+        {"key right", 4, 1, 0}, {"key up", 5, 0, 1},   {"key down", 6, 0, 2}};
+    for (const auto& [key, button, panMode, zoomRequest] : cases) {
+        SCOPED_TRACE(button);
         MapInteraction s;
         Log log;
-        EXPECT_EQ(OnStylusDown(s, Buttons(), Scene(), 465, Cy(c.button), log),
+        EXPECT_EQ(OnStylusDown(s, Buttons(), Scene(), 465, Cy(button), log),
                   StylusDownResult::Button);
-        EXPECT_EQ(s.panMode, c.panMode);
-        EXPECT_EQ(s.zoomRequest, c.zoomRequest);
+        EXPECT_EQ(std::pair(s.panMode, s.zoomRequest), std::pair(panMode, zoomRequest));
         OnRepeatTick(s, Scene(), log);
-        EXPECT_EQ(log.calls, (std::vector<std::string>{c.key, "repeat", c.key}));
+        EXPECT_EQ(log.calls, (std::vector<std::string>{key, "repeat", key}));
     }
 }
 
@@ -106,42 +103,31 @@ TEST(MapInteraction, HoldingRightAcceleratesFromTheFourthTickUpToTheScaleBar) {
 }
 
 TEST(MapInteraction, DragsPanAgainstTheStylusExceptWhilePlacing) {
-    const struct {
-        const char* name;
-        bool placing;
-        int dx, dy;
-        std::vector<std::string> pans;
-    } cases[] = {{"left and down", false, -10, 6, {"pan 4 10", "pan 1 6"}},
-                 {"left and down, placing", true, -10, 6, {"pan 3 10", "pan 2 6"}},
-                 {"right and up", false, 7, -3, {"pan 3 7", "pan 2 3"}},
-                 {"no movement", false, 0, 0, {"pan 4 0", "pan 2 0"}}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::tuple<const char*, bool, int, int, std::vector<std::string>> cases[] = {
+        {"left and down", false, -10, 6, {"pan 4 10", "pan 1 6"}},
+        {"left and down, placing", true, -10, 6, {"pan 3 10", "pan 2 6"}},
+        {"right and up", false, 7, -3, {"pan 3 7", "pan 2 3"}},
+        {"no movement", false, 0, 0, {"pan 4 0", "pan 2 0"}}};
+    for (const auto& [name, placing, dx, dy, expectedPans] : cases) {
+        SCOPED_TRACE(name);
         MapInteraction s;
         Log log;
         // Placement taps only land on a loaded map; the world map drags alike.
-        OnStylusDown(s, Buttons(), Scene(c.placing, c.placing), 200, 300, log);
+        OnStylusDown(s, Buttons(), Scene(placing, placing), 200, 300, log);
         log.calls.clear();
-        OnStylusMove(s, Scene(c.placing, c.placing), 200 + c.dx, 300 + c.dy, log);
+        OnStylusMove(s, Scene(placing, placing), 200 + dx, 300 + dy, log);
         std::vector<std::string> pans;
-        for (const std::string& call : log.calls)
-            if (call.rfind("pan", 0) == 0)
-                pans.push_back(call);
-        EXPECT_EQ(pans, c.pans);
-        EXPECT_EQ(s.dragging, 1);
-        EXPECT_EQ(s.panDirection, kPanNone);
-        EXPECT_EQ(s.lastStylus, (screens::Point{200 + c.dx, 300 + c.dy}));
+        std::copy_if(log.calls.begin(), log.calls.end(), std::back_inserter(pans),
+                     [](const std::string& call) { return call.rfind("pan", 0) == 0; });
+        EXPECT_EQ(pans, expectedPans);
+        EXPECT_TRUE(s.dragging == 1 && s.panDirection == kPanNone);
+        EXPECT_EQ(s.lastStylus, (screens::Point{200 + dx, 300 + dy}));
     }
 }
 
 TEST(MapInteraction, WhereTheStylusGoesDownDecidesWhatItDoes) {
-    const struct {
-        const char* name;
-        StylusScene scene;
-        int x, y;
-        StylusDownResult result;
-        const char* firstCall;  // "" for none
-    } cases[] = {
+    // The first call the stylus makes, "" for none.
+    const std::tuple<const char*, StylusScene, int, int, StylusDownResult, const char*> cases[] = {
         {"world map", Scene(), 200, 300, StylusDownResult::Map, ""},
         {"loaded map: a hold may follow", Scene(true), 200, 300, StylusDownResult::MayHold, ""},
         {"placing: the cursor moves", Scene(true, true), 200, 300, StylusDownResult::PlacementTap,
@@ -151,14 +137,14 @@ TEST(MapInteraction, WhereTheStylusGoesDownDecidesWhatItDoes) {
          StylusDownResult::Ignored, ""},
         {"another screen", Without(&StylusScene::onMapScreen), 465, Cy(1),
          StylusDownResult::Ignored, ""}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, scene, x, y, result, firstCall] : cases) {
+        SCOPED_TRACE(name);
         MapInteraction s;
         s.panMode = 0;
         Log log;
-        EXPECT_EQ(OnStylusDown(s, Buttons(), c.scene, c.x, c.y, log), c.result);
-        EXPECT_EQ(log.calls.empty() ? "" : log.calls.front(), std::string(c.firstCall));
-        const bool taken = c.result != StylusDownResult::Ignored;
+        EXPECT_EQ(OnStylusDown(s, Buttons(), scene, x, y, log), result);
+        EXPECT_EQ(log.calls.empty() ? "" : log.calls.front(), std::string(firstCall));
+        const bool taken = result != StylusDownResult::Ignored;
         EXPECT_EQ(s.stylusDown, taken ? 1 : 0);
         // On the map the arrows pan while the stylus is down, and go back after.
         if (taken) {

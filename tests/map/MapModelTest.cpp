@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "MapScreenLayers.h"
 #include "RecordingCanvas.h"
@@ -43,9 +44,7 @@ class LoadedModel : public ::testing::Test {
 TEST_F(LoadedModel, LoadingFitsCalibratesAndCentres) {
     Load(2);
     const MapView v = model.View();
-    EXPECT_EQ(v.mapMode, 1);
-    EXPECT_TRUE(model.referencesRead);
-    EXPECT_TRUE(v.calibration.IsValid());
+    EXPECT_TRUE(v.mapMode == 1 && model.referencesRead && v.calibration.IsValid());
     EXPECT_EQ(model.refs.placementCursor.latitude, 28.5);
     // 10 degrees of longitude over 480 pixels, 100 of them, at 28.5°.
     EXPECT_NEAR(v.scaleBarDistance, KilometresPerDegreeLongitude(28.5) * 10.0 / 480 * 100, 1e-9);
@@ -53,27 +52,24 @@ TEST_F(LoadedModel, LoadingFitsCalibratesAndCentres) {
 
 TEST_F(LoadedModel, PanAndZoomMoveTheImageUnderTheView) {
     Load(2);
-    const struct {
-        const char* name;
-        int direction, step;  // 0: zoom in, -1: zoom out
-        PointF scroll;
-        double width;
-    } steps[] = {{"right 48 pixels is 100 image columns", kPanRight, 48, {600, 250}, 480},
-                 {"down 24 rows", kPanDown, 24, {600, 300}, 480},
-                 {"zoom in: half a fit more", 0, 0, {600, 300}, 720},
-                 {"zoom in", 0, 0, {600, 300}, 960},
-                 {"zoom in doubles from here", 0, 0, {600, 300}, 1920},
-                 {"zoom in", 0, 0, {600, 300}, 3840},
-                 {"no further than 4 screen pixels an image pixel", 0, 0, {600, 300}, 3840},
-                 {"up past the top stops at the edge", kPanUp, 5000, {600, 0}, 3840}};
-    for (const auto& s : steps) {
-        SCOPED_TRACE(s.name);
-        if (s.direction > 0)
-            model.Pan(s.direction, s.step);
+    // A direction of 0 zooms in, -1 zooms out.
+    const std::tuple<const char*, int, int, PointF, double> steps[] = {
+        {"right 48 pixels is 100 image columns", kPanRight, 48, {600, 250}, 480},
+        {"down 24 rows", kPanDown, 24, {600, 300}, 480},
+        {"zoom in: half a fit more", 0, 0, {600, 300}, 720},
+        {"zoom in", 0, 0, {600, 300}, 960},
+        {"zoom in doubles from here", 0, 0, {600, 300}, 1920},
+        {"zoom in", 0, 0, {600, 300}, 3840},
+        {"no further than 4 screen pixels an image pixel", 0, 0, {600, 300}, 3840},
+        {"up past the top stops at the edge", kPanUp, 5000, {600, 0}, 3840}};
+    for (const auto& [name, direction, step, scroll, width] : steps) {
+        SCOPED_TRACE(name);
+        if (direction > 0)
+            model.Pan(direction, step);
         else
-            model.Zoom(s.direction == 0);
-        EXPECT_EQ(model.map.scrollCentre, s.scroll);
-        EXPECT_DOUBLE_EQ(model.map.currentWidth, s.width);
+            model.Zoom(direction == 0);
+        EXPECT_EQ(model.map.scrollCentre, scroll);
+        EXPECT_DOUBLE_EQ(model.map.currentWidth, width);
     }
     for (int i = 0; i < 10; ++i) model.Zoom(false);
     EXPECT_DOUBLE_EQ(model.map.currentWidth, 240) << "one step below the fit at most";
@@ -114,8 +110,7 @@ TEST(MapModel, WorldZoomKeepsTheCentreAndPanningWrapsTheLongitude) {
     for (int i = 0; i < 100; ++i) {
         model.Pan(kPanRight, 41);
         const double lon = model.worldOrigin.longitude - model.worldOrigin.screenX / 11.4319;
-        ASSERT_GE(lon, -180);
-        ASSERT_LE(lon, 180);
+        ASSERT_TRUE(lon >= -180 && lon <= 180) << lon;
     }
     // North stops at the map's top.
     for (int i = 0; i < 1000; ++i) model.Pan(kPanUp, 100);
@@ -123,16 +118,11 @@ TEST(MapModel, WorldZoomKeepsTheCentreAndPanningWrapsTheLongitude) {
 }
 
 TEST(MapModel, ScaleBarLabels) {
-    const struct {
-        double km;
-        int units;
-        bool calibrated;
-        const char* label;
-    } cases[] = {{0.25, 0, true, "250.00 m"},    {0.0000004, 0, true, "1.00 m"},
-                 {10.0, 1, true, "6.21 mile"},   {1.0, 1, true, "3279.38 ft"},
-                 {0.925, 2, true, "3038.05 ft"}, {12.5, 0, false, "0.00 km"}};
-    for (const auto& c : cases)
-        EXPECT_EQ(ScaleBarLabel(c.km, c.units, c.calibrated), c.label) << c.km << " " << c.units;
+    const std::tuple<double, int, bool, const char*> cases[] = {
+        {0.25, 0, true, "250.00 m"},  {0.0000004, 0, true, "1.00 m"}, {10.0, 1, true, "6.21 mile"},
+        {1.0, 1, true, "3279.38 ft"}, {0.925, 2, true, "3038.05 ft"}, {12.5, 0, false, "0.00 km"}};
+    for (const auto& [km, units, calibrated, label] : cases)
+        EXPECT_EQ(ScaleBarLabel(km, units, calibrated), label) << km << " " << units;
 }
 
 TEST(MapModel, CoordinateLabels) {
@@ -156,52 +146,43 @@ screens::ScreenContext Context(bool linkRunning, double lat, double lon) {
     return ctx;
 }
 
-std::vector<std::string> Texts(const RecordingCanvas& canvas) {
-    std::vector<std::string> texts;
-    for (const CanvasCall& c : canvas.OfKind(CanvasCall::Kind::Text)) texts.push_back(c.text);
-    return texts;
-}
-
-bool Has(const std::vector<std::string>& texts, const std::string& text) {
-    return std::find(texts.begin(), texts.end(), text) != texts.end();
+bool Has(const RecordingCanvas& canvas, const std::string& text) {
+    const auto texts = canvas.OfKind(CanvasCall::Kind::Text);
+    return std::any_of(texts.begin(), texts.end(),
+                       [&text](const CanvasCall& c) { return c.text == text; });
 }
 
 TEST_F(LoadedModel, OverlayMessagesFollowCalibrationAndPosition) {
     const std::string notCalibrated = common::LoadString(40090);
     const std::string outside = common::LoadString(40091);
-    const struct {
-        const char* name;
-        int active;
-        bool running;
-        double lat, lon;
-        bool expectNotCalibrated, expectOutside, expectMarker;
-    } cases[] = {
+    const std::tuple<const char*, int, bool, double, double, bool, bool, bool> cases[] = {
         {"one point: the image and the message, no position", 1, true, 28, 125, true, false, false},
         {"on the map", 2, true, 28, 125, false, false, true},
         {"off the map", 2, true, 40, 125, false, true, true},
         {"off the map, link stopped", 2, false, 40, 125, false, false, false},
         {"the corner itself is on the map", 2, true, 26, 130, false, false, true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        Load(c.active);
-        screens::ScreenContext ctx = Context(c.running, c.lat, c.lon);
-        model.UpdatePosition(c.running, c.running, c.lat, c.lon);
+    for (const auto& [name, active, running, lat, lon, expectNotCalibrated, expectOutside,
+                      expectMarker] : cases) {
+        SCOPED_TRACE(name);
+        Load(active);
+        screens::ScreenContext ctx = Context(running, lat, lon);
+        model.UpdatePosition(running, running, lat, lon);
         model.PauseFollowing();
         RecordingCanvas canvas(kView);
         const MapView view = model.View();
         MapOverlayLayer(model).Paint(canvas, view, ctx, {});
         PositionLayer().Paint(canvas, view, ctx, {});
-        const auto texts = Texts(canvas);
-        EXPECT_EQ(Has(texts, notCalibrated), c.expectNotCalibrated);
-        EXPECT_EQ(Has(texts, outside), c.expectOutside);
+        EXPECT_EQ(Has(canvas, notCalibrated), expectNotCalibrated);
+        EXPECT_EQ(Has(canvas, outside), expectOutside);
         const auto markers = canvas.OfKind(CanvasCall::Kind::TransparentBlit);
-        ASSERT_EQ(markers.size(), c.expectMarker ? 1u : 0u);
-        if (c.expectMarker) {
+        ASSERT_EQ(markers.size(), expectMarker ? 1u : 0u);
+        if (expectMarker) {
             PointF at;
-            ASSERT_TRUE(ProjectToScreen(view, c.lat, c.lon, at));
+            ASSERT_TRUE(ProjectToScreen(view, lat, lon, at));
             const screens::Point& dst = markers[0].to;
-            EXPECT_EQ(dst.x + 10, static_cast<int>(at.x)) << "centred on the position";
-            EXPECT_EQ(dst.y + 10, static_cast<int>(at.y));
+            EXPECT_EQ((screens::Point{dst.x + 10, dst.y + 10}),
+                      (screens::Point{static_cast<int>(at.x), static_cast<int>(at.y)}))
+                << "centred on the position";
         }
     }
 }

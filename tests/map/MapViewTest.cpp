@@ -36,54 +36,46 @@ MapView Image(bool calibrated) {
 }
 
 TEST(MapView, ProjectsDegreesInBothModes) {
-    const struct {
-        const char* name;
-        MapView view;
-        double lat, lon;
-        bool placed;
-        double x, y;
-    } cases[] = {// 180 W is the view's left edge; 180 E the same meridian, taken on
-                 // the side nearest the centre.
-                 {"world date line west", World(), 0.5, -179.999, true, 0.0, NAN},
-                 {"world date line east", World(), 0.5, 180.0, true, 480.0, NAN},
-                 {"world greenwich", World(), 20.0, 0.0, true, 240.0, NAN},
-                 {"image top left", Image(true), 31, 120, true, 0.0, 80.0},
-                 {"image centre", Image(true), 28.5, 125, true, 240.0, 200.0},
-                 {"image off to the east", Image(true), 28.5, 140, true, 960.0, 200.0},
-                 {"image not calibrated", Image(false), 28.5, 125, false, 0, 0},
-                 {"not a number", World(), NAN, 0, false, 0, 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::tuple<const char*, MapView, double, double, bool, double, double> cases[] = {
+        // 180 W is the view's left edge; 180 E the same meridian, taken on
+        // the side nearest the centre.
+        {"world date line west", World(), 0.5, -179.999, true, 0.0, NAN},
+        {"world date line east", World(), 0.5, 180.0, true, 480.0, NAN},
+        {"world greenwich", World(), 20.0, 0.0, true, 240.0, NAN},
+        {"image top left", Image(true), 31, 120, true, 0.0, 80.0},
+        {"image centre", Image(true), 28.5, 125, true, 240.0, 200.0},
+        {"image off to the east", Image(true), 28.5, 140, true, 960.0, 200.0},
+        {"image not calibrated", Image(false), 28.5, 125, false, 0, 0},
+        {"not a number", World(), NAN, 0, false, 0, 0}};
+    for (const auto& [name, view, lat, lon, placed, x, y] : cases) {
+        SCOPED_TRACE(name);
         PointF p{-1, -1};
-        ASSERT_EQ(ProjectToScreen(c.view, c.lat, c.lon, p), c.placed);
-        if (!c.placed) {
+        ASSERT_EQ(ProjectToScreen(view, lat, lon, p), placed);
+        if (!placed) {
             EXPECT_EQ(p, (PointF{-1, -1}));
             continue;
         }
-        EXPECT_NEAR(p.x, c.x, 0.01);
-        if (!std::isnan(c.y)) {
-            EXPECT_NEAR(p.y, c.y, 1e-9);
+        EXPECT_NEAR(p.x, x, 0.01);
+        if (!std::isnan(y)) {
+            EXPECT_NEAR(p.y, y, 1e-9);
         }
     }
 }
 
 TEST(MapView, TapsComeBackToTheDegreesThatWereProjected) {
-    const struct {
-        const char* name;
-        MapView view;
-        double lat, lon;
-    } cases[] = {{"world north", World(), 30.25, 120.1},
-                 {"world south west", World(), -33.9, -70.6},
-                 {"world far north", World(), 79.5, 10},
-                 {"image", Image(true), 27.3, 123.4}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    const std::tuple<const char*, MapView, double, double> cases[] = {
+        {"world north", World(), 30.25, 120.1},
+        {"world south west", World(), -33.9, -70.6},
+        {"world far north", World(), 79.5, 10},
+        {"image", Image(true), 27.3, 123.4}};
+    for (const auto& [name, view, latitude, longitude] : cases) {
+        SCOPED_TRACE(name);
         PointF p;
-        ASSERT_TRUE(ProjectToScreen(c.view, c.lat, c.lon, p));
+        ASSERT_TRUE(ProjectToScreen(view, latitude, longitude, p));
         double lat = 0, lon = 0;
-        ASSERT_TRUE(ScreenToGeo(c.view, p, lat, lon));
-        EXPECT_NEAR(lat, c.lat, 1e-6);
-        EXPECT_NEAR(lon, c.lon, 1e-6);
+        ASSERT_TRUE(ScreenToGeo(view, p, lat, lon));
+        EXPECT_NEAR(lat, latitude, 1e-6);
+        EXPECT_NEAR(lon, longitude, 1e-6);
     }
     // Between the rows of 0.0° north and south the equator's band jumps: the
     // whole gap reads as the equator.

@@ -1,12 +1,12 @@
-// The reference-point dialog offscreen, driven through the script's own
-// steps (`set`, the soft keys, `answer`): what it shows as it opens on a
-// slot, and the slot that OK's fields make.
+// The reference-point dialog offscreen, driven through the script's own steps (`set`, the soft
+// keys, `answer`): what it shows as it opens on a slot, and the slot that OK's fields make.
 #include <gtest/gtest.h>
 
 #include <QApplication>
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ReferenceDialog.h"
@@ -68,13 +68,8 @@ class ReferenceDialogTest : public ::testing::Test {
 };
 
 TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
-    const struct {
-        int slot;
-        GeoPoint point;
-        std::vector<std::string> shown;
-    } cases[] = {
-        // A southern, western point opens under 北纬 and 东经, as its
-        // absolute value.
+    const std::tuple<int, GeoPoint, std::vector<std::string>> cases[] = {
+        // A southern, western point opens under 北纬 and 东经, as its absolute value.
         {0,
          {1, -33.5, -151.25, 0, 0, 10, 20},
          {"激活参照点 1 on", "北纬", "33.000000", "30.000000", "0.000000", "东经", "151.000000",
@@ -83,46 +78,37 @@ TEST_F(ReferenceDialogTest, OpensOnTheSlot) {
          {0, 30.5125, 120.0, 0, 0, 0, 0},
          {"激活参照点 5 off", "北纬 grey", "30.000000 grey", "30.000000 grey", "45.000000 grey",
           "东经 grey", "120.000000 grey", "0.000000 grey", "0.000000 grey"}}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.slot);
-        ReferenceDialog* d = Open(c.slot, c.point);
-        EXPECT_EQ(Shown(*d), c.shown);
+    for (const auto& [slot, point, shown] : cases) {
+        SCOPED_TRACE(slot);
+        ReferenceDialog* d = Open(slot, point);
+        EXPECT_EQ(Shown(*d), shown);
         d->Reject();
-        EXPECT_TRUE(cancelled_);
-        EXPECT_FALSE(confirmed_.has_value());
+        EXPECT_TRUE(cancelled_ && !confirmed_.has_value());
     }
 }
 
-// Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot
-// the confirmed fields make.
+// Steps after opening on slot 1 holding -33.5, 151.25, then OK: the slot the confirmed fields make.
 TEST_F(ReferenceDialogTest, SetAndConfirm) {
     constexpr double kSecond = 1.0 / 3600;
-    const struct {
-        const char* what;
-        std::vector<std::pair<int, std::string>> sets;
-        int valid;
-        double latitude, longitude;
-    } cases[] = {
+    using Sets = std::vector<std::pair<int, std::string>>;
+    const std::tuple<const char*, Sets, int, double, double> cases[] = {
         {"south and west", {{1010, "1"}, {1011, "1"}}, 1, -33.5, -151.25},
         {"longitude seconds cut", {{1009, "59.9999999999"}}, 1, 33.5, 151.25 + 59.999999 * kSecond},
         {"lat seconds whole", {{1005, "59.9999999999"}}, 1, 33.5 + 59.9999999999 * kSecond, 151.25},
-        {"minutes past 60, text after numbers",
-         {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}},
-         1,
-         11.5,
-         5.5},
+        // Minutes past 60 carry; text after the number is ignored.
+        {"past 60", {{1003, "10"}, {1004, "90"}, {1007, "  5.5x"}, {1008, "abc"}}, 1, 11.5, 5.5},
         {"unticked", {{1013, "0"}}, 0, 33.5, 151.25}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [what, sets, valid, latitude, longitude] : cases) {
+        SCOPED_TRACE(what);
         Open(0, {1, -33.5, 151.25, 0, 0, 0, 0});
-        for (const auto& [id, value] : c.sets) ASSERT_TRUE(Set(id, value));
+        for (const auto& [id, value] : sets) ASSERT_TRUE(Set(id, value));
         ASSERT_TRUE(stack_.Answer(DialogResult::Ok));
         ASSERT_TRUE(confirmed_.has_value());
         GeoPoint slot;
         FieldsToSlot(*confirmed_, slot);
-        EXPECT_EQ(slot.valid, c.valid);
-        EXPECT_DOUBLE_EQ(slot.latitude, c.latitude);
-        EXPECT_DOUBLE_EQ(slot.longitude, c.longitude);
+        EXPECT_EQ(slot.valid, valid);
+        EXPECT_DOUBLE_EQ(slot.latitude, latitude);
+        EXPECT_DOUBLE_EQ(slot.longitude, longitude);
         EXPECT_TRUE(stack_.empty());
     }
 }
@@ -130,28 +116,24 @@ TEST_F(ReferenceDialogTest, SetAndConfirm) {
 // "插入当前GPS座标" on an inactive slot whose fields were edited: the box is
 // ticked, and the fix (hemispheres by its signs) or zeros fill the fields.
 TEST_F(ReferenceDialogTest, InsertCurrentCoordinate) {
-    const struct {
-        ReferenceFix fix;
-        std::vector<std::string> shown;
-    } cases[] = {{{true, -22.5, -43.25},
-                  {"激活参照点 2 on", "南纬", "22.000000", "30.000000", "0.000000", "西经",
-                   "43.000000", "15.000000", "0.000000"}},
-                 {{false, -22.5, -43.25},
-                  {"激活参照点 2 on", "北纬", "0.000000", "0.000000", "0.000000", "东经",
-                   "0.000000", "0.000000", "0.000000"}}};
-    for (const auto& c : cases) {
-        ReferenceDialog* d = Open(1, {0, 1.0, 2.0, 0, 0, 0, 0}, c.fix);
-        ASSERT_TRUE(Set(1013, "1"));
-        ASSERT_TRUE(Set(1011, "1"));
-        ASSERT_TRUE(Set(1013, "0"));
+    const std::pair<ReferenceFix, std::vector<std::string>> cases[] = {
+        {{true, -22.5, -43.25},
+         {"激活参照点 2 on", "南纬", "22.000000", "30.000000", "0.000000", "西经", "43.000000",
+          "15.000000", "0.000000"}},
+        {{false, -22.5, -43.25},
+         {"激活参照点 2 on", "北纬", "0.000000", "0.000000", "0.000000", "东经", "0.000000",
+          "0.000000", "0.000000"}}};
+    for (const auto& [fix, expected] : cases) {
+        ReferenceDialog* d = Open(1, {0, 1.0, 2.0, 0, 0, 0, 0}, fix);
+        ASSERT_TRUE(Set(1013, "1") && Set(1011, "1") && Set(1013, "0"));
         stack_.PressSoftKey(0);
         const std::vector<std::string> shown = Shown(*d);
         for (std::size_t i = 0; i < shown.size(); ++i) {
             // The seconds are what the arithmetic leaves: compare their value.
             if (i == 4 || i == 8)
-                EXPECT_NEAR(std::stod(shown[i]), std::stod(c.shown[i]), 1e-6) << i;
+                EXPECT_NEAR(std::stod(shown[i]), std::stod(expected[i]), 1e-6) << i;
             else
-                EXPECT_EQ(shown[i], c.shown[i]) << i;
+                EXPECT_EQ(shown[i], expected[i]) << i;
         }
         d->Reject();
     }

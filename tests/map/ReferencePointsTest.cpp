@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "ReferencePoints.h"
 
@@ -27,17 +29,13 @@ std::string TempPath(const std::string& name) {
 }
 
 TEST(ReferenceFileName, StemUpToTheFirstDot) {
-    const struct {
-        const char* root;
-        const char* map;
-        const char* file;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"/media/card/Documents", "/home/u/Maps/city.2007.jpg",
          "/media/card/Documents/My GPS/Reference Points/Ref Pt_city.rpt"},
         {"/home/u/Documents/", "scan", "/home/u/Documents/My GPS/Reference Points/Ref Pt_scan.rpt"},
         {"/d", "/maps/.hidden.png", "/d/My GPS/Reference Points/Ref Pt_.rpt"},
         {"/d", "/maps.v2/plain", "/d/My GPS/Reference Points/Ref Pt_plain.rpt"}};
-    for (const auto& tc : cases) EXPECT_EQ(MakeReferenceFileName(tc.root, tc.map), tc.file);
+    for (const auto& [root, map, file] : cases) EXPECT_EQ(MakeReferenceFileName(root, map), file);
 }
 
 TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
@@ -54,12 +52,7 @@ TEST(ReferenceText, FormatsFiveLinesWithPointDecimals) {
 }
 
 TEST(ReferenceText, TokenRules) {
-    const struct {
-        const char* what;
-        std::string text;
-        int active;
-        GeoPoint first;
-    } cases[] = {
+    const std::tuple<const char*, std::string, int, GeoPoint> cases[] = {
         {"empty", "", 0, {}},
         {"no line end, no trailing comma", "1,30,114,10,20", 1, {1, 30, 114, 0, 0, 10, 20}},
         {"line breaks vanish", "1,3\r\n0.5,1\n14,\r10,20,\r\n", 1, {1, 30.5, 114, 0, 0, 10, 20}},
@@ -70,18 +63,15 @@ TEST(ReferenceText, TokenRules) {
         {"garbage numbers read 0", "1,north,1e999x,-,0x10,", 1, {1, 0, 0, 0, 0, 0, 16}},
         {"nan and inf read 0", "1,nan,inf,-infinity,NAN(1),", 1, {1, 0, 0, 0, 0, 0, 0}},
         {"number prefix counts", "1,12abc,3.5.6,7e1,8,", 1, {1, 12, 3.5, 0, 0, 70, 8}},
-        {"over-long token keeps its tail",
-         "1,12345678901234567890123,2,3,4,",
-         1,
-         {1, 123, 2, 0, 0, 3, 4}},
+        {"long token: tail kept", "1,12345678901234567890123,2,3,4,", 1, {1, 123, 2, 0, 0, 3, 4}},
         {"NUL ends the text", "1,10,20,30,40,\0"s + "1,1,1,1,1,", 1, {1, 10, 20, 0, 0, 30, 40}},
         {"binary", "\xff\xfe\x01,\x80\x7f,\x1b[0m"s, 0, {0, 0, 0, 0, 0, 0, 0}}};
-    for (const auto& tc : cases) {
+    for (const auto& [what, text, expectedActive, first] : cases) {
         int active = -1;
-        const ReferencePoints s = Parse(tc.text, &active);
-        EXPECT_EQ(active, tc.active) << tc.what;
-        EXPECT_EQ(s[0], tc.first) << tc.what;
-        EXPECT_EQ(s[1], GeoPoint{}) << tc.what;
+        const ReferencePoints s = Parse(text, &active);
+        EXPECT_EQ(active, expectedActive) << what;
+        EXPECT_EQ(s[0], first) << what;
+        EXPECT_EQ(s[1], GeoPoint{}) << what;
     }
     // Seven slots' worth of tokens: the last two slots' are ignored.
     std::string seven;
@@ -112,17 +102,15 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
     s.fill(GeoPoint{1, 1, 1, 1, 1, 1, 1});
     int active = -1;
     EXPECT_EQ(ReadReferenceFile(TempPath("no-such.rpt"), s, active), ReferenceRead::NotOpened);
-    EXPECT_EQ(active, 0);
-    EXPECT_EQ(s[2], GeoPoint{});
-
+    EXPECT_TRUE(active == 0 && s[2] == GeoPoint{});
     // A folder where the file should be: opened, nothing read.
     const std::string dir = TempPath("folder.rpt");
     ::mkdir(dir.c_str(), 0755);
     EXPECT_EQ(ReadReferenceFile(dir, s, active), ReferenceRead::ReadFailed);
     EXPECT_EQ(active, 0);
 
-    EXPECT_FALSE(WriteReferenceFile(TempPath("no-such-folder/x.rpt"), s));
-    EXPECT_FALSE(WriteReferenceFile(dir, s));
+    EXPECT_FALSE(WriteReferenceFile(TempPath("no-such-folder/x.rpt"), s) ||
+                 WriteReferenceFile(dir, s));
 
     // A file that is there but cannot be opened (a link to itself: root too
     // is refused) is said, and kept as .bak before a new file is written.
@@ -135,32 +123,25 @@ TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
     EXPECT_TRUE(WriteReferenceFile(loop, s, &keptAs));
     EXPECT_EQ(keptAs, loop + ".bak");
     struct stat st {};
-    EXPECT_EQ(::lstat(keptAs.c_str(), &st), 0);
-    EXPECT_TRUE(S_ISLNK(st.st_mode)) << "the unreadable file is the one kept";
+    EXPECT_TRUE(::lstat(keptAs.c_str(), &st) == 0 && S_ISLNK(st.st_mode))
+        << "the unreadable file is the one kept";
     EXPECT_EQ(ReadReferenceFile(loop, s, active), ReferenceRead::Read);
 }
 
 TEST(Dms, DialogSplitsDegreesMinutesSeconds) {
-    const struct {
-        double value;
-        const char* deg;
-        const char* min;
-        const char* sec;
-    } cases[] = {{-33.5, "33.000000", "30.000000", "0.000000"},
-                 // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show
-                 // as 60.
-                 {114.3, "114.000000", "17.000000", "60.000000"},
-                 {0.0, "0.000000", "0.000000", "0.000000"},
-                 {-179.999999, "179.000000", "59.000000", "59.996400"}};
-    for (const auto& tc : cases) {
+    const std::tuple<double, const char*, const char*, const char*> cases[] = {
+        {-33.5, "33.000000", "30.000000", "0.000000"},
+        // 0.3° is a hair under 18 minutes: 17 minutes and seconds that show as 60.
+        {114.3, "114.000000", "17.000000", "60.000000"},
+        {0.0, "0.000000", "0.000000", "0.000000"},
+        {-179.999999, "179.000000", "59.000000", "59.996400"}};
+    for (const auto& [value, deg, min, sec] : cases) {
         GeoPoint slot;
-        slot.latitude = tc.value;
-        slot.longitude = tc.value;
+        slot.latitude = value;
+        slot.longitude = value;
         const ReferenceDialogFields f = OpenReferenceDialog(slot);
-        EXPECT_EQ(f.latitude[0], tc.deg) << tc.value;
-        EXPECT_EQ(f.latitude[1], tc.min) << tc.value;
-        EXPECT_EQ(f.latitude[2], tc.sec) << tc.value;
-        EXPECT_EQ(f.longitude, f.latitude) << tc.value;
+        EXPECT_EQ(f.latitude, (std::array<std::string, 3>{deg, min, sec})) << value;
+        EXPECT_EQ(f.longitude, f.latitude) << value;
     }
 }
 
@@ -190,10 +171,9 @@ class Confirm : public ::testing::Test {
 TEST_F(Confirm, SecondPointCalibratesAndMovesTheCursorToTheCentre) {
     const std::string file = TempPath("confirm.rpt");
     const ReferenceConfirmation r = Place({100, 200}, file);
-    EXPECT_TRUE(r.saved);
-    EXPECT_TRUE(r.calibrated);
-    EXPECT_EQ(editing_.placingReferencePoint, 0);
-    EXPECT_EQ(editing_.activeReferenceCount, 2);
+    EXPECT_TRUE(r.saved && r.calibrated);
+    EXPECT_EQ(std::pair(editing_.placingReferencePoint, editing_.activeReferenceCount),
+              std::pair(0, 2));
     EXPECT_EQ(editing_.referencePoints[1], (GeoPoint{1, 29, 111, 0, 0, 100, 200}));
     EXPECT_TRUE(calibration_.IsValid());
     EXPECT_DOUBLE_EQ(extent_.centre.latitude, 29.5);
@@ -209,9 +189,7 @@ TEST_F(Confirm, SecondPointCalibratesAndMovesTheCursorToTheCentre) {
 TEST_F(Confirm, FailedCalibrationRestoresTheCursorAndUnsavedFileIsReported) {
     // Same row as slot 1: no latitude scale; the folder does not exist.
     const ReferenceConfirmation r = Place({100, 0}, TempPath("missing/confirm.rpt"));
-    EXPECT_FALSE(r.saved);
-    EXPECT_FALSE(r.calibrated);
-    EXPECT_FALSE(calibration_.IsValid());
+    EXPECT_FALSE(r.saved || r.calibrated || calibration_.IsValid());
     EXPECT_EQ(editing_.placementCursor, (GeoPoint{1, 0, 0, 7, 8, 0, 0}));
     // The slots keep what was typed for this run.
     EXPECT_EQ(editing_.referencePoints[1].valid, 1);

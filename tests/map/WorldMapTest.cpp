@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
+#include <utility>
 
 #include "RecordingCanvas.h"
 #include "WorldMap.h"
@@ -23,51 +25,41 @@ const WorldLand& Land() {
 }
 
 TEST(WorldLandFile, ParsesRingsAndSkipsJunk) {
-    const struct {
-        const char* what;
-        const char* text;
-        std::size_t rings;
-        std::size_t points;
-    } cases[] = {{"empty", "", 0, 0},
-                 {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
-                 {"too short", "0,0 1,1\n", 0, 0},
-                 {"garbage line", "north,east\nx\n,,,\n", 0, 0},
-                 {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
-                 {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
-                 {"no final newline", "0,0 1,0 0,1", 1, 3}};
-    for (const auto& tc : cases) {
-        const WorldLand land = ParseWorldLand(tc.text);
-        EXPECT_EQ(land.rings.size(), tc.rings) << tc.what;
-        EXPECT_EQ(land.PointCount(), tc.points) << tc.what;
+    const std::tuple<const char*, const char*, std::size_t, std::size_t> cases[] = {
+        {"empty", "", 0, 0},
+        {"one ring of deltas", "100,200 10,0 0,10 -10,0\n", 1, 4},
+        {"too short", "0,0 1,1\n", 0, 0},
+        {"garbage line", "north,east\nx\n,,,\n", 0, 0},
+        {"malformed cell ends the ring", "0,0 1,0 0,1 2;2 5,5\n", 1, 3},
+        {"off the globe ends the ring", "17990,0 5,0 5,0 5,0 5,0\n", 1, 3},
+        {"no final newline", "0,0 1,0 0,1", 1, 3}};
+    for (const auto& [what, text, rings, points] : cases) {
+        const WorldLand land = ParseWorldLand(text);
+        EXPECT_EQ(land.rings.size(), rings) << what;
+        EXPECT_EQ(land.PointCount(), points) << what;
     }
     const WorldLand one = ParseWorldLand("100,200 10,0 0,10 -10,0");
-    EXPECT_EQ(one.rings[0].maxLon, 110);
-    EXPECT_EQ(one.rings[0].maxLat, 210);
+    EXPECT_EQ(std::pair(one.rings[0].maxLon, one.rings[0].maxLat), std::pair(110, 210));
     WorldLand none;
     EXPECT_FALSE(LoadWorldLand("/nonexistent/world.txt", none));
 }
 
 TEST(WorldLandFile, StepsAcrossTheMeridianTakeTheShortWay) {
-    const struct {
-        const char* what;
-        const char* text;
-        std::int32_t minLon, maxLon;
-    } cases[] = {
+    const std::tuple<const char*, const char*, std::int32_t, std::int32_t> cases[] = {
         // East of 179 to the meridian, across to -180 and on west, back.
         {"out and back", "17900,6500 100,0 -36000,100 100,0 -100,100 36000,0\n", 17900, 18100},
         {"starts on the far side", "-18000,6500 36000,0 -100,0 100,0 -36000,0\n", 17900, 18000},
         // Once round only: the south polar ring closes along its bottom.
         {"once round", "-18000,-8000 18000,100 18000,-100 -36000,-1000\n", -18000, 18000}};
-    for (const auto& tc : cases) {
-        const WorldLand land = ParseWorldLand(tc.text);
-        ASSERT_EQ(land.rings.size(), 1u) << tc.what;
-        EXPECT_EQ(land.rings[0].minLon, tc.minLon) << tc.what;
-        EXPECT_EQ(land.rings[0].maxLon, tc.maxLon) << tc.what;
+    for (const auto& [what, text, minLon, maxLon] : cases) {
+        const WorldLand land = ParseWorldLand(text);
+        ASSERT_EQ(land.rings.size(), 1u) << what;
+        EXPECT_EQ(land.rings[0].minLon, minLon) << what;
+        EXPECT_EQ(land.rings[0].maxLon, maxLon) << what;
     }
 }
 
-// A view of `rect` centred on (lat, lon) with the scale bar of 100 pixels
-// standing for `km`.
+// A view of `rect` centred on (lat, lon) with the scale bar of 100 pixels standing for `km`.
 WorldView CentredOn(double lat, double lon, double km, Rect rect) {
     WorldView v;
     v.scale = km;
@@ -81,9 +73,8 @@ WorldView CentredOn(double lat, double lon, double km, Rect rect) {
 
 struct Drawn {
     std::size_t polygons = 0;
-    bool allInside = true;
+    bool allInside = true, leftHalf = false, rightHalf = false;
     bool coversView = false;  // one polygon holds all four corners
-    bool leftHalf = false, rightHalf = false;
 };
 
 Drawn Draw(const WorldView& v) {
@@ -109,36 +100,31 @@ Drawn Draw(const WorldView& v) {
 
 TEST(WorldMapDrawing, EveryZoomStaysInsideTheView) {
     const Rect view{0, 30, 480, 610};
-    const struct {
-        const char* what;
-        double lat, lon, km;
-        bool land, covers;
-    } cases[] = {{"whole world", 0, 0, 20000, true, false},
-                 {"China, close", 30, 110, 1, true, true},
-                 {"open Pacific, close", 0, -150, 1, false, false},
-                 {"Mediterranean coast", 43.3, 5.4, 50, true, false},
-                 {"south of 80, flattened", -85, 0, 100, true, false}};
-    for (const auto& tc : cases) {
-        const Drawn d = Draw(CentredOn(tc.lat, tc.lon, tc.km, view));
-        EXPECT_EQ(d.polygons > 0, tc.land) << tc.what;
-        EXPECT_TRUE(d.allInside) << tc.what;
-        EXPECT_EQ(d.coversView, tc.covers) << tc.what;
+    const std::tuple<const char*, double, double, double, bool, bool> cases[] = {
+        {"whole world", 0, 0, 20000, true, false},
+        {"China, close", 30, 110, 1, true, true},
+        {"open Pacific, close", 0, -150, 1, false, false},
+        {"Mediterranean coast", 43.3, 5.4, 50, true, false},
+        {"south of 80, flattened", -85, 0, 100, true, false}};
+    for (const auto& [what, lat, lon, km, land, covers] : cases) {
+        const Drawn d = Draw(CentredOn(lat, lon, km, view));
+        EXPECT_EQ(d.polygons > 0, land) << what;
+        EXPECT_TRUE(d.allInside) << what;
+        EXPECT_EQ(d.coversView, covers) << what;
     }
 }
 
 TEST(WorldMapDrawing, PanningPastTheDateLineShowsTheOtherSide) {
     // The Bering Strait: Russia to the left of 180°, Alaska to the right.
     const Drawn d = Draw(CentredOn(65, 180, 500, Rect{0, 0, 480, 640}));
-    EXPECT_TRUE(d.leftHalf);
-    EXPECT_TRUE(d.rightHalf);
+    EXPECT_TRUE(d.leftHalf && d.rightHalf);
     const Drawn past = Draw(CentredOn(65, 180 + 360, 500, Rect{0, 0, 480, 640}));
     EXPECT_EQ(past.polygons, d.polygons);
 }
 
 TEST(WorldMapDrawing, AbsurdViewsNeitherFailNorFlood) {
-    const struct {
-        double km, lon;
-    } cases[] = {{0.0, 0}, {-5.0, 0}, {1e-300, 0}, {1e300, 0}, {1, 1e15}, {1, NAN}};
+    const std::pair<double, double> cases[] = {{0.0, 0},   {-5.0, 0}, {1e-300, 0},
+                                               {1e300, 0}, {1, 1e15}, {1, NAN}};
     for (const auto& [km, lon] : cases) {
         WorldView v = CentredOn(0, 0, 1, Rect{0, 0, 100, 100});
         v.scale = km;
