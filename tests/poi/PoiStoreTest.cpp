@@ -31,7 +31,7 @@ TEST(PoiCategories, FileNamesChooseTheCategory) {
         {"Swimming Area But Longer.csv", 0, "Swimming Area But L"},
         {"加油站加油站加油站加油站加油站加油站加油站.csv", 0,
          "加油站加油站加油站加油站加油站加油站加"},
-        {"\xBC\xD3\xD3\xCD\xD5\xBE.csv", 0, "加油站"},  // a GB18030 file name
+        {"\xBC\xD3\xD3\xCD\xD5\xBE.csv", 0, "加油站"}  // a GB18030 file name
     };
     for (const auto& c : cases) {
         std::string name = PoiBaseName(c.path);
@@ -80,7 +80,7 @@ TEST(PoiPainter, IconsCentredLabelsBesideCulledToTheCanvas) {
         {-5, 50, "Edge"},           // icon half outside, label inside
         {100, -2000, "Far left"},   // off screen
         {5000, 100, "Far below"},   // off screen
-        {300, 300, ""},             // no label
+        {300, 300, ""}              // no label
     };
     for (const auto& p : points) {
         PoiRecord r;
@@ -138,12 +138,10 @@ TEST(PoiPainter, CellsAndLabelsStayReadable) {
         int points;
         double spread;  // pixels between neighbours along the diagonal
         PoiDrawCount drawn;
-    } cases[] = {
-        {"a pile on one pixel", 5000, 0, {5000, 1, 0}},
-        {"two in one cell, one name", 2, 3, {2, 1, 1}},
-        {"two names that would overlap", 2, 17, {2, 2, 1}},
-        {"too many in view for names", 300, 1, {300, 19, 0}},
-    };
+    } cases[] = {{"a pile on one pixel", 5000, 0, {5000, 1, 0}},
+                 {"two in one cell, one name", 2, 3, {2, 1, 1}},
+                 {"two names that would overlap", 2, 17, {2, 2, 1}},
+                 {"too many in view for names", 300, 1, {300, 19, 0}}};
     const PoiProjection project = [](double lat, double lon, double& x, double& y) {
         x = 100 + lon;
         y = 100 + lat;

@@ -79,18 +79,9 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
         {"record on, running", true, false, true, false, false, {"record on", kNmea, "awake"}},
         {"record on, stopped", false, false, true, true, true, {"record on", "awake"}},
         {"new root, recording", true, true, true, true, true, {kNmea, "awake"}},
-        {"all talkers on",
-         false,
-         false,
-         false,
-         false,
-         false,
-         {"all talkers", "awake"},
-         false,
-         true},
-        {"all talkers off", true, true, true, false, false, {"gps only", "awake"}, true, false},
-    };
-    for (const Case& c : cases) {
+        {"talkers on", false, false, false, false, false, {"all talkers", "awake"}, false, true},
+        {"all talkers off", true, true, true, false, false, {"gps only", "awake"}, true, false}};
+    for (const auto& c : cases) {
         SetUp();
         settings.recordNmea = c.nmeaBefore;
         settings.trackLogOn = c.trackLog;
@@ -121,18 +112,16 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
 }
 
 TEST_F(OptionsOkTest, ANewRootGetsItsFoldersUnlessItIsAFile) {
-    struct Case {
+    const struct {
         const char* what;
         std::function<void(const std::string&)> prepare;
         bool tree;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"missing root", [](const std::string&) {}, true},
         {"half a tree",
          [](const std::string& r) { fs::create_directories(r + "/My GPS/Track Log"); }, true},
-        {"a file", [](const std::string& r) { std::ofstream(r) << "x"; }, false},
-    };
-    for (const Case& c : cases) {
+        {"a file", [](const std::string& r) { std::ofstream(r) << "x"; }, false}};
+    for (const auto& c : cases) {
         const std::string root = temp + "/" + c.what;
         c.prepare(root);
         OptionsDialog d = Dialog(root);

@@ -56,10 +56,8 @@ TEST_F(OptionsFileTest, OnlyARegularFileIsAnOptionsFile) {
     const struct {
         const char* name;
         int (*make)(const char*);
-    } cases[] = {
-        {"folder", [](const char* p) { return ::mkdir(p, 0755); }},
-        {"fifo", [](const char* p) { return ::mkfifo(p, 0644); }},
-    };
+    } cases[] = {{"folder", [](const char* p) { return ::mkdir(p, 0755); }},
+                 {"fifo", [](const char* p) { return ::mkfifo(p, 0644); }}};
     for (const auto& c : cases) {
         fs::remove_all(path_);
         ASSERT_EQ(c.make(path_.c_str()), 0) << c.name;
@@ -115,11 +113,9 @@ TEST_F(OptionsFileTest, AFailedSaveLeavesTheOldFileAsItWas) {
         bool oldFile;
         rlim_t limit;
         bool saved;
-    } cases[] = {
-        {"disk full, old file", true, 1000, false},
-        {"disk full, no file yet", false, 1000, false},
-        {"room enough", true, 1 << 20, true},
-    };
+    } cases[] = {{"disk full, old file", true, 1000, false},
+                 {"disk full, no file yet", false, 1000, false},
+                 {"room enough", true, 1 << 20, true}};
     for (const auto& c : cases) {
         fs::remove_all(dir_);
         fs::create_directories(dir_);
@@ -162,21 +158,18 @@ TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
 }
 
 TEST(OptionsRecordTest, OddValuesAreMadeSane) {
-    struct Case {
+    const struct {
         std::size_t offset;
         std::uint32_t value;
         std::uint32_t ProgramSettings::*field;
         std::uint32_t expected;
-    };
-    const Case cases[] = {
-        {44, 7, &ProgramSettings::units, 0},
-        {20, 6, &ProgramSettings::baudIndex, 0},
-        {32, 15000, &ProgramSettings::trackIntervalMs, 10000},
-        {32, 60000, &ProgramSettings::trackIntervalMs, 60000},
-        {0, 0xFFFFFFFF, &ProgramSettings::showMap, 1},
-        {36, 55, &ProgramSettings::speedAlarmLimit, 55},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{44, 7, &ProgramSettings::units, 0},
+                 {20, 6, &ProgramSettings::baudIndex, 0},
+                 {32, 15000, &ProgramSettings::trackIntervalMs, 10000},
+                 {32, 60000, &ProgramSettings::trackIntervalMs, 60000},
+                 {0, 0xFFFFFFFF, &ProgramSettings::showMap, 1},
+                 {36, 55, &ProgramSettings::speedAlarmLimit, 55}};
+    for (const auto& c : cases) {
         OptionsRecord r{};
         SetOptionDefaults(r);
         std::memcpy(reinterpret_cast<std::uint8_t*>(&r) + c.offset, &c.value, 4);
@@ -192,9 +185,7 @@ TEST(OptionsRecordTest, AllTalkersByteIsOnOnlyAtOneAndOtherValuesAreKept) {
         std::uint32_t setting;  // as read
         std::uint32_t changedTo;
         std::uint8_t written;
-    } cases[] = {
-        {0, 0, 0, 0}, {1, 1, 1, 1}, {1, 1, 0, 0}, {0x5A, 0, 0, 0x5A}, {0x5A, 0, 1, 1},
-    };
+    } cases[] = {{0, 0, 0, 0}, {1, 1, 1, 1}, {1, 1, 0, 0}, {0x5A, 0, 0, 0x5A}, {0x5A, 0, 1, 1}};
     for (const auto& c : cases) {
         OptionsRecord r{};
         SetOptionDefaults(r);

@@ -44,16 +44,13 @@ class ShellTest : public ::testing::Test {
 };
 
 TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
-    struct Case {
+    const struct {
         int command;
         Key key;
         int screen;
-    };
-    const Case cases[] = {
-        {cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
-        {cmd::kCompass, Key::Digit6, kScreenCompass},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
+                 {cmd::kCompass, Key::Digit6, kScreenCompass}};
+    for (const auto& c : cases) {
         for (const bool dialog : {false, true}) {
             for (const bool byKey : {false, true}) {
                 shell.currentScreen = -5;
@@ -132,9 +129,8 @@ TEST_F(ShellTest, StartGpsFailures) {
         {0, 0, false, {common::kStrCannotConnect}, kInfo, 1},
         // The radio is switched on first; its failure is said and the start goes on.
         {1, 0, true, {kRadio, kConfigure}, kInfo, 0, 1, false},
-        {1, 42, true, {kPort}, kError, 0, 1, true},
-    };
-    for (const Case& c : cases) {
+        {1, 42, true, {kPort}, kError, 0, 1, true}};
+    for (const auto& c : cases) {
         FakeLink l;
         FakeUi u;
         ProgramSettings s;
@@ -174,19 +170,18 @@ TEST_F(ShellTest, StopReportsLossReason) {
 TEST_F(ShellTest, AlarmFollowsTheSpeed) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
-    struct Step {
+    const struct {
         const char* knots;
         std::uint32_t units;
         bool playing;
-    };
-    const Step steps[] = {
+    } steps[] = {
         {"27.0", 0, false},                      // 49.95 km/h
         {"27.1", 0, true},                       // 50.135 km/h
         {"30.0", 0, true},  {"30.0", 2, false},  // 30 knots against a limit of 50
         {"50.0", 2, true},  {"43.5", 1, true},   // 50.112 MPH
-        {"", 0, false},                          // empty reads as 0
+        {"", 0, false}                           // empty reads as 0
     };
-    for (const Step& s : steps) {
+    for (const auto& s : steps) {
         settings.units = s.units;
         SetSpeed(s.knots);
         shell.OnGpsData();
@@ -200,25 +195,22 @@ TEST_F(ShellTest, AlarmFollowsTheSpeed) {
 TEST_F(ShellTest, AlarmFlashesEverySecondWhileItShows) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
-    struct Step {
+    const struct {
         const char* knots;  // a batch at this speed, or null for the 1-second tick
         int command;        // instead, when not 0
         bool showing, phase;
-    };
-    const Step steps[] = {
-        {"20", 0, false, false},
-        {nullptr, 0, false, false},  // below the limit
-        {"30", 0, true, true},       // red at once
-        {nullptr, 0, true, false},
-        {nullptr, 0, true, true},
-        {"31", 0, true, true},
-        {"20", 0, false, false},  // the drop ends it
-        {"30", 0, true, true},
-        {nullptr, cmd::kAlarmOff, false, true},
-        {nullptr, 0, false, false},  // the tick clears it
-        {nullptr, cmd::kStopGps, false, false},
-    };
-    for (const Step& s : steps) {
+    } steps[] = {{"20", 0, false, false},
+                 {nullptr, 0, false, false},  // below the limit
+                 {"30", 0, true, true},       // red at once
+                 {nullptr, 0, true, false},
+                 {nullptr, 0, true, true},
+                 {"31", 0, true, true},
+                 {"20", 0, false, false},  // the drop ends it
+                 {"30", 0, true, true},
+                 {nullptr, cmd::kAlarmOff, false, true},
+                 {nullptr, 0, false, false},  // the tick clears it
+                 {nullptr, cmd::kStopGps, false, false}};
+    for (const auto& s : steps) {
         if (s.command != 0) {
             shell.OnCommand(s.command);
         } else if (s.knots != nullptr) {
@@ -233,19 +225,18 @@ TEST_F(ShellTest, AlarmFlashesEverySecondWhileItShows) {
 }
 
 TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
-    struct Case {
+    const struct {
         std::uint32_t on, limit;
         int cell;
         std::uint32_t onAfter, limitAfter;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, 50, 3, 1, 80},   // off: a cell switches on at its limit
         {1, 50, 7, 1, 120},  // another cell moves the limit
         {1, 90, 4, 0, 90},   // the lit cell switches off, the limit stays
         {1, 55, 0, 1, 50},   // an odd limit lights cell 0 but 50 is not it
-        {1, 70, -1, 1, 70},  // not a cell
+        {1, 70, -1, 1, 70}   // not a cell
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         settings.speedAlarmOn = c.on;
         settings.speedAlarmLimit = c.limit;
         shell.OnAlarmCellTap(c.cell);
@@ -276,14 +267,12 @@ TEST_F(ShellTest, RecordingFaultsShowUntilAWriteWorks) {
         Recording recording;
         int error;
         const char* status;
-    } steps[] = {
-        {Recording::Track, ENOSPC, "轨迹记录失败：磁盘已满"},
-        {Recording::Track, EFBIG, "轨迹记录失败：磁盘已满"},
-        {Recording::Nmea, ENOENT, "轨迹记录失败：磁盘已满；NMEA 记录失败：文件夹不存在"},
-        {Recording::Track, 0, "NMEA 记录失败：文件夹不存在"},
-        {Recording::Nmea, EACCES, "NMEA 记录失败：没有写入权限"},
-        {Recording::Nmea, 0, ""},
-    };
+    } steps[] = {{Recording::Track, ENOSPC, "轨迹记录失败：磁盘已满"},
+                 {Recording::Track, EFBIG, "轨迹记录失败：磁盘已满"},
+                 {Recording::Nmea, ENOENT, "轨迹记录失败：磁盘已满；NMEA 记录失败：文件夹不存在"},
+                 {Recording::Track, 0, "NMEA 记录失败：文件夹不存在"},
+                 {Recording::Nmea, EACCES, "NMEA 记录失败：没有写入权限"},
+                 {Recording::Nmea, 0, ""}};
     for (const auto& step : steps) {
         shell.ReportRecordingWrite(step.recording, step.error);
         EXPECT_EQ(shell.status, step.status) << step.error;
@@ -353,18 +342,15 @@ TEST_F(ShellTest, MenuMarks) {
     shell.OnCommand(cmd::kCompass);
     const MenuEntry menu = shell.BuildMainMenu();
     const MenuEntry view = shell.BuildViewMenu();
-    struct Case {
+    const struct {
         const MenuEntry* root;
         int id;
         bool checked;
-    };
-    const Case cases[] = {
-        {&menu, cmd::kAlarm50 + 2, true},
-        {&menu, cmd::kAlarmOff, false},
-        {&menu, cmd::kNautical, true},
-        {&view, cmd::kCompass, true},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{&menu, cmd::kAlarm50 + 2, true},
+                 {&menu, cmd::kAlarmOff, false},
+                 {&menu, cmd::kNautical, true},
+                 {&view, cmd::kCompass, true}};
+    for (const auto& c : cases) {
         const MenuEntry* e = FindMenuEntry(*c.root, c.id);
         ASSERT_NE(e, nullptr) << c.id;
         EXPECT_EQ(e->checked, c.checked) << c.id;

@@ -48,21 +48,18 @@ TEST(MapCommand, TwoPointCalibration) {
 }
 
 TEST(MapCommand, UncalibratedAndHostileFiles) {
-    struct Case {
+    const struct {
         const char* what;
         std::string text;
         const char* active;
         const char* toGeo;
         const char* toImage;
-    };
-    const Case cases[] = {
-        {"empty file", "", "0", R"({"imageX":5,"imageY":6,"latitude":0,"longitude":0})",
-         R"({"latitude":1,"longitude":2,"imageX":0,"imageY":0})"},
-        {"two points on one row", "1,10,20,0,5,1,11,21,9,5", "2",
-         R"({"imageX":5,"imageY":6,"latitude":10,"longitude":20.555555555555557})",
-         R"({"latitude":1,"longitude":2,"imageX":-162,"imageY":null})"},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"empty file", "", "0", R"({"imageX":5,"imageY":6,"latitude":0,"longitude":0})",
+                  R"({"latitude":1,"longitude":2,"imageX":0,"imageY":0})"},
+                 {"two points on one row", "1,10,20,0,5,1,11,21,9,5", "2",
+                  R"({"imageX":5,"imageY":6,"latitude":10,"longitude":20.555555555555557})",
+                  R"({"latitude":1,"longitude":2,"imageX":-162,"imageY":null})"}};
+    for (const auto& tc : cases) {
         const std::string rpt = WriteRpt("hostile.rpt", tc.text);
         const ToolRun r = RunMap("--rpt " + rpt + " --size 10x10 --to-geo 5,6 --to-image 1,2");
         ASSERT_EQ(r.status, 0) << tc.what << r.err;
@@ -92,17 +89,14 @@ TEST(MapCommand, ResidualsShowAnInconsistentPoint) {
 
 TEST(MapCommand, BadUseExitsWithStatusTwo) {
     const std::string rpt = WriteRpt("ok.rpt", "1,1,1,1,1,");
-    struct Case {
+    const struct {
         const char* what;
         std::string args;
-    };
-    const Case cases[] = {
-        {"missing file", "--rpt " + ::testing::TempDir() + "none.rpt --size 10x10"},
-        {"no size", "--rpt " + rpt},
-        {"bad pair", "--rpt " + rpt + " --size 1x1 --to-geo 5"},
-        {"unknown option", "--rpt " + rpt + " --size 1x1 --frobnicate"},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"missing file", "--rpt " + ::testing::TempDir() + "none.rpt --size 10x10"},
+                 {"no size", "--rpt " + rpt},
+                 {"bad pair", "--rpt " + rpt + " --size 1x1 --to-geo 5"},
+                 {"unknown option", "--rpt " + rpt + " --size 1x1 --frobnicate"}};
+    for (const auto& tc : cases) {
         const ToolRun r = RunMap(tc.args);
         EXPECT_EQ(r.status, 2) << tc.what;
         EXPECT_EQ(r.out, "") << tc.what;

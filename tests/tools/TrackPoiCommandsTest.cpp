@@ -21,13 +21,11 @@ TEST(TrackCommand, PrintsThePointsTheReaderMakes) {
     const struct {
         const char* args;
         const char* out;
-    } cases[] = {
-        {"",
-         "{\"points\":[{\"latitude\":30.25,\"longitude\":120.15,\"time\":\"2024-05-01 "
-         "08:00:01\",\"elevation\":10.2},"
-         "{\"latitude\":-30.5,\"longitude\":0,\"time\":\"2024-05-01 "
-         "08:00:09\",\"elevation\":null}]}\n"},
-    };
+    } cases[] = {{"",
+                  "{\"points\":[{\"latitude\":30.25,\"longitude\":120.15,\"time\":\"2024-05-01 "
+                  "08:00:01\",\"elevation\":10.2},"
+                  "{\"latitude\":-30.5,\"longitude\":0,\"time\":\"2024-05-01 "
+                  "08:00:09\",\"elevation\":null}]}\n"}};
     for (const auto& c : cases) {
         const ToolRun r = Tool("track " + log + c.args);
         EXPECT_EQ(r.status, 0) << c.args;

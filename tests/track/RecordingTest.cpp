@@ -25,20 +25,17 @@ TEST(TrackLogFile, NameAndLines) {
     EXPECT_EQ(TrackFilePath("/logs/Track Log", kStart), "/logs/Track Log/20070315142530.log");
     EXPECT_EQ(TrackFileName(Time(2026, 1, 2, 3, 4, 5)), "20260102030405.log");
 
-    struct LineCase {
+    const struct {
         double lon, lat;
         const char *speed, *course, *altitude, *line;
-    };
-    const LineCase cases[] = {
-        {12.5, -33.25, "0.52", "123.40", "35.2",
-         "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"},
-        {-0.1234565, 51.5, "", "", "", "-0.123456,51.500000,,20070315 14:25:30,,,\r\n"},
-        {120.15, 30.25, "10.0", "90.0", "",
-         "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"},
-    };
+    } cases[] = {{12.5, -33.25, "0.52", "123.40", "35.2",
+                  "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"},
+                 {-0.1234565, 51.5, "", "", "", "-0.123456,51.500000,,20070315 14:25:30,,,\r\n"},
+                 {120.15, 30.25, "10.0", "90.0", "",
+                  "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"}};
     // The line is the same whatever the user's locale says about decimals.
     const bool german = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-    for (const LineCase& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(FormatTrackLine(c.lon, c.lat, kStart, c.speed, c.course, c.altitude), c.line)
             << "german locale: " << german;
     std::setlocale(LC_NUMERIC, "C");
@@ -64,20 +61,17 @@ TrackSample Sample(bool fix, bool world, bool map, int second = 30) {
 }
 
 TEST(TrackRecording, SamplesGoToTheFileAndTheTrails) {
-    struct SampleCase {
+    const struct {
         const char* name;
         bool recording, fix, world, map;
         std::size_t lines, worldPoints, mapPoints;
         bool fileExists;
-    };
-    const SampleCase cases[] = {
-        {"recording with a fix", true, true, true, true, 1, 1, 1, true},
-        {"no fix: the file is made, no line", true, false, true, false, 0, 1, 0, true},
-        {"not recording", false, true, true, true, 0, 1, 1, false},
-        {"no calibrated map", true, true, true, false, 1, 1, 0, true},
-        {"position not converted", true, true, false, false, 1, 0, 0, true},
-    };
-    for (const SampleCase& c : cases) {
+    } cases[] = {{"recording with a fix", true, true, true, true, 1, 1, 1, true},
+                 {"no fix: the file is made, no line", true, false, true, false, 0, 1, 0, true},
+                 {"not recording", false, true, true, true, 0, 1, 1, false},
+                 {"no calibrated map", true, true, true, false, 1, 1, 0, true},
+                 {"position not converted", true, true, false, false, 1, 0, 0, true}};
+    for (const auto& c : cases) {
         TrackState state;
         state.trackFolder = ScratchFolder("samples");
         state.trackLogOn = c.recording;

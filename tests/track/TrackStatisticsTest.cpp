@@ -32,7 +32,7 @@ TEST(TrackStatistics, DistanceAgreesWithTheFullGeodesic) {
         {59.9, 10.7, 59.905, 10.709},        // far north, about 700 m
         {-33.9, 151.2, -33.9, 151.2},        // standing still
         {0.0, 179.999, 0.0, -179.999},       // across the antimeridian
-        {30.0, 120.0, 31.0, 121.0},          // a long jump: the full solution
+        {30.0, 120.0, 31.0, 121.0}           // a long jump: the full solution
     };
     for (const auto& c : cases) {
         double expected = 0;

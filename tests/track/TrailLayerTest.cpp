@@ -81,8 +81,7 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
         {"track hidden", VW | LW, false, false, true, {}},
         {"map: its own trails", VW | VM | LM, true, true, true, {viewed, live}},
         {"map: viewed map trail only with a world trail", VM | LM, true, true, true, {live}},
-        {"map without calibration", VW | VM | LM, true, true, false, {}},
-    };
+        {"map without calibration", VW | VM | LM, true, true, false, {}}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         state.viewedWorldTrail.Clear();
