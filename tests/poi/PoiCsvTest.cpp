@@ -37,14 +37,12 @@ std::string Records(const std::string& bytes, PoiEncoding encoding, std::size_t 
     return Describe(list);
 }
 
-struct CsvCase {
-    const char* name;
-    std::string bytes;
-    std::string records;
-};
-
 TEST(PoiCsv, ByteRules) {
-    const CsvCase cases[] = {
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::string records;
+    } cases[] = {
         {"a line with a note", "120.15,30.25,Harbour office,open 8-17\r\n",
          "30.25,120.15,Harbour office,open 8-17;"},
         {"blank line: a point at 0, 0", "\r\n", "0,0,,;"},
@@ -66,7 +64,7 @@ TEST(PoiCsv, ByteRules) {
         {"a NUL ends a text", "1,2,AB\0CD\r\n"s, "2,1,AB,;"},
         {"coordinates read as atof reads", " 1.5x,-2e1,A\r\n", "-20,1.5,A,;"},
         {"nan, inf and overflow read 0", "nan,inf,A\r\n1e999,-infinity,B\r\n", "0,0,A,;0,0,B,;"}};
-    for (const CsvCase& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(Records(c.bytes, PoiEncoding::Utf8), c.records) << c.name;
         for (const std::size_t piece : {1u, 3u})
             ASSERT_EQ(Records(c.bytes, PoiEncoding::Utf8, piece), c.records)

@@ -69,8 +69,8 @@ TEST_F(PoiFeatureTest, ImportAddsOneGroupPerFile) {
         ASSERT_EQ(feature->store().Count(), c.groups);
         EXPECT_EQ(feature->store().At(c.groups - 1).category, c.lastCategory);
         const bool shown = !c.pick.empty();
-        EXPECT_EQ(settings.showPoi, shown ? 1u : 0u);
-        EXPECT_EQ(shell.currentScreen, shown ? shell::kScreenMap : shell::kScreenCompass);
+        EXPECT_EQ(std::tuple(settings.showPoi, shell.currentScreen),
+                  std::tuple(shown ? 1u : 0u, shown ? shell::kScreenMap : shell::kScreenCompass));
     }
     EXPECT_EQ(icons->loads, 2) << "tried again after a failure, then kept";
     EXPECT_NE(feature->icons(), nullptr);

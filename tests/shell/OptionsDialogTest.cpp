@@ -67,14 +67,13 @@ class OptionsOkTest : public ::testing::Test {
 };
 
 TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
-    struct Case {
+    const std::string kNmea = "nmea ROOT/My GPS/NMEA0183";
+    const struct {
         const char* what;
         bool running, nmeaBefore, nmeaAfter, trackLog, newRoot;
         std::vector<std::string> calls;  // with ROOT for the chosen root's folder
         bool allTalkersBefore = false, allTalkersAfter = false;
-    };
-    const std::string kNmea = "nmea ROOT/My GPS/NMEA0183";
-    const Case cases[] = {
+    } cases[] = {
         {"nothing new", true, true, true, true, false, {"awake"}},
         {"record on, running", true, false, true, false, false, {"record on", kNmea, "awake"}},
         {"record on, stopped", false, false, true, true, true, {"record on", "awake"}},

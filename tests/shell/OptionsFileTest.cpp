@@ -77,13 +77,12 @@ TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
     ProgramSettings s;
     OptionsStore store(path_);
     ASSERT_TRUE(store.LoadOptions(s));
-    EXPECT_EQ(s.units, 2u);
-    EXPECT_EQ(s.speedAlarmLimit, 90u);
+    EXPECT_EQ(std::tuple(s.units, s.speedAlarmLimit), std::tuple(2u, 90u));
     EXPECT_EQ(s.showMap, 0u) << "taken from the file";
     EXPECT_EQ(s.trackIntervalMs, 10000u) << "zero in the file is no valid period";
     // Past byte 100 the record defaults stand: the alarm switch is on.
-    EXPECT_EQ(s.backlightAlwaysOn, 1u);
-    EXPECT_EQ(store.record().backlightAlwaysOn, 1u);
+    EXPECT_EQ(std::tuple(s.backlightAlwaysOn, store.record().backlightAlwaysOn),
+              std::tuple(1u, 1u));
     EXPECT_EQ(store.record().speedAlarmOn, 0u) << "offset 40 lies inside the 100 bytes";
 }
 
@@ -146,15 +145,13 @@ TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
     ASSERT_TRUE(store.SaveOptions(s));
     const auto out = ReadAll();
     ASSERT_EQ(out.size(), kOptionsRecordSize);
-    EXPECT_EQ(Word(out, 576), 0x44556677u);
-    EXPECT_EQ(Word(out, 580), 0x00112233u);
+    EXPECT_EQ(std::tuple(Word(out, 576), Word(out, 580)), std::tuple(0x44556677u, 0x00112233u));
 
     ProgramSettings back;
     OptionsStore again(path_);
     ASSERT_TRUE(again.LoadOptions(back));
-    EXPECT_EQ(back.storageRoot, s.storageRoot);
-    EXPECT_EQ(back.recentMaps[2], s.recentMaps[2]);
-    EXPECT_TRUE(back.receiverConfigured);
+    EXPECT_EQ(std::tuple(back.storageRoot, back.recentMaps[2], back.receiverConfigured),
+              std::tuple(s.storageRoot, s.recentMaps[2], true));
 }
 
 TEST(OptionsRecordTest, OddValuesAreMadeSane) {
@@ -236,9 +233,9 @@ TEST(StorageTest, FallsBackToDocumentsAndBuildsTheTree) {
     EXPECT_EQ(ResolveStorageRoot("relative/root", docs), docs);
     const StorageFolders f = MakeStorageFolders(root);
     PrepareStorageFolders(f);
-    EXPECT_TRUE(fs::is_directory(f.referencePoints));
-    EXPECT_TRUE(fs::is_directory(f.trackLog));
-    EXPECT_TRUE(fs::is_directory(base / "Documents/My GPS/NMEA0183"));
+    for (const fs::path& made :
+         {fs::path(f.referencePoints), fs::path(f.trackLog), base / "Documents/My GPS/NMEA0183"})
+        EXPECT_TRUE(fs::is_directory(made)) << made;
 
     // A file where the base folder should be: nothing is created.
     const StorageFolders g = MakeStorageFolders((base / "other").string());

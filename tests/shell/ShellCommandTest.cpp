@@ -89,10 +89,8 @@ TEST_F(ShellTest, TabsChooseTheirScreens) {
 
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
     shell.OnKeyDown(Key::Digit0);
-    EXPECT_TRUE(link.running);
-    EXPECT_EQ(link.comPort, 3u);
-    EXPECT_EQ(link.baud, 4800u);
-    EXPECT_TRUE(ui.blinkRunning);
+    EXPECT_EQ(std::tuple(link.running, link.comPort, link.baud, ui.blinkRunning),
+              std::tuple(true, 3u, 4800u, true));
 
     shell.OnCommand(cmd::kAlarm50);
     SetSpeed("60");
@@ -102,14 +100,17 @@ TEST_F(ShellTest, KeyZeroStartsThenStops) {
     shell.OnKeyDown(Key::Digit0);
     EXPECT_FALSE(link.running);
     EXPECT_FALSE(sound.looping) << "stopping silences the alarm";
-    EXPECT_FALSE(shell.alarm().playing());
-    EXPECT_FALSE(ui.blinkRunning);
+    EXPECT_FALSE(shell.alarm().playing() || ui.blinkRunning);
     EXPECT_STREQ(link.gps.latitude, "") << "the fix blocks are cleared";
     EXPECT_TRUE(ui.messages.empty());
 }
 
 TEST_F(ShellTest, StartGpsFailures) {
-    struct Case {
+    const int kRadio = common::kStrRadioSwitchFailed;
+    const int kConfigure = common::kStrConfigureReceiverFirst;
+    const int kPort = common::kStrBluetoothPortFailed;
+    const MessageIcon kInfo = MessageIcon::Information, kError = MessageIcon::Error;
+    const struct {
         std::uint32_t bluetooth;
         std::uint64_t address;
         bool openOk;
@@ -118,18 +119,12 @@ TEST_F(ShellTest, StartGpsFailures) {
         int opens;
         std::uint32_t autoBluetooth = 0;
         bool radioOk = true;
-    };
-    const int kRadio = common::kStrRadioSwitchFailed;
-    const int kConfigure = common::kStrConfigureReceiverFirst;
-    const int kPort = common::kStrBluetoothPortFailed;
-    const MessageIcon kInfo = MessageIcon::Information, kError = MessageIcon::Error;
-    const Case cases[] = {
-        {1, 0, true, {kConfigure}, kInfo, 0},
-        {1, 42, true, {kPort}, kError, 0},
-        {0, 0, false, {common::kStrCannotConnect}, kInfo, 1},
-        // The radio is switched on first; its failure is said and the start goes on.
-        {1, 0, true, {kRadio, kConfigure}, kInfo, 0, 1, false},
-        {1, 42, true, {kPort}, kError, 0, 1, true}};
+    } cases[] = {{1, 0, true, {kConfigure}, kInfo, 0},
+                 {1, 42, true, {kPort}, kError, 0},
+                 {0, 0, false, {common::kStrCannotConnect}, kInfo, 1},
+                 // The radio is switched on first; its failure is said and the start goes on.
+                 {1, 0, true, {kRadio, kConfigure}, kInfo, 0, 1, false},
+                 {1, 42, true, {kPort}, kError, 0, 1, true}};
     for (const auto& c : cases) {
         FakeLink l;
         FakeUi u;
@@ -144,11 +139,9 @@ TEST_F(ShellTest, StartGpsFailures) {
         ASSERT_EQ(u.messages.size(), c.strings.size());
         for (std::size_t i = 0; i < c.strings.size(); ++i)
             EXPECT_EQ(u.messages[i].first, FormatString(LoadString(c.strings[i]), l.error));
-        EXPECT_EQ(u.messages.back().second, c.icon);
-        EXPECT_EQ(l.opens, c.opens);
-        EXPECT_FALSE(l.running);
-        EXPECT_FALSE(u.blinkRunning);
-        EXPECT_EQ(l.radioSwitchedOn, c.autoBluetooth != 0 && c.radioOk);
+        EXPECT_EQ(std::tuple(u.messages.back().second, l.opens, l.running, u.blinkRunning,
+                             l.radioSwitchedOn),
+                  std::tuple(c.icon, c.opens, false, false, c.autoBluetooth != 0 && c.radioOk));
         sh.OnCommand(cmd::kExit);
         EXPECT_FALSE(l.radioSwitchedOn) << "off again at exit";
     }
@@ -160,10 +153,8 @@ TEST_F(ShellTest, StopReportsLossReason) {
         link.lossReason = reason;
         ui.messages.clear();
         shell.OnCommand(cmd::kStopGps);
-        ASSERT_EQ(ui.messages.size(), 1u);
-        EXPECT_EQ(ui.messages[0].first,
-                  LoadString(reason == 1 ? common::kStrConnectionLost : common::kStrDataTimeout));
-        EXPECT_EQ(ui.messages[0].second, MessageIcon::Error);
+        const int id = reason == 1 ? common::kStrConnectionLost : common::kStrDataTimeout;
+        EXPECT_EQ(ui.messages, (decltype(ui.messages){{LoadString(id), MessageIcon::Error}}));
     }
 }
 
@@ -185,8 +176,9 @@ TEST_F(ShellTest, AlarmFollowsTheSpeed) {
         settings.units = s.units;
         SetSpeed(s.knots);
         shell.OnGpsData();
-        EXPECT_EQ(shell.alarm().playing(), s.playing) << s.knots << " units " << s.units;
-        EXPECT_EQ(sound.looping, s.playing) << s.knots;
+        EXPECT_EQ(std::tuple(shell.alarm().playing(), sound.looping),
+                  std::tuple(s.playing, s.playing))
+            << s.knots << " units " << s.units;
     }
     EXPECT_EQ(sound.playCalls, 2) << "a running alarm is not restarted";
     EXPECT_TRUE(ui.statuses.empty()) << "a sound that plays needs no status";
@@ -219,8 +211,9 @@ TEST_F(ShellTest, AlarmFlashesEverySecondWhileItShows) {
         } else {
             shell.OnBlinkTick();
         }
-        EXPECT_EQ(shell.SpeedAlarmShowing(), s.showing) << (s.knots ? s.knots : "tick");
-        EXPECT_EQ(shell.alarmFlashPhase, s.phase) << (s.knots ? s.knots : "tick");
+        EXPECT_EQ(std::tuple(shell.SpeedAlarmShowing(), shell.alarmFlashPhase),
+                  std::tuple(s.showing, s.phase))
+            << (s.knots ? s.knots : "tick");
     }
 }
 
@@ -240,8 +233,8 @@ TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
         settings.speedAlarmOn = c.on;
         settings.speedAlarmLimit = c.limit;
         shell.OnAlarmCellTap(c.cell);
-        EXPECT_EQ(settings.speedAlarmOn, c.onAfter) << c.on << " " << c.limit << " " << c.cell;
-        EXPECT_EQ(settings.speedAlarmLimit, c.limitAfter)
+        EXPECT_EQ(std::tuple(settings.speedAlarmOn, settings.speedAlarmLimit),
+                  std::tuple(c.onAfter, c.limitAfter))
             << c.on << " " << c.limit << " " << c.cell;
     }
 }
@@ -287,11 +280,9 @@ TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     sound.failing = true;
     SpeedAlarm alarm(sound, 3);
     alarm.CheckSpeedAlarm(60, true, 50, true);
-    EXPECT_TRUE(alarm.playing());
-    EXPECT_EQ(sound.playCalls, 3);
+    EXPECT_EQ(std::tuple(alarm.playing(), sound.playCalls), std::tuple(true, 3));
     alarm.CheckSpeedAlarm(10, true, 50, true);
-    EXPECT_FALSE(alarm.playing());
-    EXPECT_EQ(sound.stopCalls, 3);
+    EXPECT_EQ(std::tuple(alarm.playing(), sound.stopCalls), std::tuple(false, 3));
 }
 
 // The settings' file in a folder that is missing: the folder is made; one
@@ -413,10 +404,8 @@ TEST_F(ShellTest, DisplayStateFollowsTheShell) {
     shell.OnCommand(cmd::kSatelliteData);
 
     const screens::DisplayState& d = shell.display();
-    EXPECT_EQ(d.currentScreen, -1);
-    EXPECT_EQ(d.unitSystem, common::kNautical);
-    EXPECT_TRUE(d.speedAlarmOn);
-    EXPECT_EQ(d.speedAlarmLimit, 110);
+    EXPECT_EQ(std::tuple(d.currentScreen, d.unitSystem, d.speedAlarmOn, d.speedAlarmLimit),
+              std::tuple(-1, common::kNautical, true, 110));
     EXPECT_TRUE(d.recording && d.linkRunning && d.fixValid && d.fixTimeKnown);
     EXPECT_NEAR(d.latitude, -(30 + 14.7487 / 60), 1e-9);
     EXPECT_NEAR(d.longitude, 120 + 9.766 / 60, 1e-9);
@@ -427,8 +416,7 @@ TEST_F(ShellTest, DisplayStateFollowsTheShell) {
     std::strcpy(link.gps.latitude, "0000.0000");
     shell.OnGpsData();
     EXPECT_NEAR(d.latitude, -(30 + 14.7487 / 60), 1e-9);
-    EXPECT_EQ(d.unitSystem, common::kMetric);
-    EXPECT_FALSE(d.fixValid);
+    EXPECT_EQ(std::tuple(d.unitSystem, d.fixValid), std::tuple(common::kMetric, false));
 }
 
 TEST_F(ShellTest, FeaturesPlugInCommandsMenusKeysTabsAndStateSections) {

@@ -122,10 +122,9 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     // The link dies under the timer: the next tick ends everything but the file.
     link.running = false;
     feature->OnTrackTick();
-    EXPECT_FALSE(platform->trackRunning);
-    EXPECT_EQ(settings.trackLogOn, 0u);
-    EXPECT_EQ(state().trackFilePath, "");
-    EXPECT_EQ(Count(&TrackState::liveWorldTrail), 0u);
+    EXPECT_EQ(std::tuple(platform->trackRunning, settings.trackLogOn, state().trackFilePath,
+                         Count(&TrackState::liveWorldTrail)),
+              std::tuple(false, 0u, "", 0u));
     EXPECT_EQ(ReadFile(path), text);
 
     // Stopping by command ends recording too; a new start does not resume it.

@@ -68,21 +68,20 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
         list.Append(TrackPoint{at + 50, at + 20, {}});
     };
     enum Trail { VW = 1, VM = 2, LW = 4, LM = 8 };  // viewed or live, world or map
-    struct Case {
+    const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
+    const auto live = TrailLayerPainter::kLiveStyle.line.colour;
+    const struct {
         const char* name;
         int trails;  // which trails hold points
         bool mapMode, show, calibrated;
         std::vector<screens::Colour> lines;  // polyline colours, in order
-    };
-    const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
-    const auto live = TrailLayerPainter::kLiveStyle.line.colour;
-    const Case cases[] = {
+    } cases[] = {
         {"world: viewed under live", VW | VM | LW, false, true, true, {viewed, live}},
         {"track hidden", VW | LW, false, false, true, {}},
         {"map: its own trails", VW | VM | LM, true, true, true, {viewed, live}},
         {"map: viewed map trail only with a world trail", VM | LM, true, true, true, {live}},
         {"map without calibration", VW | VM | LM, true, true, false, {}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         state.viewedWorldTrail.Clear();
         state.viewedMapTrail.Clear();

@@ -23,14 +23,13 @@ TrackList Trail(const std::vector<std::pair<float, float>>& points) {
 }
 
 TEST(TrailPainter, SimplifiesInScreenSpace) {
-    struct TrailCase {
+    const TrailTransform identity;
+    const struct {
         const char* name;
         std::vector<std::pair<float, float>> points;
         TrailTransform transform;
         std::vector<Point> polyline;
-    };
-    const TrailTransform identity;
-    const TrailCase cases[] = {
+    } cases[] = {
         {"points are truncated", {{10.9f, 20.2f}, {30.5f, 40.7f}}, identity, {{10, 20}, {30, 40}}},
         {"scaled and shifted per axis", {{1, 1}, {2, 3}}, {10, 5, -10, 100}, {{15, 90}, {25, 70}}},
         {"a pixel is drawn once",
@@ -46,7 +45,7 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
          identity,
          {{100, 100}, {-50, -50}, {-50, 300}, {600, -50}, {100, 100}}},
         {"far points", {{1e30f, 0}, {100, 100}}, identity, {{100000000, 0}, {100, 100}}}};
-    for (const TrailCase& c : cases) {
+    for (const auto& c : cases) {
         screens::RecordingCanvas canvas(kView);
         TrailPainter painter;
         const TrackList trail = Trail(c.points);
