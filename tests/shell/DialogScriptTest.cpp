@@ -72,8 +72,8 @@ TEST_F(ScriptRunTest, AnswerBeforeOrAfterTheBox) {
         fs::remove(Path("options"));
         WriteScript(std::string(c.lines) + "\nstate @/state.json\nquit\n");
         ASSERT_EQ(Run(), 0) << Read("stderr.txt");
-        EXPECT_EQ(fs::exists(Path("options")), c.exits);
-        EXPECT_EQ(fs::exists(Path("state.json")), !c.exits);
+        EXPECT_EQ(std::tuple(fs::exists(Path("options")), fs::exists(Path("state.json"))),
+                  std::tuple(c.exits, !c.exits));
         fs::remove(Path("state.json"));
     }
 }

@@ -32,9 +32,9 @@ TEST(OptionsDialogTest, StorageListOffersEachRootOnceAndSelectsTheCurrent) {
     EXPECT_EQ(d.storage,
               (std::vector<std::string>{"/home/u/Documents", "/media/u/CARD/My Documents",
                                         "/media/u/STICK/My Documents", "/My Documents"}));
-    EXPECT_EQ(d.storageSelection, 1);
-    EXPECT_TRUE(d.keepAwake);  // built-in value
-    EXPECT_FALSE(d.recordNmea);
+    // keepAwake on and recordNmea off are the built-in values.
+    EXPECT_EQ(std::tuple(d.storageSelection, d.keepAwake, d.recordNmea),
+              std::tuple(1, true, false));
 
     s.storageRoot = "/somewhere/else";
     EXPECT_EQ(OpenOptionsDialog(s, "/home/u/Documents", {}).storageSelection, -1);
@@ -99,13 +99,13 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
             expected.push_back(e);
         }
         EXPECT_EQ(effects.calls, expected) << c.what;
-        EXPECT_EQ(a.rootChanged, c.newRoot) << c.what;
-        // The track feature starts the new track file when it hears of it.
-        EXPECT_EQ(a.newTrackLog, c.running && c.trackLog && c.newRoot) << c.what;
-        EXPECT_EQ(settings.storageRoot, root) << c.what;
-        EXPECT_EQ(folders.nmea, root + "/My GPS/NMEA0183") << c.what;
-        EXPECT_EQ(settings.recordNmea, c.nmeaAfter ? 1u : 0u) << c.what;
-        EXPECT_EQ(settings.allTalkers, c.allTalkersAfter ? 1u : 0u) << c.what;
+        // The track feature starts the new track file when it hears of it (newTrackLog).
+        EXPECT_EQ(std::tuple(a.rootChanged, a.newTrackLog, settings.storageRoot, folders.nmea,
+                             settings.recordNmea, settings.allTalkers),
+                  std::tuple(c.newRoot, c.running && c.trackLog && c.newRoot, root,
+                             root + "/My GPS/NMEA0183", c.nmeaAfter ? 1u : 0u,
+                             c.allTalkersAfter ? 1u : 0u))
+            << c.what;
         TearDown();
     }
 }
@@ -129,8 +129,8 @@ TEST_F(OptionsOkTest, ANewRootGetsItsFoldersUnlessItIsAFile) {
         for (const char* sub :
              {"/My GPS/Reference Points", "/My GPS/Track Log", "/My GPS/NMEA0183"})
             EXPECT_EQ(fs::is_directory(root + sub), c.tree) << c.what << sub;
-        EXPECT_EQ(settings.storageRoot, root) << c.what;
-        EXPECT_EQ(effects.calls.back(), "sleep");
+        EXPECT_EQ(std::tuple(settings.storageRoot, effects.calls.back()), std::tuple(root, "sleep"))
+            << c.what;
     }
 }
 
