@@ -82,7 +82,7 @@ TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
         TrackList* trails[] = {&state.viewedWorldTrail, &state.viewedMapTrail,
                                &state.liveWorldTrail, &state.liveMapTrail};  // VW, VM, LW, LM
         for (int i = 0; i < 4; ++i) {
-            const float at = 300.0f + 10 * i;
+            const auto at = static_cast<float>(300 + 10 * i);
             if (c.trails & (1 << i)) {
                 trails[i]->Append(TrackPoint{at, at, {}});
                 trails[i]->Append(TrackPoint{at + 50, at + 20, {}});
