@@ -64,8 +64,7 @@ TEST_F(PoiFeatureTest, ImportAddsOneGroupPerFile) {
         settings.showPoi = 0;
         shell.currentScreen = shell::kScreenCompass;
         Import(c.pick);
-        EXPECT_EQ(chooser.modes.back(), 3);
-        EXPECT_EQ(MessageTexts(), c.messages);
+        EXPECT_EQ(std::tuple(chooser.modes.back(), MessageTexts()), std::tuple(3, c.messages));
         ASSERT_EQ(feature->store().Count(), c.groups);
         EXPECT_EQ(feature->store().At(c.groups - 1).category, c.lastCategory);
         const bool shown = !c.pick.empty();

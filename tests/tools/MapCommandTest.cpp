@@ -31,8 +31,7 @@ TEST(MapCommand, TwoPointCalibration) {
                              " --to-image 0,0 --northing -0.5 --northing 85 --view-scale 2");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out.back(), '\n');
-    EXPECT_EQ(Field(r.out, "activeReferenceCount"), "2");
-    EXPECT_EQ(Field(r.out, "calibrated"), "true");
+    EXPECT_EQ(Field(r.out, "activeReferenceCount") + Field(r.out, "calibrated"), "2true");
     const std::string lat = Field(r.out, "latPerPixel");
     EXPECT_EQ(lat, "[0.0050000000000000001,0.0050000000000000001,0,0,0,0,0,0,0,0,0]");
     EXPECT_EQ(std::strtod(lat.c_str() + 1, nullptr), 1.0 / 200.0);  // reads back exactly
@@ -43,8 +42,8 @@ TEST(MapCommand, TwoPointCalibration) {
               R"([{"latitude":29.5,"longitude":110.5,"imageX":50,"imageY":100},)"
               R"({"latitude":0,"longitude":0,"imageX":-11000,"imageY":6000}])");
     // 100 pixels for 2 km, 111 km a band: -1.5 bands at -0.5°.
-    EXPECT_EQ(Field(Field(r.out, "northing"), "value"), "-8325");
-    EXPECT_EQ(Field(r.out, "residualsMetres"), "[0,0]");
+    EXPECT_EQ(Field(Field(r.out, "northing"), "value") + " " + Field(r.out, "residualsMetres"),
+              "-8325 [0,0]");
 }
 
 TEST(MapCommand, UncalibratedAndHostileFiles) {
@@ -99,9 +98,7 @@ TEST(MapCommand, BadUseExitsWithStatusTwo) {
                  {"unknown option", "--rpt " + rpt + " --size 1x1 --frobnicate"}};
     for (const auto& tc : cases) {
         const ToolRun r = RunMap(tc.args);
-        EXPECT_EQ(r.status, 2) << tc.what;
-        EXPECT_EQ(r.out, "") << tc.what;
-        EXPECT_FALSE(r.err.empty()) << tc.what;
+        EXPECT_EQ(std::tuple(r.status, r.out, r.err.empty()), std::tuple(2, "", false)) << tc.what;
     }
     const ToolRun missing = RunMap(cases[0].args);
     EXPECT_EQ(std::count(missing.err.begin(), missing.err.end(), '\n'), 1) << missing.err;

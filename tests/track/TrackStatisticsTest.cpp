@@ -104,17 +104,13 @@ TEST(TrackProfile, CurvesFillTheirBoxInEveryShape) {
             ASSERT_EQ(lines.size(), 2u);  // the gap breaks the curve
             const screens::Point first = lines[0].points.front();
             const screens::Point last = lines[1].points.back();
-            EXPECT_EQ(first.x, plot.left);
-            EXPECT_EQ(last.x, plot.right - 1);
-            for (const auto& line : lines) {
-                for (const screens::Point p : line.points) {
-                    EXPECT_GE(p.y, plot.top);
-                    EXPECT_LT(p.y, plot.bottom);
-                }
-            }
+            EXPECT_EQ(std::tuple(first.x, last.x), std::tuple(plot.left, plot.right - 1));
+            for (const auto& line : lines)
+                for (const screens::Point p : line.points)
+                    EXPECT_TRUE(p.y >= plot.top && p.y < plot.bottom) << p.y;
             if (kind == ProfileKind::Elevation) {
-                EXPECT_EQ(last.y, plot.top);  // the highest point at the top
-                EXPECT_EQ(first.y, plot.bottom - 1);
+                // The highest point at the top.
+                EXPECT_EQ(std::tuple(last.y, first.y), std::tuple(plot.top, plot.bottom - 1));
                 EXPECT_NE(canvas.FindText("200 m"), nullptr);
             } else {
                 EXPECT_NE(canvas.FindText("0.0 km/h"), nullptr);  // speeds from zero
