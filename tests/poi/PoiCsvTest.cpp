@@ -37,14 +37,12 @@ std::string Records(const std::string& bytes, PoiEncoding encoding, std::size_t 
     return Describe(list);
 }
 
-struct CsvCase {
-    const char* name;
-    std::string bytes;
-    std::string records;
-};
-
 TEST(PoiCsv, ByteRules) {
-    const CsvCase cases[] = {
+    const struct {
+        const char* name;
+        std::string bytes;
+        std::string records;
+    } cases[] = {
         {"a line with a note", "120.15,30.25,Harbour office,open 8-17\r\n",
          "30.25,120.15,Harbour office,open 8-17;"},
         {"blank line: a point at 0, 0", "\r\n", "0,0,,;"},
@@ -65,9 +63,8 @@ TEST(PoiCsv, ByteRules) {
          "2,1,tail,;"},
         {"a NUL ends a text", "1,2,AB\0CD\r\n"s, "2,1,AB,;"},
         {"coordinates read as atof reads", " 1.5x,-2e1,A\r\n", "-20,1.5,A,;"},
-        {"nan, inf and overflow read 0", "nan,inf,A\r\n1e999,-infinity,B\r\n", "0,0,A,;0,0,B,;"},
-    };
-    for (const CsvCase& c : cases) {
+        {"nan, inf and overflow read 0", "nan,inf,A\r\n1e999,-infinity,B\r\n", "0,0,A,;0,0,B,;"}};
+    for (const auto& c : cases) {
         EXPECT_EQ(Records(c.bytes, PoiEncoding::Utf8), c.records) << c.name;
         for (const std::size_t piece : {1u, 3u})
             ASSERT_EQ(Records(c.bytes, PoiEncoding::Utf8, piece), c.records)
@@ -83,23 +80,17 @@ TEST(PoiCsv, EightBitTexts) {
         std::string bytes;
         PoiEncoding encoding;
         std::string records;
-    } cases[] = {
-        {"GB18030 name", "1,2," + gbWestLake + "\r\n", PoiEncoding::Gb18030, "2,1,西湖,;"},
-        {"GB18030 four-byte character", "1,2,\x81\x30\x81\x30\r\n"s, PoiEncoding::Gb18030,
-         "2,1,\xC2\x80,;"},
-        // 19 bytes of GB18030 cut a two-byte character in half: the half goes.
-        {"GB18030 cut at 19 bytes",
-         "1,2,A" + gbWestLake + gbWestLake + gbWestLake + gbWestLake + gbWestLake + "\r\n",
-         PoiEncoding::Gb18030, "2,1,A西湖西湖西湖西湖西,;"},
-        {"UTF-8 cut at 19 bytes", "1,2,西湖西湖西湖西湖\r\n", PoiEncoding::Utf8,
-         "2,1,西湖西湖西湖,;"},
-        {"bytes that are no character",
-         "1,2,a\xFF"
-         "b\r\n"s,
-         PoiEncoding::Gb18030,
-         "2,1,a\xEF\xBF\xBD"
-         "b,;"},
-    };
+    } cases[] = {{"GB18030 name", "1,2," + gbWestLake + "\r\n", PoiEncoding::Gb18030, "2,1,西湖,;"},
+                 {"GB18030 four-byte character", "1,2,\x81\x30\x81\x30\r\n"s, PoiEncoding::Gb18030,
+                  "2,1,\xC2\x80,;"},
+                 // 19 bytes of GB18030 cut a two-byte character in half: the half goes.
+                 {"GB18030 cut at 19 bytes",
+                  "1,2,A" + gbWestLake + gbWestLake + gbWestLake + gbWestLake + gbWestLake + "\r\n",
+                  PoiEncoding::Gb18030, "2,1,A西湖西湖西湖西湖西,;"},
+                 {"UTF-8 cut at 19 bytes", "1,2,西湖西湖西湖西湖\r\n", PoiEncoding::Utf8,
+                  "2,1,西湖西湖西湖,;"},
+                 {"bytes that are no character", "1,2,a\xFF\x62\r\n"s, PoiEncoding::Gb18030,
+                  "2,1,a\xEF\xBF\xBD\x62,;"}};
     for (const auto& c : cases) EXPECT_EQ(Records(c.bytes, c.encoding), c.records) << c.name;
 }
 
@@ -109,12 +100,10 @@ TEST(PoiCsv, FilesChooseTheirEncoding) {
         const char* name;
         std::string bytes;
         std::string records;
-    } cases[] = {
-        {"utf8.csv", "1,2,西湖\r\n", "2,1,西湖,;"},
-        {"gb.csv", "1,2,\xCE\xF7\xBA\xFE\r\n", "2,1,西湖,;"},
-        // Valid UTF-8 except for one byte further on: the whole file is GB18030.
-        {"mixed.csv", "1,2,\xC3\xA9\r\n3,4,\xCE\xF7\r\n", "2,1,茅,;4,3,西,;"},
-    };
+    } cases[] = {{"utf8.csv", "1,2,西湖\r\n", "2,1,西湖,;"},
+                 {"gb.csv", "1,2,\xCE\xF7\xBA\xFE\r\n", "2,1,西湖,;"},
+                 // Valid UTF-8 except for one byte further on: the whole file is GB18030.
+                 {"mixed.csv", "1,2,\xC3\xA9\r\n3,4,\xCE\xF7\r\n", "2,1,茅,;4,3,西,;"}};
     for (const auto& c : cases) {
         const std::string path = dir + c.name;
         std::ofstream(path, std::ios::binary) << c.bytes;

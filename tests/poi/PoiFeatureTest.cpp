@@ -46,33 +46,30 @@ TEST_F(PoiFeatureTest, ImportAddsOneGroupPerFile) {
     const std::string dir = settings.storageRoot + "/";
     WriteFile(dir + "Restaurant.csv", "120.1,30.2,Noodles,7-21\r\n120.2,30.3,Grill\r\n");
     WriteFile(dir + "gas station.csv", "120.1,30.2,Pump\r\n");
-    struct Case {
+    const struct {
         const char* name;
         std::string pick;
         bool iconsLoad;
         std::vector<std::string> messages;
         std::uint32_t groups, lastCategory;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"icons missing: goes on", dir + "Restaurant.csv", false, {kLoadPoiIconsFailed}, 1, 17},
         {"by name in any case", dir + "gas station.csv", true, {}, 2, 19},
         {"cancelled", "", true, {}, 2, 19},
-        {"missing file", dir + "gone.csv", true, {kOpenPoiFileFailed}, 2, 19},
-    };
-    for (const Case& c : cases) {
+        {"missing file", dir + "gone.csv", true, {kOpenPoiFileFailed}, 2, 19}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         ui.messages.clear();
         icons->ok = c.iconsLoad;
         settings.showPoi = 0;
         shell.currentScreen = shell::kScreenCompass;
         Import(c.pick);
-        EXPECT_EQ(chooser.modes.back(), 3);
-        EXPECT_EQ(MessageTexts(), c.messages);
+        EXPECT_EQ(std::tuple(chooser.modes.back(), MessageTexts()), std::tuple(3, c.messages));
         ASSERT_EQ(feature->store().Count(), c.groups);
         EXPECT_EQ(feature->store().At(c.groups - 1).category, c.lastCategory);
         const bool shown = !c.pick.empty();
-        EXPECT_EQ(settings.showPoi, shown ? 1u : 0u);
-        EXPECT_EQ(shell.currentScreen, shown ? shell::kScreenMap : shell::kScreenCompass);
+        EXPECT_EQ(std::tuple(settings.showPoi, shell.currentScreen),
+                  std::tuple(shown ? 1u : 0u, shown ? shell::kScreenMap : shell::kScreenCompass));
     }
     EXPECT_EQ(icons->loads, 2) << "tried again after a failure, then kept";
     EXPECT_NE(feature->icons(), nullptr);
@@ -104,19 +101,16 @@ TEST_F(PoiFeatureTest, LayerDrawsWhereTheMapShowsThePoint) {
     refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
     lake.calibration = map::ComputeCalibration(refs);
 
-    struct Case {
+    const struct {
         const char* name;
         bool show;
         const map::MapView& view;
         bool drawn;
-    };
-    const Case cases[] = {
-        {"world", true, world, true},
-        {"hidden", false, world, false},
-        {"map without calibration", true, uncalibrated, false},
-        {"calibrated map", true, lake, true},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"world", true, world, true},
+                 {"hidden", false, world, false},
+                 {"map without calibration", true, uncalibrated, false},
+                 {"calibrated map", true, lake, true}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         std::uint32_t show = c.show ? 1 : 0;
         PoiLayer layer(*feature, show);

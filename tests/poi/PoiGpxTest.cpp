@@ -25,8 +25,7 @@ TEST(PoiGpx, WaypointsBecomeRecords) {
         {"a long Chinese name: whole characters",
          {1, 2, "西湖西湖西湖西湖西湖西湖西湖西湖西湖西湖", "", ""},
          "西湖西湖西湖西湖西湖西湖西湖西湖西湖西",
-         0},
-    };
+         0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const PoiRecord r = PoiFromWaypoint(c.waypoint);

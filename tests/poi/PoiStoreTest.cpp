@@ -16,27 +16,26 @@ using screens::CanvasCall;
 using screens::Point;
 using screens::Rect;
 
+// The last case is a GB18030 file name.
 TEST(PoiCategories, FileNamesChooseTheCategory) {
     const struct {
         const char* path;
         std::uint32_t category;
         const char* name;
-    } cases[] = {
-        {"/data/00008.csv", 19, "Gas Station"},
-        {"GAS STATION.CSV", 19, "Gas Station"},
-        {"Informaion.csv", 6, "Informaion"},
-        {"00157.csv", 6, "Informaion"},
-        {"Restaurant.v2.csv", 17, "Restaurant"},
-        {".csv", 0, ""},
-        {"Swimming Area But Longer.csv", 0, "Swimming Area But L"},
-        {"加油站加油站加油站加油站加油站加油站加油站.csv", 0,
-         "加油站加油站加油站加油站加油站加油站加"},
-        {"\xBC\xD3\xD3\xCD\xD5\xBE.csv", 0, "加油站"},  // a GB18030 file name
-    };
+    } cases[] = {{"/data/00008.csv", 19, "Gas Station"},
+                 {"GAS STATION.CSV", 19, "Gas Station"},
+                 {"Informaion.csv", 6, "Informaion"},
+                 {"00157.csv", 6, "Informaion"},
+                 {"Restaurant.v2.csv", 17, "Restaurant"},
+                 {".csv", 0, ""},
+                 {"Swimming Area But Longer.csv", 0, "Swimming Area But L"},
+                 {"加油站加油站加油站加油站加油站加油站加油站.csv", 0,
+                  "加油站加油站加油站加油站加油站加油站加"},
+                 {"\xBC\xD3\xD3\xCD\xD5\xBE.csv", 0, "加油站"}};
     for (const auto& c : cases) {
         std::string name = PoiBaseName(c.path);
-        EXPECT_EQ(LookUpPoiCategory(name), c.category) << c.path;
-        EXPECT_EQ(name, c.name) << c.path;
+        EXPECT_EQ(std::tuple(LookUpPoiCategory(name), name), std::tuple(c.category, c.name))
+            << c.path;
     }
 }
 
@@ -52,14 +51,11 @@ class PoiStoreTest : public ::testing::Test {
 TEST_F(PoiStoreTest, OneGroupPerFileUntilDeleteAll) {
     PoiStore store;
     const PoiImport gas = ImportPoiFile(store, Write("00008.csv", "1,2,A\r\n3,4,B\r\n"));
-    EXPECT_TRUE(gas.read);
-    EXPECT_EQ(gas.category, 19u);
-    EXPECT_EQ(gas.points, 2u);
+    EXPECT_EQ(std::tuple(gas.read, gas.category, gas.points), std::tuple(true, 19u, 2u));
     EXPECT_TRUE(ImportPoiFile(store, Write("empty.csv", "")).read);  // an empty group
     EXPECT_FALSE(ImportPoiFile(store, ::testing::TempDir() + "missing.csv").read);
     ASSERT_EQ(store.Count(), 2u);
-    EXPECT_EQ(store.At(1).name, "empty");
-    EXPECT_EQ(PoiPointCount(store), 2u);
+    EXPECT_EQ(std::tuple(store.At(1).name, PoiPointCount(store)), std::tuple("empty", 2u));
 
     DeleteAllPois(store);
     EXPECT_TRUE(store.Empty());
@@ -80,7 +76,7 @@ TEST(PoiPainter, IconsCentredLabelsBesideCulledToTheCanvas) {
         {-5, 50, "Edge"},           // icon half outside, label inside
         {100, -2000, "Far left"},   // off screen
         {5000, 100, "Far below"},   // off screen
-        {300, 300, ""},             // no label
+        {300, 300, ""}              // no label
     };
     for (const auto& p : points) {
         PoiRecord r;
@@ -106,17 +102,16 @@ TEST(PoiPainter, IconsCentredLabelsBesideCulledToTheCanvas) {
 
     const auto blits = canvas.OfKind(CanvasCall::Kind::Blit);
     ASSERT_EQ(blits.size(), 4u);
-    EXPECT_EQ(blits[0].rect, (Rect{272, 0, 288, 16}));  // cell 17
-    EXPECT_EQ(blits[0].to, (Point{192, 92}));
-    EXPECT_EQ(blits[1].to, (Point{42, -13}));
-    EXPECT_EQ(blits[3].rect, (Rect{0, 0, 16, 16}));  // cell 0
+    // Cells 17 and 0 of the strip.
+    EXPECT_EQ(
+        std::tuple(blits[0].rect, blits[0].to, blits[1].to, blits[3].rect),
+        std::tuple(Rect{272, 0, 288, 16}, Point{192, 92}, Point{42, -13}, Rect{0, 0, 16, 16}));
     const auto texts = canvas.OfKind(CanvasCall::Kind::Text);
     ASSERT_EQ(texts.size(), 3u);
-    EXPECT_EQ(texts[0].text, "Lou Wai Lou");
-    EXPECT_EQ(texts[0].font.height, 21);
+    EXPECT_EQ(std::tuple(texts[0].text, texts[0].font.height, texts[1].text),
+              std::tuple("Lou Wai Lou", 21, "Edge"));
     const screens::Size size = screens::RecordingCanvas::MeasureWith(texts[0].font, "Lou Wai Lou");
     EXPECT_EQ(texts[0].rect, (Rect{209, 108 - size.height, 209 + size.width, 108}));
-    EXPECT_EQ(texts[1].text, "Edge");
 
     // Without the strip the labels are still drawn; a projection that
     // declines (no calibrated map) draws nothing.
@@ -138,12 +133,10 @@ TEST(PoiPainter, CellsAndLabelsStayReadable) {
         int points;
         double spread;  // pixels between neighbours along the diagonal
         PoiDrawCount drawn;
-    } cases[] = {
-        {"a pile on one pixel", 5000, 0, {5000, 1, 0}},
-        {"two in one cell, one name", 2, 3, {2, 1, 1}},
-        {"two names that would overlap", 2, 17, {2, 2, 1}},
-        {"too many in view for names", 300, 1, {300, 19, 0}},
-    };
+    } cases[] = {{"a pile on one pixel", 5000, 0, {5000, 1, 0}},
+                 {"two in one cell, one name", 2, 3, {2, 1, 1}},
+                 {"two names that would overlap", 2, 17, {2, 2, 1}},
+                 {"too many in view for names", 300, 1, {300, 19, 0}}};
     const PoiProjection project = [](double lat, double lon, double& x, double& y) {
         x = 100 + lon;
         y = 100 + lat;
@@ -158,10 +151,10 @@ TEST(PoiPainter, CellsAndLabelsStayReadable) {
         store.Append(group);
         screens::RecordingCanvas canvas(Rect{0, 0, 480, 640});
         const PoiDrawCount drawn = DrawPois(canvas, store, project, &icons);
-        EXPECT_EQ(drawn.inView, c.drawn.inView) << c.what;
-        EXPECT_EQ(drawn.icons, c.drawn.icons) << c.what;
-        EXPECT_EQ(drawn.labels, c.drawn.labels) << c.what;
-        EXPECT_EQ(canvas.OfKind(CanvasCall::Kind::Blit).size(), c.drawn.icons) << c.what;
+        EXPECT_EQ(std::tuple(drawn.inView, drawn.icons, drawn.labels,
+                             canvas.OfKind(CanvasCall::Kind::Blit).size()),
+                  std::tuple(c.drawn.inView, c.drawn.icons, c.drawn.labels, c.drawn.icons))
+            << c.what;
     }
 }
 

@@ -10,19 +10,18 @@ namespace {
 using K = CanvasCall::Kind;
 
 TEST(VisualAlarm, ReadoutsAndLitCellAreRedOnlyInTheFlashPhaseOfASoundingAlarm) {
-    struct State {
+    const struct {
         bool on, sounding, phase, red;
-    };
-    const State states[] = {
+    } states[] = {
         {true, true, true, true},
         {true, true, false, false},  // the dark half of the second
         {true, false, true, false},  // below the limit
-        {false, true, true, false},  // switched off while it sounded
+        {false, true, true, false}   // switched off while it sounded
     };
     gps::GpsState g;
     SET_FIELD(g.speedKnots, "40");  // 74 km/h
     for (const test::Variant& v : test::kAllVariants) {
-        for (const State& s : states) {
+        for (const auto& s : states) {
             ScreenContext ctx = test::MakeContext(v);
             ctx.display.currentScreen = kScreenSpeedometer;
             ctx.display.speedAlarmOn = s.on;
@@ -58,17 +57,16 @@ TEST(VisualAlarm, ReadoutsAndLitCellAreRedOnlyInTheFlashPhaseOfASoundingAlarm) {
 }
 
 TEST(AlarmCells, TapsFallOnTheCellUnderThem) {
-    struct Case {
+    constexpr test::Variant kOddLandscape{"900x700", 900, 700, 192};
+    const struct {
         test::Variant variant;
         int x, y;
         int cell;  // -1: no cell
-    };
-    constexpr test::Variant kOddLandscape{"900x700", 900, 700, 192};
-    const Case cases[] = {
-        // Portrait: a row of 59 × 46 cells from x 5 on top of the strip.
+    } cases[] = {
+        // Portrait: a row of 59 × 46 cells from x 5 on top of the strip; the tabs below.
         {test::kPortraitHi, 5, 511, 0},
         {test::kPortraitHi, 476, 530, 7},
-        {test::kPortraitHi, 100, 557, -1},  // the tabs below
+        {test::kPortraitHi, 100, 557, -1},
         // The small set: 30 × 23 from x 1; the last cell ends with the strip.
         {test::kPortraitLo, 239, 254, 7},
         {test::kPortraitLo, 100, 277, -1},
@@ -79,7 +77,7 @@ TEST(AlarmCells, TapsFallOnTheCellUnderThem) {
         // A larger window: the column follows the right edge and the middle.
         {kOddLandscape, 870, 369, 4},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const ScreenContext ctx = test::MakeContext(c.variant);
         EXPECT_EQ(HitTestAlarmCell(ctx, c.x, c.y), c.cell)
             << c.variant.name << " (" << c.x << "," << c.y << ")";

@@ -10,23 +10,19 @@ namespace {
 using test::MakeContext;
 using K = CanvasCall::Kind;
 
-struct TabCase {
-    test::Variant variant;
-    int screen;
-    bool mapLoaded;
-    Rect src;
-    Point dst;
-};
-
 TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
-    const TabCase cases[] = {
-        {test::kPortraitHi, kScreenGpsInfo, false, {5, 55, 79, 129}, {5, 566}},
-        {test::kPortraitHi, kScreenMap, true, {163, 55, 237, 129}, {163, 566}},
-        {test::kPortraitHi, kScreenMap, false, {84, 55, 158, 129}, {84, 566}},
-        {test::kLandscapeHi, kScreenSpeedometer, false, {0, 224, 51, 275}, {0, 313}},
-        {test::kLandscapeLo, kScreenSkyPlot, false, {0, 140, 27, 167}, {0, 183}},
-    };
-    for (const TabCase& c : cases) {
+    const struct {
+        test::Variant variant;
+        int screen;
+        bool mapLoaded;
+        Rect src;
+        Point dst;
+    } cases[] = {{test::kPortraitHi, kScreenGpsInfo, false, {5, 55, 79, 129}, {5, 566}},
+                 {test::kPortraitHi, kScreenMap, true, {163, 55, 237, 129}, {163, 566}},
+                 {test::kPortraitHi, kScreenMap, false, {84, 55, 158, 129}, {84, 566}},
+                 {test::kLandscapeHi, kScreenSpeedometer, false, {0, 224, 51, 275}, {0, 313}},
+                 {test::kLandscapeLo, kScreenSkyPlot, false, {0, 140, 27, 167}, {0, 183}}};
+    for (const auto& c : cases) {
         ScreenContext ctx = MakeContext(c.variant);
         ctx.display.currentScreen = c.screen;
         ctx.display.mapLoaded = c.mapLoaded;
@@ -34,12 +30,11 @@ TEST(ToolStrip, CurrentTabIsCopiedFromTheStrip) {
         DrawTabHighlight(canvas, ctx);
         ASSERT_EQ(canvas.Calls().size(), 1u) << c.variant.name << " screen " << c.screen;
         const CanvasCall& call = canvas.Calls()[0];
-        EXPECT_EQ(call.kind, K::Blit);
-        EXPECT_EQ(call.rect, c.src) << c.variant.name << " screen " << c.screen;
-        EXPECT_EQ(call.to, c.dst) << c.variant.name << " screen " << c.screen;
         const BitmapId strip = c.variant.width <= c.variant.height ? BitmapId::ToolStripPortrait
                                                                    : BitmapId::ToolStripLandscape;
-        EXPECT_EQ(call.bitmap, strip);
+        EXPECT_EQ(std::tuple(call.kind, call.bitmap, call.rect, call.to),
+                  std::tuple(K::Blit, strip, c.src, c.dst))
+            << c.variant.name << " screen " << c.screen;
     }
 }
 
@@ -47,40 +42,35 @@ TEST(ToolStrip, TapsFallOnTheTabUnderThem) {
     const struct {
         test::Variant variant;
         int x, y, tab;  // -1: no tab
-    } cases[] = {
-        {test::kPortraitHi, 42, 603, 0},
-        {test::kPortraitHi, 437, 603, 5},
-        {test::kPortraitHi, 42, 540, -1},
-        {test::kLandscapeHi, 20, 330, 4},
-    };
+    } cases[] = {{test::kPortraitHi, 42, 603, 0},
+                 {test::kPortraitHi, 437, 603, 5},
+                 {test::kPortraitHi, 42, 540, -1},
+                 {test::kLandscapeHi, 20, 330, 4}};
     for (const auto& c : cases)
         EXPECT_EQ(HitTestTab(MakeContext(c.variant), c.x, c.y), c.tab) << c.x << "," << c.y;
 }
 
-struct AlarmCase {
-    test::Variant variant;
-    int limit;
-    BitmapId bitmap;
-    Rect src;
-    Point dst;
-};
-
 TEST(ToolStrip, AlarmCellOfTheThreshold) {
-    const AlarmCase cases[] = {
+    const struct {
+        test::Variant variant;
+        int limit;
+        BitmapId bitmap;
+        Rect src;
+        Point dst;
+    } cases[] = {
         {test::kPortraitHi, 80, BitmapId::ToolStripPortrait, {182, 0, 241, 46}, {182, 511}},
         {test::kLandscapeHi, 90, BitmapId::AlarmStrip, {0, 168, 42, 210}, {592, 254}},
-        {test::kLandscapeLo, 50, BitmapId::AlarmStrip, {0, 0, 21, 21}, {296, 43}},
-    };
-    for (const AlarmCase& c : cases) {
+        {test::kLandscapeLo, 50, BitmapId::AlarmStrip, {0, 0, 21, 21}, {296, 43}}};
+    for (const auto& c : cases) {
         ScreenContext ctx = MakeContext(c.variant);
         ctx.display.speedAlarmOn = true;
         ctx.display.speedAlarmLimit = c.limit;
         RecordingCanvas canvas(ctx.frame);
         DrawAlarmCell(canvas, ctx);
         ASSERT_EQ(canvas.Calls().size(), 1u);
-        EXPECT_EQ(canvas.Calls()[0].bitmap, c.bitmap) << c.variant.name << " " << c.limit;
-        EXPECT_EQ(canvas.Calls()[0].rect, c.src) << c.variant.name << " " << c.limit;
-        EXPECT_EQ(canvas.Calls()[0].to, c.dst) << c.variant.name << " " << c.limit;
+        const CanvasCall& call = canvas.Calls()[0];
+        EXPECT_EQ(std::tuple(call.bitmap, call.rect, call.to), std::tuple(c.bitmap, c.src, c.dst))
+            << c.variant.name << " " << c.limit;
     }
     ScreenContext off = MakeContext(test::kPortraitHi);
     off.display.speedAlarmOn = false;
@@ -103,18 +93,14 @@ TEST(ToolStrip, PortraitInstrumentsFollowTheCentredStrip) {
         EXPECT_EQ(arrows[0].points[2].x, ox + 280) << width;  // course 0: tip above centre
         const CanvasCall* speed = canvas.FindText("0.0");
         ASSERT_NE(speed, nullptr);
-        EXPECT_GE(speed->rect.left, ox + 322) << width;
-        EXPECT_LE(speed->rect.right, ox + 396) << width;
+        EXPECT_TRUE(speed->rect.left >= ox + 322 && speed->rect.right <= ox + 396) << width;
     }
 }
 
 TEST(CourseArrow, PointsForNorthAndEast) {
     const ArrowPoints n = CourseArrowPoints(0.0, 22, 100, 100, 15);
-    EXPECT_EQ(n.tail, (Point{100, 122}));
-    EXPECT_EQ(n.tip, (Point{100, 78}));
-    EXPECT_EQ(n.left, (Point{88, 119}));
-    EXPECT_EQ(n.right, (Point{112, 119}));
-    EXPECT_EQ(n.notch, (Point{100, 111}));
+    EXPECT_EQ((std::vector<Point>{n.tail, n.tip, n.left, n.right, n.notch}),
+              (std::vector<Point>{{100, 122}, {100, 78}, {88, 119}, {112, 119}, {100, 111}}));
 
     // Absurd courses stay finite and near the centre.
     for (double c : {1e300, -1e300, double(NAN), double(INFINITY)}) {
@@ -149,14 +135,12 @@ TEST(MiniSkyPlot, DotsAlternateTheirOrderAndSkipWhenNoneInView) {
     // elevation 0 at azimuth 90 on the east edge in the SNR colour.
     const int r = (dots[0].rect.right - dots[0].rect.left) / 2;
     EXPECT_EQ(dots[0].rect, (Rect{438 - r, 602 - r, 438 + r, 602 + r}));
-    EXPECT_EQ(dots[0].brush.colour, kWhite);
-    EXPECT_FALSE(dots[0].pen.null);
+    EXPECT_EQ(std::tuple(dots[0].brush.colour, dots[0].pen.null), std::tuple(kWhite, false));
     EXPECT_EQ(dots[1].rect, (Rect{468 - r, 602 - r, 468 + r, 602 + r}));
-    EXPECT_EQ(dots[1].brush.colour, Rgb(0, 204, 204));
-    EXPECT_TRUE(dots[1].pen.null);
+    EXPECT_EQ(std::tuple(dots[1].brush.colour, dots[1].pen.null),
+              std::tuple(Rgb(0, 204, 204), true));
     // The next paint visits them backward.
-    EXPECT_EQ(dots[2].rect, dots[1].rect);
-    EXPECT_EQ(dots[3].rect, dots[0].rect);
+    EXPECT_EQ(std::tuple(dots[2].rect, dots[3].rect), std::tuple(dots[1].rect, dots[0].rect));
 }
 
 TEST(StatusIcons, FramesByLinkFixBlinkAndRecording) {

@@ -54,11 +54,10 @@ TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
         // Nothing lands outside the bitmap.
         canvas.FillRect(Rect{-50, -50, 500, 0}, kBlack);
     }
-    EXPECT_EQ(target.pixel(1, 1), qRgb(255, 255, 255));
-    EXPECT_EQ(target.pixel(2, 1), qRgb(10, 20, 30));
-    EXPECT_EQ(target.pixel(3, 1), qRgb(255, 255, 255));
-    EXPECT_EQ(target.pixel(4, 1), qRgb(214, 233, 251));
-    EXPECT_EQ(target.pixel(0, 0), qRgb(255, 255, 255));
+    EXPECT_EQ((std::vector{target.pixel(1, 1), target.pixel(2, 1), target.pixel(3, 1),
+                           target.pixel(4, 1), target.pixel(0, 0)}),
+              (std::vector{qRgb(255, 255, 255), qRgb(10, 20, 30), qRgb(255, 255, 255),
+                           qRgb(214, 233, 251), qRgb(255, 255, 255)}));
 }
 
 }  // namespace

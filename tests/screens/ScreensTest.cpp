@@ -28,8 +28,9 @@ TEST(SignalBars, HeightsAndColoursBySnr) {
     const auto bars = canvas.OfKind(K::Line);
     ASSERT_EQ(bars.size(), 12u);
     for (int i = 0; i < 12; ++i) {
-        EXPECT_EQ(bars[i].from, (Point{103 + 10 * i, 400})) << i;
-        EXPECT_EQ(bars[i].to, (Point{103 + 10 * i, 400 - heights[i]})) << i;
+        EXPECT_EQ(std::tuple(bars[i].from, bars[i].to),
+                  std::tuple(Point{103 + 10 * i, 400}, Point{103 + 10 * i, 400 - heights[i]}))
+            << i;
         EXPECT_EQ(bars[i].pen.width, 7);
         const int snr = gps::TextToInt(snrs[i]);
         EXPECT_EQ(bars[i].pen.colour, snr == 0 ? kBlack : SnrColour(snr)) << i;
@@ -53,26 +54,24 @@ TEST(GpsInfoScreen, ZeroedFixShowsItsPlaceholders) {
     PaintGpsInfoScreen(canvas, ctx, g);
     for (const char* text : {"N   00°00.0000'", "E 000°00.0000'", "海拔 0.00 m   速度 0.00 km/h",
                              "- - / - - / - -    - - : - - : - -", "hdop: 0.00", "vdop: 0.00",
-                             "pdop: 0.00", "GPS Fix N/A", "方位角 0.00°", "卫星数 0/0"}) {
+                             "pdop: 0.00", "GPS Fix N/A", "方位角 0.00°", "卫星数 0/0"})
         EXPECT_NE(canvas.FindText(text), nullptr) << text;
-    }
     // No position dot without a valid fix: the only red would be the dot.
     for (const auto& e : canvas.OfKind(K::Ellipse)) EXPECT_NE(e.brush.colour, Rgb(255, 0, 0));
 }
 
 TEST(GpsInfoScreen, PositionDotIsClampedToTheThumbnail) {
-    struct Case {
+    const struct {
         const char* lat;
         char ns;
         const char* lon;
         char ew;
         int x, y;  // offset inside the 182 × 104 thumbnail
-    };
-    const Case cases[] = {{"0000.0000", 'N', "00000.0000", 'E', 91, 52},
-                          {"8500.0000", 'N', "18000.0000", 'E', 182, 0},
-                          {"8500.0000", 'S', "18000.0000", 'W', 0, 104},
-                          {"4000.0000", 'N', "09000.0000", 'E', 136, 26}};
-    for (const Case& c : cases) {
+    } cases[] = {{"0000.0000", 'N', "00000.0000", 'E', 91, 52},
+                 {"8500.0000", 'N', "18000.0000", 'E', 182, 0},
+                 {"8500.0000", 'S', "18000.0000", 'W', 0, 104},
+                 {"4000.0000", 'N', "09000.0000", 'E', 136, 26}};
+    for (const auto& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
         gps::GpsState fix;
         std::snprintf(fix.latitude, sizeof fix.latitude, "%s", c.lat);
@@ -112,35 +111,31 @@ TEST(SkyPlotScreen, DiscsSitAtElevationAndAzimuth) {
     PaintSkyPlotScreen(canvas, ctx, g);
 
     // Disc radius from "09" in the font of height 22: 26 × 22 → 17.
-    struct Expect {
-        const char* prn;
-        int x, y;
-        Colour fill, text;
-    };
     const int r60 = static_cast<int>(210 * std::cos(60 * M_PI / 180));
     const int s45 = static_cast<int>(std::sin(45 * M_PI / 180) * 210 * std::cos(-30 * M_PI / 180));
     const int c45 = static_cast<int>(std::cos(45 * M_PI / 180) * 210 * std::cos(-30 * M_PI / 180));
-    const Expect expects[] = {
-        {"01", d.skyX, d.skyY, Rgb(102, 204, 0), kWhite},
-        {"02", d.skyX + 210, d.skyY, kWhite, kBlack},
-        {"03", d.skyX, d.skyY + 210, Rgb(255, 153, 0), kWhite},
-        {"04", d.skyX - r60, d.skyY, kWhite, kBlack},
-        {"05", d.skyX + s45, d.skyY - c45, Rgb(0, 102, 255), kWhite},
-    };
-    for (const Expect& e : expects) {
+    const struct {
+        const char* prn;
+        int x, y;
+        Colour fill, text;
+    } expects[] = {{"01", d.skyX, d.skyY, Rgb(102, 204, 0), kWhite},
+                   {"02", d.skyX + 210, d.skyY, kWhite, kBlack},
+                   {"03", d.skyX, d.skyY + 210, Rgb(255, 153, 0), kWhite},
+                   {"04", d.skyX - r60, d.skyY, kWhite, kBlack},
+                   {"05", d.skyX + s45, d.skyY - c45, Rgb(0, 102, 255), kWhite}};
+    for (const auto& e : expects) {
         const CanvasCall* label = canvas.FindText(e.prn);
         ASSERT_NE(label, nullptr) << e.prn;
         EXPECT_EQ(label->rect, (Rect{e.x - 14, e.y - 12, e.x + 14, e.y + 12})) << e.prn;
         EXPECT_EQ(label->colour, e.text) << e.prn;
-        bool found = false;
-        for (const auto& c : canvas.OfKind(K::Ellipse)) {
-            if (c.rect == Rect{e.x - 17, e.y - 17, e.x + 17, e.y + 17}) {
-                found = true;
-                EXPECT_EQ(c.brush.colour, e.fill) << e.prn;
-                EXPECT_EQ(c.pen.null, !(e.fill == kWhite)) << e.prn;
-            }
-        }
-        EXPECT_TRUE(found) << e.prn;
+        const auto discs = canvas.OfKind(K::Ellipse);
+        const auto disc = std::find_if(discs.begin(), discs.end(), [&](const CanvasCall& c) {
+            return c.rect == Rect{e.x - 17, e.y - 17, e.x + 17, e.y + 17};
+        });
+        ASSERT_NE(disc, discs.end()) << e.prn;
+        EXPECT_EQ(std::tuple(disc->brush.colour, disc->pen.null),
+                  std::tuple(e.fill, e.fill != kWhite))
+            << e.prn;
     }
     ASSERT_NE(canvas.FindText("卫星数 0/5"), nullptr);
 }
@@ -169,17 +164,13 @@ TEST(SkyPlotScreen, DiscsAlternateTheirOrder) {
 
 // ---- compass ---------------------------------------------------------------
 
-struct LetterCase {
-    const char* course;
-    int orientation;
-    int dx, dy;  // sign of the "N" letter's offset from the centre
-};
-
 TEST(CompassScreen, LettersTurnWithTheCourseInCourseUpOnly) {
-    const LetterCase cases[] = {
-        {"0", 0, 0, -1}, {"90", 0, -1, 0}, {"0", 1, 0, -1}, {"90", 1, 0, -1}, {"180", 0, 0, 1},
-    };
-    for (const LetterCase& c : cases) {
+    const struct {
+        const char* course;
+        int orientation, dx, dy;  // dx, dy: sign of the "N" letter's offset from the centre
+    } cases[] = {
+        {"0", 0, 0, -1}, {"90", 0, -1, 0}, {"0", 1, 0, -1}, {"90", 1, 0, -1}, {"180", 0, 0, 1}};
+    for (const auto& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
         ctx.display.compassOrientation = c.orientation;
         gps::GpsState g;
@@ -192,8 +183,8 @@ TEST(CompassScreen, LettersTurnWithTheCourseInCourseUpOnly) {
         const int x = (n->rect.left + n->rect.right) / 2 - ctx.dials.compassX;
         const int y = (n->rect.top + n->rect.bottom) / 2 - ctx.dials.compassY;
         const auto sign = [](int v) { return v > 5 ? 1 : v < -5 ? -1 : 0; };
-        EXPECT_EQ(sign(x), c.dx) << c.course << " mode " << c.orientation;
-        EXPECT_EQ(sign(y), c.dy) << c.course << " mode " << c.orientation;
+        EXPECT_EQ(std::tuple(sign(x), sign(y)), std::tuple(c.dx, c.dy))
+            << c.course << c.orientation;
         // Just outside the outer circle.
         const double dist = std::hypot(x, y);
         EXPECT_GT(dist, ctx.dials.compassRadius);
@@ -212,9 +203,8 @@ TEST(CompassScreen, TextsInTheUnits) {
     RecordingCanvas canvas(ctx.frame);
     ctx.display.fix = gps::ReadFix(g);
     PaintCompassScreen(canvas, ctx);
-    EXPECT_NE(canvas.FindText("速度 12.50 kts"), nullptr);
-    EXPECT_NE(canvas.FindText("海拔 328.00 ft"), nullptr);
-    EXPECT_NE(canvas.FindText("方位角 45.50°"), nullptr);
+    for (const char* text : {"速度 12.50 kts", "海拔 328.00 ft", "方位角 45.50°"})
+        EXPECT_NE(canvas.FindText(text), nullptr) << text;
 }
 
 // ---- speedometer -------------------------------------------------------------
@@ -227,9 +217,8 @@ TEST(Speedometer, NeedleAtZeroHalfAndFullScale) {
     EXPECT_NEAR(p[0].x, cx - 86, 1);
     EXPECT_NEAR(p[0].y, cy + 50, 1);
     SpeedNeedlePoints(100, 200, R, cx, cy, p);
-    EXPECT_EQ(p[0], (Point{cx, cy - L}));
-    EXPECT_EQ(p[1], (Point{cx - 10, cy}));
-    EXPECT_EQ(p[2], (Point{cx + 10, cy}));
+    EXPECT_EQ(std::vector(p, p + 3),
+              (std::vector<Point>{{cx, cy - L}, {cx - 10, cy}, {cx + 10, cy}}));
     SpeedNeedlePoints(160, 160, R, cx, cy, p);
     EXPECT_NEAR(p[0].x, cx + 86, 1);
     EXPECT_NEAR(p[0].y, cy + 50, 1);
@@ -240,22 +229,20 @@ TEST(Speedometer, NeedleAtZeroHalfAndFullScale) {
     }
 }
 
-struct RedCase {
-    int units;
-    bool on;
-    int limit;
-    double start;  // angle of the first red tick on the 240° .. 480° scale
-    int redLines;
-};
-
 TEST(Speedometer, RedTicksFromTheThreshold) {
-    const RedCase cases[] = {
+    const struct {
+        int units;
+        bool on;
+        int limit;
+        double start;  // angle of the first red tick on the 240° .. 480° scale
+        int redLines;
+    } cases[] = {
         {kMetric, true, 100, 360, 14},    // 11 minors, 3 majors
         {kMetric, false, 100, 0, 0},      // no alarm, no red
         {kImperial, true, 100, 390, 10},  // 8 minors, 2 majors
-        {kNautical, true, 120, 420, 8},   // 6 minors, 2 majors
+        {kNautical, true, 120, 420, 8}    // 6 minors, 2 majors
     };
-    for (const RedCase& c : cases) {
+    for (const auto& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
         ctx.display.unitSystem = c.units;
         ctx.display.speedAlarmOn = c.on;
@@ -274,33 +261,30 @@ TEST(Speedometer, RedTicksFromTheThreshold) {
             lowest = std::min(lowest, a);
         }
         EXPECT_EQ(red, c.redLines) << c.units << " " << c.limit;
-        if (c.on) {
-            EXPECT_GE(lowest, c.start - 0.6) << c.units << " " << c.limit;
-        }
+        EXPECT_TRUE(!c.on || lowest >= c.start - 0.6)
+            << c.units << " " << c.limit << ": " << lowest;
     }
 }
 
 TEST(Speedometer, LabelsUnitsAndAlarmText) {
-    struct Case {
+    const struct {
         int units;
         bool on;
         const char* last;
         const char* unit;
         const char* alarm;
-    };
-    const Case cases[] = {{kMetric, true, "200", "km/h", " 80 km/h "},
-                          {kImperial, true, "160", "MPH", " 80 MPH "},
-                          {kNautical, false, "160", "kts", " 关闭 "}};
-    for (const Case& c : cases) {
+    } cases[] = {{kMetric, true, "200", "km/h", " 80 km/h "},
+                 {kImperial, true, "160", "MPH", " 80 MPH "},
+                 {kNautical, false, "160", "kts", " 关闭 "}};
+    for (const auto& c : cases) {
         ScreenContext ctx = MakeContext(test::kPortraitHi);
         ctx.display.unitSystem = c.units;
         ctx.display.speedAlarmOn = c.on;
         ctx.display.speedAlarmLimit = 80;
         RecordingCanvas canvas(ctx.frame);
         PaintSpeedometerScreen(canvas, ctx);
-        EXPECT_NE(canvas.FindText(c.last), nullptr) << c.unit;
-        EXPECT_NE(canvas.FindText(c.unit), nullptr) << c.unit;
-        EXPECT_NE(canvas.FindText(c.alarm), nullptr) << c.unit;
+        for (const char* text : {c.last, c.unit, c.alarm})
+            EXPECT_NE(canvas.FindText(text), nullptr) << c.unit << ": " << text;
     }
 }
 

@@ -37,13 +37,11 @@ TEST_F(ScriptRunTest, DialogStepsThatDoNotFitFail) {
     const struct {
         const char* lines;
         const char* error;
-    } cases[] = {
-        {"key 7\nfly away", "unknown line"},
-        {"set 902 x", "no dialog is open"},
-        {"command 49900\nset 999 1", "has no control 999"},
-        {"command 49900\nset 903 0\nset 902 x", "is greyed"},
-        {"command 49900\nchoose /tmp/a.png", "file browser"},
-    };
+    } cases[] = {{"key 7\nfly away", "unknown line"},
+                 {"set 902 x", "no dialog is open"},
+                 {"command 49900\nset 999 1", "has no control 999"},
+                 {"command 49900\nset 903 0\nset 902 x", "is greyed"},
+                 {"command 49900\nchoose /tmp/a.png", "file browser"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.lines);
         WriteScript(std::string(c.lines) + "\nquit\n");
@@ -60,24 +58,22 @@ TEST_F(ScriptRunTest, AnswerBeforeOrAfterTheBox) {
     const struct {
         const char* lines;
         bool exits;
-    } cases[] = {
-        {"command 40003\nanswer no", false},
-        {"command 40003\n# a comment between\n\nanswer no", false},
-        {"answer no\ncommand 40003", false},
-        {"command 40003\nanswer yes", true},
-        {"command 40003", true},
-        // The notice of 40011 takes ok only: the no waits for the question.
-        {"command 40011\nanswer no\ncommand 40003", false},
-        // A form's report is a notice; the question after it is answered.
-        {"command 49900\nanswer ok\nanswer ok\ncommand 40003\nanswer no", false},
-    };
+    } cases[] = {{"command 40003\nanswer no", false},
+                 {"command 40003\n# a comment between\n\nanswer no", false},
+                 {"answer no\ncommand 40003", false},
+                 {"command 40003\nanswer yes", true},
+                 {"command 40003", true},
+                 // The notice of 40011 takes ok only: the no waits for the question.
+                 {"command 40011\nanswer no\ncommand 40003", false},
+                 // A form's report is a notice; the question after it is answered.
+                 {"command 49900\nanswer ok\nanswer ok\ncommand 40003\nanswer no", false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.lines);
         fs::remove(Path("options"));
         WriteScript(std::string(c.lines) + "\nstate @/state.json\nquit\n");
         ASSERT_EQ(Run(), 0) << Read("stderr.txt");
-        EXPECT_EQ(fs::exists(Path("options")), c.exits);
-        EXPECT_EQ(fs::exists(Path("state.json")), !c.exits);
+        EXPECT_EQ(std::tuple(fs::exists(Path("options")), fs::exists(Path("state.json"))),
+                  std::tuple(c.exits, !c.exits));
         fs::remove(Path("state.json"));
     }
 }

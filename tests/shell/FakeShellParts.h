@@ -14,24 +14,16 @@ namespace satwalk::shell::testing {
 
 class FakeSound : public AlarmSound {
   public:
-    bool PlayLoop() override {
-        ++playCalls;
-        if (failing)
-            return false;
-        looping = true;
-        return true;
+    bool PlayLoop() override { return Call(playCalls, true); }
+    bool Stop() override { return Call(stopCalls, false); }
+    bool Call(int& calls, bool loop) {
+        ++calls;
+        if (!failing)
+            looping = loop;
+        return !failing;
     }
-    bool Stop() override {
-        ++stopCalls;
-        if (failing)
-            return false;
-        looping = false;
-        return true;
-    }
-    bool failing = false;
-    bool looping = false;
-    int playCalls = 0;
-    int stopCalls = 0;
+    bool failing = false, looping = false;
+    int playCalls = 0, stopCalls = 0;
 };
 
 class FakeUi : public ShellUi {
@@ -52,11 +44,8 @@ class FakeUi : public ShellUi {
     void ShowStatus(const std::string& status) override { statuses.push_back(status); }
 
     std::vector<std::pair<std::string, MessageIcon>> messages;
-    bool answerYes = true;
-    bool blinkRunning = false;
+    bool answerYes = true, blinkRunning = false, backlight = true, closed = false;
     int clockStarts = 0;
-    bool backlight = true;
-    bool closed = false;
     std::vector<std::string> statuses;
 };
 
@@ -85,10 +74,7 @@ class FakeLink : public LinkControl {
             error = common::err::kPortOpen;
         return openOk;
     }
-    bool StartLink() override {
-        running = true;
-        return true;
-    }
+    bool StartLink() override { return running = true; }
     int StopLink() override {
         running = false;
         fixValid = false;
@@ -99,22 +85,13 @@ class FakeLink : public LinkControl {
     std::string LastErrorCode() const override { return error; }
     const gps::GpsState& Gps() const override { return gps; }
     void ClearFixBlocks() override { gps.ClearAllBlocks(); }
-    bool SwitchRadioOn() override {
-        radioSwitchedOn = radioOk;
-        return radioOk;
-    }
+    bool SwitchRadioOn() override { return radioSwitchedOn = radioOk; }
     void SwitchRadioBackOff() override { radioSwitchedOn = false; }
 
-    bool registerOk = false;
-    bool radioOk = true;
-    bool radioSwitchedOn = false;
-    bool openOk = true;
-    bool running = false;
-    bool fixValid = false;
-    int lossReason = 0;
-    int opens = 0;
-    std::uint32_t comPort = 99;
-    std::uint32_t baud = 0;
+    bool registerOk = false, radioOk = true, radioSwitchedOn = false, openOk = true;
+    bool running = false, fixValid = false;
+    int lossReason = 0, opens = 0;
+    std::uint32_t comPort = 99, baud = 0;
     std::string error;
     gps::GpsState gps;
 };

@@ -32,9 +32,9 @@ TEST(OptionsDialogTest, StorageListOffersEachRootOnceAndSelectsTheCurrent) {
     EXPECT_EQ(d.storage,
               (std::vector<std::string>{"/home/u/Documents", "/media/u/CARD/My Documents",
                                         "/media/u/STICK/My Documents", "/My Documents"}));
-    EXPECT_EQ(d.storageSelection, 1);
-    EXPECT_TRUE(d.keepAwake);  // built-in value
-    EXPECT_FALSE(d.recordNmea);
+    // keepAwake on and recordNmea off are the built-in values.
+    EXPECT_EQ(std::tuple(d.storageSelection, d.keepAwake, d.recordNmea),
+              std::tuple(1, true, false));
 
     s.storageRoot = "/somewhere/else";
     EXPECT_EQ(OpenOptionsDialog(s, "/home/u/Documents", {}).storageSelection, -1);
@@ -67,30 +67,20 @@ class OptionsOkTest : public ::testing::Test {
 };
 
 TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
-    struct Case {
+    const std::string kNmea = "nmea ROOT/My GPS/NMEA0183";
+    const struct {
         const char* what;
         bool running, nmeaBefore, nmeaAfter, trackLog, newRoot;
         std::vector<std::string> calls;  // with ROOT for the chosen root's folder
         bool allTalkersBefore = false, allTalkersAfter = false;
-    };
-    const std::string kNmea = "nmea ROOT/My GPS/NMEA0183";
-    const Case cases[] = {
+    } cases[] = {
         {"nothing new", true, true, true, true, false, {"awake"}},
         {"record on, running", true, false, true, false, false, {"record on", kNmea, "awake"}},
         {"record on, stopped", false, false, true, true, true, {"record on", "awake"}},
         {"new root, recording", true, true, true, true, true, {kNmea, "awake"}},
-        {"all talkers on",
-         false,
-         false,
-         false,
-         false,
-         false,
-         {"all talkers", "awake"},
-         false,
-         true},
-        {"all talkers off", true, true, true, false, false, {"gps only", "awake"}, true, false},
-    };
-    for (const Case& c : cases) {
+        {"talkers on", false, false, false, false, false, {"all talkers", "awake"}, false, true},
+        {"all talkers off", true, true, true, false, false, {"gps only", "awake"}, true, false}};
+    for (const auto& c : cases) {
         SetUp();
         settings.recordNmea = c.nmeaBefore;
         settings.trackLogOn = c.trackLog;
@@ -109,30 +99,28 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
             expected.push_back(e);
         }
         EXPECT_EQ(effects.calls, expected) << c.what;
-        EXPECT_EQ(a.rootChanged, c.newRoot) << c.what;
-        // The track feature starts the new track file when it hears of it.
-        EXPECT_EQ(a.newTrackLog, c.running && c.trackLog && c.newRoot) << c.what;
-        EXPECT_EQ(settings.storageRoot, root) << c.what;
-        EXPECT_EQ(folders.nmea, root + "/My GPS/NMEA0183") << c.what;
-        EXPECT_EQ(settings.recordNmea, c.nmeaAfter ? 1u : 0u) << c.what;
-        EXPECT_EQ(settings.allTalkers, c.allTalkersAfter ? 1u : 0u) << c.what;
+        // The track feature starts the new track file when it hears of it (newTrackLog).
+        EXPECT_EQ(std::tuple(a.rootChanged, a.newTrackLog, settings.storageRoot, folders.nmea,
+                             settings.recordNmea, settings.allTalkers),
+                  std::tuple(c.newRoot, c.running && c.trackLog && c.newRoot, root,
+                             root + "/My GPS/NMEA0183", c.nmeaAfter ? 1u : 0u,
+                             c.allTalkersAfter ? 1u : 0u))
+            << c.what;
         TearDown();
     }
 }
 
 TEST_F(OptionsOkTest, ANewRootGetsItsFoldersUnlessItIsAFile) {
-    struct Case {
+    const struct {
         const char* what;
         std::function<void(const std::string&)> prepare;
         bool tree;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"missing root", [](const std::string&) {}, true},
         {"half a tree",
          [](const std::string& r) { fs::create_directories(r + "/My GPS/Track Log"); }, true},
-        {"a file", [](const std::string& r) { std::ofstream(r) << "x"; }, false},
-    };
-    for (const Case& c : cases) {
+        {"a file", [](const std::string& r) { std::ofstream(r) << "x"; }, false}};
+    for (const auto& c : cases) {
         const std::string root = temp + "/" + c.what;
         c.prepare(root);
         OptionsDialog d = Dialog(root);
@@ -141,8 +129,8 @@ TEST_F(OptionsOkTest, ANewRootGetsItsFoldersUnlessItIsAFile) {
         for (const char* sub :
              {"/My GPS/Reference Points", "/My GPS/Track Log", "/My GPS/NMEA0183"})
             EXPECT_EQ(fs::is_directory(root + sub), c.tree) << c.what << sub;
-        EXPECT_EQ(settings.storageRoot, root) << c.what;
-        EXPECT_EQ(effects.calls.back(), "sleep");
+        EXPECT_EQ(std::tuple(settings.storageRoot, effects.calls.back()), std::tuple(root, "sleep"))
+            << c.what;
     }
 }
 

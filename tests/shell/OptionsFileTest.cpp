@@ -56,10 +56,8 @@ TEST_F(OptionsFileTest, OnlyARegularFileIsAnOptionsFile) {
     const struct {
         const char* name;
         int (*make)(const char*);
-    } cases[] = {
-        {"folder", [](const char* p) { return ::mkdir(p, 0755); }},
-        {"fifo", [](const char* p) { return ::mkfifo(p, 0644); }},
-    };
+    } cases[] = {{"folder", [](const char* p) { return ::mkdir(p, 0755); }},
+                 {"fifo", [](const char* p) { return ::mkfifo(p, 0644); }}};
     for (const auto& c : cases) {
         fs::remove_all(path_);
         ASSERT_EQ(c.make(path_.c_str()), 0) << c.name;
@@ -79,13 +77,12 @@ TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
     ProgramSettings s;
     OptionsStore store(path_);
     ASSERT_TRUE(store.LoadOptions(s));
-    EXPECT_EQ(s.units, 2u);
-    EXPECT_EQ(s.speedAlarmLimit, 90u);
+    EXPECT_EQ(std::tuple(s.units, s.speedAlarmLimit), std::tuple(2u, 90u));
     EXPECT_EQ(s.showMap, 0u) << "taken from the file";
     EXPECT_EQ(s.trackIntervalMs, 10000u) << "zero in the file is no valid period";
     // Past byte 100 the record defaults stand: the alarm switch is on.
-    EXPECT_EQ(s.backlightAlwaysOn, 1u);
-    EXPECT_EQ(store.record().backlightAlwaysOn, 1u);
+    EXPECT_EQ(std::tuple(s.backlightAlwaysOn, store.record().backlightAlwaysOn),
+              std::tuple(1u, 1u));
     EXPECT_EQ(store.record().speedAlarmOn, 0u) << "offset 40 lies inside the 100 bytes";
 }
 
@@ -115,11 +112,9 @@ TEST_F(OptionsFileTest, AFailedSaveLeavesTheOldFileAsItWas) {
         bool oldFile;
         rlim_t limit;
         bool saved;
-    } cases[] = {
-        {"disk full, old file", true, 1000, false},
-        {"disk full, no file yet", false, 1000, false},
-        {"room enough", true, 1 << 20, true},
-    };
+    } cases[] = {{"disk full, old file", true, 1000, false},
+                 {"disk full, no file yet", false, 1000, false},
+                 {"room enough", true, 1 << 20, true}};
     for (const auto& c : cases) {
         fs::remove_all(dir_);
         fs::create_directories(dir_);
@@ -150,33 +145,28 @@ TEST_F(OptionsFileTest, FreshSaveWritesTheWholeRecordWithDefaults) {
     ASSERT_TRUE(store.SaveOptions(s));
     const auto out = ReadAll();
     ASSERT_EQ(out.size(), kOptionsRecordSize);
-    EXPECT_EQ(Word(out, 576), 0x44556677u);
-    EXPECT_EQ(Word(out, 580), 0x00112233u);
+    EXPECT_EQ(std::tuple(Word(out, 576), Word(out, 580)), std::tuple(0x44556677u, 0x00112233u));
 
     ProgramSettings back;
     OptionsStore again(path_);
     ASSERT_TRUE(again.LoadOptions(back));
-    EXPECT_EQ(back.storageRoot, s.storageRoot);
-    EXPECT_EQ(back.recentMaps[2], s.recentMaps[2]);
-    EXPECT_TRUE(back.receiverConfigured);
+    EXPECT_EQ(std::tuple(back.storageRoot, back.recentMaps[2], back.receiverConfigured),
+              std::tuple(s.storageRoot, s.recentMaps[2], true));
 }
 
 TEST(OptionsRecordTest, OddValuesAreMadeSane) {
-    struct Case {
+    const struct {
         std::size_t offset;
         std::uint32_t value;
         std::uint32_t ProgramSettings::*field;
         std::uint32_t expected;
-    };
-    const Case cases[] = {
-        {44, 7, &ProgramSettings::units, 0},
-        {20, 6, &ProgramSettings::baudIndex, 0},
-        {32, 15000, &ProgramSettings::trackIntervalMs, 10000},
-        {32, 60000, &ProgramSettings::trackIntervalMs, 60000},
-        {0, 0xFFFFFFFF, &ProgramSettings::showMap, 1},
-        {36, 55, &ProgramSettings::speedAlarmLimit, 55},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{44, 7, &ProgramSettings::units, 0},
+                 {20, 6, &ProgramSettings::baudIndex, 0},
+                 {32, 15000, &ProgramSettings::trackIntervalMs, 10000},
+                 {32, 60000, &ProgramSettings::trackIntervalMs, 60000},
+                 {0, 0xFFFFFFFF, &ProgramSettings::showMap, 1},
+                 {36, 55, &ProgramSettings::speedAlarmLimit, 55}};
+    for (const auto& c : cases) {
         OptionsRecord r{};
         SetOptionDefaults(r);
         std::memcpy(reinterpret_cast<std::uint8_t*>(&r) + c.offset, &c.value, 4);
@@ -192,9 +182,7 @@ TEST(OptionsRecordTest, AllTalkersByteIsOnOnlyAtOneAndOtherValuesAreKept) {
         std::uint32_t setting;  // as read
         std::uint32_t changedTo;
         std::uint8_t written;
-    } cases[] = {
-        {0, 0, 0, 0}, {1, 1, 1, 1}, {1, 1, 0, 0}, {0x5A, 0, 0, 0x5A}, {0x5A, 0, 1, 1},
-    };
+    } cases[] = {{0, 0, 0, 0}, {1, 1, 1, 1}, {1, 1, 0, 0}, {0x5A, 0, 0, 0x5A}, {0x5A, 0, 1, 1}};
     for (const auto& c : cases) {
         OptionsRecord r{};
         SetOptionDefaults(r);
@@ -245,9 +233,9 @@ TEST(StorageTest, FallsBackToDocumentsAndBuildsTheTree) {
     EXPECT_EQ(ResolveStorageRoot("relative/root", docs), docs);
     const StorageFolders f = MakeStorageFolders(root);
     PrepareStorageFolders(f);
-    EXPECT_TRUE(fs::is_directory(f.referencePoints));
-    EXPECT_TRUE(fs::is_directory(f.trackLog));
-    EXPECT_TRUE(fs::is_directory(base / "Documents/My GPS/NMEA0183"));
+    for (const fs::path& made :
+         {fs::path(f.referencePoints), fs::path(f.trackLog), base / "Documents/My GPS/NMEA0183"})
+        EXPECT_TRUE(fs::is_directory(made)) << made;
 
     // A file where the base folder should be: nothing is created.
     const StorageFolders g = MakeStorageFolders((base / "other").string());

@@ -32,7 +32,11 @@ class ShellTest : public ::testing::Test {
         settings.comPort = 3;
         shell.features().Add(satelliteData);
     }
-    void SetSpeed(const char* knots) { std::strcpy(link.gps.speedKnots, knots); }
+    // A batch from the receiver at this speed.
+    void DriveAt(const char* knots) {
+        std::strcpy(link.gps.speedKnots, knots);
+        shell.OnGpsData();
+    }
 
     ProgramSettings settings;
     FakeLink link;
@@ -44,16 +48,13 @@ class ShellTest : public ::testing::Test {
 };
 
 TEST_F(ShellTest, ScreenCommandsAndKeysAlsoReplaceTheDialog) {
-    struct Case {
+    const struct {
         int command;
         Key key;
         int screen;
-    };
-    const Case cases[] = {
-        {cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
-        {cmd::kCompass, Key::Digit6, kScreenCompass},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{cmd::kSkyPlot, Key::Digit2, kScreenSkyPlot},
+                 {cmd::kCompass, Key::Digit6, kScreenCompass}};
+    for (const auto& c : cases) {
         for (const bool dialog : {false, true}) {
             for (const bool byKey : {false, true}) {
                 shell.currentScreen = -5;
@@ -92,27 +93,27 @@ TEST_F(ShellTest, TabsChooseTheirScreens) {
 
 TEST_F(ShellTest, KeyZeroStartsThenStops) {
     shell.OnKeyDown(Key::Digit0);
-    EXPECT_TRUE(link.running);
-    EXPECT_EQ(link.comPort, 3u);
-    EXPECT_EQ(link.baud, 4800u);
-    EXPECT_TRUE(ui.blinkRunning);
+    EXPECT_EQ(std::tuple(link.running, link.comPort, link.baud, ui.blinkRunning),
+              std::tuple(true, 3u, 4800u, true));
 
     shell.OnCommand(cmd::kAlarm50);
-    SetSpeed("60");
-    shell.OnGpsData();
+    DriveAt("60");
     ASSERT_TRUE(sound.looping);
     std::strcpy(link.gps.latitude, "2232.1234");
     shell.OnKeyDown(Key::Digit0);
     EXPECT_FALSE(link.running);
     EXPECT_FALSE(sound.looping) << "stopping silences the alarm";
-    EXPECT_FALSE(shell.alarm().playing());
-    EXPECT_FALSE(ui.blinkRunning);
+    EXPECT_FALSE(shell.alarm().playing() || ui.blinkRunning);
     EXPECT_STREQ(link.gps.latitude, "") << "the fix blocks are cleared";
     EXPECT_TRUE(ui.messages.empty());
 }
 
 TEST_F(ShellTest, StartGpsFailures) {
-    struct Case {
+    const int kRadio = common::kStrRadioSwitchFailed;
+    const int kConfigure = common::kStrConfigureReceiverFirst;
+    const int kPort = common::kStrBluetoothPortFailed;
+    const MessageIcon kInfo = MessageIcon::Information, kError = MessageIcon::Error;
+    const struct {
         std::uint32_t bluetooth;
         std::uint64_t address;
         bool openOk;
@@ -121,20 +122,13 @@ TEST_F(ShellTest, StartGpsFailures) {
         int opens;
         std::uint32_t autoBluetooth = 0;
         bool radioOk = true;
-    };
-    const int kRadio = common::kStrRadioSwitchFailed;
-    const int kConfigure = common::kStrConfigureReceiverFirst;
-    const int kPort = common::kStrBluetoothPortFailed;
-    const MessageIcon kInfo = MessageIcon::Information, kError = MessageIcon::Error;
-    const Case cases[] = {
-        {1, 0, true, {kConfigure}, kInfo, 0},
-        {1, 42, true, {kPort}, kError, 0},
-        {0, 0, false, {common::kStrCannotConnect}, kInfo, 1},
-        // The radio is switched on first; its failure is said and the start goes on.
-        {1, 0, true, {kRadio, kConfigure}, kInfo, 0, 1, false},
-        {1, 42, true, {kPort}, kError, 0, 1, true},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{1, 0, true, {kConfigure}, kInfo, 0},
+                 {1, 42, true, {kPort}, kError, 0},
+                 {0, 0, false, {common::kStrCannotConnect}, kInfo, 1},
+                 // The radio is switched on first; its failure is said and the start goes on.
+                 {1, 0, true, {kRadio, kConfigure}, kInfo, 0, 1, false},
+                 {1, 42, true, {kPort}, kError, 0, 1, true}};
+    for (const auto& c : cases) {
         FakeLink l;
         FakeUi u;
         ProgramSettings s;
@@ -148,11 +142,9 @@ TEST_F(ShellTest, StartGpsFailures) {
         ASSERT_EQ(u.messages.size(), c.strings.size());
         for (std::size_t i = 0; i < c.strings.size(); ++i)
             EXPECT_EQ(u.messages[i].first, FormatString(LoadString(c.strings[i]), l.error));
-        EXPECT_EQ(u.messages.back().second, c.icon);
-        EXPECT_EQ(l.opens, c.opens);
-        EXPECT_FALSE(l.running);
-        EXPECT_FALSE(u.blinkRunning);
-        EXPECT_EQ(l.radioSwitchedOn, c.autoBluetooth != 0 && c.radioOk);
+        EXPECT_EQ(std::tuple(u.messages.back().second, l.opens, l.running, u.blinkRunning,
+                             l.radioSwitchedOn),
+                  std::tuple(c.icon, c.opens, false, false, c.autoBluetooth != 0 && c.radioOk));
         sh.OnCommand(cmd::kExit);
         EXPECT_FALSE(l.radioSwitchedOn) << "off again at exit";
     }
@@ -164,34 +156,31 @@ TEST_F(ShellTest, StopReportsLossReason) {
         link.lossReason = reason;
         ui.messages.clear();
         shell.OnCommand(cmd::kStopGps);
-        ASSERT_EQ(ui.messages.size(), 1u);
-        EXPECT_EQ(ui.messages[0].first,
-                  LoadString(reason == 1 ? common::kStrConnectionLost : common::kStrDataTimeout));
-        EXPECT_EQ(ui.messages[0].second, MessageIcon::Error);
+        const int id = reason == 1 ? common::kStrConnectionLost : common::kStrDataTimeout;
+        EXPECT_EQ(ui.messages, (decltype(ui.messages){{LoadString(id), MessageIcon::Error}}));
     }
 }
 
 TEST_F(ShellTest, AlarmFollowsTheSpeed) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
-    struct Step {
+    const struct {
         const char* knots;
         std::uint32_t units;
         bool playing;
-    };
-    const Step steps[] = {
+    } steps[] = {
         {"27.0", 0, false},                      // 49.95 km/h
         {"27.1", 0, true},                       // 50.135 km/h
         {"30.0", 0, true},  {"30.0", 2, false},  // 30 knots against a limit of 50
         {"50.0", 2, true},  {"43.5", 1, true},   // 50.112 MPH
-        {"", 0, false},                          // empty reads as 0
+        {"", 0, false}                           // empty reads as 0
     };
-    for (const Step& s : steps) {
+    for (const auto& s : steps) {
         settings.units = s.units;
-        SetSpeed(s.knots);
-        shell.OnGpsData();
-        EXPECT_EQ(shell.alarm().playing(), s.playing) << s.knots << " units " << s.units;
-        EXPECT_EQ(sound.looping, s.playing) << s.knots;
+        DriveAt(s.knots);
+        EXPECT_EQ(std::tuple(shell.alarm().playing(), sound.looping),
+                  std::tuple(s.playing, s.playing))
+            << s.knots << " units " << s.units;
     }
     EXPECT_EQ(sound.playCalls, 2) << "a running alarm is not restarted";
     EXPECT_TRUE(ui.statuses.empty()) << "a sound that plays needs no status";
@@ -200,57 +189,52 @@ TEST_F(ShellTest, AlarmFollowsTheSpeed) {
 TEST_F(ShellTest, AlarmFlashesEverySecondWhileItShows) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
-    struct Step {
+    const struct {
         const char* knots;  // a batch at this speed, or null for the 1-second tick
         int command;        // instead, when not 0
         bool showing, phase;
-    };
-    const Step steps[] = {
-        {"20", 0, false, false},
-        {nullptr, 0, false, false},  // below the limit
-        {"30", 0, true, true},       // red at once
-        {nullptr, 0, true, false},
-        {nullptr, 0, true, true},
-        {"31", 0, true, true},
-        {"20", 0, false, false},  // the drop ends it
-        {"30", 0, true, true},
-        {nullptr, cmd::kAlarmOff, false, true},
-        {nullptr, 0, false, false},  // the tick clears it
-        {nullptr, cmd::kStopGps, false, false},
-    };
-    for (const Step& s : steps) {
-        if (s.command != 0) {
+    } steps[] = {{"20", 0, false, false},
+                 {nullptr, 0, false, false},  // below the limit
+                 {"30", 0, true, true},       // red at once
+                 {nullptr, 0, true, false},
+                 {nullptr, 0, true, true},
+                 {"31", 0, true, true},
+                 {"20", 0, false, false},  // the drop ends it
+                 {"30", 0, true, true},
+                 {nullptr, cmd::kAlarmOff, false, true},
+                 {nullptr, 0, false, false},  // the tick clears it
+                 {nullptr, cmd::kStopGps, false, false}};
+    for (const auto& s : steps) {
+        if (s.command != 0)
             shell.OnCommand(s.command);
-        } else if (s.knots != nullptr) {
-            SetSpeed(s.knots);
-            shell.OnGpsData();
-        } else {
+        else if (s.knots != nullptr)
+            DriveAt(s.knots);
+        else
             shell.OnBlinkTick();
-        }
-        EXPECT_EQ(shell.SpeedAlarmShowing(), s.showing) << (s.knots ? s.knots : "tick");
-        EXPECT_EQ(shell.alarmFlashPhase, s.phase) << (s.knots ? s.knots : "tick");
+        EXPECT_EQ(std::tuple(shell.SpeedAlarmShowing(), shell.alarmFlashPhase),
+                  std::tuple(s.showing, s.phase))
+            << (s.knots ? s.knots : "tick");
     }
 }
 
 TEST_F(ShellTest, AlarmCellTapSetsItsLimitOrSwitchesTheLitOneOff) {
-    struct Case {
+    const struct {
         std::uint32_t on, limit;
         int cell;
         std::uint32_t onAfter, limitAfter;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, 50, 3, 1, 80},   // off: a cell switches on at its limit
         {1, 50, 7, 1, 120},  // another cell moves the limit
         {1, 90, 4, 0, 90},   // the lit cell switches off, the limit stays
         {1, 55, 0, 1, 50},   // an odd limit lights cell 0 but 50 is not it
-        {1, 70, -1, 1, 70},  // not a cell
+        {1, 70, -1, 1, 70}   // not a cell
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         settings.speedAlarmOn = c.on;
         settings.speedAlarmLimit = c.limit;
         shell.OnAlarmCellTap(c.cell);
-        EXPECT_EQ(settings.speedAlarmOn, c.onAfter) << c.on << " " << c.limit << " " << c.cell;
-        EXPECT_EQ(settings.speedAlarmLimit, c.limitAfter)
+        EXPECT_EQ(std::tuple(settings.speedAlarmOn, settings.speedAlarmLimit),
+                  std::tuple(c.onAfter, c.limitAfter))
             << c.on << " " << c.limit << " " << c.cell;
     }
 }
@@ -260,8 +244,7 @@ TEST_F(ShellTest, FirstSoundFailureIsReportedOnceInTheStatus) {
     shell.OnCommand(cmd::kStartGps);
     shell.OnCommand(cmd::kAlarm50);
     for (const char* knots : {"20", "30", "31", "10", "30"}) {
-        SetSpeed(knots);
-        shell.OnGpsData();
+        DriveAt(knots);
         EXPECT_EQ(shell.status,
                   knots == std::string("20") ? "" : LoadString(common::kStrAlarmSoundFailed));
     }
@@ -276,14 +259,12 @@ TEST_F(ShellTest, RecordingFaultsShowUntilAWriteWorks) {
         Recording recording;
         int error;
         const char* status;
-    } steps[] = {
-        {Recording::Track, ENOSPC, "轨迹记录失败：磁盘已满"},
-        {Recording::Track, EFBIG, "轨迹记录失败：磁盘已满"},
-        {Recording::Nmea, ENOENT, "轨迹记录失败：磁盘已满；NMEA 记录失败：文件夹不存在"},
-        {Recording::Track, 0, "NMEA 记录失败：文件夹不存在"},
-        {Recording::Nmea, EACCES, "NMEA 记录失败：没有写入权限"},
-        {Recording::Nmea, 0, ""},
-    };
+    } steps[] = {{Recording::Track, ENOSPC, "轨迹记录失败：磁盘已满"},
+                 {Recording::Track, EFBIG, "轨迹记录失败：磁盘已满"},
+                 {Recording::Nmea, ENOENT, "轨迹记录失败：磁盘已满；NMEA 记录失败：文件夹不存在"},
+                 {Recording::Track, 0, "NMEA 记录失败：文件夹不存在"},
+                 {Recording::Nmea, EACCES, "NMEA 记录失败：没有写入权限"},
+                 {Recording::Nmea, 0, ""}};
     for (const auto& step : steps) {
         shell.ReportRecordingWrite(step.recording, step.error);
         EXPECT_EQ(shell.status, step.status) << step.error;
@@ -298,11 +279,9 @@ TEST(SpeedAlarmTest, FailingSoundIsRetriedABoundedNumberOfTimes) {
     sound.failing = true;
     SpeedAlarm alarm(sound, 3);
     alarm.CheckSpeedAlarm(60, true, 50, true);
-    EXPECT_TRUE(alarm.playing());
-    EXPECT_EQ(sound.playCalls, 3);
+    EXPECT_EQ(std::tuple(alarm.playing(), sound.playCalls), std::tuple(true, 3));
     alarm.CheckSpeedAlarm(10, true, 50, true);
-    EXPECT_FALSE(alarm.playing());
-    EXPECT_EQ(sound.stopCalls, 3);
+    EXPECT_EQ(std::tuple(alarm.playing(), sound.stopCalls), std::tuple(false, 3));
 }
 
 // The settings' file in a folder that is missing: the folder is made; one
@@ -325,9 +304,7 @@ TEST(ShellExitTest, SettingsThatCannotBeSavedAreSaid) {
         EXPECT_TRUE(ui.closed);
         EXPECT_EQ(std::filesystem::exists(path), saved) << path;
         ASSERT_EQ(ui.messages.size(), saved ? 1u : 2u) << path;  // the question, then the failure
-        if (!saved) {
-            EXPECT_NE(ui.messages[1].first.find(path), std::string::npos);
-        }
+        EXPECT_TRUE(saved || ui.messages[1].first.find(path) != std::string::npos);
     }
     std::filesystem::remove_all(dir);
 }
@@ -353,18 +330,15 @@ TEST_F(ShellTest, MenuMarks) {
     shell.OnCommand(cmd::kCompass);
     const MenuEntry menu = shell.BuildMainMenu();
     const MenuEntry view = shell.BuildViewMenu();
-    struct Case {
+    const struct {
         const MenuEntry* root;
         int id;
         bool checked;
-    };
-    const Case cases[] = {
-        {&menu, cmd::kAlarm50 + 2, true},
-        {&menu, cmd::kAlarmOff, false},
-        {&menu, cmd::kNautical, true},
-        {&view, cmd::kCompass, true},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{&menu, cmd::kAlarm50 + 2, true},
+                 {&menu, cmd::kAlarmOff, false},
+                 {&menu, cmd::kNautical, true},
+                 {&view, cmd::kCompass, true}};
+    for (const auto& c : cases) {
         const MenuEntry* e = FindMenuEntry(*c.root, c.id);
         ASSERT_NE(e, nullptr) << c.id;
         EXPECT_EQ(e->checked, c.checked) << c.id;
@@ -427,10 +401,8 @@ TEST_F(ShellTest, DisplayStateFollowsTheShell) {
     shell.OnCommand(cmd::kSatelliteData);
 
     const screens::DisplayState& d = shell.display();
-    EXPECT_EQ(d.currentScreen, -1);
-    EXPECT_EQ(d.unitSystem, common::kNautical);
-    EXPECT_TRUE(d.speedAlarmOn);
-    EXPECT_EQ(d.speedAlarmLimit, 110);
+    EXPECT_EQ(std::tuple(d.currentScreen, d.unitSystem, d.speedAlarmOn, d.speedAlarmLimit),
+              std::tuple(-1, common::kNautical, true, 110));
     EXPECT_TRUE(d.recording && d.linkRunning && d.fixValid && d.fixTimeKnown);
     EXPECT_NEAR(d.latitude, -(30 + 14.7487 / 60), 1e-9);
     EXPECT_NEAR(d.longitude, 120 + 9.766 / 60, 1e-9);
@@ -441,8 +413,7 @@ TEST_F(ShellTest, DisplayStateFollowsTheShell) {
     std::strcpy(link.gps.latitude, "0000.0000");
     shell.OnGpsData();
     EXPECT_NEAR(d.latitude, -(30 + 14.7487 / 60), 1e-9);
-    EXPECT_EQ(d.unitSystem, common::kMetric);
-    EXPECT_FALSE(d.fixValid);
+    EXPECT_EQ(std::tuple(d.unitSystem, d.fixValid), std::tuple(common::kMetric, false));
 }
 
 TEST_F(ShellTest, FeaturesPlugInCommandsMenusKeysTabsAndStateSections) {

@@ -50,11 +50,8 @@ TEST(BatchSplitter, Cases) {
         {"long line", l10 + x(60) + "\n" + l10, 25, false, {l10, x(25), x(25), x(10) + "\n" + l10}},
         {"cut mode", x(60, 'y'), 25, true, {x(25, 'y'), x(25, 'y'), x(10, 'y')}},
         {"cut mode ignores lines", l20 + l10, 25, true, {l20 + "12345", "6789\n"}},
-        {"batch of one byte", "ab\n", 1, false, {"a", "b", "\n"}},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Split(c.input, c.batch, c.cut), c.expected) << c.name;
-    }
+        {"batch of one byte", "ab\n", 1, false, {"a", "b", "\n"}}};
+    for (const auto& c : cases) EXPECT_EQ(Split(c.input, c.batch, c.cut), c.expected) << c.name;
 }
 
 TEST(BatchSplitter, LargeStreamsLoseNothing) {

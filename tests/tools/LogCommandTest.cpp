@@ -42,9 +42,8 @@ TEST(LogCommand, EndsWithoutALossLineAndTellsAnUnwritableFolderOnce) {
     const int status = ::pclose(p);
     receiver.join();
     ::close(master);
-    std::ifstream e(err);
     std::stringstream errors;
-    errors << e.rdbuf();
+    errors << std::ifstream(err).rdbuf();
 
     EXPECT_EQ(WEXITSTATUS(status), 0);
     EXPECT_NE(out.find("\"batch\":1"), std::string::npos) << out;

@@ -31,8 +31,7 @@ TEST(MapCommand, TwoPointCalibration) {
                              " --to-image 0,0 --northing -0.5 --northing 85 --view-scale 2");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out.back(), '\n');
-    EXPECT_EQ(Field(r.out, "activeReferenceCount"), "2");
-    EXPECT_EQ(Field(r.out, "calibrated"), "true");
+    EXPECT_EQ(Field(r.out, "activeReferenceCount") + Field(r.out, "calibrated"), "2true");
     const std::string lat = Field(r.out, "latPerPixel");
     EXPECT_EQ(lat, "[0.0050000000000000001,0.0050000000000000001,0,0,0,0,0,0,0,0,0]");
     EXPECT_EQ(std::strtod(lat.c_str() + 1, nullptr), 1.0 / 200.0);  // reads back exactly
@@ -43,35 +42,33 @@ TEST(MapCommand, TwoPointCalibration) {
               R"([{"latitude":29.5,"longitude":110.5,"imageX":50,"imageY":100},)"
               R"({"latitude":0,"longitude":0,"imageX":-11000,"imageY":6000}])");
     // 100 pixels for 2 km, 111 km a band: -1.5 bands at -0.5°.
-    EXPECT_EQ(Field(Field(r.out, "northing"), "value"), "-8325");
-    EXPECT_EQ(Field(r.out, "residualsMetres"), "[0,0]");
+    EXPECT_EQ(Field(Field(r.out, "northing"), "value") + " " + Field(r.out, "residualsMetres"),
+              "-8325 [0,0]");
 }
 
 TEST(MapCommand, UncalibratedAndHostileFiles) {
-    struct Case {
+    const struct {
         const char* what;
         std::string text;
         const char* active;
         const char* toGeo;
         const char* toImage;
-    };
-    const Case cases[] = {
-        {"empty file", "", "0", R"({"imageX":5,"imageY":6,"latitude":0,"longitude":0})",
-         R"({"latitude":1,"longitude":2,"imageX":0,"imageY":0})"},
-        {"two points on one row", "1,10,20,0,5,1,11,21,9,5", "2",
-         R"({"imageX":5,"imageY":6,"latitude":10,"longitude":20.555555555555557})",
-         R"({"latitude":1,"longitude":2,"imageX":-162,"imageY":null})"},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"empty file", "", "0", R"({"imageX":5,"imageY":6,"latitude":0,"longitude":0})",
+                  R"({"latitude":1,"longitude":2,"imageX":0,"imageY":0})"},
+                 {"two points on one row", "1,10,20,0,5,1,11,21,9,5", "2",
+                  R"({"imageX":5,"imageY":6,"latitude":10,"longitude":20.555555555555557})",
+                  R"({"latitude":1,"longitude":2,"imageX":-162,"imageY":null})"}};
+    for (const auto& tc : cases) {
         const std::string rpt = WriteRpt("hostile.rpt", tc.text);
         const ToolRun r = RunMap("--rpt " + rpt + " --size 10x10 --to-geo 5,6 --to-image 1,2");
         ASSERT_EQ(r.status, 0) << tc.what << r.err;
-        EXPECT_EQ(Field(r.out, "calibrated"), "false") << tc.what;
-        EXPECT_EQ(Field(r.out, "activeReferenceCount"), tc.active) << tc.what;
-        EXPECT_EQ(Field(r.out, "mapCentre"), "null") << tc.what;
-        EXPECT_EQ(Field(r.out, "residualsMetres"), "null") << tc.what;
-        EXPECT_EQ(Field(r.out, "toGeo"), std::string("[") + tc.toGeo + "]") << tc.what;
-        EXPECT_EQ(Field(r.out, "toImage"), std::string("[") + tc.toImage + "]") << tc.what;
+        std::string fields;
+        for (const char* name : {"calibrated", "activeReferenceCount", "mapCentre",
+                                 "residualsMetres", "toGeo", "toImage"})
+            fields += Field(r.out, name) + " ";
+        EXPECT_EQ(fields, std::string("false ") + tc.active + " null null [" + tc.toGeo + "] [" +
+                              tc.toImage + "] ")
+            << tc.what;
     }
 }
 
@@ -92,21 +89,16 @@ TEST(MapCommand, ResidualsShowAnInconsistentPoint) {
 
 TEST(MapCommand, BadUseExitsWithStatusTwo) {
     const std::string rpt = WriteRpt("ok.rpt", "1,1,1,1,1,");
-    struct Case {
+    const struct {
         const char* what;
         std::string args;
-    };
-    const Case cases[] = {
-        {"missing file", "--rpt " + ::testing::TempDir() + "none.rpt --size 10x10"},
-        {"no size", "--rpt " + rpt},
-        {"bad pair", "--rpt " + rpt + " --size 1x1 --to-geo 5"},
-        {"unknown option", "--rpt " + rpt + " --size 1x1 --frobnicate"},
-    };
-    for (const Case& tc : cases) {
+    } cases[] = {{"missing file", "--rpt " + ::testing::TempDir() + "none.rpt --size 10x10"},
+                 {"no size", "--rpt " + rpt},
+                 {"bad pair", "--rpt " + rpt + " --size 1x1 --to-geo 5"},
+                 {"unknown option", "--rpt " + rpt + " --size 1x1 --frobnicate"}};
+    for (const auto& tc : cases) {
         const ToolRun r = RunMap(tc.args);
-        EXPECT_EQ(r.status, 2) << tc.what;
-        EXPECT_EQ(r.out, "") << tc.what;
-        EXPECT_FALSE(r.err.empty()) << tc.what;
+        EXPECT_EQ(std::tuple(r.status, r.out, r.err.empty()), std::tuple(2, "", false)) << tc.what;
     }
     const ToolRun missing = RunMap(cases[0].args);
     EXPECT_EQ(std::count(missing.err.begin(), missing.err.end(), '\n'), 1) << missing.err;

@@ -62,20 +62,16 @@ class FakeTrackPlatform : public TrackPlatform {
         else
             done();
     }
-    bool failTrackTimer = false;
-    bool trackRunning = false;
-    std::uint32_t trackPeriod = 0;
     void ShowStatistics(const std::string& name, const TrackStatistics& stats, int) override {
         statisticsName = name;
         statisticsPoints = stats.points();
     }
-    bool failFollowTimer = false;
+    bool failTrackTimer = false, trackRunning = false, failFollowTimer = false;
+    bool deferDone = false;  // the read ends only when the test says
+    std::uint32_t trackPeriod = 0, followPeriod = 0;
     std::string statisticsName;
     std::uint64_t statisticsPoints = 0;
-    bool deferDone = false;  // the read ends only when the test says
-    std::function<void()> deferred;
-    std::uint32_t followPeriod = 0;
-    std::function<void()> followExpired;
+    std::function<void()> deferred, followExpired;
 };
 
 class FeatureFixture : public ::testing::Test {

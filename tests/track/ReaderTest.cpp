@@ -35,12 +35,11 @@ const std::string kLine = "120.150000,30.250000,,20240501 08:00:01,12.5,90.0,10.
 
 TEST(TrackLogReader, HostileLogs) {
     const std::string field259(259, 'x');
-    struct ReaderCase {
+    const struct {
         const char* name;
         std::string bytes;
         std::string points;
-    };
-    const ReaderCase cases[] = {
+    } cases[] = {
         {"a recorded line", kLine, "120.15,30.25,2024-05-01 08:00:01;"},
         {"empty file", "", ""},
         {"three fields only", "1,2,\r\n1,2\r\n", ""},
@@ -60,18 +59,14 @@ TEST(TrackLogReader, HostileLogs) {
          "7,2,2024-05-01 08:00:01;"},
         {"megabyte line", std::string(1 << 20, '9') + ",2,,20240501 08:00:01\r\n",
          "1e+144,2,2024-05-01 08:00:01;"},
-        {"NUL ends a field's text",
-         "1.5\0"
-         "99,2,,2024\0"
-         "0501 08:00:01\r\n"s,
+        {"NUL ends a field's text", "1.5\0\x39\x39,2,,2024\0\x30\x35\x30\x31 08:00:01\r\n"s,
          "1.5,2,2024-00-00 00:00:00;"},
         {"short and odd date-times", "1,2,,2024\r\n1,2,,-3 x5\r\n",
          "1,2,2024-00-00 00:00:00;1,2,-003-05-00 00:00:00;"},
         {"binary noise", "\xff\xfe\x01\x02,\x80\r\n\r\n,,,\r\n"s, "0,0,0000-00-00 00:00:00;"},
         {"nan, inf and overflow read 0", "nan,-inf,,2024\r\n1e999,infinity,,2024\r\n",
-         "0,0,2024-00-00 00:00:00;0,0,2024-00-00 00:00:00;"},
-    };
-    for (const ReaderCase& c : cases) {
+         "0,0,2024-00-00 00:00:00;0,0,2024-00-00 00:00:00;"}};
+    for (const auto& c : cases) {
         EXPECT_EQ(Points(c.bytes), c.points) << c.name;
         // Pieces of any size give the same points as the whole.
         for (const std::size_t piece : {1u, 7u, 4096u})
@@ -96,8 +91,8 @@ TEST(TrackViewing, ViewRefuseRebuildAndClose) {
     TrackState state;
     EXPECT_EQ(ViewTrackLog(state, a, "a.log", Projections(true)), ViewResult::Shown);
     EXPECT_TRUE(state.trackViewOn);
-    EXPECT_EQ(state.viewedWorldTrail.Count(), 2u);
-    EXPECT_EQ(state.viewedMapTrail.Count(), 2u);
+    EXPECT_EQ(std::tuple(state.viewedWorldTrail.Count(), state.viewedMapTrail.Count()),
+              std::tuple(2u, 2u));
     EXPECT_FLOAT_EQ(state.viewedWorldTrail.At(0).x, 1201.5f);
     EXPECT_EQ(state.viewedWorldTrail.At(0).time, test::Time(2024, 5, 1, 8, 0, 1));
 
@@ -113,16 +108,15 @@ TEST(TrackViewing, ViewRefuseRebuildAndClose) {
     // The map changed: the viewed log is read again for it, and the live map
     // trail is rebuilt from the log being written.
     EXPECT_TRUE(ReadViewedTrack(state, Projections(false)));
-    EXPECT_EQ(state.viewedWorldTrail.Count(), 2u);
-    EXPECT_EQ(state.viewedMapTrail.Count(), 0u);
+    EXPECT_EQ(std::tuple(state.viewedWorldTrail.Count(), state.viewedMapTrail.Count()),
+              std::tuple(2u, 0u));
     EXPECT_TRUE(RebuildLiveMapTrail(state, Projections(true)));
-    EXPECT_EQ(state.liveMapTrail.Count(), 1u);
-    EXPECT_EQ(state.liveWorldTrail.Count(), 0u);
+    EXPECT_EQ(std::tuple(state.liveMapTrail.Count(), state.liveWorldTrail.Count()),
+              std::tuple(1u, 0u));
 
     CloseViewedTrack(state);
-    EXPECT_FALSE(state.trackViewOn);
-    EXPECT_TRUE(state.viewedTrackPath.empty());
-    EXPECT_TRUE(state.viewedWorldTrail.Empty());
+    EXPECT_TRUE(!state.trackViewOn && state.viewedTrackPath.empty() &&
+                state.viewedWorldTrail.Empty());
 }
 
 TEST(TrackViewing, ProgressReportsTheWholeFile) {
@@ -139,10 +133,9 @@ TEST(TrackViewing, ProgressReportsTheWholeFile) {
             total = all;
             ++calls;
         });
-    EXPECT_EQ(last, log.size());
-    EXPECT_EQ(total, log.size());
+    EXPECT_EQ(std::tuple(last, total, points),
+              std::tuple(log.size(), log.size(), log.size() / kLine.size()));
     EXPECT_GE(calls, 3u);
-    EXPECT_EQ(points, log.size() / kLine.size());
 }
 
 // A log past the budget of points is read up to it and says so; a log of
@@ -161,28 +154,21 @@ TEST(TrackViewing, BudgetOfPoints) {
         std::uint64_t budget;
         std::uint64_t points;
         TrackFileResult result;
-    } cases[] = {
-        {"tiny.log", 10, 10, TrackFileResult::TooLarge},
-        {"tiny.log", 99, 99, TrackFileResult::TooLarge},
-        {"tiny.log", 100, 100, TrackFileResult::Read},
-        {"many.gpx", 10, 10, TrackFileResult::TooLarge},
-    };
+    } cases[] = {{"tiny.log", 10, 10, TrackFileResult::TooLarge},
+                 {"tiny.log", 99, 99, TrackFileResult::TooLarge},
+                 {"tiny.log", 100, 100, TrackFileResult::Read},
+                 {"many.gpx", 10, 10, TrackFileResult::TooLarge}};
     for (const auto& c : cases) {
         std::uint64_t points = 0;
-        EXPECT_EQ(
-            ReadTrackFile(
-                dir + "/" + c.file, [&](const TrackFilePoint&) { ++points; }, {}, {}, c.budget)
-                .result,
-            c.result)
-            << c.file << " " << c.budget;
-        EXPECT_EQ(points, c.points) << c.file << " " << c.budget;
+        const auto count = [&](const TrackFilePoint&) { ++points; };
+        const auto result = ReadTrackFile(dir + "/" + c.file, count, {}, {}, c.budget).result;
+        EXPECT_EQ(std::tuple(result, points), std::tuple(c.result, c.points)) << c.file << c.budget;
     }
     // A position too far out for a pixel is on no trail.
     test::WriteFile(dir + "/far.log", "1,1e308,,2024\r\n" + kLine);
     const TrackRead read = ReadTrackTrails(dir + "/far.log", Projections(true));
-    EXPECT_TRUE(read.opened);
-    EXPECT_EQ(read.result, TrackFileResult::Read);
-    EXPECT_EQ(read.world.Count(), 1u);
+    EXPECT_EQ(std::tuple(read.opened, read.result, read.world.Count()),
+              std::tuple(true, TrackFileResult::Read, 1u));
 }
 
 }  // namespace

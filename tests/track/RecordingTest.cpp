@@ -25,20 +25,17 @@ TEST(TrackLogFile, NameAndLines) {
     EXPECT_EQ(TrackFilePath("/logs/Track Log", kStart), "/logs/Track Log/20070315142530.log");
     EXPECT_EQ(TrackFileName(Time(2026, 1, 2, 3, 4, 5)), "20260102030405.log");
 
-    struct LineCase {
+    const struct {
         double lon, lat;
         const char *speed, *course, *altitude, *line;
-    };
-    const LineCase cases[] = {
-        {12.5, -33.25, "0.52", "123.40", "35.2",
-         "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"},
-        {-0.1234565, 51.5, "", "", "", "-0.123456,51.500000,,20070315 14:25:30,,,\r\n"},
-        {120.15, 30.25, "10.0", "90.0", "",
-         "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"},
-    };
+    } cases[] = {{12.5, -33.25, "0.52", "123.40", "35.2",
+                  "12.500000,-33.250000,,20070315 14:25:30,0.52,123.40,35.2\r\n"},
+                 {-0.1234565, 51.5, "", "", "", "-0.123456,51.500000,,20070315 14:25:30,,,\r\n"},
+                 {120.15, 30.25, "10.0", "90.0", "",
+                  "120.150000,30.250000,,20070315 14:25:30,10.0,90.0,\r\n"}};
     // The line is the same whatever the user's locale says about decimals.
     const bool german = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-    for (const LineCase& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(FormatTrackLine(c.lon, c.lat, kStart, c.speed, c.course, c.altitude), c.line)
             << "german locale: " << german;
     std::setlocale(LC_NUMERIC, "C");
@@ -46,48 +43,44 @@ TEST(TrackLogFile, NameAndLines) {
 }
 
 TrackSample Sample(bool fix, bool world, bool map, int second = 30) {
-    TrackSample s;
-    s.time = Time(2007, 3, 15, 14, 25, second);
-    s.fixValid = fix;
-    s.longitude = 12.5;
-    s.latitude = -33.25;
-    s.speedKnots = "0.52";
-    s.course = "123.40";
-    s.altitude = "35.2";
-    s.worldValid = world;
-    s.worldX = 10;
-    s.worldY = 20;
-    s.mapValid = map;
-    s.mapX = 30;
-    s.mapY = 40;
-    return s;
+    return {.time = Time(2007, 3, 15, 14, 25, second),
+            .fixValid = fix,
+            .longitude = 12.5,
+            .latitude = -33.25,
+            .speedKnots = "0.52",
+            .course = "123.40",
+            .altitude = "35.2",
+            .worldValid = world,
+            .worldX = 10,
+            .worldY = 20,
+            .mapValid = map,
+            .mapX = 30,
+            .mapY = 40};
 }
 
 TEST(TrackRecording, SamplesGoToTheFileAndTheTrails) {
-    struct SampleCase {
+    const struct {
         const char* name;
         bool recording, fix, world, map;
         std::size_t lines, worldPoints, mapPoints;
         bool fileExists;
-    };
-    const SampleCase cases[] = {
-        {"recording with a fix", true, true, true, true, 1, 1, 1, true},
-        {"no fix: the file is made, no line", true, false, true, false, 0, 1, 0, true},
-        {"not recording", false, true, true, true, 0, 1, 1, false},
-        {"no calibrated map", true, true, true, false, 1, 1, 0, true},
-        {"position not converted", true, true, false, false, 1, 0, 0, true},
-    };
-    for (const SampleCase& c : cases) {
+    } cases[] = {{"recording with a fix", true, true, true, true, 1, 1, 1, true},
+                 {"no fix: the file is made, no line", true, false, true, false, 0, 1, 0, true},
+                 {"not recording", false, true, true, true, 0, 1, 1, false},
+                 {"no calibrated map", true, true, true, false, 1, 1, 0, true},
+                 {"position not converted", true, true, false, false, 1, 0, 0, true}};
+    for (const auto& c : cases) {
         TrackState state;
         state.trackFolder = ScratchFolder("samples");
         state.trackLogOn = c.recording;
         StartTrackLog(state, Sample(c.fix, c.world, c.map));
         const std::string path = state.trackFolder + "/20070315142530.log";
         const std::string text = ReadFile(path);
-        EXPECT_EQ(access(path.c_str(), F_OK) == 0, c.fileExists) << c.name;
-        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), static_cast<long>(c.lines)) << c.name;
-        EXPECT_EQ(state.liveWorldTrail.Count(), c.worldPoints) << c.name;
-        EXPECT_EQ(state.liveMapTrail.Count(), c.mapPoints) << c.name;
+        EXPECT_EQ(std::tuple(access(path.c_str(), F_OK) == 0,
+                             std::size_t(std::count(text.begin(), text.end(), '\n')),
+                             state.liveWorldTrail.Count(), state.liveMapTrail.Count()),
+                  std::tuple(c.fileExists, c.lines, c.worldPoints, c.mapPoints))
+            << c.name;
     }
 }
 
@@ -118,8 +111,8 @@ TEST(TrackRecording, UnwritableLogsLoseNothing) {
     state.trackFolder = dir + "/missing";
     state.trackLogOn = true;
     StartTrackLog(state, Sample(true, true, true));
-    EXPECT_EQ(state.lastWrite, TrackWrite::NotOpened);
-    EXPECT_EQ(state.liveWorldTrail.Count(), 1u);
+    EXPECT_EQ(std::tuple(state.lastWrite, state.liveWorldTrail.Count()),
+              std::tuple(TrackWrite::NotOpened, 1u));
 }
 
 TEST(TrackRecording, AGpxBesideTheLogWhenAsked) {
@@ -134,21 +127,18 @@ TEST(TrackRecording, AGpxBesideTheLogWhenAsked) {
         OnTrackTick(state, true, Sample(true, true, false, 20));
         OnTrackTick(state, true, Sample(true, true, false, 30));
         const std::string gpx = dir + "/20070315142510.gpx";
-        EXPECT_EQ(state.gpxFilePath, asked ? gpx : "");
-        EXPECT_EQ(state.liveStats.points(), 2u);
+        EXPECT_EQ(std::tuple(state.gpxFilePath, state.liveStats.points()),
+                  std::tuple(asked ? gpx : "", 2u));
         if (!asked)
             continue;
         std::size_t points = 0;
         const TrackFileRead read = ReadTrackFile(gpx, [&](const TrackFilePoint& p) {
             ++points;
-            EXPECT_EQ(p.elevation, 35.2);
-            EXPECT_EQ(p.course, 123.4);
+            EXPECT_EQ(std::tuple(p.elevation, p.course), std::tuple(35.2, 123.4));
         });
-        EXPECT_EQ(read.result, TrackFileResult::Read);
-        EXPECT_EQ(points, 2u);
+        EXPECT_EQ(std::tuple(read.result, points), std::tuple(TrackFileResult::Read, 2u));
         OnTrackTick(state, false, TrackSample{});  // the link stopped
-        EXPECT_EQ(state.gpxFilePath, "");
-        EXPECT_EQ(state.liveStats.points(), 0u);
+        EXPECT_EQ(std::tuple(state.gpxFilePath, state.liveStats.points()), std::tuple("", 0u));
     }
 }
 

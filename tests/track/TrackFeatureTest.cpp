@@ -14,6 +14,7 @@ namespace satwalk::track {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 using test::ReadFile;
 using test::WriteFile;
 
@@ -40,20 +41,18 @@ class TrackFeatureTest : public test::FeatureFixture {
 };
 
 TEST_F(TrackFeatureTest, SaveCommandStartsAndEndsLogs) {
-    struct Case {
+    const struct {
         const char* name;
         bool running, fix, recordingBefore;
         bool recordingAfter;
         int lines;  // -1: no file
         bool timerArmed;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"on with a fix", true, true, false, true, 1, true},
         {"on without a fix: the file is made empty", true, false, false, true, 0, true},
         {"on while stopped: the log waits for the link", false, false, false, true, -1, false},
-        {"off: the file stays", true, true, true, false, 1, false},
-    };
-    for (const Case& c : cases) {
+        {"off: the file stays", true, true, true, false, 1, false}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         shell.OnCommand(shell::cmd::kStopGps);
         fs::remove_all(TrackFolder());
@@ -80,9 +79,7 @@ TEST_F(TrackFeatureTest, SaveCommandStartsAndEndsLogs) {
         ASSERT_FALSE(file.empty());
         const std::string text = ReadFile(file);
         EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), c.lines);
-        if (c.recordingBefore) {
-            EXPECT_EQ(state().trackFilePath, "");
-        }
+        EXPECT_TRUE(!c.recordingBefore || state().trackFilePath.empty()) << state().trackFilePath;
     }
 }
 
@@ -123,10 +120,9 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
     // The link dies under the timer: the next tick ends everything but the file.
     link.running = false;
     feature->OnTrackTick();
-    EXPECT_FALSE(platform->trackRunning);
-    EXPECT_EQ(settings.trackLogOn, 0u);
-    EXPECT_EQ(state().trackFilePath, "");
-    EXPECT_EQ(Count(&TrackState::liveWorldTrail), 0u);
+    EXPECT_EQ(std::tuple(platform->trackRunning, settings.trackLogOn, state().trackFilePath,
+                         Count(&TrackState::liveWorldTrail)),
+              std::tuple(false, 0u, "", 0u));
     EXPECT_EQ(ReadFile(path), text);
 
     // Stopping by command ends recording too; a new start does not resume it.
@@ -140,17 +136,14 @@ TEST_F(TrackFeatureTest, LogFollowsTheLinkAndTicks) {
 
 TEST_F(TrackFeatureTest, TimerFailuresAreSaid) {
     const std::string tail = "\n\nPress OK to continue...";
-    struct Case {
+    const struct {
         const char* name;
         int command;
         std::string message;
-    };
-    const Case cases[] = {
-        {"save", cmd::kSaveTrack, kTrackTimerFailedOnSave},
-        {"interval", cmd::kTrack10s + 1, kTrackTimerFailedOnInterval},
-        {"start", shell::cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail},
-    };
-    for (const Case& c : cases) {
+    } cases[] = {{"save", cmd::kSaveTrack, kTrackTimerFailedOnSave},
+                 {"interval", cmd::kTrack10s + 1, kTrackTimerFailedOnInterval},
+                 {"start", shell::cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         shell.OnCommand(shell::cmd::kStopGps);
         settings.trackLogOn = 0;
@@ -183,57 +176,47 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
     const std::string beingWritten = state().trackFilePath;
     settings.showTrack = 0;
 
-    struct Case {
+    const auto say = [](int id, const std::string& name) {
+        return std::vector{common::FormatString(common::LoadString(id), name)};
+    };
+    const std::string writing = beingWritten.substr(beingWritten.rfind('/') + 1);
+    const struct {
         const char* name;
         std::string pick;
         std::vector<std::string> messages;
         bool viewing;
         std::uint32_t points;
-    };
-    const auto say = [](int id, const std::string& name) {
-        return common::FormatString(common::LoadString(id), name);
-    };
-    const std::string writing = beingWritten.substr(beingWritten.rfind('/') + 1);
-    const Case cases[] = {
+    } cases[] = {
         {"a log", good, {}, true, 2},
         {"cancelled", "", {}, true, 2},
         {"missing: the view stays", good + ".gone", {kOpenTrackLogFailed}, true, 2},
-        {"the log being written",
-         beingWritten,
-         {say(common::kStrLogBeingWritten, writing)},
-         true,
-         2},
-        {"no track file", junk, {say(common::kStrNotATrackFile, "junk.gpx")}, true, 2},
-        {"a cut GPX: what was whole", cut, {say(common::kStrTrackFileCut, "cut.gpx")}, true, 1},
-        {"a log again", good, {}, true, 2},
-    };
-    for (const Case& c : cases) {
+        {"the log being written", beingWritten, say(common::kStrLogBeingWritten, writing), true, 2},
+        {"no track file", junk, say(common::kStrNotATrackFile, "junk.gpx"), true, 2},
+        {"a cut GPX: what was whole", cut, say(common::kStrTrackFileCut, "cut.gpx"), true, 1},
+        {"a log again", good, {}, true, 2}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         ui.messages.clear();
         View(c.pick);
-        EXPECT_EQ(chooser.modes.back(), 2);
-        EXPECT_EQ(chooser.title, "打开文件");
+        EXPECT_EQ(std::tuple(chooser.modes.back(), chooser.title), std::tuple(2, "打开文件"s));
         EXPECT_EQ(MessageTexts(), c.messages);
-        EXPECT_EQ(state().trackViewOn, c.viewing);
-        EXPECT_EQ(Count(&TrackState::viewedWorldTrail), c.points);
+        EXPECT_EQ(std::tuple(state().trackViewOn, Count(&TrackState::viewedWorldTrail)),
+                  std::tuple(c.viewing, c.points));
     }
-    EXPECT_EQ(state().viewedTrackPath, good);
-    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
-    EXPECT_EQ(settings.showTrack, 1u);
+    EXPECT_EQ(std::tuple(state().viewedTrackPath, shell.currentScreen, settings.showTrack),
+              std::tuple(good, shell::kScreenMap, 1u));
     EXPECT_TRUE(MenuHas(cmd::kCloseTrack));
     // Each track shown is brought into view: the log's two points.
     ASSERT_EQ(shown.size(), 3u);
-    EXPECT_EQ(shown.back().south, 30.2);
-    EXPECT_EQ(shown.back().east, 120.2);
+    EXPECT_EQ(std::tuple(shown.back().south, shown.back().east), std::tuple(30.2, 120.2));
     shell.OnCommand(cmd::kTrackInfo);
-    EXPECT_EQ(platform->statisticsName, "good.log");
-    EXPECT_EQ(platform->statisticsPoints, 2u);
+    EXPECT_EQ(std::tuple(platform->statisticsName, platform->statisticsPoints),
+              std::tuple("good.log"s, 2u));
 
     shell.OnCommand(cmd::kCloseTrack);
-    EXPECT_FALSE(state().trackViewOn);
-    EXPECT_EQ(state().viewedTrackPath, "");
-    EXPECT_EQ(Count(&TrackState::viewedWorldTrail), 0u);
-    EXPECT_FALSE(MenuHas(cmd::kCloseTrack));
+    EXPECT_EQ(std::tuple(state().trackViewOn, state().viewedTrackPath,
+                         Count(&TrackState::viewedWorldTrail), MenuHas(cmd::kCloseTrack)),
+              std::tuple(false, "", 0u, false));
 }
 
 TEST_F(TrackFeatureTest, ReadClosedBeforeItEndsIsNotShown) {
@@ -245,32 +228,29 @@ TEST_F(TrackFeatureTest, ReadClosedBeforeItEndsIsNotShown) {
     EXPECT_FALSE(shell::FindMenuEntry(shell.BuildMainMenu(), cmd::kViewTrack)->enabled);
     shell.OnCommand(cmd::kCloseTrack);
     platform->deferred();
-    EXPECT_FALSE(state().trackViewOn);
-    EXPECT_EQ(Count(&TrackState::viewedWorldTrail), 0u);
+    EXPECT_EQ(std::tuple(state().trackViewOn, Count(&TrackState::viewedWorldTrail)),
+              std::tuple(false, 0u));
 }
 
 TEST_F(TrackFeatureTest, FollowPause) {
     enum class Then { Nothing, Expire, ModeChange, MapChange, StopLink };
-    struct Case {
+    const struct {
         const char* name;
         bool running, timerFails;
         Then then;
         bool paused;
         bool message;
-    };
-    const Case cases[] = {
-        {"moved by hand", true, false, Then::Nothing, true, false},
-        {"link stopped: no pause", false, false, Then::Nothing, false, false},
-        {"timer refused: paused anyway", true, true, Then::Nothing, true, true},
-        {"ten seconds on", true, false, Then::Expire, false, false},
-        {"map mode switched", true, false, Then::ModeChange, false, false},
-        {"same mode, new map", true, false, Then::MapChange, true, false},
-        {"link stopped", true, false, Then::StopLink, false, false},
-    };
+    } cases[] = {{"moved by hand", true, false, Then::Nothing, true, false},
+                 {"link stopped: no pause", false, false, Then::Nothing, false, false},
+                 {"timer refused: paused anyway", true, true, Then::Nothing, true, true},
+                 {"ten seconds on", true, false, Then::Expire, false, false},
+                 {"map mode switched", true, false, Then::ModeChange, false, false},
+                 {"same mode, new map", true, false, Then::MapChange, true, false},
+                 {"link stopped", true, false, Then::StopLink, false, false}};
     // Outlives every case: the next case's stop still tells the pause's end.
     bool told = false;
     feature->onFollowPause = [&told](bool paused) { told = paused; };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         shell.OnCommand(shell::cmd::kStopGps);
         if (c.running)
@@ -279,9 +259,8 @@ TEST_F(TrackFeatureTest, FollowPause) {
         platform->failFollowTimer = c.timerFails;
         told = false;
         feature->OnMapMovedByHand();
-        if (c.running && !c.timerFails) {
-            EXPECT_EQ(platform->followPeriod, 10000u);
-        }
+        EXPECT_TRUE(!c.running || c.timerFails || platform->followPeriod == 10000u)
+            << platform->followPeriod;
         switch (c.then) {
             case Then::Nothing:
                 break;
@@ -296,8 +275,8 @@ TEST_F(TrackFeatureTest, FollowPause) {
                 shell.OnCommand(shell::cmd::kStopGps);
                 break;
         }
-        EXPECT_EQ(feature->followPaused(), c.paused);
-        EXPECT_EQ(told, c.paused) << "the map is told";
+        EXPECT_EQ(std::tuple(feature->followPaused(), told), std::tuple(c.paused, c.paused))
+            << "paused, and the map is told";
         EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{kFollowTimerFailed}
                                             : std::vector<std::string>{});
     }

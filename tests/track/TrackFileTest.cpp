@@ -54,8 +54,7 @@ TEST(TrackFile, TheContentPicksTheReader) {
         {"$GPRMC,080001,A,3015.0,N,12009.0,E,0,0,010524,,*00\r\n", TrackFileKind::Nmea},
         {"GA,1*22\r\n$GNGGA,080001,3015.0,N,12009.0,E,1,8,1,10,M,,M,,*00\r\n", TrackFileKind::Nmea},
         {"\x89PNG\r\n\x1a\n", TrackFileKind::Unknown},
-        {"hello, world", TrackFileKind::Unknown},
-    };
+        {"hello, world", TrackFileKind::Unknown}};
     for (const auto& c : cases) EXPECT_EQ(SniffTrackFile(c.head), c.kind) << c.head;
 }
 
@@ -90,8 +89,7 @@ TEST(TrackFile, GpxAsOtherProgramsWriteIt) {
         {"a syntax error part way",
          "<trk><trkseg><trkpt lat='1' lon='2'/><trkpt lat='3'></trk>",
          TrackFileResult::Truncated,
-         {1}},
-    };
+         {1}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const Read r = ReadBytes(kHead + c.body);
@@ -118,21 +116,16 @@ TEST(TrackFile, GpxPointValues) {
     unsetenv("TZ");
     ASSERT_EQ(r.points.size(), 3u);
     const TrackFilePoint& a = r.points[0];
-    EXPECT_TRUE(a.hasTime);
-    EXPECT_EQ(FormatTrackTime(a.time), "2024-05-02 07:30:00");  // UTC+8
-    EXPECT_EQ(a.time.millisecond, 250);
-    EXPECT_EQ(a.elevation, 12.5);
-    EXPECT_EQ(a.speed, 2);
-    EXPECT_EQ(a.course, 90);
-    EXPECT_EQ(a.fix, kFix3d);
-    EXPECT_EQ(a.satellites, 7);
+    // The time in UTC+8.
+    EXPECT_EQ(std::tuple(a.hasTime, FormatTrackTime(a.time), a.time.millisecond, a.elevation,
+                         a.speed, a.course, a.fix, a.satellites),
+              std::tuple(true, "2024-05-02 07:30:00", 250, 12.5, 2, 90, kFix3d, 7));
     EXPECT_EQ(FormatTrackTime(r.points[1].time), "2024-05-01 16:00:00");
     EXPECT_FALSE(r.points[2].hasTime);
     EXPECT_TRUE(std::isnan(r.points[2].elevation));
     ASSERT_EQ(r.waypoints.size(), 1u);
-    EXPECT_EQ(r.waypoints[0].name, "Gas &amp; <go>");
-    EXPECT_EQ(r.waypoints[0].symbol, "Fuel");
-    EXPECT_EQ(r.waypoints[0].type, "00008");
+    const TrackWaypoint& w = r.waypoints[0];
+    EXPECT_EQ(std::tuple(w.name, w.symbol, w.type), std::tuple("Gas &amp; <go>", "Fuel", "00008"));
 }
 
 TEST(TrackFile, HostileXml) {
@@ -156,18 +149,15 @@ TEST(TrackFile, HostileXml) {
         const std::string& bytes;
         TrackFileResult result;
         std::size_t points, waypoints;
-    } cases[] = {
-        {"an expansion bomb stops the parse", bomb, TrackFileResult::Truncated, 1, 0},
-        {"an external entity is never read", external, TrackFileResult::Read, 0, 1},
-        {"a 20 MB attribute ends the parse, not the memory", hugeAttribute,
-         TrackFileResult::Truncated, 1, 0},
-    };
+    } cases[] = {{"an expansion bomb stops the parse", bomb, TrackFileResult::Truncated, 1, 0},
+                 {"an external entity is never read", external, TrackFileResult::Read, 0, 1},
+                 {"a 20 MB attribute ends the parse, not the memory", hugeAttribute,
+                  TrackFileResult::Truncated, 1, 0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const Read r = ReadBytes(c.bytes);
-        EXPECT_EQ(r.result, c.result);
-        EXPECT_EQ(r.points.size(), c.points);
-        ASSERT_EQ(r.waypoints.size(), c.waypoints);
+        ASSERT_EQ(std::tuple(r.result, r.points.size(), r.waypoints.size()),
+                  std::tuple(c.result, c.points, c.waypoints));
         for (const TrackWaypoint& w : r.waypoints)
             EXPECT_EQ(w.name.find("root"), std::string::npos);
     }
@@ -197,13 +187,12 @@ TEST(TrackFile, NmeaRecordings) {
                   "\n" + s("GPRMC,080005,A,3017.000,N,12011.000,E,0,0,010524,,"));
     unsetenv("TZ");
     ASSERT_EQ(r.points.size(), 3u);  // void, bad checksum and over-long lines give none
-    EXPECT_NEAR(r.points[0].latitude, 30.25, 1e-9);
-    EXPECT_NEAR(r.points[0].longitude, 120.15, 1e-9);
-    EXPECT_EQ(FormatTrackTime(r.points[0].time), "2024-05-01 08:00:01");
-    EXPECT_EQ(r.points[0].elevation, 42.5);
-    EXPECT_NEAR(r.points[0].speed, 10 * 1852.0 / 3600, 1e-9);
-    EXPECT_EQ(r.points[0].fix, kFix3d);
-    EXPECT_EQ(r.points[0].satellites, 8);
+    const TrackFilePoint& a = r.points[0];
+    EXPECT_NEAR(a.latitude, 30.25, 1e-9);
+    EXPECT_NEAR(a.longitude, 120.15, 1e-9);
+    EXPECT_NEAR(a.speed, 10 * 1852.0 / 3600, 1e-9);
+    EXPECT_EQ(std::tuple(FormatTrackTime(a.time), a.elevation, a.fix, a.satellites),
+              std::tuple("2024-05-01 08:00:01", 42.5, kFix3d, 8));
     EXPECT_NEAR(r.points[1].latitude, -(30 + 16 / 60.0), 1e-9);  // another talker
     EXPECT_NEAR(r.points[2].latitude, 30 + 17 / 60.0, 1e-9);
 }
@@ -216,8 +205,7 @@ TEST(TrackFile, LogLinesWithTheirExtraFields) {
         "120.1,30.2,,20240501 08:00:04,1");      // and so does the end of the file
     ASSERT_EQ(r.points.size(), 4u);
     EXPECT_NEAR(r.points[0].speed, 10 * 1852.0 / 3600, 1e-9);
-    EXPECT_EQ(r.points[0].course, 45.5);
-    EXPECT_EQ(r.points[0].elevation, 12.5);
+    EXPECT_EQ(std::tuple(r.points[0].course, r.points[0].elevation), std::tuple(45.5, 12.5));
     EXPECT_TRUE(std::isnan(r.points[1].speed) && std::isnan(r.points[1].elevation));
     EXPECT_EQ(r.points[2].course, 2);
     EXPECT_TRUE(std::isnan(r.points[2].elevation));
@@ -243,10 +231,9 @@ TEST(GpxWriter, TheRecordingIsAValidDocumentAfterEveryPoint) {
         const Read r = ReadBytes(test::ReadFile(path));
         EXPECT_EQ(r.result, TrackFileResult::Read);
         ASSERT_EQ(r.points.size(), static_cast<std::size_t>(i + 1));
-        EXPECT_EQ(r.points.back().latitude, 30 + i);
-        EXPECT_EQ(r.points.back().elevation, 10.25 * i);
-        EXPECT_EQ(r.points.back().speed, 3);
-        EXPECT_EQ(r.points.back().satellites, 5);
+        const TrackFilePoint& b = r.points.back();
+        EXPECT_EQ(std::tuple(b.latitude, b.elevation, b.speed, b.satellites),
+                  std::tuple(30 + i, 10.25 * i, 3, 5));
     }
     // A file that does not end as the writer left it is not touched.
     test::WriteFile(dir + "/other.gpx", "<gpx/>");

@@ -32,7 +32,7 @@ TEST(TrackStatistics, DistanceAgreesWithTheFullGeodesic) {
         {59.9, 10.7, 59.905, 10.709},        // far north, about 700 m
         {-33.9, 151.2, -33.9, 151.2},        // standing still
         {0.0, 179.999, 0.0, -179.999},       // across the antimeridian
-        {30.0, 120.0, 31.0, 121.0},          // a long jump: the full solution
+        {30.0, 120.0, 31.0, 121.0}           // a long jump: the full solution
     };
     for (const auto& c : cases) {
         double expected = 0;
@@ -54,21 +54,18 @@ TEST(TrackStatistics, NumbersOfATrack) {
     s.Add(At(3 * step, 0, 240, 104));
     EXPECT_EQ(s.points(), 5u);
     EXPECT_NEAR(s.distance(), 300, 0.5);
-    EXPECT_EQ(s.duration(), 240);
-    EXPECT_EQ(s.movingTime(), 180);
+    EXPECT_EQ(std::tuple(s.duration(), s.movingTime()), std::tuple(240, 180));
     EXPECT_NEAR(s.averageSpeed(), 300 / 180.0, 0.01);
     EXPECT_NEAR(s.maxSpeed(), 100 / 60.0, 0.01);
-    EXPECT_EQ(s.gain(), 10);  // 100 -> 110, the wiggles below 3 m left out
-    EXPECT_EQ(s.loss(), 6);
-    EXPECT_EQ(s.minElevation(), 99);
-    EXPECT_EQ(s.maxElevation(), 110);
+    // Gain 100 -> 110, the wiggles below 3 m left out.
+    EXPECT_EQ(std::tuple(s.gain(), s.loss(), s.minElevation(), s.maxElevation()),
+              std::tuple(10, 6, 99, 110));
 
     const std::vector<StatisticsRow> rows = StatisticsRows(s, 0);
     ASSERT_EQ(rows.size(), 10u);
-    EXPECT_EQ(rows[0].value, "300 m");
-    EXPECT_EQ(rows[1].value, "0:04:00");
-    EXPECT_EQ(rows[3].value, "6.0 km/h");
-    EXPECT_EQ(StatisticsRows(s, 1)[8].value, "361 ft");
+    EXPECT_EQ(
+        std::tuple(rows[0].value, rows[1].value, rows[3].value, StatisticsRows(s, 1)[8].value),
+        std::tuple("300 m", "0:04:00", "6.0 km/h", "361 ft"));
 
     TrackStatistics untimed;
     untimed.Add(At(0, 0, -1));
@@ -84,9 +81,9 @@ TEST(TrackStatistics, TheProfileStaysSmallAndEndsAtTheLastPoint) {
     const std::vector<ProfileSample> profile = s.Profile();
     EXPECT_LE(profile.size(), kProfileSamples + 1);
     EXPECT_GE(profile.size(), kProfileSamples / 2);
-    EXPECT_EQ(profile.front().distance, 0);
-    EXPECT_EQ(profile.back().distance, s.distance());
-    EXPECT_EQ(profile.back().elevation, 99999);
+    EXPECT_EQ(
+        std::tuple(profile.front().distance, profile.back().distance, profile.back().elevation),
+        std::tuple(0, s.distance(), 99999));
     for (std::size_t i = 1; i < profile.size(); ++i)
         EXPECT_LT(profile[i - 1].distance, profile[i].distance);
 }
@@ -107,17 +104,13 @@ TEST(TrackProfile, CurvesFillTheirBoxInEveryShape) {
             ASSERT_EQ(lines.size(), 2u);  // the gap breaks the curve
             const screens::Point first = lines[0].points.front();
             const screens::Point last = lines[1].points.back();
-            EXPECT_EQ(first.x, plot.left);
-            EXPECT_EQ(last.x, plot.right - 1);
-            for (const auto& line : lines) {
-                for (const screens::Point p : line.points) {
-                    EXPECT_GE(p.y, plot.top);
-                    EXPECT_LT(p.y, plot.bottom);
-                }
-            }
+            EXPECT_EQ(std::tuple(first.x, last.x), std::tuple(plot.left, plot.right - 1));
+            for (const auto& line : lines)
+                for (const screens::Point p : line.points)
+                    EXPECT_TRUE(p.y >= plot.top && p.y < plot.bottom) << p.y;
             if (kind == ProfileKind::Elevation) {
-                EXPECT_EQ(last.y, plot.top);  // the highest point at the top
-                EXPECT_EQ(first.y, plot.bottom - 1);
+                // The highest point at the top.
+                EXPECT_EQ(std::tuple(last.y, first.y), std::tuple(plot.top, plot.bottom - 1));
                 EXPECT_NE(canvas.FindText("200 m"), nullptr);
             } else {
                 EXPECT_NE(canvas.FindText("0.0 km/h"), nullptr);  // speeds from zero

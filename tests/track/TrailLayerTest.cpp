@@ -62,41 +62,32 @@ TEST(TrailLayer, TrailPointsLandWhereTheViewProjects) {
 }
 
 TEST(TrailLayer, DrawsTheTrailsOfTheModeShown) {
-    TrackState state;
-    auto fill = [](TrackList& list, float at) {
-        list.Append(TrackPoint{at, at, {}});
-        list.Append(TrackPoint{at + 50, at + 20, {}});
-    };
     enum Trail { VW = 1, VM = 2, LW = 4, LM = 8 };  // viewed or live, world or map
-    struct Case {
+    const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
+    const auto live = TrailLayerPainter::kLiveStyle.line.colour;
+    const struct {
         const char* name;
         int trails;  // which trails hold points
         bool mapMode, show, calibrated;
         std::vector<screens::Colour> lines;  // polyline colours, in order
-    };
-    const auto viewed = TrailLayerPainter::kViewedStyle.line.colour;
-    const auto live = TrailLayerPainter::kLiveStyle.line.colour;
-    const Case cases[] = {
+    } cases[] = {
         {"world: viewed under live", VW | VM | LW, false, true, true, {viewed, live}},
         {"track hidden", VW | LW, false, false, true, {}},
         {"map: its own trails", VW | VM | LM, true, true, true, {viewed, live}},
         {"map: viewed map trail only with a world trail", VM | LM, true, true, true, {live}},
-        {"map without calibration", VW | VM | LM, true, true, false, {}},
-    };
-    for (const Case& c : cases) {
+        {"map without calibration", VW | VM | LM, true, true, false, {}}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        state.viewedWorldTrail.Clear();
-        state.viewedMapTrail.Clear();
-        state.liveWorldTrail.Clear();
-        state.liveMapTrail.Clear();
-        if (c.trails & VW)
-            fill(state.viewedWorldTrail, 300);
-        if (c.trails & VM)
-            fill(state.viewedMapTrail, 310);
-        if (c.trails & LW)
-            fill(state.liveWorldTrail, 320);
-        if (c.trails & LM)
-            fill(state.liveMapTrail, 330);
+        TrackState state;
+        TrackList* trails[] = {&state.viewedWorldTrail, &state.viewedMapTrail,
+                               &state.liveWorldTrail, &state.liveMapTrail};  // VW, VM, LW, LM
+        for (int i = 0; i < 4; ++i) {
+            const auto at = static_cast<float>(300 + 10 * i);
+            if (c.trails & (1 << i)) {
+                trails[i]->Append(TrackPoint{at, at, {}});
+                trails[i]->Append(TrackPoint{at + 50, at + 20, {}});
+            }
+        }
         std::uint32_t show = c.show ? 1 : 0;
         TrailLayer layer(state, show);
         const map::MapView view = c.mapMode ? LakeMap(1000, c.calibrated) : World(10000, 0);

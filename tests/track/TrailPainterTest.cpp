@@ -23,14 +23,13 @@ TrackList Trail(const std::vector<std::pair<float, float>>& points) {
 }
 
 TEST(TrailPainter, SimplifiesInScreenSpace) {
-    struct TrailCase {
+    const TrailTransform identity;
+    const struct {
         const char* name;
         std::vector<std::pair<float, float>> points;
         TrailTransform transform;
         std::vector<Point> polyline;
-    };
-    const TrailTransform identity;
-    const TrailCase cases[] = {
+    } cases[] = {
         {"points are truncated", {{10.9f, 20.2f}, {30.5f, 40.7f}}, identity, {{10, 20}, {30, 40}}},
         {"scaled and shifted per axis", {{1, 1}, {2, 3}}, {10, 5, -10, 100}, {{15, 90}, {25, 70}}},
         {"a pixel is drawn once",
@@ -45,9 +44,8 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
          {{100, 100}, {-50, -50}, {-50, 300}, {600, -50}, {100, 100}},
          identity,
          {{100, 100}, {-50, -50}, {-50, 300}, {600, -50}, {100, 100}}},
-        {"far points", {{1e30f, 0}, {100, 100}}, identity, {{100000000, 0}, {100, 100}}},
-    };
-    for (const TrailCase& c : cases) {
+        {"far points", {{1e30f, 0}, {100, 100}}, identity, {{100000000, 0}, {100, 100}}}};
+    for (const auto& c : cases) {
         screens::RecordingCanvas canvas(kView);
         TrailPainter painter;
         const TrackList trail = Trail(c.points);
@@ -58,13 +56,12 @@ TEST(TrailPainter, SimplifiesInScreenSpace) {
 }
 
 TEST(TrailPainter, LinesHiddenUnderMarkersAreLeftOut) {
-    struct StrokeCase {
+    const struct {
         const char* name;
         std::vector<std::pair<float, float>> points;
         int penWidth;
         std::vector<std::vector<Point>> strokes;
-    };
-    const StrokeCase cases[] = {
+    } cases[] = {
         {"4 pixels apart: covered", {{100, 100}, {104, 96}}, 1, {}},
         {"5 pixels apart: drawn", {{100, 100}, {105, 100}}, 1, {{{100, 100}, {105, 100}}}},
         {"a wide pen shows", {{100, 100}, {104, 100}}, 3, {{{100, 100}, {104, 100}}}},
@@ -72,9 +69,8 @@ TEST(TrailPainter, LinesHiddenUnderMarkersAreLeftOut) {
         {"pieces join while they follow on",
          {{100, 100}, {110, 100}, {120, 100}, {121, 101}, {140, 100}},
          1,
-         {{{100, 100}, {110, 100}, {120, 100}}, {{121, 101}, {140, 100}}}},
-    };
-    for (const StrokeCase& c : cases) {
+         {{{100, 100}, {110, 100}, {120, 100}}, {{121, 101}, {140, 100}}}}};
+    for (const auto& c : cases) {
         screens::RecordingCanvas canvas(kView);
         TrailPainter painter;
         const TrackList trail = Trail(c.points);
@@ -87,18 +83,16 @@ TEST(TrailPainter, LinesHiddenUnderMarkersAreLeftOut) {
 }
 
 TEST(TrailPainter, MarkersCoverEveryVisibleVertexClippedToTheView) {
-    struct MarkerCase {
+    const struct {
         const char* name;
         std::vector<std::pair<float, float>> points;
         std::vector<Rect> rects;
-    };
-    const MarkerCase cases[] = {
+    } cases[] = {
         {"one vertex: a 6 x 6 square from x - 3 to x + 2", {{100, 200}}, {{97, 197, 103, 203}}},
         {"clipped at the corner", {{1, 1}}, {{0, 0, 4, 4}}},
         {"outside the view", {{-10, -10}}, {}},
-        {"diagonal", {{10, 10}, {12, 12}}, {{7, 7, 13, 9}, {7, 9, 15, 13}, {9, 13, 15, 15}}},
-    };
-    for (const MarkerCase& c : cases) {
+        {"diagonal", {{10, 10}, {12, 12}}, {{7, 7, 13, 9}, {7, 9, 15, 13}, {9, 13, 15, 15}}}};
+    for (const auto& c : cases) {
         screens::RecordingCanvas canvas(kView);
         TrailPainter painter;
         const TrackList trail = Trail(c.points);
@@ -118,31 +112,28 @@ TEST(TrailPainter, BuildsAgainOnlyWhenTheTrailOrViewChanges) {
     screens::RecordingCanvas canvas(kView);
     const TrailTransform moved{1, 5, 1, 0};
     const Rect turned{0, 0, 640, 480};
-    struct Step {
+    const struct {
         const char* name;
         std::function<void()> change;
         TrailTransform transform;
         Rect view;
         bool rebuilt;
-    };
-    const Step steps[] = {
-        {"first draw", [] {}, {}, kView, true},
-        {"nothing changed", [] {}, {}, kView, false},
-        {"view moved", [] {}, moved, kView, true},
-        {"view resized", [] {}, moved, turned, true},
-        {"point appended",
-         [&] {
-             trail.Append(TrackPoint{30, 30, {}});
-         },
-         moved, turned, true},
-        {"cleared and refilled alike",
-         [&] {
-             trail.Clear();
-             trail = Trail({{10, 10}, {20, 20}, {30, 30}});
-         },
-         moved, turned, true},
-    };
-    for (const Step& s : steps) {
+    } steps[] = {{"first draw", [] {}, {}, kView, true},
+                 {"nothing changed", [] {}, {}, kView, false},
+                 {"view moved", [] {}, moved, kView, true},
+                 {"view resized", [] {}, moved, turned, true},
+                 {"point appended",
+                  [&] {
+                      trail.Append(TrackPoint{30, 30, {}});
+                  },
+                  moved, turned, true},
+                 {"cleared and refilled alike",
+                  [&] {
+                      trail.Clear();
+                      trail = Trail({{10, 10}, {20, 20}, {30, 30}});
+                  },
+                  moved, turned, true}};
+    for (const auto& s : steps) {
         s.change();
         painter.Draw(canvas, trail, s.transform, s.view);
         EXPECT_EQ(painter.Rebuilt(), s.rebuilt) << s.name;
