@@ -19,23 +19,17 @@ class FakeMapPlatform final : public MapPlatform {
     void StopTimer(MapTimer timer) override { timers.erase(timer); }
     // Runs the timer's callback once, as its period ending would.
     bool Fire(MapTimer timer) {
-        const auto it = timers.find(timer);
-        if (it == timers.end())
-            return false;
-        const std::function<void()> expired = it->second.expired;
-        expired();
-        return true;
+        const std::function<void()> expired = timers.count(timer) ? timers[timer].expired : nullptr;
+        if (expired)
+            expired();
+        return static_cast<bool>(expired);
     }
-    int Period(MapTimer timer) const {
-        const auto it = timers.find(timer);
-        return it == timers.end() ? 0 : it->second.periodMs;
-    }
+    int Period(MapTimer timer) const { return timers.count(timer) ? timers.at(timer).periodMs : 0; }
 
     ImageLoadError LoadImage(const std::string& path, ImageSize& size) override {
-        const auto it = images.find(path);
-        if (it == images.end())
+        if (!images.count(path))
             return ImageLoadError::CannotOpen;
-        size = it->second;
+        size = images[path];
         loaded = path;
         return ImageLoadError::None;
     }
@@ -50,9 +44,8 @@ class FakeMapPlatform final : public MapPlatform {
                             std::function<void(bool, const ReferenceDialogFields&)> done) override {
         editedSlot = slot;
         ReferenceDialogFields fields = OpenReferenceDialog(point);
-        if (answerFields)
-            answerFields(fields);
-        done(answerOk, fields);
+        answerFields(fields);
+        done(true, fields);
     }
     bool ShowHoldMenu(int, int, std::function<void(int)> chosen, std::function<void()>) override {
         holdMenu = std::move(chosen);
@@ -65,11 +58,9 @@ class FakeMapPlatform final : public MapPlatform {
     };
     std::map<MapTimer, Timer> timers;
     std::map<std::string, ImageSize> images;  // the files that load, by path
-    std::string loaded;
-    std::string chosenFile;
+    std::string loaded, chosenFile;
     int editedSlot = -1;
-    bool answerOk = true;
-    std::function<void(ReferenceDialogFields&)> answerFields;
+    std::function<void(ReferenceDialogFields&)> answerFields = [](ReferenceDialogFields&) {};
     std::function<void(int)> holdMenu;
 
   private:
