@@ -15,8 +15,7 @@ using testing::Sentence;
 TEST(VerifyChecksum, MatchesOnlyTwoUppercaseDigits) {
     const std::tuple<unsigned, const char*, bool> cases[] = {
         {0x4A, "4A", true},  {0x4A, "4a", false}, {0x07, "07", true}, {0x07, "7\r", false},
-        {0x07, "70", false}, {0x00, "00", true},  {0xFF, "FF", true}, {0x10, "01", false},
-    };
+        {0x07, "70", false}, {0x00, "00", true},  {0xFF, "FF", true}, {0x10, "01", false}};
     for (const auto& [computed, received, match] : cases)
         EXPECT_EQ(VerifyChecksum(computed, received), match) << computed << " vs " << received;
 }
@@ -45,30 +44,28 @@ TEST(ParseNmeaBuffer, Framing) {
         const char* name;
         std::string batch;
         const char *utcTime, *satellitesUsed;  // what the RMC and GGA blocks hold afterwards
-    } cases[] = {
-        {"clean sentences", rmc + gga, "111111.000", "07"},
-        {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
-         "111111.000", "07"},
-        {"wrong checksum", WithChecksum(rmc, "00") + gga, "", "07"},
-        // This RMC's checksum is 7A: only the uppercase letter is accepted.
-        {"checksum with a letter", WithChecksum(Sentence(Rmc("111112.000")), "7A") + gga,
-         "111112.000", "07"},
-        {"lowercase checksum letter", WithChecksum(Sentence(Rmc("111112.000")), "7a") + gga, "",
-         "07"},
-        {"'$' inside a sentence drops it", rmc.substr(0, 20) + gga, "", "07"},
-        {"'$' inside the header", "$GP" + gga, "", "07"},
-        {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
-        {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
-        {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
-        {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
-        {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
-        {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
-        {"header cut at the end", rmc + "$GPG", "111111.000", ""},
-        {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
-        {"unknown sentence then a good one", Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc,
-         "111111.000", ""},
-        {"empty batch", "", "", ""},
-    };
+    } cases[] = {{"clean sentences", rmc + gga, "111111.000", "07"},
+                 {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
+                  "111111.000", "07"},
+                 {"wrong checksum", WithChecksum(rmc, "00") + gga, "", "07"},
+                 // This RMC's checksum is 7A: only the uppercase letter is accepted.
+                 {"checksum with a letter", WithChecksum(Sentence(Rmc("111112.000")), "7A") + gga,
+                  "111112.000", "07"},
+                 {"lowercase checksum letter",
+                  WithChecksum(Sentence(Rmc("111112.000")), "7a") + gga, "", "07"},
+                 {"'$' inside a sentence drops it", rmc.substr(0, 20) + gga, "", "07"},
+                 {"'$' inside the header", "$GP" + gga, "", "07"},
+                 {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
+                 {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
+                 {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
+                 {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
+                 {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
+                 {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
+                 {"header cut at the end", rmc + "$GPG", "111111.000", ""},
+                 {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
+                 {"unknown sentence then a good one",
+                  Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc, "111111.000", ""},
+                 {"empty batch", "", "", ""}};
     for (const auto& c : cases) {
         Decoder d;
         d.Feed(c.batch);

@@ -81,35 +81,31 @@ TEST(Talkers, SatelliteTable) {
     const std::string gl = Gsv("GL", 1, 3, {"65:35", "72:28", "80:"});
     const std::string ga = Gsv("GA", 1, 2, {"5:44", "11:30"});
     const std::string bd = Gsv("BD", 1, 1, {"7:36"});
+    const char* nine = "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/";
     const struct {
         const char* name;
         std::vector<std::string> batches;
         bool all;
         const char* table;  // in view: rows
-    } cases[] = {
-        {"off: GL skipped", {gp + gl}, false, "6: 5/40 12/33 20/ 25/41 29/38 31/22"},
-        {"on: one table", {gp + gl}, true, "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/"},
-        {"epoch over two batches",
-         {gp1, gp.substr(gp1.size()) + gl},
-         true,
-         "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/"},
-        {"equal numbers: GPS first",
-         {ga + gp},
-         true,
-         "08: 5/40 5/44 11/30 12/33 20/ 25/41 29/38 31/22"},
-        {"GPS beginning again: a new epoch",
-         {gp + gl, Gsv("GP", 1, 2, {"9:31", "2:30"}) + bd},
-         true,
-         "03: 2/30 7/36 9/31"},
-        {"more than 12: the strongest",
-         {gp + gl + ga + bd + Gsv("GQ", 1, 2, {"3:50", "4:21"})},
-         true,
-         "14: 3/50 4/21 5/40 5/44 7/36 11/30 12/33 25/41 29/38 31/22 65/35 72/28"},
-        {"a second signal: no doubles, the stronger kept",
-         {Gsv("GP", 1, 2, {"5:40", "12:"}, "1") + Gsv("GP", 1, 2, {"5:30", "12:25"}, "8")},
-         true,
-         "02: 5/40 12/25"},
-    };
+    } cases[] = {{"off: GL skipped", {gp + gl}, false, "6: 5/40 12/33 20/ 25/41 29/38 31/22"},
+                 {"on: one table", {gp + gl}, true, nine},
+                 {"epoch over two batches", {gp1, gp.substr(gp1.size()) + gl}, true, nine},
+                 {"equal numbers: GPS first",
+                  {ga + gp},
+                  true,
+                  "08: 5/40 5/44 11/30 12/33 20/ 25/41 29/38 31/22"},
+                 {"GPS beginning again: a new epoch",
+                  {gp + gl, Gsv("GP", 1, 2, {"9:31", "2:30"}) + bd},
+                  true,
+                  "03: 2/30 7/36 9/31"},
+                 {"more than 12: the strongest",
+                  {gp + gl + ga + bd + Gsv("GQ", 1, 2, {"3:50", "4:21"})},
+                  true,
+                  "14: 3/50 4/21 5/40 5/44 7/36 11/30 12/33 25/41 29/38 31/22 65/35 72/28"},
+                 {"a second signal: no doubles, the stronger kept",
+                  {Gsv("GP", 1, 2, {"5:40", "12:"}, "1") + Gsv("GP", 1, 2, {"5:30", "12:25"}, "8")},
+                  true,
+                  "02: 5/40 12/25"}};
     for (const auto& c : cases) EXPECT_EQ(Decoded(c.all, c.batches).Table(), c.table) << c.name;
 }
 
@@ -130,8 +126,7 @@ TEST(Talkers, SettingOffChangesNothing) {
             ParseNmeaBuffer(counted.state, counted.assembly, stream.substr(at, cut), &counted.sink,
                             &talkers);
         }
-        std::string a;
-        std::string b;
+        std::string a, b;
         AppendGpsJsonMembers(a, plain.state, ReadFix(plain.state), true);
         AppendGpsJsonMembers(b, counted.state, ReadFix(counted.state), true);
         EXPECT_EQ(a, b) << "batches of " << cut;

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <set>
 #include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -34,8 +35,7 @@ TEST(BluetoothPortTest, IndexesAreTakenFromNineDown) {
         {{9, 8}, 1, "COM7:"},
         {{9}, 3, "COM6:"},
         {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 1, "0x08200a10"},
-        {{1, 3, 5, 7, 9}, 6, "0x08200a10"},
-    };
+        {{1, 3, 5, 7, 9}, 6, "0x08200a10"}};
     for (const auto& [devices, count, lastPort] : cases) {
         RfcommPortDriver driver = Driver(devices);
         std::vector<std::unique_ptr<ReceiverLink>> links;
@@ -100,11 +100,7 @@ class BluetoothLinkTest : public ::testing::Test {
         ASSERT_EQ(::write(receiverEnd, bytes.data(), bytes.size()),
                   static_cast<ssize_t>(bytes.size()));
     }
-    void DropConnection() {
-        if (receiverEnd >= 0)
-            ::close(receiverEnd);
-        receiverEnd = -1;
-    }
+    void DropConnection() { ::close(std::exchange(receiverEnd, -1)); }
 
     RfcommPortDriver driver = Driver({});
     ReceiverLink link;
@@ -118,8 +114,7 @@ class BluetoothLinkTest : public ::testing::Test {
 TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
     ASSERT_EQ(RegisterBluetoothPort(link, kReceiver), 1);
     ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
-    EXPECT_EQ(connectedTo, kReceiver);
-    EXPECT_EQ(connectedChannel, 1);
+    EXPECT_EQ(std::tuple(connectedTo, connectedChannel), std::tuple(kReceiver, 1));
     ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
 
     Send(Rmc("3112.0001"));
@@ -130,10 +125,9 @@ TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
     DropConnection();
     ASSERT_TRUE(WaitFor([&] { return link.deviceGone.load(); }));
     LinkTimerProc(link);
-    EXPECT_EQ(sink.stopCommands, 1);
-    EXPECT_EQ(sink.stopResult, kLossDeviceGone);
-    EXPECT_FALSE(link.running);
-    EXPECT_FALSE(link.virtualPortRegistered);
+    EXPECT_EQ(std::tuple(sink.stopCommands, sink.stopResult, link.running.load(),
+                         link.virtualPortRegistered),
+              std::tuple(1, kLossDeviceGone, false, false));
     EXPECT_FALSE(driver.Registered(9)) << "the index is free again";
 }
 

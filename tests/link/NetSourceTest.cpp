@@ -36,8 +36,7 @@ TEST(SourceAddress, ParsesEveryKind) {
         {"tcp://host:65536", SourceKind::Invalid, "?"},
         {"gpsd://", SourceKind::Invalid, "?"},
         {"gpsd://[::1", SourceKind::Invalid, "?"},
-        {"gpsd://host:2947x", SourceKind::Invalid, "?"},
-    };
+        {"gpsd://host:2947x", SourceKind::Invalid, "?"}};
     for (const auto& [text, kind, label] : cases) {
         const SourceAddress a = ParseSourceAddress(text);
         EXPECT_EQ(a.kind, kind) << text;
@@ -53,8 +52,7 @@ TEST(RelaySetting, ReadsItsFileAndFallsBackToTheDefault) {
         {"on [::1]:4000", {true, "[::1]:4000"}},
         {"on boat.local:4000", {true, kRelayDefaultAddress}},  // listening takes no names
         {"yes 4000", {}},
-        {"", {}},
-    };
+        {"", {}}};
     for (const auto& [text, want] : cases) {
         EXPECT_EQ(ParseRelaySetting(text), want) << text;
         EXPECT_EQ(ParseRelaySetting(FormatRelaySetting(want)), want) << text;
@@ -82,8 +80,7 @@ TEST(ReceiverSettings, PortListShowsSourcesAndAGpsdFoundHere) {
     ReceiverSettingsDialog dialog = OpenReceiverSettings(settings, found);
     SelectPort(dialog, 11);
     AcceptReceiverSettings(dialog, settings);
-    EXPECT_EQ(settings.comPort, 11u);
-    EXPECT_EQ(settings.linkPortName, "COM11:");
+    EXPECT_EQ(std::tuple(settings.comPort, settings.linkPortName), std::tuple(11u, "COM11:"));
     // Nothing answers: no entry, and no wait beyond the probe's bound.
     EXPECT_EQ(ProbePortSlots(nullptr, {}, test::FreePort()).size(), 10u);
 }
@@ -96,14 +93,12 @@ TEST(GpsdFilter, DropsJsonLinesWhereverTheReadsSplit) {
         {"{" + std::string(5000, 'x') + "\n" + rmc, rmc},  // a long JSON line
         {"\n{}\n\n", "\n\n"},
         {"x{y\n", "x{y\n"},  // a brace inside a line is the receiver's
-        {"{\"class\":\"TPV\"", ""},
-    };
+        {"{\"class\":\"TPV\"", ""}};
     for (const auto& [in, want] : cases) {
         for (std::size_t cut = 0; cut <= in.size();
              cut += std::max<std::size_t>(1, in.size() / 37)) {
             GpsdFilter filter;
-            std::string a = in.substr(0, cut);
-            std::string b = in.substr(cut);
+            std::string a = in.substr(0, cut), b = in.substr(cut);
             a.resize(filter.Feed(a.data(), a.size()));
             b.resize(filter.Feed(b.data(), b.size()));
             EXPECT_EQ(a + b, want) << "cut at " << cut << " of " << in.substr(0, 40);
@@ -124,8 +119,7 @@ class NetLink : public ::testing::Test {
         link.devicePath = address;
         link.sink = &sink;
         link.timer = &timer;
-        ASSERT_TRUE(OpenPort(link)) << address;
-        ASSERT_TRUE(StartLink(link)) << address;
+        ASSERT_TRUE(OpenPort(link) && StartLink(link)) << address;
     }
     static std::string Url(const char* scheme, std::uint16_t port) {
         return std::string(scheme) + "://127.0.0.1:" + std::to_string(port);
@@ -189,8 +183,7 @@ TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
     } const cases[] = {
         {"gpsd megabyte JSON", "gpsd", "{" + std::string(1 << 20, 'j') + "}\r\n", true},
         {"gpsd JSON without NMEA", "gpsd", "{\"class\":\"VERSION\"}\r\n", false},
-        {"nothing", "tcp", "", false},
-    };
+        {"nothing", "tcp", "", false}};
     const std::string rmc = test::Rmc("3112.0001", "120001.00");
     for (const Case& c : cases) {
         const bool gpsd = std::string_view(c.scheme) == "gpsd";

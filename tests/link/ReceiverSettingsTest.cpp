@@ -41,19 +41,17 @@ TEST(BluetoothInquiryTest, AnswersBecomeRowsByTheInquiryRules) {
         int result;
         const char* code;
         std::size_t rows;
-    } cases[] = {
-        {"none", {}, kInquiryOk, "", 0},
-        {"sixteen reach the maximum", Named(16), kInquiryFailed, "", 16},
-        {"seventeen stop at the maximum", Named(17), kInquiryFailed, "", 16},
-        {"a nameless answer ends with nothing", nameless, kInquiryOk, "", 0},
-        {"an answer without an address", badAddress, kInquiryFailed, "0x08200a04", 0},
-        {"a repeated address counts once", repeated, kInquiryOk, "", 2},
-    };
+    } cases[] = {{"none", {}, kInquiryOk, "", 0},
+                 {"sixteen reach the maximum", Named(16), kInquiryFailed, "", 16},
+                 {"seventeen stop at the maximum", Named(17), kInquiryFailed, "", 16},
+                 {"a nameless answer ends with nothing", nameless, kInquiryOk, "", 0},
+                 {"an answer without an address", badAddress, kInquiryFailed, "0x08200a04", 0},
+                 {"a repeated address counts once", repeated, kInquiryOk, "", 2}};
     for (const auto& c : cases) {
         const InquiryResult r = FinishInquiry(c.answers, kMaxDevices);
-        EXPECT_EQ(r.result, c.result) << c.what;
-        EXPECT_EQ(r.errorCode, c.code) << c.what;
-        EXPECT_EQ(r.devices.size(), c.rows) << c.what;
+        EXPECT_EQ(std::tuple(r.result, r.errorCode, r.devices.size()),
+                  std::tuple(c.result, std::string(c.code), c.rows))
+            << c.what;
     }
 }
 
@@ -68,8 +66,7 @@ TEST(BluetoothInquiryTest, NamesAreCleanedAndCutToTheRow) {
         {std::string(300, 'n'), std::string(255, 'n')},
         {Repeat(cjk, 300), Repeat(cjk, 255)},  // counted in UTF-16 units, not bytes
         {std::string(254, 'n') + emoji, std::string(254, 'n')},
-        {std::string("a\0b", 3), "a"},
-    };
+        {std::string("a\0b", 3), "a"}};
     for (const auto& [raw, clean] : cases)
         EXPECT_EQ(CleanDeviceName(raw), clean) << raw.substr(0, 20);
 }
@@ -105,11 +102,9 @@ TEST(ReceiverSettingsDialogTest, OkAndCancel) {
         int deviceRow;
         BluetoothDevice chosen;
         std::string portName;
-    } cases[] = {
-        {"bluetooth, a row chosen", true, {kOther, kChosen}, 0, kOther, ""},
-        {"bluetooth, no devices clears the choice", true, {}, -1, BluetoothDevice{}, ""},
-        {"manual keeps the device, names the port", false, {kOther}, 0, kChosen, "COM7:"},
-    };
+    } cases[] = {{"bluetooth, a row chosen", true, {kOther, kChosen}, 0, kOther, ""},
+                 {"bluetooth, no devices clears the choice", true, {}, -1, BluetoothDevice{}, ""},
+                 {"manual keeps the device, names the port", false, {kOther}, 0, kChosen, "COM7:"}};
     for (const auto& c : cases) {
         ReceiverSettings s = Settings(c.bluetooth);
         s.table = c.table;
@@ -132,8 +127,7 @@ TEST(ReceiverSettingsDialogTest, OkAndCancel) {
     SelectPort(d, 2);
     CancelReceiverSettings(d, s);
     EXPECT_EQ(s.table, std::vector<BluetoothDevice>{kChosen});
-    EXPECT_EQ(s.comPort, 5u);
-    EXPECT_EQ(d.endResult, 0);
+    EXPECT_EQ(std::tuple(s.comPort, d.endResult), std::tuple(5u, 0));
 }
 
 TEST(ReceiverSettingsDialogTest, SearchButtonBecomesRetryAndFailsToStartWithItsCode) {
@@ -192,8 +186,7 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
          {false, false, {kInquiryFailed, "", sixteen}},
          {"搜索蓝牙GPS接收机失败: \n\n请重新再次搜索！"},
          sixteenKept,
-         oldCombo},
-    };
+         oldCombo}};
     for (const auto& c : cases) {
         ReceiverSettings s = Settings(true);
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
