@@ -22,13 +22,7 @@ using common::kMetric;
 using common::kNautical;
 
 TEST(NmeaToDegrees, SignedDegrees) {
-    const struct {
-        const char* latitude;
-        char northSouth;
-        const char* longitude;
-        char eastWest;
-        double expectedLatitude, expectedLongitude;
-    } cases[] = {
+    const std::tuple<const char*, char, const char*, char, double, double> cases[] = {
         {"3015.1234", 'S', "12009.5000", 'E', -30.252056666666665, 120.15833333333333},
         {"3015.1234", 'N', "12009.5000", 'W', 30.252056666666665, -120.15833333333333},
         {"4807.0380", 'N', "01131.0000", 'E', 48.1173, 11.516666666666667},
@@ -38,12 +32,13 @@ TEST(NmeaToDegrees, SignedDegrees) {
         {"30151234", 'N', "1201234567", 'E', 30.0 + 151234.0 / 60.0, 120.0 + 1234567.0 / 60.0},
         {"3", 'N', "12", 'E', 3.0, 12.0},
         {"3015.1234", 'n', "12009.5000", 'e', -30.252056666666665, -120.15833333333333}};
-    for (const auto& c : cases) {
+    for (const auto& [latitude, northSouth, longitude, eastWest, expectedLatitude,
+                      expectedLongitude] : cases) {
         double lat = 1, lon = 1;
-        SCOPED_TRACE(std::string(c.latitude) + c.northSouth + " " + c.longitude + c.eastWest);
-        EXPECT_EQ(NmeaToDegrees(c.latitude, c.northSouth, c.longitude, c.eastWest, &lat, &lon), 1);
-        EXPECT_NEAR(lat, c.expectedLatitude, 1e-12);
-        EXPECT_NEAR(lon, c.expectedLongitude, 1e-12);
+        SCOPED_TRACE(std::string(latitude) + northSouth + " " + longitude + eastWest);
+        EXPECT_EQ(NmeaToDegrees(latitude, northSouth, longitude, eastWest, &lat, &lon), 1);
+        EXPECT_NEAR(lat, expectedLatitude, 1e-12);
+        EXPECT_NEAR(lon, expectedLongitude, 1e-12);
     }
 }
 

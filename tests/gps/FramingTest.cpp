@@ -40,44 +40,42 @@ std::string WithChecksum(std::string sentence, const char* sum) {
 TEST(ParseNmeaBuffer, Framing) {
     const std::string rmc = Sentence(Rmc("111111.000"));
     const std::string gga = Sentence(Gga("07"));
-    const struct {
-        const char* name;
-        std::string batch;
-        const char *utcTime, *satellitesUsed;  // what the RMC and GGA blocks hold afterwards
-    } cases[] = {{"clean sentences", rmc + gga, "111111.000", "07"},
-                 {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
-                  "111111.000", "07"},
-                 {"wrong checksum", WithChecksum(rmc, "00") + gga, "", "07"},
-                 // This RMC's checksum is 7A: only the uppercase letter is accepted.
-                 {"checksum with a letter", WithChecksum(Sentence(Rmc("111112.000")), "7A") + gga,
-                  "111112.000", "07"},
-                 {"lowercase checksum letter",
-                  WithChecksum(Sentence(Rmc("111112.000")), "7a") + gga, "", "07"},
-                 {"'$' inside a sentence drops it", rmc.substr(0, 20) + gga, "", "07"},
-                 {"'$' inside the header", "$GP" + gga, "", "07"},
-                 {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
-                 {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
-                 {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
-                 {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
-                 {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
-                 {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
-                 {"header cut at the end", rmc + "$GPG", "111111.000", ""},
-                 {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
-                 {"unknown sentence then a good one",
-                  Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc, "111111.000", ""},
-                 {"empty batch", "", "", ""}};
-    for (const auto& c : cases) {
+    // Name, batch, and what the RMC and GGA blocks hold afterwards.
+    const std::tuple<const char*, std::string, const char*, const char*> cases[] = {
+        {"clean sentences", rmc + gga, "111111.000", "07"},
+        {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
+         "111111.000", "07"},
+        {"wrong checksum", WithChecksum(rmc, "00") + gga, "", "07"},
+        // This RMC's checksum is 7A: only the uppercase letter is accepted.
+        {"checksum with a letter", WithChecksum(Sentence(Rmc("111112.000")), "7A") + gga,
+         "111112.000", "07"},
+        {"lowercase checksum letter", WithChecksum(Sentence(Rmc("111112.000")), "7a") + gga, "",
+         "07"},
+        {"'$' inside a sentence drops it", rmc.substr(0, 20) + gga, "", "07"},
+        {"'$' inside the header", "$GP" + gga, "", "07"},
+        {"cut before '*'", gga + rmc.substr(0, 40), "", "07"},
+        {"cut inside the checksum", gga + rmc.substr(0, rmc.find('*') + 2), "", "07"},
+        {"'$' as second checksum char", rmc.substr(0, rmc.find('*') + 2) + gga, "", "07"},
+        {"'$' as first checksum char", rmc.substr(0, rmc.find('*') + 1) + gga, "", "07"},
+        {"other talker skipped", Sentence("GNRMC,222222.000,A,,,,,,,,,") + gga, "", "07"},
+        {"NUL ends the batch", rmc + std::string(1, '\0') + gga, "111111.000", ""},
+        {"header cut at the end", rmc + "$GPG", "111111.000", ""},
+        {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
+        {"unknown sentence then a good one", Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc,
+         "111111.000", ""},
+        {"empty batch", "", "", ""}};
+    for (const auto& [name, batch, utcTime, satellitesUsed] : cases) {
         Decoder d;
-        d.Feed(c.batch);
-        EXPECT_STREQ(d.state.utcTime, c.utcTime) << c.name;
-        EXPECT_STREQ(d.state.satellitesUsed, c.satellitesUsed) << c.name;
+        d.Feed(batch);
+        EXPECT_STREQ(d.state.utcTime, utcTime) << name;
+        EXPECT_STREQ(d.state.satellitesUsed, satellitesUsed) << name;
         // A sentence cut by the end of the batch leaves its header as scratch;
         // every sentence that reached its checksum clears it.
-        const std::string name = c.name;
-        const char* header = name == "cut before '*'"          ? "GPRMC,"
-                             : name == "header cut at the end" ? "GPG"
-                                                               : "";
-        EXPECT_STREQ(d.state.header, header) << c.name;
+        const std::string label = name;
+        const char* header = label == "cut before '*'"          ? "GPRMC,"
+                             : label == "header cut at the end" ? "GPG"
+                                                                : "";
+        EXPECT_STREQ(d.state.header, header) << name;
     }
 }
 

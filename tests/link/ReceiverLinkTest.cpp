@@ -130,26 +130,23 @@ TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
 
 TEST(OtherTalkersWatchTest, TenTicksOfOtherTalkersWithoutAGpFix) {
     // Per batch, from tick 1: 'o' other talkers only, 'g' a GP RMC beside
-    // them, '.' neither.
-    const struct {
-        const char* batches;
-        int toldAtTick;  // 0: never
-    } cases[] = {
+    // them, '.' neither; then the tick the owner is told at (0: never).
+    const std::tuple<const char*, int> cases[] = {
         {"oooooooooo", 0},      {"ooooooooooo", 11},       {"oooooooooooooooo", 11},  // once
         {"..ooooooooooo", 13},  {"ooooo.....o", 11},  // the wait counts ticks, not batches
         {"oooogoooooooooo", 0}, {"oooogoooooooooooo", 16}, {"ggggggggggggggg", 0}};
-    for (const auto& c : cases) {
+    for (const auto& [batches, toldAtTick] : cases) {
         OtherTalkersWatch watch;
         int told = 0;
-        for (std::uint32_t tick = 1; c.batches[tick - 1] != '\0'; ++tick) {
-            const char b = c.batches[tick - 1];
+        for (std::uint32_t tick = 1; batches[tick - 1] != '\0'; ++tick) {
+            const char b = batches[tick - 1];
             const gps::TalkerCounts counts{b == 'g' ? 1u : 0u, b == '.' ? 0u : 2u};
             if (watch.AfterBatch(counts, tick)) {
-                EXPECT_EQ(told, 0) << c.batches << ": told twice";
+                EXPECT_EQ(told, 0) << batches << ": told twice";
                 told = static_cast<int>(tick);
             }
         }
-        EXPECT_EQ(told, c.toldAtTick) << c.batches;
+        EXPECT_EQ(told, toldAtTick) << batches;
     }
 }
 
@@ -249,25 +246,20 @@ TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
     const std::string dir = MakeTempDir();
     const std::string file = dir + "/plain";
     std::ofstream(file) << "not a tty";
-    const struct {
-        const char* name;
-        std::string path;
-        std::uint32_t baud;
-        const char* code;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::uint32_t, const char*> cases[] = {
         {"missing device", dir + "/ttyUSB9", 9600, common::err::kPortOpen},
         {"a plain file", file, 9600, common::err::kPortGetState},
         {"a character device that is not a tty", "/dev/null", 9600, common::err::kPortGetState},
         {"a baud rate not offered", pty.path(), 12345, common::err::kPortSetState}};
-    for (const auto& c : cases) {
+    for (const auto& [name, path, baud, code] : cases) {
         ReceiverLink link;
-        link.devicePath = c.path;
-        link.baudRate = c.baud;
+        link.devicePath = path;
+        link.baudRate = baud;
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(std::tuple(OpenPort(link), link.lastErrorCode, link.portFd),
-                  std::tuple(false, std::string(c.code), -1))
-            << c.name;
-        EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << c.name << " was retried";
+                  std::tuple(false, std::string(code), -1))
+            << name;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << name << " was retried";
     }
     std::filesystem::remove_all(dir);
 }

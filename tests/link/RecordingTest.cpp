@@ -151,21 +151,17 @@ int AppendUnderLimit(const std::string& path, const std::string& batch, rlim_t l
 
 TEST(AppendNmeaBatchTest, ABatchIsWrittenWholeOrNotAtAll) {
     const std::string line = Rmc("3112.0001");  // 77 bytes
-    const struct {
-        const char* name;
-        std::string before, batch;
-        rlim_t limit;
-        bool written;
-    } cases[] = {{"room enough", line, line + line, 1000, true},
-                 {"short write", line, line + line, 2 * line.size(), false},
-                 {"no room at all", line + line, line, 2 * line.size(), false}};
+    const std::tuple<const char*, std::string, std::string, rlim_t, bool> cases[] = {
+        {"room enough", line, line + line, 1000, true},
+        {"short write", line, line + line, 2 * line.size(), false},
+        {"no room at all", line + line, line, 2 * line.size(), false}};
     const std::string dir = MakeTempDir();
     const std::string path = dir + "/rec.log";
-    for (const auto& c : cases) {
-        { std::ofstream(path, std::ios::binary | std::ios::trunc) << c.before; }
-        const int error = AppendUnderLimit(path, c.batch, c.limit);
-        EXPECT_EQ(error, c.written ? 0 : EFBIG) << c.name;
-        EXPECT_EQ(ReadFile(path), c.written ? c.before + c.batch : c.before) << c.name;
+    for (const auto& [name, before, batch, limit, written] : cases) {
+        { std::ofstream(path, std::ios::binary | std::ios::trunc) << before; }
+        const int error = AppendUnderLimit(path, batch, limit);
+        EXPECT_EQ(error, written ? 0 : EFBIG) << name;
+        EXPECT_EQ(ReadFile(path), written ? before + batch : before) << name;
     }
     std::filesystem::remove_all(dir);
 }
