@@ -77,6 +77,7 @@ TEST(Talkers, SatelliteTable) {
     const std::string gl = Gsv("GL", 1, 3, {"65:35", "72:28", "80:"});
     const std::string ga = Gsv("GA", 1, 2, {"5:44", "11:30"});
     const std::string bd = Gsv("BD", 1, 1, {"7:36"});
+    const std::string again = Gsv("GP", 1, 2, {"9:31", "2:30"}) + bd;
     const char* nine = "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/";
     // Name, batches, the setting, and the table as "in view: rows".
     const std::tuple<const char*, std::vector<std::string>, bool, const char*> cases[] = {
@@ -87,10 +88,7 @@ TEST(Talkers, SatelliteTable) {
          {ga + gp},
          true,
          "08: 5/40 5/44 11/30 12/33 20/ 25/41 29/38 31/22"},
-        {"GPS beginning again: a new epoch",
-         {gp + gl, Gsv("GP", 1, 2, {"9:31", "2:30"}) + bd},
-         true,
-         "03: 2/30 7/36 9/31"},
+        {"GPS beginning again: a new epoch", {gp + gl, again}, true, "03: 2/30 7/36 9/31"},
         {"more than 12: the strongest",
          {gp + gl + ga + bd + Gsv("GQ", 1, 2, {"3:50", "4:21"})},
          true,

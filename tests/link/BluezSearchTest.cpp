@@ -140,8 +140,7 @@ TEST_F(BluezSearchTest, CancelledSearchReportsNothingButItsRadio) {
     search.Cancel();
     ASSERT_TRUE(WaitUntil([&] { return !search.Running(); }, 3000)) << "the worker ends soon";
     QCoreApplication::processEvents();
-    EXPECT_FALSE(outcome.has_value());
-    EXPECT_TRUE(radioReported);
+    EXPECT_EQ(std::tuple(outcome.has_value(), radioReported), std::tuple(false, true));
 
     // At exit the radio goes off again, once.
     BluezRadio radio(bluez.bus());
@@ -154,8 +153,7 @@ TEST_F(BluezSearchTest, CancelledSearchReportsNothingButItsRadio) {
 TEST_F(BluezSearchTest, WithoutBluezTheRadioIsUnknown) {
     QDBusConnection none = QDBusConnection::connectToBus(QString("unix:path=/nonexistent"), "none");
     BluezRadio radio(none, 200);
-    EXPECT_EQ(radio.ReadRadioMode(), -1);
-    EXPECT_FALSE(radio.SetRadioMode(1));
+    EXPECT_EQ(std::tuple(radio.ReadRadioMode(), radio.SetRadioMode(1)), std::tuple(-1, false));
     EXPECT_EQ(BluezInquiry(none, 16, 100).errorCode, common::err::kInquiryBegin);
     QDBusConnection::disconnectFromBus("none");
 }

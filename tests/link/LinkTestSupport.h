@@ -138,10 +138,7 @@ class RecordingSink final : public LinkSink {
     int stopCommands = 0;        // touched on the ticking thread only
     std::uint32_t stopResult = 0;
     std::function<void()> onData;  // runs inside OnGpsData when set
-    std::atomic<int> otherTalkerHints{0};
-    std::atomic<int> recordFailures{0};
-    std::atomic<int> recordResumes{0};
-    std::atomic<int> recordError{0};
+    std::atomic<int> otherTalkerHints{0}, recordFailures{0}, recordResumes{0}, recordError{0};
 
   private:
     std::mutex mutex_;

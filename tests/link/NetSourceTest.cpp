@@ -176,37 +176,34 @@ TEST_F(NetLink, RefusedConnectionIsReason1) {
 // sentences that follow, or, hearing no sentence at all, gives reason 2.
 // Garbage and endless lines from a receiver are the serial link tests'.
 TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
-    struct Case {
-        const char *name, *scheme;
-        std::string junk;
-        bool thenSentences;
-    } const cases[] = {
+    // Name, scheme, what the peer sends first, and whether sentences follow.
+    const std::tuple<const char*, const char*, std::string, bool> cases[] = {
         {"gpsd megabyte JSON", "gpsd", "{" + std::string(1 << 20, 'j') + "}\r\n", true},
         {"gpsd JSON without NMEA", "gpsd", "{\"class\":\"VERSION\"}\r\n", false},
         {"nothing", "tcp", "", false}};
     const std::string rmc = test::Rmc("3112.0001", "120001.00");
-    for (const Case& c : cases) {
-        const bool gpsd = std::string_view(c.scheme) == "gpsd";
+    for (const auto& [name, scheme, junk, thenSentences] : cases) {
+        const bool gpsd = std::string_view(scheme) == "gpsd";
         std::atomic<bool> done{false};
         std::string watch;
         auto server = std::make_unique<test::OneShotServer>([&](int fd) {
             if (gpsd)
                 watch = test::ReceiveFor(fd, sizeof kGpsdWatch - 1, 2000ms);
-            test::SendAll(fd, c.junk);
+            test::SendAll(fd, junk);
             while (!done) {
-                if (c.thenSentences)
+                if (thenSentences)
                     test::SendAll(fd, rmc);
                 std::this_thread::sleep_for(50ms);
             }
         });
-        Open(Url(c.scheme, server->port()));
-        EXPECT_TRUE(c.thenSentences ? SawFix({"120001.00", "3112.0001", "12128.0000"})
-                                    : Lost(kLossTimeout, 6s))
-            << c.name;
+        Open(Url(scheme, server->port()));
+        EXPECT_TRUE(thenSentences ? SawFix({"120001.00", "3112.0001", "12128.0000"})
+                                  : Lost(kLossTimeout, 6s))
+            << name;
         done = true;
         Restart();
         server.reset();  // its thread has ended: `watch` is ours to read
-        EXPECT_EQ(watch, gpsd ? kGpsdWatch : "") << c.name;
+        EXPECT_EQ(watch, gpsd ? kGpsdWatch : "") << name;
     }
 }
 

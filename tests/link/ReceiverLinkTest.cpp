@@ -59,8 +59,7 @@ TEST_F(LinkTest, DecodesOnlyOnTheReadAfterATick) {
     // Two epochs between ticks make one batch; the later one wins.
     Feed(Rmc("3112.0002") + Rmc("3112.0003"));
     TickAndDecode();
-    EXPECT_EQ(sink.batches(), 2u);
-    EXPECT_EQ(sink.latitude(1), "3112.0003");
+    EXPECT_EQ(std::tuple(sink.batches(), sink.latitude(1)), std::tuple(2u, "3112.0003"));
 
     // A tick with nothing collected decodes nothing, but its request stays:
     // the next text is decoded as soon as it is read.
@@ -188,8 +187,7 @@ TEST_F(LinkTest, GiveUpWithoutAnOwnerStopStillClosesTheLink) {
     sink.stopInsideTick = false;
     receiver.HangUp();
     LinkTimerProc(link);
-    EXPECT_EQ(sink.stopCommands, 1);
-    EXPECT_FALSE(link.portOpen);
+    EXPECT_EQ(std::tuple(sink.stopCommands, link.portOpen.load()), std::tuple(1, false));
     LinkTimerProc(link);  // not given up twice
     EXPECT_EQ(sink.stopCommands, 1);
     EXPECT_EQ(StopLink(link), kLossDeviceGone);
