@@ -81,10 +81,8 @@ class BluetoothLinkTest : public ::testing::Test {
         driver.connect = [this](std::uint64_t address, int channel) {
             connectedTo = address;
             connectedChannel = channel;
-            if (refuse)
-                return -1;
             int pair[2];
-            if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0)
+            if (refuse || ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0)
                 return -1;
             receiverEnd = pair[1];
             return pair[0];

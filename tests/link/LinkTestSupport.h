@@ -64,11 +64,9 @@ class FakeReceiver {
 inline bool WaitFor(const std::function<bool()>& done,
                     std::chrono::milliseconds limit = std::chrono::milliseconds(3000)) {
     const auto end = std::chrono::steady_clock::now() + limit;
-    while (!done()) {
+    for (; !done(); std::this_thread::sleep_for(std::chrono::milliseconds(1)))
         if (std::chrono::steady_clock::now() > end)
             return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
     return true;
 }
 

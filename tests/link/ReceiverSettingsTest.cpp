@@ -152,31 +152,21 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
     std::vector<BluetoothDevice> sixteenKept = sixteen;
     sixteenKept[0] = kOther;  // the first row as it was
 
-    const std::vector<std::string> oldCombo = {"Other GPS", "Chosen GPS"};
-    const std::tuple<const char*, SearchOutcome, std::vector<std::string>,
-                     std::vector<BluetoothDevice>, std::vector<std::string>>
+    const std::vector<std::string> old = {"Other GPS", "Chosen GPS"};
+    const SearchOutcome off{false, false, {kInquiryRadioOff, "", {}}};
+    const SearchOutcome noSwitch{true, false, {kInquiryRadioOff, "", {}}};
+    const SearchOutcome notBegun{false, false, {kInquiryFailed, "0x08200a01", {}}};
+    const SearchOutcome full{false, false, {kInquiryFailed, "", sixteen}};
+    const std::string failed = "搜索蓝牙GPS接收机失败: ", again = "\n\n请重新再次搜索！";
+    // Name, outcome, the messages shown, the table and the combo after it.
+    using Texts = std::vector<std::string>;
+    const std::tuple<const char*, SearchOutcome, Texts, std::vector<BluetoothDevice>, Texts>
         cases[] = {{"found two", {false, false, {kInquiryOk, "", found}}, {}, found, {"A", "B"}},
                    {"found none", {false, false, {kInquiryOk, "", {}}}, {kTextNoReceiver}, {}, {}},
-                   {"radio off",
-                    {false, false, {kInquiryRadioOff, "", {}}},
-                    {kTextRadioOff},
-                    {},
-                    oldCombo},
-                   {"radio switch failed, then off",
-                    {true, false, {kInquiryRadioOff, "", {}}},
-                    {kTextRadioSwitchFailed, kTextRadioOff},
-                    {},
-                    oldCombo},
-                   {"failed to begin",
-                    {false, false, {kInquiryFailed, "0x08200a01", {}}},
-                    {"搜索蓝牙GPS接收机失败: 0x08200a01\n\n请重新再次搜索！"},
-                    {},
-                    oldCombo},
-                   {"the maximum reached",
-                    {false, false, {kInquiryFailed, "", sixteen}},
-                    {"搜索蓝牙GPS接收机失败: \n\n请重新再次搜索！"},
-                    sixteenKept,
-                    oldCombo}};
+                   {"radio off", off, {kTextRadioOff}, {}, old},
+                   {"no switch", noSwitch, {kTextRadioSwitchFailed, kTextRadioOff}, {}, old},
+                   {"failed to begin", notBegun, {failed + "0x08200a01" + again}, {}, old},
+                   {"the maximum reached", full, {failed + again}, sixteenKept, old}};
     for (const auto& [what, outcome, texts, table, combo] : cases) {
         ReceiverSettings s = Settings(true);
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
