@@ -65,9 +65,8 @@ TEST(BluetoothPortTest, TheComboShowsFreeIndexesAndTheDeviceBehindEach) {
     driver.portMap = {{3, device}, {4, dir + "/ttyUSB9"}};
     const std::vector<PortSlot> slots = ProbePortSlots(&driver, driver.portMap);
     ASSERT_EQ(slots.size(), 10u);
-    EXPECT_FALSE(slots[3].free);
-    EXPECT_TRUE(slots[4].free);
-    EXPECT_EQ(slots[4].device, dir + "/ttyUSB9");
+    EXPECT_EQ(std::tuple(slots[3].free, slots[4].free, slots[4].device),
+              std::tuple(false, true, dir + "/ttyUSB9"));
     EXPECT_EQ(DescribePortDevice(device, dir + "/by-id"), device + " usb-GPS_Receiver-if00");
     for (int n = 0; n < 10; ++n) EXPECT_FALSE(driver.Registered(n)) << "probing registers nothing";
     std::filesystem::remove_all(dir);

@@ -96,10 +96,7 @@ class RecordingSink final : public LinkSink {
             stopResult = StopLink(link);
     }
     void OnOtherTalkersOnly() override { ++otherTalkerHints; }
-    void OnRecordFailed(int error) override {
-        recordError = error;
-        ++recordFailures;
-    }
+    void OnRecordFailed(int error) override { recordError = error, ++recordFailures; }
     void OnRecordResumed() override { ++recordResumes; }
 
     std::size_t batches() {

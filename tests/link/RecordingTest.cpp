@@ -76,9 +76,7 @@ TEST_F(RecordingTest, RecordsTheBytesExactlyAsRead) {
     const std::string a = Rmc("3112.0001") + "\xb9\xfe garbage \xff\r\n";
     const std::string b = "no line end";
     const std::string c = Sentence("GPGSA,A,3,01,02,,,,,,,,,,,2.0,1.0,1.7");
-    SendAndRecord(receiver, a, a.size());
-    SendAndRecord(receiver, b, b.size());
-    SendAndRecord(receiver, c, c.size());
+    for (const std::string& bytes : {a, b, c}) SendAndRecord(receiver, bytes, bytes.size());
     // Text after a NUL in a read is not decoded, but it is recorded.
     const std::string nul("ab\0cd", 5);
     SendAndRecord(receiver, nul, 2);
@@ -92,12 +90,11 @@ TEST_F(RecordingTest, TwoStartsInOneSecondAppendToOneFile) {
     FakeReceiver receiver;
     const std::string first = Rmc("3112.0001");
     const std::string second = Rmc("3112.0002");
-    Start(receiver);
-    SendAndRecord(receiver, first, first.size());
-    StopLink(link);
-    Start(receiver);
-    SendAndRecord(receiver, second, second.size());
-    StopLink(link);
+    for (const std::string& bytes : {first, second}) {
+        Start(receiver);
+        SendAndRecord(receiver, bytes, bytes.size());
+        StopLink(link);
+    }
     ASSERT_EQ(ListDir(dir).size(), 1u);
     EXPECT_EQ(ReadFile(dir + "/" + ListDir(dir)[0]), first + second);
 
