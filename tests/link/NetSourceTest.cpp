@@ -151,10 +151,8 @@ TEST_F(NetLink, TcpSourceGivesTheFixesOfItsLogAndItsCloseIsReason1) {
     const std::vector<Fix> expected = test::FixesOfLog(log);
     test::OneShotServer server([&](int fd) {
         // In odd pieces, a few ticks apart, as a network delivers them.
-        for (std::size_t at = 0; at < log.size(); at += 333) {
-            test::SendAll(fd, log.substr(at, 333));
-            std::this_thread::sleep_for(40ms);
-        }
+        for (std::size_t at = 0; at < log.size(); at += 333)
+            test::SendAll(fd, log.substr(at, 333)), std::this_thread::sleep_for(40ms);
         std::this_thread::sleep_for(300ms);
     });
     Open(Url("tcp", server.port()));

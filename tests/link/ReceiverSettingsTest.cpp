@@ -10,12 +10,6 @@
 namespace satwalk::link {
 namespace {
 
-std::string Address(int i) {
-    char text[18];
-    std::snprintf(text, sizeof text, "00:11:22:33:44:%02X", i);
-    return text;
-}
-
 std::string Repeat(const std::string& piece, int times) {
     std::string s;
     for (int i = 0; i < times; ++i) s += piece;
@@ -24,7 +18,11 @@ std::string Repeat(const std::string& piece, int times) {
 
 std::vector<InquiryAnswer> Named(int count) {
     std::vector<InquiryAnswer> a;
-    for (int i = 0; i < count; ++i) a.push_back({true, "GPS " + std::to_string(i), Address(i)});
+    char address[18];
+    for (int i = 0; i < count; ++i) {
+        std::snprintf(address, sizeof address, "00:11:22:33:44:%02X", i);
+        a.push_back({true, "GPS " + std::to_string(i), address});
+    }
     return a;
 }
 
