@@ -7,6 +7,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "FixText.h"
@@ -21,13 +22,7 @@ using common::kMetric;
 using common::kNautical;
 
 TEST(NmeaToDegrees, SignedDegrees) {
-    const struct {
-        const char* latitude;
-        char northSouth;
-        const char* longitude;
-        char eastWest;
-        double expectedLatitude, expectedLongitude;
-    } cases[] = {
+    const std::tuple<const char*, char, const char*, char, double, double> cases[] = {
         {"3015.1234", 'S', "12009.5000", 'E', -30.252056666666665, 120.15833333333333},
         {"3015.1234", 'N', "12009.5000", 'W', 30.252056666666665, -120.15833333333333},
         {"4807.0380", 'N', "01131.0000", 'E', 48.1173, 11.516666666666667},
@@ -36,34 +31,29 @@ TEST(NmeaToDegrees, SignedDegrees) {
         // Minutes read as text up to seven characters: the rest is ignored.
         {"30151234", 'N', "1201234567", 'E', 30.0 + 151234.0 / 60.0, 120.0 + 1234567.0 / 60.0},
         {"3", 'N', "12", 'E', 3.0, 12.0},
-        {"3015.1234", 'n', "12009.5000", 'e', -30.252056666666665, -120.15833333333333},
-    };
-    for (const auto& c : cases) {
+        {"3015.1234", 'n', "12009.5000", 'e', -30.252056666666665, -120.15833333333333}};
+    for (const auto& [latitude, northSouth, longitude, eastWest, expectedLatitude,
+                      expectedLongitude] : cases) {
         double lat = 1, lon = 1;
-        SCOPED_TRACE(std::string(c.latitude) + c.northSouth + " " + c.longitude + c.eastWest);
-        EXPECT_EQ(NmeaToDegrees(c.latitude, c.northSouth, c.longitude, c.eastWest, &lat, &lon), 1);
-        EXPECT_NEAR(lat, c.expectedLatitude, 1e-12);
-        EXPECT_NEAR(lon, c.expectedLongitude, 1e-12);
+        SCOPED_TRACE(std::string(latitude) + northSouth + " " + longitude + eastWest);
+        EXPECT_EQ(NmeaToDegrees(latitude, northSouth, longitude, eastWest, &lat, &lon), 1);
+        EXPECT_NEAR(lat, expectedLatitude, 1e-12);
+        EXPECT_NEAR(lon, expectedLongitude, 1e-12);
     }
 }
 
 TEST(NmeaToDegrees, EmptyTextsGiveNegativeZero) {
     double lat = 1, lon = 1;
     NmeaToDegrees("", 0, "", 0, &lat, &lon);
-    EXPECT_EQ(lat, 0.0);
-    EXPECT_TRUE(std::signbit(lat));
-    EXPECT_TRUE(std::signbit(lon));
+    EXPECT_EQ(std::tuple(lat, std::signbit(lat), std::signbit(lon)), std::tuple(0.0, true, true));
     NmeaToDegrees("", 'N', "", 'E', &lat, &lon);
-    EXPECT_FALSE(std::signbit(lat));
-    EXPECT_FALSE(std::signbit(lon));
+    EXPECT_EQ(std::tuple(std::signbit(lat), std::signbit(lon)), std::tuple(false, false));
 }
 
 TEST(TextConversions, ReadLeadingNumbersLikeTheCLibrary) {
-    const struct {
-        const char* text;
-        int integer;
-        double decimal;
-    } cases[] = {
+    // Text, then what it reads as an integer and as a decimal. Past 2^53 a
+    // number rounds to even; the quick path rounds once.
+    const std::tuple<const char*, int, double> cases[] = {
         {"", 0, 0.0},
         {"12", 12, 12.0},
         {" 7x", 7, 7.0},
@@ -72,35 +62,30 @@ TEST(TextConversions, ReadLeadingNumbersLikeTheCLibrary) {
         {"abc", 0, 0.0},
         {"022.4", 22, 22.4},
         {"1e3", 1, 1000.0},
+        {"0x1A", 0, 26.0},
         {"99999999999", 2147483647, 99999999999.0},
         {"-99999999999", -2147483647 - 1, -99999999999.0},
-        {"0x1A", 0, 26.0},
         {"-.5e1", 0, -5.0},
         {"1.5.3", 1, 1.5},
-        {"9007199254740993", 2147483647, 9007199254740992.0},  // past 2^53: rounded to even
-        {"0.30000000000000004", 0, 0.30000000000000004},       // the quick path rounds once
-        {"12009.50000000000001", 12009, 12009.5},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(TextToInt(c.text), c.integer) << c.text;
-        EXPECT_DOUBLE_EQ(TextToDouble(c.text), c.decimal) << c.text;
+        {"9007199254740993", 2147483647, 9007199254740992.0},
+        {"0.30000000000000004", 0, 0.30000000000000004},
+        {"12009.50000000000001", 12009, 12009.5}};
+    for (const auto& [text, integer, decimal] : cases) {
+        EXPECT_EQ(TextToInt(text), integer) << text;
+        EXPECT_DOUBLE_EQ(TextToDouble(text), decimal) << text;
     }
 }
 
 TEST(UnitConversions, SpeedAndHeightPerUnitSystem) {
-    const struct {
-        int units;
-        double speed;   // of 10 knots
-        double height;  // of 100 m
-    } cases[] = {
-        {kMetric, 18.5, 100.0},
-        {kImperial, 11.52, 328.0},
-        {kNautical, 10.0, 328.0},
-        {7, 10.0, 100.0},  // not a unit system: knots and metres as they are
-    };
-    for (const auto& c : cases) {
-        EXPECT_DOUBLE_EQ(SpeedInUnit(10.0, c.units), c.speed) << c.units;
-        EXPECT_DOUBLE_EQ(HeightInUnit(100.0, c.units), c.height) << c.units;
+    // Unit system, then 10 knots and 100 m in it; 7 is no unit system: knots
+    // and metres as they are.
+    const std::tuple<int, double, double> cases[] = {{kMetric, 18.5, 100.0},
+                                                     {kImperial, 11.52, 328.0},
+                                                     {kNautical, 10.0, 328.0},
+                                                     {7, 10.0, 100.0}};
+    for (const auto& [units, speed, height] : cases) {
+        EXPECT_DOUBLE_EQ(SpeedInUnit(10.0, units), speed) << units;
+        EXPECT_DOUBLE_EQ(HeightInUnit(100.0, units), height) << units;
     }
 }
 

@@ -15,8 +15,7 @@ using testing::Sentence;
 TEST(VerifyChecksum, MatchesOnlyTwoUppercaseDigits) {
     const std::tuple<unsigned, const char*, bool> cases[] = {
         {0x4A, "4A", true},  {0x4A, "4a", false}, {0x07, "07", true}, {0x07, "7\r", false},
-        {0x07, "70", false}, {0x00, "00", true},  {0xFF, "FF", true}, {0x10, "01", false},
-    };
+        {0x07, "70", false}, {0x00, "00", true},  {0xFF, "FF", true}, {0x10, "01", false}};
     for (const auto& [computed, received, match] : cases)
         EXPECT_EQ(VerifyChecksum(computed, received), match) << computed << " vs " << received;
 }
@@ -41,11 +40,8 @@ std::string WithChecksum(std::string sentence, const char* sum) {
 TEST(ParseNmeaBuffer, Framing) {
     const std::string rmc = Sentence(Rmc("111111.000"));
     const std::string gga = Sentence(Gga("07"));
-    const struct {
-        const char* name;
-        std::string batch;
-        const char *utcTime, *satellitesUsed;  // what the RMC and GGA blocks hold afterwards
-    } cases[] = {
+    // Name, batch, and what the RMC and GGA blocks hold afterwards.
+    const std::tuple<const char*, std::string, const char*, const char*> cases[] = {
         {"clean sentences", rmc + gga, "111111.000", "07"},
         {"noise between sentences", "\x01\xff garbage " + rmc + "\xb5\x62\x01\x07" + gga,
          "111111.000", "07"},
@@ -67,20 +63,19 @@ TEST(ParseNmeaBuffer, Framing) {
         {"later sentence wins", rmc + Sentence(Rmc("222222.000")), "222222.000", ""},
         {"unknown sentence then a good one", Sentence("GPVTG,084.4,T,,M,022.4,N,041.5,K") + rmc,
          "111111.000", ""},
-        {"empty batch", "", "", ""},
-    };
-    for (const auto& c : cases) {
+        {"empty batch", "", "", ""}};
+    for (const auto& [name, batch, utcTime, satellitesUsed] : cases) {
         Decoder d;
-        d.Feed(c.batch);
-        EXPECT_STREQ(d.state.utcTime, c.utcTime) << c.name;
-        EXPECT_STREQ(d.state.satellitesUsed, c.satellitesUsed) << c.name;
+        d.Feed(batch);
+        EXPECT_STREQ(d.state.utcTime, utcTime) << name;
+        EXPECT_STREQ(d.state.satellitesUsed, satellitesUsed) << name;
         // A sentence cut by the end of the batch leaves its header as scratch;
         // every sentence that reached its checksum clears it.
-        const std::string name = c.name;
-        const char* header = name == "cut before '*'"          ? "GPRMC,"
-                             : name == "header cut at the end" ? "GPG"
-                                                               : "";
-        EXPECT_STREQ(d.state.header, header) << c.name;
+        const std::string label = name;
+        const char* header = label == "cut before '*'"          ? "GPRMC,"
+                             : label == "header cut at the end" ? "GPG"
+                                                                : "";
+        EXPECT_STREQ(d.state.header, header) << name;
     }
 }
 

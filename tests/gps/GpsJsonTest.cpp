@@ -12,9 +12,8 @@ TEST(AppendGpsJsonMembers, NullTimeUntilSynchronised) {
     GpsState s;
     std::string out;
     AppendGpsJsonMembers(out, s, ReadFix(s), false);
-    EXPECT_NE(out.find("\"fixTimeLocal\":null"), std::string::npos);
-    EXPECT_NE(out.find("\"fixValid\":false"), std::string::npos);
-    EXPECT_NE(out.find("\"latitudeDegrees\":-0"), std::string::npos);
+    for (const char* m : {"\"fixTimeLocal\":null", "\"fixValid\":false", "\"latitudeDegrees\":-0"})
+        EXPECT_NE(out.find(m), std::string::npos) << m;
     out.clear();
     s.status = 'A';
     AppendGpsJsonMembers(out, s, ReadFix(s), true);

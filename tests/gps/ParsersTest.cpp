@@ -45,11 +45,9 @@ TEST(Parsers, Fields) {
                               Char(s.altitudeUnit), s.geoidSeparation, Char(s.geoidUnit),
                               s.utcTime});
              }},
-            {"GPGSA,A,3,,,,,,,,,,,,,9.9,9.9,9.9", "GSA",
-             [](const GpsState& s) {
+            {"GPGSA,A,3,,,,,,,,,,,,,9.9,9.9,9.9", "GSA", [](const GpsState& s) {
                  return Join({Char(s.fixMode), s.pdop, s.hdop, s.vdop});
-             }},
-        };
+             }}};
     const std::pair<const char*, const char*> cases[] = {
         {"GPRMC,123519.000,A,4807.0380,N,01131.0000,E,022.4,084.4,230394,003.1,W",
          "123519.000|A|4807.0380|N|01131.0000|E|022.4|084.4|230394"},
@@ -74,8 +72,7 @@ TEST(Parsers, Fields) {
         {"GPGSA,A,3,04,05", "3|||"},
         // VDOP is the last field and ends at '*'; a trailing field after it
         // is simply not read.
-        {"GPGSA,A,3,,,,,,,,,,,,,1.0,2.0,3.0,1", "3|1.0|2.0|3.0"},
-    };
+        {"GPGSA,A,3,,,,,,,,,,,,,1.0,2.0,3.0,1", "3|1.0|2.0|3.0"}};
     for (const auto& [body, want] : cases) {
         for (const auto& [full, kind, fields] : kinds) {
             if (std::string_view(body).substr(2, 3) != kind)
@@ -101,8 +98,7 @@ TEST(GpsState, ClearAllBlocksKeepsTheFixTime) {
     EXPECT_EQ(0, std::memcmp(d.state.utcTime, empty.utcTime,
                              offsetof(GpsState, satellites) + sizeof empty.satellites -
                                  offsetof(GpsState, utcTime)));
-    EXPECT_EQ(d.state.fixTimeLocal, time);
-    EXPECT_EQ(d.state.timeSyncPending, 0u);
+    EXPECT_EQ(std::tuple(d.state.fixTimeLocal, d.state.timeSyncPending), std::tuple(time, 0u));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "GpsJson.h"
@@ -54,12 +55,7 @@ struct Decoded {
 };
 
 TEST(Talkers, FixSentences) {
-    const struct {
-        std::string stream;
-        bool all;
-        const char* fix;
-        TalkerCounts counts;
-    } cases[] = {
+    const std::tuple<std::string, bool, const char*, TalkerCounts> cases[] = {
         {Fix("GN", "GN", "GN"), false, "--", {0, 3}},
         {Fix("GN", "GN", "GN"), true, "A10.9", {0, 3}},
         {Fix("BD", "GB", "GL"), true, "A10.9", {0, 3}},
@@ -67,11 +63,11 @@ TEST(Talkers, FixSentences) {
         {Fix("GP", "GP", "GI"), true, "A10.9", {1, 1}},
         {"$GNRMC,1,K*2f\r\n$GNRMC,1,K*2F\r\n", false, "--", {0, 1}},  // lowercase: not well-formed
     };
-    for (const auto& c : cases) {
-        const Decoded r(c.all, {c.stream});
-        EXPECT_EQ(r.FixText(), c.fix) << c.stream;
-        EXPECT_EQ(r.talkers.counts.gpRmc, c.counts.gpRmc) << c.stream;
-        EXPECT_EQ(r.talkers.counts.otherTalkers, c.counts.otherTalkers) << c.stream;
+    for (const auto& [stream, all, fix, counts] : cases) {
+        const Decoded r(all, {stream});
+        EXPECT_EQ(r.FixText(), fix) << stream;
+        EXPECT_EQ(r.talkers.counts.gpRmc, counts.gpRmc) << stream;
+        EXPECT_EQ(r.talkers.counts.otherTalkers, counts.otherTalkers) << stream;
     }
 }
 
@@ -81,26 +77,18 @@ TEST(Talkers, SatelliteTable) {
     const std::string gl = Gsv("GL", 1, 3, {"65:35", "72:28", "80:"});
     const std::string ga = Gsv("GA", 1, 2, {"5:44", "11:30"});
     const std::string bd = Gsv("BD", 1, 1, {"7:36"});
-    const struct {
-        const char* name;
-        std::vector<std::string> batches;
-        bool all;
-        const char* table;  // in view: rows
-    } cases[] = {
+    const std::string again = Gsv("GP", 1, 2, {"9:31", "2:30"}) + bd;
+    const char* nine = "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/";
+    // Name, batches, the setting, and the table as "in view: rows".
+    const std::tuple<const char*, std::vector<std::string>, bool, const char*> cases[] = {
         {"off: GL skipped", {gp + gl}, false, "6: 5/40 12/33 20/ 25/41 29/38 31/22"},
-        {"on: one table", {gp + gl}, true, "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/"},
-        {"epoch over two batches",
-         {gp1, gp.substr(gp1.size()) + gl},
-         true,
-         "09: 5/40 12/33 20/ 25/41 29/38 31/22 65/35 72/28 80/"},
+        {"on: one table", {gp + gl}, true, nine},
+        {"epoch over two batches", {gp1, gp.substr(gp1.size()) + gl}, true, nine},
         {"equal numbers: GPS first",
          {ga + gp},
          true,
          "08: 5/40 5/44 11/30 12/33 20/ 25/41 29/38 31/22"},
-        {"GPS beginning again: a new epoch",
-         {gp + gl, Gsv("GP", 1, 2, {"9:31", "2:30"}) + bd},
-         true,
-         "03: 2/30 7/36 9/31"},
+        {"GPS beginning again: a new epoch", {gp + gl, again}, true, "03: 2/30 7/36 9/31"},
         {"more than 12: the strongest",
          {gp + gl + ga + bd + Gsv("GQ", 1, 2, {"3:50", "4:21"})},
          true,
@@ -108,9 +96,9 @@ TEST(Talkers, SatelliteTable) {
         {"a second signal: no doubles, the stronger kept",
          {Gsv("GP", 1, 2, {"5:40", "12:"}, "1") + Gsv("GP", 1, 2, {"5:30", "12:25"}, "8")},
          true,
-         "02: 5/40 12/25"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(Decoded(c.all, c.batches).Table(), c.table) << c.name;
+         "02: 5/40 12/25"}};
+    for (const auto& [name, batches, all, table] : cases)
+        EXPECT_EQ(Decoded(all, batches).Table(), table) << name;
 }
 
 // With the setting off the decoder leaves exactly what it leaves without
@@ -130,8 +118,7 @@ TEST(Talkers, SettingOffChangesNothing) {
             ParseNmeaBuffer(counted.state, counted.assembly, stream.substr(at, cut), &counted.sink,
                             &talkers);
         }
-        std::string a;
-        std::string b;
+        std::string a, b;
         AppendGpsJsonMembers(a, plain.state, ReadFix(plain.state), true);
         AppendGpsJsonMembers(b, counted.state, ReadFix(counted.state), true);
         EXPECT_EQ(a, b) << "batches of " << cut;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <tuple>
 
 #include "GpsJson.h"
 #include "NmeaTestUtil.h"
@@ -33,8 +34,7 @@ TEST(FixTimeToFileTime, LocalTimeThroughTheTimeZone) {
         // Three characters after the point are read as a number: ".5" is 5 ms.
         {"UTC0", "010100", "000000.5", "2000-01-01 00:00:00.005"},
         {"UTC0", "290223", "120000.000", ""},  // no 29 February in 2023
-        {"UTC0", "160526", "250000.000", ""},
-    };
+        {"UTC0", "160526", "250000.000", ""}};
     for (const auto& [tz, date, time, expected] : cases) {
         UseTimeZone(tz);
         GpsState s;
@@ -50,8 +50,7 @@ TEST(TimeSync, OnlyTheFirstGoodRmcAfterARequest) {
     const std::string first = Sentence("GPRMC,010203.000,V,,,,,,,160526,,");
     const std::string second = Sentence("GPRMC,010204.000,A,3015.1234,N,12009.5000,E,0,0,160526,,");
     d.Feed(first + second);
-    EXPECT_EQ(d.sink.calls, 1);
-    EXPECT_EQ(d.state.timeSyncPending, 0u);
+    EXPECT_EQ(std::tuple(d.sink.calls, d.state.timeSyncPending), std::tuple(1, 0u));
     EXPECT_EQ(FormatFixTime(d.state.fixTimeLocal), "2026-05-16 01:02:03.000")
         << "a void fix still syncs the time";
 
@@ -67,10 +66,9 @@ TEST(TimeSync, EmptyDateStillSyncs) {
     Decoder d;
     d.state.fixTimeLocal = 99;
     d.Feed("$GPRMC,,V,,,,,,,,,,N*53\r\n");  // the receiver's empty void sentence
-    EXPECT_EQ(d.state.status, 'V');
-    EXPECT_EQ(d.sink.calls, 1);
-    EXPECT_EQ(d.state.timeSyncPending, 0u);
-    EXPECT_EQ(d.state.fixTimeLocal, 0u);
+    EXPECT_EQ(
+        std::tuple(d.state.status, d.sink.calls, d.state.timeSyncPending, d.state.fixTimeLocal),
+        std::tuple('V', 1, 0u, FileTime{0}));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <set>
 #include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -34,8 +35,7 @@ TEST(BluetoothPortTest, IndexesAreTakenFromNineDown) {
         {{9, 8}, 1, "COM7:"},
         {{9}, 3, "COM6:"},
         {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 1, "0x08200a10"},
-        {{1, 3, 5, 7, 9}, 6, "0x08200a10"},
-    };
+        {{1, 3, 5, 7, 9}, 6, "0x08200a10"}};
     for (const auto& [devices, count, lastPort] : cases) {
         RfcommPortDriver driver = Driver(devices);
         std::vector<std::unique_ptr<ReceiverLink>> links;
@@ -65,9 +65,8 @@ TEST(BluetoothPortTest, TheComboShowsFreeIndexesAndTheDeviceBehindEach) {
     driver.portMap = {{3, device}, {4, dir + "/ttyUSB9"}};
     const std::vector<PortSlot> slots = ProbePortSlots(&driver, driver.portMap);
     ASSERT_EQ(slots.size(), 10u);
-    EXPECT_FALSE(slots[3].free);
-    EXPECT_TRUE(slots[4].free);
-    EXPECT_EQ(slots[4].device, dir + "/ttyUSB9");
+    EXPECT_EQ(std::tuple(slots[3].free, slots[4].free, slots[4].device),
+              std::tuple(false, true, dir + "/ttyUSB9"));
     EXPECT_EQ(DescribePortDevice(device, dir + "/by-id"), device + " usb-GPS_Receiver-if00");
     for (int n = 0; n < 10; ++n) EXPECT_FALSE(driver.Registered(n)) << "probing registers nothing";
     std::filesystem::remove_all(dir);
@@ -81,10 +80,8 @@ class BluetoothLinkTest : public ::testing::Test {
         driver.connect = [this](std::uint64_t address, int channel) {
             connectedTo = address;
             connectedChannel = channel;
-            if (refuse)
-                return -1;
             int pair[2];
-            if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0)
+            if (refuse || ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0)
                 return -1;
             receiverEnd = pair[1];
             return pair[0];
@@ -100,11 +97,7 @@ class BluetoothLinkTest : public ::testing::Test {
         ASSERT_EQ(::write(receiverEnd, bytes.data(), bytes.size()),
                   static_cast<ssize_t>(bytes.size()));
     }
-    void DropConnection() {
-        if (receiverEnd >= 0)
-            ::close(receiverEnd);
-        receiverEnd = -1;
-    }
+    void DropConnection() { ::close(std::exchange(receiverEnd, -1)); }
 
     RfcommPortDriver driver = Driver({});
     ReceiverLink link;
@@ -118,8 +111,7 @@ class BluetoothLinkTest : public ::testing::Test {
 TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
     ASSERT_EQ(RegisterBluetoothPort(link, kReceiver), 1);
     ASSERT_EQ(OpenPort(link), 1) << link.lastErrorCode;
-    EXPECT_EQ(connectedTo, kReceiver);
-    EXPECT_EQ(connectedChannel, 1);
+    EXPECT_EQ(std::tuple(connectedTo, connectedChannel), std::tuple(kReceiver, 1));
     ASSERT_EQ(StartLink(link), 1) << link.lastErrorCode;
 
     Send(Rmc("3112.0001"));
@@ -130,10 +122,9 @@ TEST_F(BluetoothLinkTest, ReadsTheReceiverAndEndsWithReasonOneWhenItGoes) {
     DropConnection();
     ASSERT_TRUE(WaitFor([&] { return link.deviceGone.load(); }));
     LinkTimerProc(link);
-    EXPECT_EQ(sink.stopCommands, 1);
-    EXPECT_EQ(sink.stopResult, kLossDeviceGone);
-    EXPECT_FALSE(link.running);
-    EXPECT_FALSE(link.virtualPortRegistered);
+    EXPECT_EQ(std::tuple(sink.stopCommands, sink.stopResult, link.running.load(),
+                         link.virtualPortRegistered),
+              std::tuple(1, kLossDeviceGone, false, false));
     EXPECT_FALSE(driver.Registered(9)) << "the index is free again";
 }
 

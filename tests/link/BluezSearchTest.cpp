@@ -6,6 +6,7 @@
 #include <QThread>
 
 #include <optional>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -33,8 +34,7 @@ QString Address(int i) {
 }
 
 struct Device {
-    QString address;
-    QString name;
+    QString address, name;
 };
 
 std::vector<Device> Numbered(int count) {
@@ -97,8 +97,7 @@ TEST_F(BluezSearchTest, SearchResultsFollowTheInquiryRules) {
          .answering = Numbered(2),
          .adapterGoes = true,
          .result = kInquiryFailed,
-         .code = "0x08200a03"},
-    };
+         .code = "0x08200a03"}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         bluez.RemoveAdapter();
@@ -119,13 +118,12 @@ TEST_F(BluezSearchTest, SearchResultsFollowTheInquiryRules) {
             bluez.RemoveAdapter();
         ASSERT_TRUE(WaitUntil([&] { return outcome.has_value(); }));
 
-        EXPECT_EQ(outcome->inquiry.result, c.result);
-        EXPECT_EQ(outcome->inquiry.errorCode, c.code);
         std::vector<std::string> names;
         for (const BluetoothDevice& d : outcome->inquiry.devices) names.push_back(d.name);
-        EXPECT_EQ(names, c.names);
-        EXPECT_EQ(outcome->radioSwitchedOn, c.radioSwitchedOn);
-        EXPECT_EQ(radioReported, c.radioSwitchedOn);
+        EXPECT_EQ(std::tuple(outcome->inquiry.result, outcome->inquiry.errorCode, names,
+                             outcome->radioSwitchedOn, radioReported),
+                  std::tuple(c.result, std::string(c.code), c.names, c.radioSwitchedOn,
+                             c.radioSwitchedOn));
         if (c.adapter && !c.adapterGoes) {
             EXPECT_EQ(bluez.Property("Discovering"), false) << "discovery is stopped";
         }
@@ -142,8 +140,7 @@ TEST_F(BluezSearchTest, CancelledSearchReportsNothingButItsRadio) {
     search.Cancel();
     ASSERT_TRUE(WaitUntil([&] { return !search.Running(); }, 3000)) << "the worker ends soon";
     QCoreApplication::processEvents();
-    EXPECT_FALSE(outcome.has_value());
-    EXPECT_TRUE(radioReported);
+    EXPECT_EQ(std::tuple(outcome.has_value(), radioReported), std::tuple(false, true));
 
     // At exit the radio goes off again, once.
     BluezRadio radio(bluez.bus());
@@ -156,8 +153,7 @@ TEST_F(BluezSearchTest, CancelledSearchReportsNothingButItsRadio) {
 TEST_F(BluezSearchTest, WithoutBluezTheRadioIsUnknown) {
     QDBusConnection none = QDBusConnection::connectToBus(QString("unix:path=/nonexistent"), "none");
     BluezRadio radio(none, 200);
-    EXPECT_EQ(radio.ReadRadioMode(), -1);
-    EXPECT_FALSE(radio.SetRadioMode(1));
+    EXPECT_EQ(std::tuple(radio.ReadRadioMode(), radio.SetRadioMode(1)), std::tuple(-1, false));
     EXPECT_EQ(BluezInquiry(none, 16, 100).errorCode, common::err::kInquiryBegin);
     QDBusConnection::disconnectFromBus("none");
 }

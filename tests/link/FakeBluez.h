@@ -25,10 +25,8 @@ namespace satwalk::link {
 class FakeBluez {
   public:
     ~FakeBluez() {
-        if (mock_ > 0) {
-            ::kill(mock_, SIGTERM);
-            ::waitpid(mock_, nullptr, 0);
-        }
+        if (mock_ > 0)
+            ::kill(mock_, SIGTERM), ::waitpid(mock_, nullptr, 0);
         QDBusConnection::disconnectFromBus("fake-bluez-control");
         if (daemon_ > 0)
             ::kill(daemon_, SIGTERM);
@@ -39,8 +37,7 @@ class FakeBluez {
         FILE* p = ::popen("dbus-daemon --session --fork --print-address=1 --print-pid=1", "r");
         if (p == nullptr)
             return "no dbus-daemon";
-        char line[512] = {};
-        char pid[32] = {};
+        char line[512] = {}, pid[32] = {};
         const bool read = std::fgets(line, sizeof line, p) != nullptr &&
                           std::fgets(pid, sizeof pid, p) != nullptr;
         ::pclose(p);

@@ -12,25 +12,20 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <mutex>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "../gps/NmeaTestUtil.h"
 #include "ReceiverLink.h"
 
 namespace satwalk::link::test {
 
 // "$<body>*HH\r\n" with the right checksum.
-inline std::string Sentence(const std::string& body) {
-    unsigned sum = 0;
-    for (const char c : body) sum ^= static_cast<unsigned char>(c);
-    char tail[8];
-    std::snprintf(tail, sizeof tail, "*%02X\r\n", sum);
-    return "$" + body + tail;
-}
+using gps::testing::Sentence;
 
 // An RMC with the given latitude minutes text ("3112.0001") and time.
 inline std::string Rmc(const std::string& latitude, const std::string& time = "120000.00") {
@@ -58,11 +53,7 @@ class FakeReceiver {
             done += static_cast<std::size_t>(n);
         }
     }
-    void HangUp() {
-        if (master_ >= 0)
-            ::close(master_);
-        master_ = -1;
-    }
+    void HangUp() { ::close(std::exchange(master_, -1)); }  // -1 after the first: EBADF
 
   private:
     int master_ = -1;
@@ -73,11 +64,9 @@ class FakeReceiver {
 inline bool WaitFor(const std::function<bool()>& done,
                     std::chrono::milliseconds limit = std::chrono::milliseconds(3000)) {
     const auto end = std::chrono::steady_clock::now() + limit;
-    while (!done()) {
+    for (; !done(); std::this_thread::sleep_for(std::chrono::milliseconds(1)))
         if (std::chrono::steady_clock::now() > end)
             return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
     return true;
 }
 
@@ -107,10 +96,7 @@ class RecordingSink final : public LinkSink {
             stopResult = StopLink(link);
     }
     void OnOtherTalkersOnly() override { ++otherTalkerHints; }
-    void OnRecordFailed(int error) override {
-        recordError = error;
-        ++recordFailures;
-    }
+    void OnRecordFailed(int error) override { recordError = error, ++recordFailures; }
     void OnRecordResumed() override { ++recordResumes; }
 
     std::size_t batches() {
@@ -147,10 +133,7 @@ class RecordingSink final : public LinkSink {
     int stopCommands = 0;        // touched on the ticking thread only
     std::uint32_t stopResult = 0;
     std::function<void()> onData;  // runs inside OnGpsData when set
-    std::atomic<int> otherTalkerHints{0};
-    std::atomic<int> recordFailures{0};
-    std::atomic<int> recordResumes{0};
-    std::atomic<int> recordError{0};
+    std::atomic<int> otherTalkerHints{0}, recordFailures{0}, recordResumes{0}, recordError{0};
 
   private:
     std::mutex mutex_;
@@ -163,9 +146,7 @@ class RecordingSink final : public LinkSink {
 // Reads a whole file; "" when missing.
 inline std::string ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 // A fresh empty folder under the temporary directory.

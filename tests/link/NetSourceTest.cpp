@@ -36,8 +36,7 @@ TEST(SourceAddress, ParsesEveryKind) {
         {"tcp://host:65536", SourceKind::Invalid, "?"},
         {"gpsd://", SourceKind::Invalid, "?"},
         {"gpsd://[::1", SourceKind::Invalid, "?"},
-        {"gpsd://host:2947x", SourceKind::Invalid, "?"},
-    };
+        {"gpsd://host:2947x", SourceKind::Invalid, "?"}};
     for (const auto& [text, kind, label] : cases) {
         const SourceAddress a = ParseSourceAddress(text);
         EXPECT_EQ(a.kind, kind) << text;
@@ -53,8 +52,7 @@ TEST(RelaySetting, ReadsItsFileAndFallsBackToTheDefault) {
         {"on [::1]:4000", {true, "[::1]:4000"}},
         {"on boat.local:4000", {true, kRelayDefaultAddress}},  // listening takes no names
         {"yes 4000", {}},
-        {"", {}},
-    };
+        {"", {}}};
     for (const auto& [text, want] : cases) {
         EXPECT_EQ(ParseRelaySetting(text), want) << text;
         EXPECT_EQ(ParseRelaySetting(FormatRelaySetting(want)), want) << text;
@@ -82,8 +80,7 @@ TEST(ReceiverSettings, PortListShowsSourcesAndAGpsdFoundHere) {
     ReceiverSettingsDialog dialog = OpenReceiverSettings(settings, found);
     SelectPort(dialog, 11);
     AcceptReceiverSettings(dialog, settings);
-    EXPECT_EQ(settings.comPort, 11u);
-    EXPECT_EQ(settings.linkPortName, "COM11:");
+    EXPECT_EQ(std::tuple(settings.comPort, settings.linkPortName), std::tuple(11u, "COM11:"));
     // Nothing answers: no entry, and no wait beyond the probe's bound.
     EXPECT_EQ(ProbePortSlots(nullptr, {}, test::FreePort()).size(), 10u);
 }
@@ -96,14 +93,12 @@ TEST(GpsdFilter, DropsJsonLinesWhereverTheReadsSplit) {
         {"{" + std::string(5000, 'x') + "\n" + rmc, rmc},  // a long JSON line
         {"\n{}\n\n", "\n\n"},
         {"x{y\n", "x{y\n"},  // a brace inside a line is the receiver's
-        {"{\"class\":\"TPV\"", ""},
-    };
+        {"{\"class\":\"TPV\"", ""}};
     for (const auto& [in, want] : cases) {
         for (std::size_t cut = 0; cut <= in.size();
              cut += std::max<std::size_t>(1, in.size() / 37)) {
             GpsdFilter filter;
-            std::string a = in.substr(0, cut);
-            std::string b = in.substr(cut);
+            std::string a = in.substr(0, cut), b = in.substr(cut);
             a.resize(filter.Feed(a.data(), a.size()));
             b.resize(filter.Feed(b.data(), b.size()));
             EXPECT_EQ(a + b, want) << "cut at " << cut << " of " << in.substr(0, 40);
@@ -124,8 +119,7 @@ class NetLink : public ::testing::Test {
         link.devicePath = address;
         link.sink = &sink;
         link.timer = &timer;
-        ASSERT_TRUE(OpenPort(link)) << address;
-        ASSERT_TRUE(StartLink(link)) << address;
+        ASSERT_TRUE(OpenPort(link) && StartLink(link)) << address;
     }
     static std::string Url(const char* scheme, std::uint16_t port) {
         return std::string(scheme) + "://127.0.0.1:" + std::to_string(port);
@@ -157,10 +151,8 @@ TEST_F(NetLink, TcpSourceGivesTheFixesOfItsLogAndItsCloseIsReason1) {
     const std::vector<Fix> expected = test::FixesOfLog(log);
     test::OneShotServer server([&](int fd) {
         // In odd pieces, a few ticks apart, as a network delivers them.
-        for (std::size_t at = 0; at < log.size(); at += 333) {
-            test::SendAll(fd, log.substr(at, 333));
-            std::this_thread::sleep_for(40ms);
-        }
+        for (std::size_t at = 0; at < log.size(); at += 333)
+            test::SendAll(fd, log.substr(at, 333)), std::this_thread::sleep_for(40ms);
         std::this_thread::sleep_for(300ms);
     });
     Open(Url("tcp", server.port()));
@@ -182,38 +174,34 @@ TEST_F(NetLink, RefusedConnectionIsReason1) {
 // sentences that follow, or, hearing no sentence at all, gives reason 2.
 // Garbage and endless lines from a receiver are the serial link tests'.
 TEST_F(NetLink, HostilePeersLeaveTheDecoderRunning) {
-    struct Case {
-        const char *name, *scheme;
-        std::string junk;
-        bool thenSentences;
-    } const cases[] = {
+    // Name, scheme, what the peer sends first, and whether sentences follow.
+    const std::tuple<const char*, const char*, std::string, bool> cases[] = {
         {"gpsd megabyte JSON", "gpsd", "{" + std::string(1 << 20, 'j') + "}\r\n", true},
         {"gpsd JSON without NMEA", "gpsd", "{\"class\":\"VERSION\"}\r\n", false},
-        {"nothing", "tcp", "", false},
-    };
+        {"nothing", "tcp", "", false}};
     const std::string rmc = test::Rmc("3112.0001", "120001.00");
-    for (const Case& c : cases) {
-        const bool gpsd = std::string_view(c.scheme) == "gpsd";
+    for (const auto& [name, scheme, junk, thenSentences] : cases) {
+        const bool gpsd = std::string_view(scheme) == "gpsd";
         std::atomic<bool> done{false};
         std::string watch;
         auto server = std::make_unique<test::OneShotServer>([&](int fd) {
             if (gpsd)
                 watch = test::ReceiveFor(fd, sizeof kGpsdWatch - 1, 2000ms);
-            test::SendAll(fd, c.junk);
+            test::SendAll(fd, junk);
             while (!done) {
-                if (c.thenSentences)
+                if (thenSentences)
                     test::SendAll(fd, rmc);
                 std::this_thread::sleep_for(50ms);
             }
         });
-        Open(Url(c.scheme, server->port()));
-        EXPECT_TRUE(c.thenSentences ? SawFix({"120001.00", "3112.0001", "12128.0000"})
-                                    : Lost(kLossTimeout, 6s))
-            << c.name;
+        Open(Url(scheme, server->port()));
+        EXPECT_TRUE(thenSentences ? SawFix({"120001.00", "3112.0001", "12128.0000"})
+                                  : Lost(kLossTimeout, 6s))
+            << name;
         done = true;
         Restart();
         server.reset();  // its thread has ended: `watch` is ours to read
-        EXPECT_EQ(watch, gpsd ? kGpsdWatch : "") << c.name;
+        EXPECT_EQ(watch, gpsd ? kGpsdWatch : "") << name;
     }
 }
 

@@ -29,11 +29,7 @@ namespace satwalk::link::test {
 using namespace std::chrono_literals;
 
 inline sockaddr_in Loopback(std::uint16_t port) {
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    a.sin_port = htons(port);
-    return a;
+    return {AF_INET, htons(port), {htonl(INADDR_LOOPBACK)}, {}};
 }
 
 // A listening socket on 127.0.0.1 with a port of the kernel's choosing.

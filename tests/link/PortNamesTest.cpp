@@ -12,8 +12,7 @@ namespace {
 TEST(PortNamesTest, ParsesComNames) {
     const std::pair<const char*, int> cases[] = {
         {"COM1:", 1}, {"COM3", 3},   {"com12:", 12},       {" COM0: ", 0}, {"COM", -1},
-        {"COM:", -1}, {"COMx:", -1}, {"/dev/ttyUSB0", -1}, {"COM-1:", -1}, {"COM1:x", -1},
-    };
+        {"COM:", -1}, {"COMx:", -1}, {"/dev/ttyUSB0", -1}, {"COM-1:", -1}, {"COM1:x", -1}};
     for (const auto& [name, number] : cases) EXPECT_EQ(ParseComName(name), number) << name;
     EXPECT_EQ(ComName(7), "COM7:");
 }

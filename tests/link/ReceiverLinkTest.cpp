@@ -9,6 +9,7 @@
 #include <fstream>
 #include <map>
 #include <thread>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -26,8 +27,7 @@ class LinkTest : public ::testing::Test {
         link.devicePath = receiver.path();
         link.baudRate = 9600;
         link.sink = &sink;
-        ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
-        ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
+        ASSERT_TRUE(OpenPort(link) && StartLink(link)) << link.lastErrorCode;
     }
 
     // Sends bytes and waits until the reader holds them (no tick involved).
@@ -39,13 +39,8 @@ class LinkTest : public ::testing::Test {
     }
 
     // One watchdog tick, then waits for the batch it releases.
-    void TickAndDecode() {
-        const std::size_t before = sink.batches();
-        LinkTimerProc(link);
-        ASSERT_TRUE(sink.WaitBatches(before + 1));
-        // The reader records and empties its buffer after the handler.
-        ASSERT_TRUE(WaitFor([&] { return link.bufferLength == 0 && !link.processPending; }));
-    }
+    // (The reader records and empties its buffer after the handler.)
+    void TickAndDecode() { ASSERT_TRUE(sink.TickAndWait(sink.batches() + 1)); }
 
     FakeReceiver receiver;
     ReceiverLink link;
@@ -64,8 +59,7 @@ TEST_F(LinkTest, DecodesOnlyOnTheReadAfterATick) {
     // Two epochs between ticks make one batch; the later one wins.
     Feed(Rmc("3112.0002") + Rmc("3112.0003"));
     TickAndDecode();
-    EXPECT_EQ(sink.batches(), 2u);
-    EXPECT_EQ(sink.latitude(1), "3112.0003");
+    EXPECT_EQ(std::tuple(sink.batches(), sink.latitude(1)), std::tuple(2u, "3112.0003"));
 
     // A tick with nothing collected decodes nothing, but its request stays:
     // the next text is decoded as soon as it is read.
@@ -82,9 +76,8 @@ TEST_F(LinkTest, RequestsATimeSyncEveryTenthTick) {
         Feed(Rmc("3112.0001", "1200" + std::to_string(10 + tick) + ".00"));
         TickAndDecode();
     }
-    std::vector<bool> expected(11, false);
-    expected[0] = true;  // a new fix starts with its sync requested
-    expected[9] = true;  // the tenth tick
+    // A new fix starts with its sync requested; then the tenth tick.
+    const std::vector<bool> expected = {1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0};
     EXPECT_EQ(sink.syncs(), expected);
 }
 
@@ -105,11 +98,7 @@ TEST_F(LinkTest, SentenceStraddlingTwoDecodesIsLost) {
 // bytes as they were read, so it holds no spliced line.
 TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
     std::string burst;
-    for (int i = 0; burst.size() <= 2100; ++i) {
-        char lat[16];
-        std::snprintf(lat, sizeof lat, "3112.%04d", i);
-        burst += Rmc(lat);
-    }
+    for (int i = 1000; burst.size() <= 2100; ++i) burst += Rmc("3112." + std::to_string(i));
     // Set up with the reader stopped: nothing but the port orders the burst
     // before the reader's handler.
     StopLink(link);
@@ -118,8 +107,7 @@ TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
     link.recordNmea = true;
     std::vector<std::string> batches;
     sink.onData = [&] { batches.emplace_back(link.buffer, link.bufferLength); };
-    ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
-    ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
+    ASSERT_TRUE(OpenPort(link) && StartLink(link)) << link.lastErrorCode;
     receiver.Send(burst);
     ASSERT_TRUE(sink.WaitBatches(1)) << "an overflow must decode without a tick";
     // Whatever arrives after the overflow waits for the tick.
@@ -141,27 +129,23 @@ TEST_F(LinkTest, BurstOverflowDecodesAtOnceAndDropsWhatDoesNotFit) {
 
 TEST(OtherTalkersWatchTest, TenTicksOfOtherTalkersWithoutAGpFix) {
     // Per batch, from tick 1: 'o' other talkers only, 'g' a GP RMC beside
-    // them, '.' neither.
-    const struct {
-        const char* batches;
-        int toldAtTick;  // 0: never
-    } cases[] = {
+    // them, '.' neither; then the tick the owner is told at (0: never).
+    const std::tuple<const char*, int> cases[] = {
         {"oooooooooo", 0},      {"ooooooooooo", 11},       {"oooooooooooooooo", 11},  // once
         {"..ooooooooooo", 13},  {"ooooo.....o", 11},  // the wait counts ticks, not batches
-        {"oooogoooooooooo", 0}, {"oooogoooooooooooo", 16}, {"ggggggggggggggg", 0},
-    };
-    for (const auto& c : cases) {
+        {"oooogoooooooooo", 0}, {"oooogoooooooooooo", 16}, {"ggggggggggggggg", 0}};
+    for (const auto& [batches, toldAtTick] : cases) {
         OtherTalkersWatch watch;
         int told = 0;
-        for (std::uint32_t tick = 1; c.batches[tick - 1] != '\0'; ++tick) {
-            const char b = c.batches[tick - 1];
+        for (std::uint32_t tick = 1; batches[tick - 1] != '\0'; ++tick) {
+            const char b = batches[tick - 1];
             const gps::TalkerCounts counts{b == 'g' ? 1u : 0u, b == '.' ? 0u : 2u};
             if (watch.AfterBatch(counts, tick)) {
-                EXPECT_EQ(told, 0) << c.batches << ": told twice";
+                EXPECT_EQ(told, 0) << batches << ": told twice";
                 told = static_cast<int>(tick);
             }
         }
-        EXPECT_EQ(told, c.toldAtTick) << c.batches;
+        EXPECT_EQ(told, toldAtTick) << batches;
     }
 }
 
@@ -193,9 +177,8 @@ TEST_F(LinkTest, ThirtySilentTicksEndTheLinkWithReasonTwo) {
     const auto start = std::chrono::steady_clock::now();
     LinkTimerProc(link);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << "stop inside the tick hung";
-    EXPECT_EQ(sink.stopCommands, 1);
-    EXPECT_EQ(sink.stopResult, kLossTimeout);
-    EXPECT_EQ(link.portFd, -1);
+    EXPECT_EQ(std::tuple(sink.stopCommands, sink.stopResult, link.portFd),
+              std::tuple(1, kLossTimeout, -1));
     LinkTimerProc(link);  // a late tick of a stopped link does nothing
     EXPECT_EQ(sink.stopCommands, 1);
 }
@@ -204,8 +187,7 @@ TEST_F(LinkTest, GiveUpWithoutAnOwnerStopStillClosesTheLink) {
     sink.stopInsideTick = false;
     receiver.HangUp();
     LinkTimerProc(link);
-    EXPECT_EQ(sink.stopCommands, 1);
-    EXPECT_FALSE(link.portOpen);
+    EXPECT_EQ(std::tuple(sink.stopCommands, link.portOpen.load()), std::tuple(1, false));
     LinkTimerProc(link);  // not given up twice
     EXPECT_EQ(sink.stopCommands, 1);
     EXPECT_EQ(StopLink(link), kLossDeviceGone);
@@ -218,13 +200,8 @@ TEST_F(LinkTest, SurvivesGarbageNulBytesAndEndlessLines) {
         if (c != 0x11 && c != 0x13)
             garbage += c;  // XON/XOFF belong to the line
     }
-    receiver.Send(garbage);
-    receiver.Send(std::string(5000, 'x'));
-    receiver.Send(std::string("\0\0\0$GPRMC,\0", 11));
-    for (int i = 0; i < 5; ++i) {
-        LinkTimerProc(link);
-        std::this_thread::sleep_for(20ms);
-    }
+    receiver.Send(garbage + std::string(5000, 'x') + std::string("\0\0\0$GPRMC,\0", 11));
+    for (int i = 0; i < 5; ++i) LinkTimerProc(link), std::this_thread::sleep_for(20ms);
     receiver.Send(Rmc("3112.0042"));
     LinkTimerProc(link);
     ASSERT_TRUE(WaitFor([&] { return sink.latitude(sink.batches() - 1) == "3112.0042"; }));
@@ -256,8 +233,7 @@ TEST_F(LinkTest, StopNeverWaitsMoreThanItsBoundForABusyHandler) {
     FakeReceiver second;
     link.devicePath = second.path();
     sink.onData = nullptr;
-    ASSERT_TRUE(OpenPort(link));
-    ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
+    ASSERT_TRUE(OpenPort(link) && StartLink(link)) << link.lastErrorCode;
     second.Send(Rmc("3112.0005"));
     ASSERT_TRUE(sink.TickAndWait(2));
     EXPECT_EQ(sink.latitude(1), "3112.0005");
@@ -268,26 +244,20 @@ TEST(OpenPortTest, EachProvokableStepFailsWithItsCode) {
     const std::string dir = MakeTempDir();
     const std::string file = dir + "/plain";
     std::ofstream(file) << "not a tty";
-    const struct {
-        const char* name;
-        std::string path;
-        std::uint32_t baud;
-        const char* code;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::uint32_t, const char*> cases[] = {
         {"missing device", dir + "/ttyUSB9", 9600, common::err::kPortOpen},
         {"a plain file", file, 9600, common::err::kPortGetState},
         {"a character device that is not a tty", "/dev/null", 9600, common::err::kPortGetState},
-        {"a baud rate not offered", pty.path(), 12345, common::err::kPortSetState},
-    };
-    for (const auto& c : cases) {
+        {"a baud rate not offered", pty.path(), 12345, common::err::kPortSetState}};
+    for (const auto& [name, path, baud, code] : cases) {
         ReceiverLink link;
-        link.devicePath = c.path;
-        link.baudRate = c.baud;
+        link.devicePath = path;
+        link.baudRate = baud;
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_FALSE(OpenPort(link)) << c.name;
-        EXPECT_EQ(link.lastErrorCode, c.code) << c.name;
-        EXPECT_EQ(link.portFd, -1) << c.name;
-        EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << c.name << " was retried";
+        EXPECT_EQ(std::tuple(OpenPort(link), link.lastErrorCode, link.portFd),
+                  std::tuple(false, std::string(code), -1))
+            << name;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << name << " was retried";
     }
     std::filesystem::remove_all(dir);
 }

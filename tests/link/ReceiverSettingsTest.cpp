@@ -10,12 +10,6 @@
 namespace satwalk::link {
 namespace {
 
-std::string Address(int i) {
-    char text[18];
-    std::snprintf(text, sizeof text, "00:11:22:33:44:%02X", i);
-    return text;
-}
-
 std::string Repeat(const std::string& piece, int times) {
     std::string s;
     for (int i = 0; i < times; ++i) s += piece;
@@ -24,7 +18,11 @@ std::string Repeat(const std::string& piece, int times) {
 
 std::vector<InquiryAnswer> Named(int count) {
     std::vector<InquiryAnswer> a;
-    for (int i = 0; i < count; ++i) a.push_back({true, "GPS " + std::to_string(i), Address(i)});
+    char address[18];
+    for (int i = 0; i < count; ++i) {
+        std::snprintf(address, sizeof address, "00:11:22:33:44:%02X", i);
+        a.push_back({true, "GPS " + std::to_string(i), address});
+    }
     return a;
 }
 
@@ -35,25 +33,18 @@ TEST(BluetoothInquiryTest, AnswersBecomeRowsByTheInquiryRules) {
     badAddress[1].address = "00:11:22:33:44";
     std::vector<InquiryAnswer> repeated = Named(2);
     repeated.push_back(repeated[0]);
-    const struct {
-        const char* what;
-        std::vector<InquiryAnswer> answers;
-        int result;
-        const char* code;
-        std::size_t rows;
-    } cases[] = {
-        {"none", {}, kInquiryOk, "", 0},
-        {"sixteen reach the maximum", Named(16), kInquiryFailed, "", 16},
-        {"seventeen stop at the maximum", Named(17), kInquiryFailed, "", 16},
-        {"a nameless answer ends with nothing", nameless, kInquiryOk, "", 0},
-        {"an answer without an address", badAddress, kInquiryFailed, "0x08200a04", 0},
-        {"a repeated address counts once", repeated, kInquiryOk, "", 2},
-    };
-    for (const auto& c : cases) {
-        const InquiryResult r = FinishInquiry(c.answers, kMaxDevices);
-        EXPECT_EQ(r.result, c.result) << c.what;
-        EXPECT_EQ(r.errorCode, c.code) << c.what;
-        EXPECT_EQ(r.devices.size(), c.rows) << c.what;
+    const std::tuple<const char*, std::vector<InquiryAnswer>, int, const char*, std::size_t>
+        cases[] = {{"none", {}, kInquiryOk, "", 0},
+                   {"sixteen reach the maximum", Named(16), kInquiryFailed, "", 16},
+                   {"seventeen stop at the maximum", Named(17), kInquiryFailed, "", 16},
+                   {"a nameless answer ends with nothing", nameless, kInquiryOk, "", 0},
+                   {"an answer without an address", badAddress, kInquiryFailed, "0x08200a04", 0},
+                   {"a repeated address counts once", repeated, kInquiryOk, "", 2}};
+    for (const auto& [what, answers, result, code, rows] : cases) {
+        const InquiryResult r = FinishInquiry(answers, kMaxDevices);
+        EXPECT_EQ(std::tuple(r.result, r.errorCode, r.devices.size()),
+                  std::tuple(result, std::string(code), rows))
+            << what;
     }
 }
 
@@ -68,8 +59,7 @@ TEST(BluetoothInquiryTest, NamesAreCleanedAndCutToTheRow) {
         {std::string(300, 'n'), std::string(255, 'n')},
         {Repeat(cjk, 300), Repeat(cjk, 255)},  // counted in UTF-16 units, not bytes
         {std::string(254, 'n') + emoji, std::string(254, 'n')},
-        {std::string("a\0b", 3), "a"},
-    };
+        {std::string("a\0b", 3), "a"}};
     for (const auto& [raw, clean] : cases)
         EXPECT_EQ(CleanDeviceName(raw), clean) << raw.substr(0, 20);
 }
@@ -98,33 +88,27 @@ ReceiverSettings Settings(bool bluetooth) {
 }
 
 TEST(ReceiverSettingsDialogTest, OkAndCancel) {
-    const struct {
-        const char* what;
-        bool bluetooth;
-        std::vector<BluetoothDevice> table;
-        int deviceRow;
-        BluetoothDevice chosen;
-        std::string portName;
-    } cases[] = {
-        {"bluetooth, a row chosen", true, {kOther, kChosen}, 0, kOther, ""},
-        {"bluetooth, no devices clears the choice", true, {}, -1, BluetoothDevice{}, ""},
-        {"manual keeps the device, names the port", false, {kOther}, 0, kChosen, "COM7:"},
-    };
-    for (const auto& c : cases) {
-        ReceiverSettings s = Settings(c.bluetooth);
-        s.table = c.table;
+    const std::tuple<const char*, bool, std::vector<BluetoothDevice>, int, BluetoothDevice,
+                     std::string>
+        cases[] = {
+            {"bluetooth, a row chosen", true, {kOther, kChosen}, 0, kOther, ""},
+            {"bluetooth, no devices clears the choice", true, {}, -1, BluetoothDevice{}, ""},
+            {"manual keeps the device, names the port", false, {kOther}, 0, kChosen, "COM7:"}};
+    for (const auto& [what, bluetooth, table, deviceRow, chosen, portName] : cases) {
+        ReceiverSettings s = Settings(bluetooth);
+        s.table = table;
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
         SelectPort(d, 7);
         SelectPort(d, 10);  // "自动" is not a port: 7 stays
         d.bauds.selection = 4;
-        if (c.deviceRow >= 0)
-            d.devices.selection = c.deviceRow;
+        if (deviceRow >= 0)
+            d.devices.selection = deviceRow;
         AcceptReceiverSettings(d, s);
-        EXPECT_TRUE(d.ended && d.endResult == 1) << c.what;
-        EXPECT_EQ(s.chosen, c.chosen) << c.what;
+        EXPECT_TRUE(d.ended && d.endResult == 1) << what;
+        EXPECT_EQ(s.chosen, chosen) << what;
         EXPECT_EQ(std::tuple(s.comPort, s.baudIndex, s.linkBaud), std::tuple(7u, 4u, 38400u))
-            << c.what;
-        EXPECT_EQ(s.linkPortName, c.portName) << c.what;
+            << what;
+        EXPECT_EQ(s.linkPortName, portName) << what;
     }
 
     ReceiverSettings s = Settings(true);
@@ -132,8 +116,7 @@ TEST(ReceiverSettingsDialogTest, OkAndCancel) {
     SelectPort(d, 2);
     CancelReceiverSettings(d, s);
     EXPECT_EQ(s.table, std::vector<BluetoothDevice>{kChosen});
-    EXPECT_EQ(s.comPort, 5u);
-    EXPECT_EQ(d.endResult, 0);
+    EXPECT_EQ(std::tuple(s.comPort, d.endResult), std::tuple(5u, 0));
 }
 
 TEST(ReceiverSettingsDialogTest, SearchButtonBecomesRetryAndFailsToStartWithItsCode) {
@@ -167,34 +150,22 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
     std::vector<BluetoothDevice> sixteenKept = sixteen;
     sixteenKept[0] = kOther;  // the first row as it was
 
-    const std::vector<std::string> oldCombo = {"Other GPS", "Chosen GPS"};
-    const struct {
-        const char* what;
-        SearchOutcome outcome;
-        std::vector<std::string> texts;
-        std::vector<BluetoothDevice> table;
-        std::vector<std::string> combo;
-    } cases[] = {
-        {"found two", {false, false, {kInquiryOk, "", found}}, {}, found, {"A", "B"}},
-        {"found none", {false, false, {kInquiryOk, "", {}}}, {kTextNoReceiver}, {}, {}},
-        {"radio off", {false, false, {kInquiryRadioOff, "", {}}}, {kTextRadioOff}, {}, oldCombo},
-        {"radio switch failed, then off",
-         {true, false, {kInquiryRadioOff, "", {}}},
-         {kTextRadioSwitchFailed, kTextRadioOff},
-         {},
-         oldCombo},
-        {"failed to begin",
-         {false, false, {kInquiryFailed, "0x08200a01", {}}},
-         {"搜索蓝牙GPS接收机失败: 0x08200a01\n\n请重新再次搜索！"},
-         {},
-         oldCombo},
-        {"the maximum reached",
-         {false, false, {kInquiryFailed, "", sixteen}},
-         {"搜索蓝牙GPS接收机失败: \n\n请重新再次搜索！"},
-         sixteenKept,
-         oldCombo},
-    };
-    for (const auto& c : cases) {
+    const std::vector<std::string> old = {"Other GPS", "Chosen GPS"};
+    const SearchOutcome off{false, false, {kInquiryRadioOff, "", {}}};
+    const SearchOutcome noSwitch{true, false, {kInquiryRadioOff, "", {}}};
+    const SearchOutcome notBegun{false, false, {kInquiryFailed, "0x08200a01", {}}};
+    const SearchOutcome full{false, false, {kInquiryFailed, "", sixteen}};
+    const std::string failed = "搜索蓝牙GPS接收机失败: ", again = "\n\n请重新再次搜索！";
+    // Name, outcome, the messages shown, the table and the combo after it.
+    using Texts = std::vector<std::string>;
+    const std::tuple<const char*, SearchOutcome, Texts, std::vector<BluetoothDevice>, Texts>
+        cases[] = {{"found two", {false, false, {kInquiryOk, "", found}}, {}, found, {"A", "B"}},
+                   {"found none", {false, false, {kInquiryOk, "", {}}}, {kTextNoReceiver}, {}, {}},
+                   {"radio off", off, {kTextRadioOff}, {}, old},
+                   {"no switch", noSwitch, {kTextRadioSwitchFailed, kTextRadioOff}, {}, old},
+                   {"failed to begin", notBegun, {failed + "0x08200a01" + again}, {}, old},
+                   {"the maximum reached", full, {failed + again}, sixteenKept, old}};
+    for (const auto& [what, outcome, texts, table, combo] : cases) {
         ReceiverSettings s = Settings(true);
         ReceiverSettingsDialog d = OpenReceiverSettings(s, Slots());
         std::vector<DialogMessage> none;
@@ -203,13 +174,13 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
         EXPECT_FALSE(d.autoSearchEnabled);
         EXPECT_EQ(s.table[0], BluetoothDevice{}) << "row 0 is cleared while searching";
         bool radio = false;
-        const std::vector<DialogMessage> shown = ApplySearchOutcome(d, s, c.outcome, radio);
-        std::vector<std::string> texts;
-        for (const DialogMessage& m : shown) texts.push_back(m.text);
-        EXPECT_EQ(texts, c.texts) << c.what;
-        EXPECT_EQ(s.table, c.table) << c.what;
-        EXPECT_EQ(d.devices.entries, c.combo) << c.what;
-        EXPECT_TRUE(d.autoSearchEnabled && d.search.enabled && !d.waitCursor) << c.what;
+        const std::vector<DialogMessage> shown = ApplySearchOutcome(d, s, outcome, radio);
+        std::vector<std::string> shownTexts;
+        for (const DialogMessage& m : shown) shownTexts.push_back(m.text);
+        EXPECT_EQ(shownTexts, texts) << what;
+        EXPECT_EQ(s.table, table) << what;
+        EXPECT_EQ(d.devices.entries, combo) << what;
+        EXPECT_TRUE(d.autoSearchEnabled && d.search.enabled && !d.waitCursor) << what;
     }
 }
 

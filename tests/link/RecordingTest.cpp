@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -34,8 +35,7 @@ class RecordingTest : public ::testing::Test {
 
     void Start(FakeReceiver& receiver) {
         link.devicePath = receiver.path();
-        ASSERT_TRUE(OpenPort(link)) << link.lastErrorCode;
-        ASSERT_TRUE(StartLink(link)) << link.lastErrorCode;
+        ASSERT_TRUE(OpenPort(link) && StartLink(link)) << link.lastErrorCode;
     }
 
     // Sends bytes, waits until the reader holds `held` characters, ticks and
@@ -55,22 +55,18 @@ class RecordingTest : public ::testing::Test {
 };
 
 TEST(NmeaLogPathTest, NamesTheFileAfterTheLocalStartTime) {
-    const struct {
-        const char* tz;
-        std::time_t now;
-        const char *folder, *expected;
-    } cases[] = {
+    // Zone, start time, folder, and the file's path.
+    const std::tuple<const char*, std::time_t, const char*, const char*> cases[] = {
         {"UTC0", 1173968730, "/rec", "/rec/20070315142530_NMEA0183.log"},
         {"CST-8", 1173968730, "/rec", "/rec/20070315222530_NMEA0183.log"},
-        {"CST-8", 946684799, "d", "d/20000101075959_NMEA0183.log"},  // next local day
-    };
-    for (const auto& c : cases) {
-        setenv("TZ", c.tz, 1);
+        {"CST-8", 946684799, "d", "d/20000101075959_NMEA0183.log"}};  // next local day
+    for (const auto& [tz, now, folder, expected] : cases) {
+        setenv("TZ", tz, 1);
         tzset();
         ReceiverLink link;
-        link.nmeaFolder = c.folder;
-        MakeNmeaLogPath(link, c.now);
-        EXPECT_STREQ(link.nmeaLogPath, c.expected) << c.tz << " " << c.now;
+        link.nmeaFolder = folder;
+        MakeNmeaLogPath(link, now);
+        EXPECT_STREQ(link.nmeaLogPath, expected) << tz << " " << now;
     }
 }
 
@@ -80,9 +76,7 @@ TEST_F(RecordingTest, RecordsTheBytesExactlyAsRead) {
     const std::string a = Rmc("3112.0001") + "\xb9\xfe garbage \xff\r\n";
     const std::string b = "no line end";
     const std::string c = Sentence("GPGSA,A,3,01,02,,,,,,,,,,,2.0,1.0,1.7");
-    SendAndRecord(receiver, a, a.size());
-    SendAndRecord(receiver, b, b.size());
-    SendAndRecord(receiver, c, c.size());
+    for (const std::string& bytes : {a, b, c}) SendAndRecord(receiver, bytes, bytes.size());
     // Text after a NUL in a read is not decoded, but it is recorded.
     const std::string nul("ab\0cd", 5);
     SendAndRecord(receiver, nul, 2);
@@ -96,12 +90,11 @@ TEST_F(RecordingTest, TwoStartsInOneSecondAppendToOneFile) {
     FakeReceiver receiver;
     const std::string first = Rmc("3112.0001");
     const std::string second = Rmc("3112.0002");
-    Start(receiver);
-    SendAndRecord(receiver, first, first.size());
-    StopLink(link);
-    Start(receiver);
-    SendAndRecord(receiver, second, second.size());
-    StopLink(link);
+    for (const std::string& bytes : {first, second}) {
+        Start(receiver);
+        SendAndRecord(receiver, bytes, bytes.size());
+        StopLink(link);
+    }
     ASSERT_EQ(ListDir(dir).size(), 1u);
     EXPECT_EQ(ReadFile(dir + "/" + ListDir(dir)[0]), first + second);
 
@@ -132,9 +125,9 @@ TEST_F(RecordingTest, AVanishedFolderLosesTheBatchesButNotTheLink) {
     EXPECT_EQ(ListDir(dir + "/gone").size(), 1u);
     EXPECT_TRUE(link.running);
     StopLink(link);
-    EXPECT_EQ(sink.recordFailures, 1);
-    EXPECT_EQ(sink.recordError, ENOENT);
-    EXPECT_EQ(sink.recordResumes, 1);
+    EXPECT_EQ(
+        std::tuple(sink.recordFailures.load(), sink.recordError.load(), sink.recordResumes.load()),
+        std::tuple(1, ENOENT, 1));
 }
 
 // Appends in a child process whose files may not grow past `limit` bytes,
@@ -155,24 +148,17 @@ int AppendUnderLimit(const std::string& path, const std::string& batch, rlim_t l
 
 TEST(AppendNmeaBatchTest, ABatchIsWrittenWholeOrNotAtAll) {
     const std::string line = Rmc("3112.0001");  // 77 bytes
-    const struct {
-        const char* name;
-        std::string before;
-        std::string batch;
-        rlim_t limit;
-        bool written;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string, rlim_t, bool> cases[] = {
         {"room enough", line, line + line, 1000, true},
         {"short write", line, line + line, 2 * line.size(), false},
-        {"no room at all", line + line, line, 2 * line.size(), false},
-    };
+        {"no room at all", line + line, line, 2 * line.size(), false}};
     const std::string dir = MakeTempDir();
     const std::string path = dir + "/rec.log";
-    for (const auto& c : cases) {
-        { std::ofstream(path, std::ios::binary | std::ios::trunc) << c.before; }
-        const int error = AppendUnderLimit(path, c.batch, c.limit);
-        EXPECT_EQ(error, c.written ? 0 : EFBIG) << c.name;
-        EXPECT_EQ(ReadFile(path), c.written ? c.before + c.batch : c.before) << c.name;
+    for (const auto& [name, before, batch, limit, written] : cases) {
+        { std::ofstream(path, std::ios::binary | std::ios::trunc) << before; }
+        const int error = AppendUnderLimit(path, batch, limit);
+        EXPECT_EQ(error, written ? 0 : EFBIG) << name;
+        EXPECT_EQ(ReadFile(path), written ? before + batch : before) << name;
     }
     std::filesystem::remove_all(dir);
 }
