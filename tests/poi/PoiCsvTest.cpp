@@ -40,8 +40,7 @@ std::string Records(const std::string& bytes, PoiEncoding encoding, std::size_t 
 TEST(PoiCsv, ByteRules) {
     const struct {
         const char* name;
-        std::string bytes;
-        std::string records;
+        std::string bytes, records;
     } cases[] = {
         {"a line with a note", "120.15,30.25,Harbour office,open 8-17\r\n",
          "30.25,120.15,Harbour office,open 8-17;"},
@@ -98,8 +97,7 @@ TEST(PoiCsv, FilesChooseTheirEncoding) {
     const std::string dir = ::testing::TempDir();
     const struct {
         const char* name;
-        std::string bytes;
-        std::string records;
+        std::string bytes, records;
     } cases[] = {{"utf8.csv", "1,2,西湖\r\n", "2,1,西湖,;"},
                  {"gb.csv", "1,2,\xCE\xF7\xBA\xFE\r\n", "2,1,西湖,;"},
                  // Valid UTF-8 except for one byte further on: the whole file is GB18030.

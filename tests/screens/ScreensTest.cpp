@@ -270,9 +270,7 @@ TEST(Speedometer, LabelsUnitsAndAlarmText) {
     const struct {
         int units;
         bool on;
-        const char* last;
-        const char* unit;
-        const char* alarm;
+        const char *last, unit, alarm;
     } cases[] = {{kMetric, true, "200", "km/h", " 80 km/h "},
                  {kImperial, true, "160", "MPH", " 80 MPH "},
                  {kNautical, false, "160", "kts", " 关闭 "}};

@@ -15,8 +15,7 @@ namespace satwalk::tools::test {
 
 struct ToolRun {
     int status;
-    std::string out;
-    std::string err;
+    std::string out, err;
     std::vector<std::string> Lines() const {
         std::vector<std::string> lines;
         std::istringstream in(out);

@@ -37,8 +37,7 @@ TEST(TrackLogReader, HostileLogs) {
     const std::string field259(259, 'x');
     const struct {
         const char* name;
-        std::string bytes;
-        std::string points;
+        std::string bytes, points;
     } cases[] = {
         {"a recorded line", kLine, "120.15,30.25,2024-05-01 08:00:01;"},
         {"empty file", "", ""},
@@ -151,8 +150,7 @@ TEST(TrackViewing, BudgetOfPoints) {
     test::WriteFile(dir + "/many.gpx", gpx + "</trkseg></trk></gpx>");
     const struct {
         const char* file;
-        std::uint64_t budget;
-        std::uint64_t points;
+        std::uint64_t budget, points;
         TrackFileResult result;
     } cases[] = {{"tiny.log", 10, 10, TrackFileResult::TooLarge},
                  {"tiny.log", 99, 99, TrackFileResult::TooLarge},

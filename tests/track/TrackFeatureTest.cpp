@@ -43,8 +43,7 @@ class TrackFeatureTest : public test::FeatureFixture {
 TEST_F(TrackFeatureTest, SaveCommandStartsAndEndsLogs) {
     const struct {
         const char* name;
-        bool running, fix, recordingBefore;
-        bool recordingAfter;
+        bool running, fix, recordingBefore, recordingAfter;
         int lines;  // -1: no file
         bool timerArmed;
     } cases[] = {
@@ -238,8 +237,7 @@ TEST_F(TrackFeatureTest, FollowPause) {
         const char* name;
         bool running, timerFails;
         Then then;
-        bool paused;
-        bool message;
+        bool paused, message;
     } cases[] = {{"moved by hand", true, false, Then::Nothing, true, false},
                  {"link stopped: no pause", false, false, Then::Nothing, false, false},
                  {"timer refused: paused anyway", true, true, Then::Nothing, true, true},
