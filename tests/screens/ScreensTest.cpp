@@ -270,7 +270,9 @@ TEST(Speedometer, LabelsUnitsAndAlarmText) {
     const struct {
         int units;
         bool on;
-        const char *last, unit, alarm;
+        const char* last;
+        const char* unit;
+        const char* alarm;
     } cases[] = {{kMetric, true, "200", "km/h", " 80 km/h "},
                  {kImperial, true, "160", "MPH", " 80 MPH "},
                  {kNautical, false, "160", "kts", " 关闭 "}};

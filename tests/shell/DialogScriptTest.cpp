@@ -35,7 +35,8 @@ TEST_F(ScriptRunTest, FormDrivenByScriptWhileTheReceiverRuns) {
 // running program knows.
 TEST_F(ScriptRunTest, DialogStepsThatDoNotFitFail) {
     const struct {
-        const char *lines, error;
+        const char* lines;
+        const char* error;
     } cases[] = {{"key 7\nfly away", "unknown line"},
                  {"set 902 x", "no dialog is open"},
                  {"command 49900\nset 999 1", "has no control 999"},

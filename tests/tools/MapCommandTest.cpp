@@ -50,7 +50,9 @@ TEST(MapCommand, UncalibratedAndHostileFiles) {
     const struct {
         const char* what;
         std::string text;
-        const char *active, toGeo, toImage;
+        const char* active;
+        const char* toGeo;
+        const char* toImage;
     } cases[] = {{"empty file", "", "0", R"({"imageX":5,"imageY":6,"latitude":0,"longitude":0})",
                   R"({"latitude":1,"longitude":2,"imageX":0,"imageY":0})"},
                  {"two points on one row", "1,10,20,0,5,1,11,21,9,5", "2",
