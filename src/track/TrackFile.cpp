@@ -355,12 +355,7 @@ void NmeaTrackParser::Line(std::string_view line) {
     p.speed = FieldNumber(fix.speedKnots) * kMetresPerSecondPerKnot;
     p.course = FieldNumber(fix.course);
     p.elevation = FieldNumber(fix.altitude);
-    if (fix.fixQuality == '2')
-        p.fix = kFixDgps;
-    else if (fix.fixMode == '3')
-        p.fix = kFix3d;
-    else if (fix.fixMode == '2')
-        p.fix = kFix2d;
+    p.fix = GpxFixOf(fix.fixQuality, fix.fixMode);
     if (fix.satellitesUsed[0] != '\0')
         p.satellites = static_cast<std::int16_t>(gps::TextToInt(fix.satellitesUsed));
     onPoint_(p);
@@ -381,6 +376,16 @@ TrackFileKind SniffTrackFilePath(const std::string& path) {
     ::close(fd);
     return n < 0 ? TrackFileKind::Unknown
                  : SniffTrackFile(std::string_view(head, static_cast<std::size_t>(n)));
+}
+
+std::int8_t GpxFixOf(char fixQuality, char fixMode) {
+    if (fixQuality == '2')
+        return kFixDgps;
+    if (fixMode == '3')
+        return kFix3d;
+    if (fixMode == '2')
+        return kFix2d;
+    return -1;
 }
 
 TrackFileRead ReadTrackFile(const std::string& path, const TrackFilePointSink& onPoint,

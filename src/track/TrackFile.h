@@ -37,6 +37,9 @@ struct TrackFilePoint {
 
 // GPX's <fix> values.
 enum GpxFix : std::int8_t { kFixNone = 0, kFix2d = 1, kFix3d = 2, kFixDgps = 3 };
+// The GPX fix kind of a receiver's fix quality (GGA) and mode (GSA); -1
+// when neither says.
+std::int8_t GpxFixOf(char fixQuality, char fixMode);
 
 // A waypoint of a GPX file (its <wpt>), texts in UTF-8 as they stand, cut
 // at kWaypointTextMax bytes.

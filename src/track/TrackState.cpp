@@ -19,25 +19,15 @@ TrackPoint Point(double x, double y, const TrackTime& time) {
     return TrackPoint{static_cast<float>(x), static_cast<float>(y), time};
 }
 
-// A receiver's number text, NaN when empty.
-double Number(std::string_view text) {
-    char buffer[32];
-    const std::size_t n = std::min(text.size(), sizeof buffer - 1);
-    std::copy_n(text.data(), n, buffer);
-    buffer[n] = '\0';
-    return n == 0 ? kNoValue : gps::TextToDouble(buffer);
-}
-
 TrackFilePoint FilePoint(const TrackSample& s) {
     TrackFilePoint p;
     p.latitude = s.latitude;
     p.longitude = s.longitude;
     p.time = s.time;
     p.hasTime = true;
-    p.elevation = Number(s.altitude);
-    const double knots = Number(s.speedKnots);
-    p.speed = knots >= 0 ? knots * 1852.0 / 3600.0 : kNoValue;
-    p.course = Number(s.course);
+    p.elevation = s.elevation;
+    p.speed = s.speedKnotsValue >= 0 ? s.speedKnotsValue * 1852.0 / 3600.0 : kNoValue;
+    p.course = s.courseValue;
     p.fix = s.gpxFix;
     p.satellites = s.satellites;
     return p;
@@ -61,12 +51,10 @@ TrackSample SampleFromFix(const gps::GpsState& fix, const gps::FixValues& values
     s.speedKnots = Text(fix.speedKnots, sizeof fix.speedKnots);
     s.course = Text(fix.course, sizeof fix.course);
     s.altitude = Text(fix.altitude, sizeof fix.altitude);
-    if (fix.fixQuality == '2')
-        s.gpxFix = kFixDgps;
-    else if (fix.fixMode == '3')
-        s.gpxFix = kFix3d;
-    else if (fix.fixMode == '2')
-        s.gpxFix = kFix2d;
+    s.speedKnotsValue = values.speedKnots.value_or(kNoValue);
+    s.courseValue = values.course.value_or(kNoValue);
+    s.elevation = values.altitude.value_or(kNoValue);
+    s.gpxFix = GpxFixOf(fix.fixQuality, fix.fixMode);
     if (values.satellitesUsed)
         s.satellites = static_cast<std::int16_t>(*values.satellitesUsed);
     return s;

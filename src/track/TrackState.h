@@ -51,6 +51,8 @@ struct TrackSample {
     std::string_view speedKnots;  // the receiver's texts, written as they are
     std::string_view course;
     std::string_view altitude;
+    // The same read once as numbers (NaN when absent), for the GPX copy.
+    double speedKnotsValue = kNoValue, courseValue = kNoValue, elevation = kNoValue;
     std::int8_t gpxFix = -1;  // GpxFix from the fix's quality and mode
     std::int16_t satellites = -1;
     bool worldValid = false;       // the current position converted
