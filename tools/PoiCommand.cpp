@@ -12,6 +12,7 @@
 #include "PoiCategories.h"
 #include "PoiCsv.h"
 #include "PoiGpx.h"
+#include "Strings.h"
 #include "ToolCommands.h"
 
 namespace satwalk::tools {
@@ -80,7 +81,7 @@ int RunPoi(int argc, char** argv) {
         read = poi::ReadPoiCsv(argv[0], print);
     }
     if (read == poi::PoiRead::OpenFailed) {
-        std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0], poi::kOpenPoiFileFailed);
+        std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0], common::LoadString(common::kStrOpenPoiFileFailed));
         return 1;
     }
     if (read == poi::PoiRead::Truncated) {

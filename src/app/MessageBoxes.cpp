@@ -2,12 +2,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QRegularExpression>
 #include <QStyle>
-#include <QTranslator>
 
 #include <algorithm>
 
@@ -17,17 +15,6 @@ namespace satwalk::app {
 
 using shell::MessageButtons;
 using shell::MessageIcon;
-
-bool InstallQtTranslation(QCoreApplication& app) {
-    auto* translator = new QTranslator(&app);
-    if (!translator->load(QStringLiteral("qtbase_zh_CN"),
-                          QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        delete translator;
-        return false;
-    }
-    QCoreApplication::installTranslator(translator);
-    return true;
-}
 
 int MessageFontPixels(int baseTextHeight) {
     return std::max(9, (2 * baseTextHeight) / 3);

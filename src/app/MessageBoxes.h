@@ -11,18 +11,12 @@
 #include "Features.h"
 #include "Shell.h"
 
-class QCoreApplication;
 class QMessageBox;
 class QWidget;
 
 namespace satwalk::app {
 
 class MainWindow;
-
-// Installs Qt's Simplified Chinese translation (qtbase_zh_CN from Qt's
-// translations folder) for the life of `app`. False when it is missing:
-// the buttons then stay in English.
-bool InstallQtTranslation(QCoreApplication& app);
 
 // The pixel size of a message box's text: the menus' size, two thirds of
 // the base text height.

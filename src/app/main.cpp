@@ -2,7 +2,7 @@
 //
 //   satwalk [--options PATH] [--size WxH] [--dpi N] [--port SOURCE]
 //           [--replay [FILE] [--replay-rate X]] [--script FILE] [--single-instance]
-//           [--all-talkers] [--relay [HOST:]PORT]
+//           [--all-talkers] [--relay [HOST:]PORT] [--language zh_CN|en|auto]
 //   satwalk --help | --version | --list-commands
 #include <QApplication>
 #include <QDir>
@@ -26,6 +26,8 @@
 #include "CommandIds.h"
 #include "CommandTable.h"
 #include "FeatureList.h"
+#include "Language.h"
+#include "LanguageOption.h"
 #include "MainWindow.h"
 #include "MessageBoxes.h"
 #include "QtPlatform.h"
@@ -44,23 +46,9 @@ namespace {
 
 using namespace satwalk;
 
-constexpr const char* kUsage =
-    "usage: satwalk [OPTIONS]\n"
-    "  --options PATH        the options file (default: the XDG config folder)\n"
-    "  --size WxH            client size above the soft-key bar (default 480x640)\n"
-    "  --dpi N               screen density (default 192; 96 selects the small set)\n"
-    "  --port SOURCE         a receiver that stands for the configured port: a device,\n"
-    "                        gpsd://HOST[:PORT] or tcp://HOST:PORT\n"
-    "  --replay [FILE]       play FILE (default: the demo drive) as the receiver\n"
-    "  --replay-rate X       replay speed, epochs per second (default 1)\n"
-    "  --script FILE         run a script (works with -platform offscreen)\n"
-    "  --single-instance     take part in the one-copy rule in script mode too\n"
-    "  --all-talkers         accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n"
-    "  --relay [HOST:]PORT   serve the receiver's NMEA to TCP clients for this run\n"
-    "                        (host 127.0.0.1 unless named)\n"
-    "  --list-commands       print the command ids of the menus and scripts, and exit\n"
-    "  --version             print the version and exit\n"
-    "  --help                print this and exit\n";
+const char* Usage() {
+    return common::LoadString(common::kStrUsage);
+}
 
 struct Arguments {
     QString optionsPath;
@@ -75,6 +63,7 @@ struct Arguments {
     bool allTalkers = false;
     bool listCommands = false;
     QString relay;
+    QString language;  // for this run only; empty: the saved choice
 };
 
 std::optional<Arguments> ParseArguments(const QStringList& args) {
@@ -134,6 +123,9 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
             a.allTalkers = true;
         } else if (arg == "--relay") {
             if (!value(a.relay) || !link::IsRelayAddress(a.relay.toStdString()))
+                return std::nullopt;
+        } else if (arg == "--language") {
+            if (!value(a.language) || !shell::IsLanguageChoice(a.language.toStdString()))
                 return std::nullopt;
         } else if (arg == "--list-commands") {
             a.listCommands = true;
@@ -200,12 +192,52 @@ bool HasArgument(int argc, char** argv, std::initializer_list<std::string_view> 
     return false;
 }
 
+// The value after `name`, for the answers given before the arguments are
+// parsed; empty when it is not there.
+QString ArgumentValue(int argc, char** argv, std::string_view name) {
+    for (int i = 1; i + 1 < argc; ++i) {
+        if (name == argv[i])
+            return QString::fromLocal8Bit(argv[i + 1]);
+    }
+    return {};
+}
+
+// The options file: the one named, else "options" in the XDG config folder.
+QString OptionsPath(const QString& named) {
+    if (!named.isEmpty())
+        return named;
+    const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
+    return QDir(dir).filePath("options");
+}
+
+// The language of this run: the one named for it, else the saved choice in
+// the `language` file beside the options; "auto" follows the environment.
+QString ChooseLanguage(const QString& named, const QString& optionsPath) {
+    const std::string choice =
+        !named.isEmpty() && shell::IsLanguageChoice(named.toStdString())
+            ? named.toStdString()
+            : shell::LoadLanguageOption(shell::LanguageOptionPath(optionsPath.toStdString()));
+    return QString::fromStdString(shell::ResolveLanguage(choice, std::getenv));
+}
+
+// The table's texts in `code` for this run; said on standard error when the
+// translation cannot be read (the interface then stays in Chinese).
+void UseLanguage(const QString& code) {
+    if (!app::InstallLanguage(code)) {
+        std::fprintf(stderr, "satwalk: no translation for %s, the interface stays in Chinese\n",
+                     qPrintable(code));
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     // These need no display: they answer before Qt looks for one.
+    QCoreApplication::setApplicationName("satwalk");
     if (HasArgument(argc, argv, {"--help", "-h"})) {
-        std::fputs(kUsage, stdout);
+        UseLanguage(ChooseLanguage(ArgumentValue(argc, argv, "--language"),
+                                   OptionsPath(ArgumentValue(argc, argv, "--options"))));
+        std::fputs(Usage(), stdout);
         return 0;
     }
     if (HasArgument(argc, argv, {"--version"})) {
@@ -218,16 +250,20 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("satwalk");
     QApplication::setApplicationVersion(SATWALK_VERSION);
-    // Standard buttons in the interface's language.
-    app::InstallQtTranslation(app);
 
     const QStringList rawArgs = QApplication::arguments();
     const std::optional<Arguments> parsed = ParseArguments(rawArgs);
     if (!parsed) {
-        std::fputs(kUsage, stderr);
+        std::fputs(Usage(), stderr);
         return 2;
     }
     const Arguments& args = *parsed;
+    // The language, once, before any text is shown; the standard buttons
+    // follow it.
+    QString optionsPath = OptionsPath(args.optionsPath);
+    const QString language = ChooseLanguage(args.language, optionsPath);
+    UseLanguage(language);
+    app::InstallQtTranslation(app, language);
     if (args.listCommands)
         return ListCommands(args);
     const bool scriptMode = !args.script.isEmpty();
@@ -240,17 +276,15 @@ int main(int argc, char** argv) {
         return 0;
 
     // Options, before anything is shown.
-    QString optionsPath = args.optionsPath;
-    if (optionsPath.isEmpty()) {
-        const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
-        QDir().mkpath(dir);
-        optionsPath = QDir(dir).filePath("options");
-    }
+    if (args.optionsPath.isEmpty())
+        QDir().mkpath(QFileInfo(optionsPath).path());
     shell::ProgramSettings settings;
     shell::OptionsStore options(optionsPath.toStdString());
     options.LoadOptions(settings);
     settings.saveGpxTrackFile = shell::TrackGpxOptionPath(optionsPath.toStdString());
     settings.saveGpxTrack = shell::LoadTrackGpxOption(settings.saveGpxTrackFile) ? 1 : 0;
+    settings.languageFile = shell::LanguageOptionPath(optionsPath.toStdString());
+    settings.language = shell::LoadLanguageOption(settings.languageFile);
 
     // Storage root and the My GPS folders.
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);

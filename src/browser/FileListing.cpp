@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "Strings.h"
+
 namespace satwalk::browser {
 
 namespace {
@@ -52,11 +54,11 @@ std::string_view TrimTrailingSlashes(std::string_view folder) {
 std::string_view FilterCaption(int mode) {
     switch (mode) {
         case kBrowseMaps:
-            return "地图 [*.BMP; *.JPG; *.GIF; *.PNG]";
+            return common::LoadString(common::kStrFilterMaps);
         case kBrowseTrackLogs:
-            return "轨迹 [*.log; *.gpx; *.nmea]";
+            return common::LoadString(common::kStrFilterTracks);
         case kBrowsePoi:
-            return "POI [*.csv; *.gpx]";
+            return common::LoadString(common::kStrFilterPoi);
         default:
             return {};
     }

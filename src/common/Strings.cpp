@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
+#include <vector>
 
 namespace satwalk::common {
 
 namespace {
 
-struct Entry {
-    int id;
-    const char* text;
-};
+using Entry = StringEntry;
 
-// Sorted by id.
+// Sorted by id. A new text is one line here (and its id in Strings.h); the
+// translations in resources/translations follow by scripts/translations.
 constexpr Entry kStrings[] = {
     {40004, "取消"},
     {40005, "确定"},
@@ -40,11 +39,18 @@ constexpr Entry kStrings[] = {
      "接收GPS数据超时！\n\nGPS接收机也许出现故障需要重新启动。\n\n"
      "注意: 如果程序停止响应，请关闭GPS接收机，程序将恢复正常。"},
     {40098, "您确定要退出程序？"},
+    {40101, "搜索蓝牙GPS接收机失败: %s\n\n请重新再次搜索！"},
+    {40102, "请先开启蓝牙！"},
+    {40103, "没有找到蓝牙GPS接收机\n\n请确认蓝牙GPS接收机已开启并重新搜索！"},
     {40104, "导入 %s 失败！没有足够内存空间！"},
     {40105, "无法打开 %s，记录已被打开！"},
     {40108, "停止 GPS\t[0]"},
     {40109, "启动 GPS\t[0]"},
     {40111, "激活参照点"},
+    {40112, "重试"},
+    {40113, "可用"},
+    {40114, "自动"},
+    {40115, "系统设置"},
     {40118, "打开文件"},
     {40119, "北纬"},
     {40120, "南纬"},
@@ -126,24 +132,108 @@ constexpr Entry kStrings[] = {
     {41701, "NMEA 转发"},
     {41702, "NMEA 转发无法在 %s 上监听，GPS接收机照常运行。"},
     {41703, "本机 gpsd"},
+    {41704,
+     "GPS接收机发送的是其他卫星系统的数据 (GN、GL、GA、GB、BD)，没有GPS (GP) 定位数据，"
+     "因此无法定位。\n\n请在“选项”中开启“接收所有卫星系统” (或使用启动参数 --all-talkers)。"},
+    // Texts of the dialogs.
+    {42001, "GPS 设置"},
+    {42002, "设备:"},
+    {42003, "COM端口:"},
+    {42004, "波特率:"},
+    {42005, "自动搜索蓝牙GPS设备"},
+    {42006, "Search Bluetooth GPS Receiver failed:%s\n\nPlease try again!"},
+    {42011, "常规设置"},
+    {42012, "自动开启/关闭蓝牙"},
+    {42013, "保持背景灯常亮"},
+    {42014, "记录 NMEA 数据"},
+    {42015, "存储路径:"},
+    {42016, "接收所有卫星系统"},
+    {42017, "语言:"},
+    {42018, "自动"},
+    {42019, "新的语言在程序下次启动时生效。"},
+    {42030, "卫星数据"},
+    {42031, "仰角"},
+    {42032, "方位角"},
+    {42040, "纬度"},
+    {42041, "经度"},
+    {42042, "北/南:"},
+    {42043, "东/西:"},
+    {42044, "度:"},
+    {42045, "分:"},
+    {42046, "秒:"},
+    {42050, "地图 [*.BMP; *.JPG; *.GIF; *.PNG]"},
+    {42051, "轨迹 [*.log; *.gpx; *.nmea]"},
+    {42052, "POI [*.csv; *.gpx]"},
+    {42060, "正在读取轨迹记录…"},
+    {42070, "Set Ref Point %s"},
+    {42101, "Open POI File failed!"},
+    {42102, "Load POI Icons failed: 0x08200a19\n\nPress OK to continue..."},
+    {42103, "Read Image Information failed!"},
+    {42104, "Save Reference Point Information failed!"},
+    {42105, "Create Track Timer failed: %s\n\nPress OK to continue..."},
+    {42106, "Create Track Timer failed:%s\n\nPress OK to continue..."},
+    {42107, "Create Track Move Timer failed!"},
+    {42108, "Open Track Log failed!"},
+    {42109, "Initialization failed: %s\n\nThe program will now exit."},
+    {42110, "Critical Error: %s\nThe program will now exit."},
+    {42201,
+     "usage: satwalk [OPTIONS]\n"
+     "  --options PATH        the options file (default: the XDG config folder)\n"
+     "  --size WxH            client size above the soft-key bar (default 480x640)\n"
+     "  --dpi N               screen density (default 192; 96 selects the small set)\n"
+     "  --port SOURCE         a receiver that stands for the configured port: a device,\n"
+     "                        gpsd://HOST[:PORT] or tcp://HOST:PORT\n"
+     "  --replay [FILE]       play FILE (default: the demo drive) as the receiver\n"
+     "  --replay-rate X       replay speed, epochs per second (default 1)\n"
+     "  --script FILE         run a script (works with -platform offscreen)\n"
+     "  --single-instance     take part in the one-copy rule in script mode too\n"
+     "  --all-talkers         accept all satellite systems (GN, GL, GA, GB, BD, ... talkers)\n"
+     "  --relay [HOST:]PORT   serve the receiver's NMEA to TCP clients for this run\n"
+     "                        (host 127.0.0.1 unless named)\n"
+     "  --language LANG       the interface's language for this run: zh_CN, en or auto\n"
+     "  --list-commands       print the command ids of the menus and scripts, and exit\n"
+     "  --version             print the version and exit\n"
+     "  --help                print this and exit\n"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),
                              [](const Entry& a, const Entry& b) { return a.id < b.id; }));
 
+// The texts of the installed language, one per entry of the table; empty
+// where the table's own text stands (and all of them without a language).
+std::vector<std::string>& Translated() {
+    static std::vector<std::string> texts;
+    return texts;
+}
+
 }  // namespace
+
+std::span<const StringEntry> StringTable() {
+    return kStrings;
+}
+
+void InstallTranslation(const TextTranslator& translate) {
+    std::vector<std::string>& texts = Translated();
+    texts.assign(std::size(kStrings), std::string());
+    if (!translate)
+        return;
+    for (std::size_t i = 0; i < std::size(kStrings); ++i) texts[i] = translate(kStrings[i]);
+}
 
 const char* LoadString(int id) {
     const auto* it = std::lower_bound(std::begin(kStrings), std::end(kStrings), id,
                                       [](const Entry& e, int key) { return e.id < key; });
     if (it == std::end(kStrings) || it->id != id)
         return "";
+    const std::vector<std::string>& texts = Translated();
+    const auto index = static_cast<std::size_t>(it - std::begin(kStrings));
+    if (index < texts.size() && !texts[index].empty())
+        return texts[index].c_str();
     return it->text;
 }
 
 const char* OtherTalkersHint() {
-    return "GPS接收机发送的是其他卫星系统的数据 (GN、GL、GA、GB、BD)，没有GPS (GP) 定位数据，"
-           "因此无法定位。\n\n请在“选项”中开启“接收所有卫星系统” (或使用启动参数 --all-talkers)。";
+    return LoadString(kStrOtherTalkersHint);
 }
 
 std::string FormatStrings(const char* format, std::initializer_list<std::string_view> arguments) {

@@ -1,14 +1,34 @@
 // The string table: interface texts by their resource ids, in UTF-8.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace satwalk::common {
 
-// The text of string `id`, or an empty view when the table has no such id.
+// The text of string `id` in the language of this run (UTF-8), or an empty
+// string when the table has no such id. The pointer stays valid for the run.
 const char* LoadString(int id);
+
+// One entry of the table: its id and its Simplified Chinese text, the source
+// every translation is made from.
+struct StringEntry {
+    int id;
+    const char* text;
+};
+// Every entry, sorted by id: for the translation tooling and its tests.
+std::span<const StringEntry> StringTable();
+
+// Gives the table another language for the rest of the run: `translate` is
+// asked once for every entry and returns its text in that language, or an
+// empty string to keep the table's own. Start-up calls it once, before any
+// other thread reads a text, so LoadString stays a plain lookup without a
+// lock; an empty function gives the table back its own texts.
+using TextTranslator = std::function<std::string(const StringEntry& entry)>;
+void InstallTranslation(const TextTranslator& translate);
 
 // Fills the one "%s" of a table string (or of any format) with `argument`.
 std::string FormatString(const char* format, const std::string& argument);
@@ -32,6 +52,7 @@ inline constexpr int kStrUp = 40200;
 
 // Said once when the receiver speaks only other satellite systems' talkers
 // while the all-talkers setting is off: names the setting.
+inline constexpr int kStrOtherTalkersHint = 41704;
 const char* OtherTalkersHint();
 
 inline constexpr int kStrCaption = 40208;
@@ -138,6 +159,62 @@ const char* WriteFailureReason(int error);
 inline constexpr int kStrRelayOption = 41701;
 inline constexpr int kStrRelayCannotListen = 41702;
 inline constexpr int kStrLocalGpsd = 41703;
+
+// Dialog texts.
+inline constexpr int kStrSearch = 40060;  // the receiver settings' left soft key
+inline constexpr int kStrSearchCancel = 40061;
+inline constexpr int kStrSearchFailed = 40101;  // "%s": the code
+inline constexpr int kStrRadioOff = 40102;
+inline constexpr int kStrNoReceiver = 40103;
+inline constexpr int kStrRetry = 40112;
+inline constexpr int kStrPortAvailable = 40113;
+inline constexpr int kStrPortAutomatic = 40114;
+inline constexpr int kStrSystemSettings = 40115;
+inline constexpr int kStrGpsSettings = 42001;  // the receiver settings' caption
+inline constexpr int kStrDeviceLabel = 42002;
+inline constexpr int kStrPortLabel = 42003;
+inline constexpr int kStrBaudLabel = 42004;
+inline constexpr int kStrAutoSearch = 42005;
+inline constexpr int kStrSearchStartFailed = 42006;  // "%s": the code
+inline constexpr int kStrGeneralHeading = 42011;
+inline constexpr int kStrAutoBluetooth = 42012;
+inline constexpr int kStrKeepAwake = 42013;
+inline constexpr int kStrRecordNmea = 42014;
+inline constexpr int kStrStorageLabel = 42015;
+inline constexpr int kStrAllTalkers = 42016;
+inline constexpr int kStrLanguageLabel = 42017;
+inline constexpr int kStrLanguageAutomatic = 42018;
+inline constexpr int kStrLanguageNextStart = 42019;
+inline constexpr int kStrSatelliteData = 42030;  // the table's title
+inline constexpr int kStrElevationHeader = 42031;
+inline constexpr int kStrAzimuthHeader = 42032;
+inline constexpr int kStrLatitude = 42040;
+inline constexpr int kStrLongitude = 42041;
+inline constexpr int kStrNorthSouth = 42042;
+inline constexpr int kStrEastWest = 42043;
+inline constexpr int kStrDegreesLabel = 42044;
+inline constexpr int kStrMinutesLabel = 42045;
+inline constexpr int kStrSecondsLabel = 42046;
+inline constexpr int kStrFilterMaps = 42050;
+inline constexpr int kStrFilterTracks = 42051;
+inline constexpr int kStrFilterPoi = 42052;
+inline constexpr int kStrReadingTrack = 42060;
+// The press-and-hold menu on the map: "%s" is 1..5.
+inline constexpr int kStrHoldSetReferencePoint = 42070;
+// Failures the handheld reported in English; they stay English in the
+// Chinese interface.
+inline constexpr int kStrOpenPoiFileFailed = 42101;
+inline constexpr int kStrLoadPoiIconsFailed = 42102;
+inline constexpr int kStrReadImageFailed = 42103;
+inline constexpr int kStrSaveReferenceFailed = 42104;
+inline constexpr int kStrTrackTimerFailed = 42105;         // "%s": the code
+inline constexpr int kStrTrackTimerFailedOnStart = 42106;  // "%s": the link's code
+inline constexpr int kStrFollowTimerFailed = 42107;
+inline constexpr int kStrOpenTrackLogFailed = 42108;
+inline constexpr int kStrInitializationFailed = 42109;  // "%s": the code
+inline constexpr int kStrCriticalError = 42110;         // "%s": the code
+// The command line's help.
+inline constexpr int kStrUsage = 42201;
 
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";

@@ -94,12 +94,4 @@ struct SearchOutcome {
 // for it, then the inquiry for up to kMaxDevices devices.
 SearchOutcome RunSearch(BluetoothRadio& radio, const InquiryFunction& inquiry, bool autoBluetooth);
 
-// Texts of the search (UTF-8).
-inline constexpr const char* kTextSearchFailed =  // 40101, %s = the code
-    "搜索蓝牙GPS接收机失败: %s\n\n请重新再次搜索！";
-inline constexpr const char* kTextRadioOff = "请先开启蓝牙！";  // 40102
-inline constexpr const char* kTextNoReceiver =                  // 40103
-    "没有找到蓝牙GPS接收机\n\n请确认蓝牙GPS接收机已开启并重新搜索！";
-inline constexpr const char* kTextRadioSwitchFailed = "自动开启/关闭蓝牙失败！";  // 40192
-
 }  // namespace satwalk::link

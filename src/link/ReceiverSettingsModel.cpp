@@ -40,7 +40,7 @@ void FillDeviceCombo(ComboBox& combo, const std::vector<BluetoothDevice>& table)
 }
 
 void EnterBluetoothMode(ReceiverSettingsDialog& d, const ReceiverSettings& s, bool opening) {
-    d.ports.entries.push_back(kTextAutomatic);
+    d.ports.entries.push_back(common::LoadString(common::kStrPortAutomatic));
     d.ports.selection = static_cast<int>(d.ports.entries.size()) - 1;
     if (!opening) {
         if (!d.devices.entries.empty())
@@ -59,7 +59,7 @@ void EnterManualMode(ReceiverSettingsDialog& d, bool opening) {
             d.ports.entries.pop_back();  // "自动"
         d.ports.selection = PortIndex(d, d.pendingPort);
     }
-    d.devices.entries.push_back(kTextSystemSettings);
+    d.devices.entries.push_back(common::LoadString(common::kStrSystemSettings));
     d.devices.selection = static_cast<int>(d.devices.entries.size()) - 1;
 }
 
@@ -81,7 +81,7 @@ std::vector<BluetoothDevice> InitialDeviceTable(const BluetoothDevice& chosen) {
 std::string PortEntryText(int index, const PortSlot& slot) {
     std::string text = "COM" + std::to_string(index);
     if (slot.free)
-        text += std::string(" (") + kTextAvailable + ")";
+        text += std::string(" (") + common::LoadString(common::kStrPortAvailable) + ")";
     if (!slot.device.empty())
         text += "  " + slot.device;
     return text;
@@ -181,8 +181,9 @@ void ToggleAutoSearch(ReceiverSettingsDialog& d, const ReceiverSettings& s) {
     if (d.ended || d.searching)
         return;
     d.autoSearch = !d.autoSearch;
-    d.search = MenuButton{kCmdSearch, kTextSearch, true};  // the menu bar is made anew
-    d.cancel = MenuButton{kCmdCancel, "取消", true};
+    // the menu bar is made anew
+    d.search = MenuButton{kCmdSearch, common::LoadString(common::kStrSearch), true};
+    d.cancel = MenuButton{kCmdCancel, common::LoadString(common::kStrSearchCancel), true};
     if (d.autoSearch)
         EnterBluetoothMode(d, s, false);
     else
@@ -235,11 +236,11 @@ bool BeginSearch(ReceiverSettingsDialog& d, bool workerStarted,
     if (d.ended || d.searching || !d.search.enabled || !d.autoSearch)
         return false;
     const bool retry = d.search.id == kCmdRetry;
-    d.search = MenuButton{kCmdRetry, kTextRetry, false};
+    d.search = MenuButton{kCmdRetry, common::LoadString(common::kStrRetry), false};
     if (!workerStarted) {
-        messages.push_back({std::string("Search Bluetooth GPS Receiver failed:") +
-                                (retry ? common::err::kSearchRetry : common::err::kSearchStart) +
-                                "\n\nPlease try again!",
+        messages.push_back({common::FormatString(
+                                common::LoadString(common::kStrSearchStartFailed),
+                                retry ? common::err::kSearchRetry : common::err::kSearchStart),
                             true});
         d.ended = true;
         d.endResult = 0;
@@ -266,14 +267,14 @@ std::vector<DialogMessage> ApplySearchOutcome(ReceiverSettingsDialog& d, Receive
     if (d.ended || !d.searching)
         return messages;
     if (outcome.radioSwitchFailed)
-        messages.push_back({kTextRadioSwitchFailed, true});
+        messages.push_back({common::LoadString(common::kStrRadioSwitchFailed), true});
 
     const InquiryResult& r = outcome.inquiry;
     s.table = r.devices;
     if (r.result == kInquiryOk) {
         FillDeviceCombo(d.devices, s.table);
         if (s.table.empty())
-            messages.push_back({kTextNoReceiver, false});
+            messages.push_back({common::LoadString(common::kStrNoReceiver), false});
         else
             d.devices.selection = 0;
     } else {
@@ -282,9 +283,10 @@ std::vector<DialogMessage> ApplySearchOutcome(ReceiverSettingsDialog& d, Receive
         if (!s.table.empty())
             s.table.front() = d.savedFirstRow;
         if (r.result == kInquiryRadioOff)
-            messages.push_back({kTextRadioOff, false});
+            messages.push_back({common::LoadString(common::kStrRadioOff), false});
         else
-            messages.push_back({Format(kTextSearchFailed, r.errorCode), true});
+            messages.push_back(
+                {Format(common::LoadString(common::kStrSearchFailed), r.errorCode), true});
     }
     d.searching = false;
     d.waitCursor = false;

@@ -12,6 +12,7 @@
 #include "BluetoothSearch.h"
 #include "PortNames.h"
 #include "ReceiverLink.h"
+#include "Strings.h"
 
 namespace satwalk::link {
 
@@ -29,13 +30,6 @@ inline constexpr int kCmdRetry = 40062;
 inline constexpr int kCmdOk = 40005;
 // The two menu-bar buttons a running search disables.
 inline constexpr int kCmdsDisabledWhileSearching[] = {40062, 40065};
-
-inline constexpr const char* kTextAutoSearch = "自动搜索蓝牙GPS设备";
-inline constexpr const char* kTextSearch = "搜索";
-inline constexpr const char* kTextRetry = "重试";               // 40112
-inline constexpr const char* kTextAvailable = "可用";           // 40113
-inline constexpr const char* kTextAutomatic = "自动";           // 40114
-inline constexpr const char* kTextSystemSettings = "系统设置";  // 40115
 
 // The receiver globals the dialog reads and writes.
 struct ReceiverSettings {
@@ -87,8 +81,8 @@ struct ReceiverSettingsDialog {
     std::vector<int> portNumbers;     // the COM number of each port entry but "自动"
     ComboBox bauds;                   // 1107
     int pendingPort = 0;
-    MenuButton search{kCmdSearch, kTextSearch, true};
-    MenuButton cancel{kCmdCancel, "取消", true};
+    MenuButton search{kCmdSearch, common::LoadString(common::kStrSearch), true};
+    MenuButton cancel{kCmdCancel, common::LoadString(common::kStrSearchCancel), true};
     bool searching = false;
     bool waitCursor = false;
     BluetoothDevice savedFirstRow;  // the table's row 0 while a search runs

@@ -239,7 +239,7 @@ bool MapFeature::LoadMap(const std::string& path) {
         return false;
     }
     if (size.width <= 0 || size.height <= 0) {
-        shell_.ui().ShowMessage(std::string(kReadImageInformationFailedMessage),
+        shell_.ui().ShowMessage(common::LoadString(common::kStrReadImageFailed),
                                 shell::MessageIcon::Error, shell::MessageButtons::Ok);
         platform_->DropImage();
         model_.map = LoadedMap{};
@@ -314,7 +314,7 @@ void MapFeature::OpenReferenceDialog() {
                 platform_->HasImage(), model_.map.image, model_.map.fit.displayedWidth,
                 model_.scaleBarPixels(), model_.calibration, model_.extent);
             if (!c.saved) {
-                shell_.ui().ShowMessage(std::string(kSaveReferenceFailedMessage),
+                shell_.ui().ShowMessage(common::LoadString(common::kStrSaveReferenceFailed),
                                         shell::MessageIcon::Error, shell::MessageButtons::Ok);
             }
             if (!c.keptAs.empty()) {

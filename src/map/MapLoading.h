@@ -27,9 +27,7 @@ enum class ImageLoadError {
 // The loader refused the file (not an image, damaged, too large for memory):
 // "导入 %s 失败！没有足够内存空间！" with the file name.
 inline constexpr int kStrImportFailed = 40104;
-// The image loaded but its size cannot be told.
-inline constexpr std::string_view kReadImageInformationFailedMessage =
-    "Read Image Information failed!";
+// The image loaded but its size cannot be told: kStrReadImageFailed.
 
 // The part of a path after its last '/' (the whole path without one).
 std::string_view MapFileName(std::string_view path);

@@ -15,9 +15,6 @@
 
 namespace satwalk::map {
 
-inline constexpr std::string_view kSaveReferenceFailedMessage =
-    "Save Reference Point Information failed!";
-
 // The file holds at most this many bytes that count; the rest is ignored.
 inline constexpr std::size_t kReferenceTextLimit = 300;
 
@@ -145,7 +142,7 @@ void EnterPlacementMode(ReferenceEditing& editing, int slot);
 void PlaceCursor(ReferenceEditing& editing, PointF screen, PointF image);
 
 struct ReferenceConfirmation {
-    bool saved = false;             // false: show kSaveReferenceFailedMessage
+    bool saved = false;             // false: show kStrSaveReferenceFailed
     std::string keptAs;             // an unreadable file was kept under this name
     bool calibrated = false;        // true: reset the view, empty the live map
                                     // trail, reload shown tracks

@@ -44,8 +44,6 @@ struct PoiRecord {
 
 using PoiList = track::CursorList<PoiRecord>;
 
-inline constexpr const char* kOpenPoiFileFailed = "Open POI File failed!";
-
 // Records one file gives at most (132 MB of them) and all files together:
 // past them a file is read up to the budget and the user is told.
 inline constexpr std::uint64_t kMaxPoisPerFile = 1'000'000;

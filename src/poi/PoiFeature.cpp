@@ -38,7 +38,7 @@ void PoiFeature::Import() {
     if (!iconsLoaded_) {
         iconsLoaded_ = platform_->LoadIcons(icons_);
         if (!iconsLoaded_) {
-            shell_.ui().ShowMessage(kLoadPoiIconsFailed, shell::MessageIcon::Error,
+            shell_.ui().ShowMessage(common::LoadString(common::kStrLoadPoiIconsFailed), shell::MessageIcon::Error,
                                     shell::MessageButtons::Ok);
         }
     }
@@ -47,7 +47,7 @@ void PoiFeature::Import() {
         [this](const browser::ChosenFile& file) {
             const PoiImport imported = ImportPoiFile(store_, file.path);
             if (!imported.read) {
-                shell_.ui().ShowMessage(kOpenPoiFileFailed, shell::MessageIcon::Error,
+                shell_.ui().ShowMessage(common::LoadString(common::kStrOpenPoiFileFailed), shell::MessageIcon::Error,
                                         shell::MessageButtons::Ok);
             }
             // Even a file that could not be read shows the points there are.

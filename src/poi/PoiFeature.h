@@ -21,9 +21,6 @@ class MapFeature;
 
 namespace satwalk::poi {
 
-inline constexpr const char* kLoadPoiIconsFailed =
-    "Load POI Icons failed: 0x08200a19\n\nPress OK to continue...";
-
 class PoiPlatform {
   public:
     // Loads the 496 × 16 icon strip into the screens' bitmaps; false when

@@ -33,7 +33,7 @@ struct PoiGroup {
 using PoiStore = track::CursorList<PoiGroup>;
 
 struct PoiImport {
-    bool read = false;  // false: kOpenPoiFileFailed, nothing added
+    bool read = false;  // false: kStrOpenPoiFileFailed, nothing added
     std::uint32_t category = 0;
     std::string name;
     std::uint32_t points = 0;

@@ -123,7 +123,8 @@ std::string BitmapFailureCode(BitmapId id) {
 }
 
 std::string InitializationFailedMessage(BitmapId id) {
-    return "Initialization failed: " + BitmapFailureCode(id) + "\n\nThe program will now exit.";
+    return common::FormatString(common::LoadString(common::kStrInitializationFailed),
+                                BitmapFailureCode(id));
 }
 
 void AssignBitmapHandles(ScreenContext& ctx) {

@@ -41,6 +41,12 @@ OptionsLayout LayOutOptionsDialog(int clientWidth, int b) {
     const auto at = [&](int top) { return screens::Rect{left, top, left + w, top + h}; };
     OptionsLayout l;
     l.heading = at(b / 2);
+    l.languageLabel = l.heading;
+    l.language = l.heading;
+    l.heading.right = left + w / 3;
+    l.languageLabel.left = l.heading.right;
+    l.languageLabel.right = left + (3 * w) / 5 - b / 4;
+    l.language.left = left + (3 * w) / 5;
     l.autoBluetooth = at(b / 3 + h + b / 2);
     l.keepAwake = at((2 * b) / 3 + 2 * h + b / 2);
     l.recordNmea = at((3 * b) / 3 + 3 * h + b / 2);

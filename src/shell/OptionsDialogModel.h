@@ -22,13 +22,6 @@ inline constexpr int kIdAllTalkers = 1152;
 inline constexpr int kIdRelay = 1153;         // "NMEA 转发" (kStrRelayOption)
 inline constexpr int kIdRelayAddress = 1154;  // its listening address
 
-inline constexpr const char* kTextGeneralHeading = "常规设置";
-inline constexpr const char* kTextAutoBluetooth = "自动开启/关闭蓝牙";
-inline constexpr const char* kTextKeepAwake = "保持背景灯常亮";
-inline constexpr const char* kTextRecordNmea = "记录 NMEA 数据";
-inline constexpr const char* kTextStorageLabel = "存储路径:";
-inline constexpr const char* kTextAllTalkers = "接收所有卫星系统";
-
 struct OptionsDialog {
     bool autoBluetooth = false;        // 1144
     bool keepAwake = false;            // 1146
@@ -52,10 +45,13 @@ OptionsDialog OpenOptionsDialog(const ProgramSettings& settings, const std::stri
 // The rectangles of the controls for a client width and BaseTextHeight, in
 // the order 1151, 1144, 1146, 1147, 1150, 1148, then the all-talkers check
 // box, a row below the storage list, and the relay's check box under it
-// with its address beside it.
+// with its address beside it. The language's label and list share the
+// heading's row, on its right, so that the dialog still fits a landscape
+// screen.
 struct OptionsLayout {
     screens::Rect heading, autoBluetooth, keepAwake, recordNmea, storageLabel, storage, allTalkers;
     screens::Rect relay, relayAddress;
+    screens::Rect languageLabel, language;
 };
 OptionsLayout LayOutOptionsDialog(int clientWidth, int baseTextHeight);
 

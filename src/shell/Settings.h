@@ -35,6 +35,10 @@ struct ProgramSettings {
     // (TrackGpxOption.h), named here once it is known.
     std::uint32_t saveGpxTrack = 0;
     std::string saveGpxTrackFile;
+    // Not in the record either: the interface's language ("zh_CN", "en" or
+    // "auto", LanguageOption.h) and its file, read at start-up.
+    std::string language = "zh_CN";
+    std::string languageFile;
     std::string bluetoothName;           // receiver-name global
     std::uint64_t bluetoothAddress = 0;  // receiver-address global
     bool receiverConfigured = false;     // both of the above are set

@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cstdio>
 
+#include "Strings.h"
+
 namespace satwalk::track {
 
 namespace {
@@ -18,10 +20,9 @@ std::atomic<std::uint64_t> stamps{0};
 }  // namespace
 
 std::string ListFailureMessage(ListFailure failure) {
-    char text[64];
-    std::snprintf(text, sizeof text, "Critical Error: 0x%08x\nThe program will now exit.",
-                  static_cast<unsigned>(failure));
-    return text;
+    char code[16];
+    std::snprintf(code, sizeof code, "0x%08x", static_cast<unsigned>(failure));
+    return common::FormatString(common::LoadString(common::kStrCriticalError), code);
 }
 
 void SetListFailureHandler(ListFailureHandler h) {

@@ -100,7 +100,8 @@ bool TrackFeature::RestartTrackTimer(const std::string& failure) {
 void TrackFeature::SetInterval(int index) {
     shell_.settings().trackIntervalMs = shell::kTrackIntervals[index];
     if (platform_.TrackTimerRunning()) {
-        RestartTrackTimer(kTrackTimerFailedOnInterval);
+        RestartTrackTimer(
+            common::FormatString(common::LoadString(common::kStrTrackTimerFailed), kTrackTimerCodeOnInterval));
     }
 }
 
@@ -167,7 +168,7 @@ void TrackFeature::OnLinkStarted() {
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     track::OnLinkStarted(state_, CurrentSample());
     ReportWrite();
-    RestartTrackTimer(common::FormatString(kTrackTimerFailedOnStart,
+    RestartTrackTimer(common::FormatString(common::LoadString(common::kStrTrackTimerFailedOnStart),
                                            std::string(" ") + common::err::kTrackTimer));
 }
 
@@ -202,7 +203,8 @@ void TrackFeature::SaveTrackLog() {
     state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample()))
-        RestartTrackTimer(kTrackTimerFailedOnSave);
+        RestartTrackTimer(
+            common::FormatString(common::LoadString(common::kStrTrackTimerFailed), kTrackTimerCodeOnSave));
     ReportWrite();
     shell_.Repaint();
 }
@@ -244,7 +246,7 @@ void TrackFeature::ReadForView(const std::string& path, const std::string& name,
                         common::FormatString(common::LoadString(common::kStrNotATrackFile), name),
                         true);
                 else
-                    Message(kOpenTrackLogFailed);
+                    Message(common::LoadString(common::kStrOpenTrackLogFailed));
                 return;
             }
             if (!rebuild) {
@@ -284,7 +286,7 @@ void TrackFeature::OnMapMovedByHand() {
         onFollowPause(true);
     platform_.StopFollowTimer();
     if (!platform_.StartFollowTimer(kFollowPauseMs, [this] { EndFollowPause(); }))
-        Message(kFollowTimerFailed);
+        Message(common::LoadString(common::kStrFollowTimerFailed));
 }
 
 void TrackFeature::EndFollowPause() {

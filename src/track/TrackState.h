@@ -30,16 +30,12 @@ inline constexpr std::uint32_t kTrackTimerId = 1027;
 inline constexpr std::uint32_t kFollowTimerId = 1026;
 inline constexpr std::uint32_t kFollowPauseMs = 10000;
 
-// Messages, shown with the program's caption and the stop icon.
-inline constexpr const char* kTrackTimerFailedOnSave =
-    "Create Track Timer failed: 0x08200a14\n\nPress OK to continue...";
-inline constexpr const char* kTrackTimerFailedOnInterval =
-    "Create Track Timer failed: 0x08200a13\n\nPress OK to continue...";
-// "%s" takes the link's last error code when the link starts.
-inline constexpr const char* kTrackTimerFailedOnStart =
-    "Create Track Timer failed:%s\n\nPress OK to continue...";
-inline constexpr const char* kFollowTimerFailed = "Create Track Move Timer failed!";
-inline constexpr const char* kOpenTrackLogFailed = "Open Track Log failed!";
+// Messages, shown with the program's caption and the stop icon: the track
+// timer failed at the save command (its code 0x08200a14) or at an interval
+// command (0x08200a13); common::kStrTrackTimerFailedOnStart when the link
+// starts, kStrFollowTimerFailed and kStrOpenTrackLogFailed.
+inline constexpr const char* kTrackTimerCodeOnSave = "0x08200a14";
+inline constexpr const char* kTrackTimerCodeOnInterval = "0x08200a13";
 
 // What one sample knows: the fix as the receiver sent it and the position
 // already projected onto the two maps (the map code's projections).
@@ -139,7 +135,7 @@ void AppendTrackSample(TrackState& state, const TrackSample& sample);
 bool OnTrackTick(TrackState& state, bool linkRunning, const TrackSample& sample);
 
 // The save-track-log command. Returns true when the caller must (re)arm the
-// track timer with trackIntervalMs, showing kTrackTimerFailedOnSave if that
+// track timer with trackIntervalMs, showing the timer failure if that
 // fails.
 bool OnSaveTrackLogCommand(TrackState& state, bool linkRunning, const TrackSample& sample);
 
@@ -150,7 +146,7 @@ void OnLinkStarted(TrackState& state, const TrackSample& sample);
 enum class ViewResult {
     Shown,
     BeingWritten,  // the log being recorded cannot be viewed (string 40105)
-    OpenFailed,    // kOpenTrackLogFailed; the previous view stays
+    OpenFailed,    // kStrOpenTrackLogFailed; the previous view stays
 };
 
 // Whether `path` is the log being written, which cannot be viewed.
@@ -201,7 +197,7 @@ bool RebuildLiveMapTrail(TrackState& state, const TrackProjections& projections)
 void CloseViewedTrack(TrackState& state);
 
 // Called when the user moves the map by hand while the link runs; the
-// caller (re)arms the follow timer and shows kFollowTimerFailed if that
+// caller (re)arms the follow timer and shows kStrFollowTimerFailed if that
 // fails (the pause stays on).
 void StartFollowPause(TrackState& state);
 // The follow timer's expiry (the caller kills the timer: it runs once), and

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "Language.h"
 #include "MessageBoxes.h"
 
 namespace satwalk::app {

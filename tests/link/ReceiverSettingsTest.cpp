@@ -156,13 +156,15 @@ TEST(ReceiverSettingsDialogTest, SearchOutcomesFillTheTableOrKeepIt) {
     const SearchOutcome notBegun{false, false, {kInquiryFailed, "0x08200a01", {}}};
     const SearchOutcome full{false, false, {kInquiryFailed, "", sixteen}};
     const std::string failed = "搜索蓝牙GPS接收机失败: ", again = "\n\n请重新再次搜索！";
+    const std::string radioOff = "请先开启蓝牙！";
+    const std::string noReceiver = "没有找到蓝牙GPS接收机\n\n请确认蓝牙GPS接收机已开启并重新搜索！";
     // Name, outcome, the messages shown, the table and the combo after it.
     using Texts = std::vector<std::string>;
     const std::tuple<const char*, SearchOutcome, Texts, std::vector<BluetoothDevice>, Texts>
         cases[] = {{"found two", {false, false, {kInquiryOk, "", found}}, {}, found, {"A", "B"}},
-                   {"found none", {false, false, {kInquiryOk, "", {}}}, {kTextNoReceiver}, {}, {}},
-                   {"radio off", off, {kTextRadioOff}, {}, old},
-                   {"no switch", noSwitch, {kTextRadioSwitchFailed, kTextRadioOff}, {}, old},
+                   {"found none", {false, false, {kInquiryOk, "", {}}}, {noReceiver}, {}, {}},
+                   {"radio off", off, {radioOff}, {}, old},
+                   {"no switch", noSwitch, {"自动开启/关闭蓝牙失败！", radioOff}, {}, old},
                    {"failed to begin", notBegun, {failed + "0x08200a01" + again}, {}, old},
                    {"the maximum reached", full, {failed + again}, sixteenKept, old}};
     for (const auto& [what, outcome, texts, table, combo] : cases) {

@@ -139,8 +139,9 @@ TEST_F(TrackFeatureTest, TimerFailuresAreSaid) {
         const char* name;
         int command;
         std::string message;
-    } cases[] = {{"save", cmd::kSaveTrack, kTrackTimerFailedOnSave},
-                 {"interval", cmd::kTrack10s + 1, kTrackTimerFailedOnInterval},
+    } cases[] = {{"save", cmd::kSaveTrack, "Create Track Timer failed: 0x08200a14\n\nPress OK to continue..."},
+                 {"interval", cmd::kTrack10s + 1,
+                  "Create Track Timer failed: 0x08200a13\n\nPress OK to continue..."},
                  {"start", shell::cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -188,7 +189,7 @@ TEST_F(TrackFeatureTest, ViewingChoosesReadsAndCloses) {
     } cases[] = {
         {"a log", good, {}, true, 2},
         {"cancelled", "", {}, true, 2},
-        {"missing: the view stays", good + ".gone", {kOpenTrackLogFailed}, true, 2},
+        {"missing: the view stays", good + ".gone", {"Open Track Log failed!"}, true, 2},
         {"the log being written", beingWritten, say(common::kStrLogBeingWritten, writing), true, 2},
         {"no track file", junk, say(common::kStrNotATrackFile, "junk.gpx"), true, 2},
         {"a cut GPX: what was whole", cut, say(common::kStrTrackFileCut, "cut.gpx"), true, 1},
@@ -275,7 +276,7 @@ TEST_F(TrackFeatureTest, FollowPause) {
         }
         EXPECT_EQ(std::tuple(feature->followPaused(), told), std::tuple(c.paused, c.paused))
             << "paused, and the map is told";
-        EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{kFollowTimerFailed}
+        EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{"Create Track Move Timer failed!"}
                                             : std::vector<std::string>{});
     }
     feature->onFollowPause = nullptr;

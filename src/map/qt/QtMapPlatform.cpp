@@ -97,7 +97,8 @@ bool QtMapPlatform::ShowHoldMenu(int x, int y, std::function<void(int command)> 
     auto* menu = new QMenu(&window_);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (int i = 0; i < kReferenceSlotCount; ++i) {
-        QAction* a = menu->addAction(QStringLiteral("Set Ref Point %1").arg(i + 1));
+        QAction* a = menu->addAction(QString::fromUtf8(common::FormatString(
+            common::LoadString(common::kStrHoldSetReferencePoint), std::to_string(i + 1))));
         const int id = cmd::kSetReferencePoint1 + i;
         QObject::connect(
             a, &QAction::triggered, &window_, [chosen, id] { chosen(id); }, Qt::QueuedConnection);

@@ -29,19 +29,22 @@ constexpr int kInsertGpsCoordinate = 40199;
 // their labels.
 struct Half {
     int group;
-    const char* title;
+    int title;
     int hemisphereLabel;
-    const char* hemisphereText;
+    int hemisphereText;
     int list;
     int entries[2];
     int labels[3];
     int edits[3];
 };
 constexpr Half kHalves[2] = {
-    {1119, "纬度", 1118, "北/南:", 1010, {40119, 40120}, {1111, 1112, 1113}, {1003, 1004, 1005}},
-    {1120, "经度", 1114, "东/西:", 1011, {40121, 40122}, {1115, 1116, 1117}, {1007, 1008, 1009}},
+    {1119, common::kStrLatitude, 1118, common::kStrNorthSouth, 1010, {40119, 40120},
+     {1111, 1112, 1113}, {1003, 1004, 1005}},
+    {1120, common::kStrLongitude, 1114, common::kStrEastWest, 1011, {40121, 40122},
+     {1115, 1116, 1117}, {1007, 1008, 1009}},
 };
-constexpr const char* kUnitLabels[3] = {"度:", "分:", "秒:"};
+constexpr int kUnitLabels[3] = {common::kStrDegreesLabel, common::kStrMinutesLabel,
+                                common::kStrSecondsLabel};
 
 QString FromStd(const std::string& text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -68,17 +71,17 @@ ReferenceDialog::ReferenceDialog(shell::qt::DialogStack& stack, int slot, const 
     groups_->setSpacing(b / 3);
     for (int h = 0; h < 2; ++h) {
         const Half& half = kHalves[h];
-        QGroupBox* group = AddGroup(half.group, QString::fromUtf8(half.title));
+        QGroupBox* group = AddGroup(half.group, Text(half.title));
         auto* grid = new QGridLayout(group);
         grid->setHorizontalSpacing(b / 3);
         grid->setVerticalSpacing(b / 5);
         grid->setColumnStretch(1, 1);
-        grid->addWidget(AddLabel(half.hemisphereLabel, QString::fromUtf8(half.hemisphereText)), 0,
+        grid->addWidget(AddLabel(half.hemisphereLabel, Text(half.hemisphereText)), 0,
                         0);
         hemisphere_[h] = AddList(half.list, {Text(half.entries[0]), Text(half.entries[1])});
         grid->addWidget(hemisphere_[h], 0, 1);
         for (int u = 0; u < 3; ++u) {
-            grid->addWidget(AddLabel(half.labels[u], QString::fromUtf8(kUnitLabels[u])), u + 1, 0);
+            grid->addWidget(AddLabel(half.labels[u], Text(kUnitLabels[u])), u + 1, 0);
             QLineEdit* edit = AddEdit(half.edits[u]);
             edit->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
             edits_[h][u] = edit;

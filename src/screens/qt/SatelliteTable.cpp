@@ -4,6 +4,7 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <cstring>
+#include "Strings.h"
 
 namespace satwalk::screens {
 
@@ -27,8 +28,9 @@ QStringList SatelliteRowTexts(const gps::GpsState& gps, int row) {
 
 SatelliteDataTable::SatelliteDataTable(QWidget* parent)
     : QWidget(parent), table_(new QTableWidget(gps::kSatelliteRows, 4, this)) {
-    table_->setHorizontalHeaderLabels({QStringLiteral("PRN"), QStringLiteral("仰角"),
-                                       QStringLiteral("方位角"), QStringLiteral("SNR")});
+    table_->setHorizontalHeaderLabels(
+        {QStringLiteral("PRN"), QString::fromUtf8(common::LoadString(common::kStrElevationHeader)),
+         QString::fromUtf8(common::LoadString(common::kStrAzimuthHeader)), QStringLiteral("SNR")});
     table_->verticalHeader()->setVisible(false);
     table_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table_->verticalHeader()->setSectionResizeMode(QHeaderView::Stretch);

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include "LanguageOption.h"
 #include "OptionsFeature.h"
 #include "QtCanvas.h"
 #include "RelaySetting.h"
@@ -24,6 +25,10 @@ namespace {
 
 QRect ToQRect(const screens::Rect& r) {
     return QRect(r.left, r.top, r.Width(), r.Height());
+}
+
+QString Text(int id) {
+    return QString::fromUtf8(common::LoadString(id));
 }
 
 QString Q(const std::string& text) {
@@ -41,21 +46,25 @@ QFont CellFont(int height, bool bold) {
 }  // namespace
 
 OptionsWidget::OptionsWidget(DialogStack& stack)
-    : FullScreenDialog(stack, 182, QStringLiteral("选项"), true) {
+    : FullScreenDialog(stack, 182, Text(common::kStrMenuOptions), true) {
     const int b = baseTextHeight();
     const QFont regular = CellFont(OptionsRegularFontHeight(b), false);
     const QFont bold = CellFont(OptionsBoldFontHeight(b), true);
 
-    heading_ = AddLabel(kIdGeneralHeading, QString::fromUtf8(kTextGeneralHeading));
-    autoBluetooth_ = AddCheckBox(kIdAutoBluetooth, QString::fromUtf8(kTextAutoBluetooth));
-    keepAwake_ = AddCheckBox(kIdKeepAwake, QString::fromUtf8(kTextKeepAwake));
-    recordNmea_ = AddCheckBox(kIdRecordNmea, QString::fromUtf8(kTextRecordNmea));
-    storageLabel_ = AddLabel(kIdStorageLabel, QString::fromUtf8(kTextStorageLabel));
+    heading_ = AddLabel(kIdGeneralHeading, Text(common::kStrGeneralHeading));
+    autoBluetooth_ = AddCheckBox(kIdAutoBluetooth, Text(common::kStrAutoBluetooth));
+    keepAwake_ = AddCheckBox(kIdKeepAwake, Text(common::kStrKeepAwake));
+    recordNmea_ = AddCheckBox(kIdRecordNmea, Text(common::kStrRecordNmea));
+    storageLabel_ = AddLabel(kIdStorageLabel, Text(common::kStrStorageLabel));
     storage_ = AddList(kIdStorageCombo, {});
-    allTalkers_ = AddCheckBox(kIdAllTalkers, QString::fromUtf8(kTextAllTalkers));
-    saveGpxTrack_ = AddCheckBox(kIdSaveGpxTrack,
-                                QString::fromUtf8(common::LoadString(common::kStrSaveGpxTrack)));
-    relay_ = AddCheckBox(kIdRelay, QString::fromUtf8(common::LoadString(common::kStrRelayOption)));
+    allTalkers_ = AddCheckBox(kIdAllTalkers, Text(common::kStrAllTalkers));
+    saveGpxTrack_ = AddCheckBox(kIdSaveGpxTrack, Text(common::kStrSaveGpxTrack));
+    relay_ = AddCheckBox(kIdRelay, Text(common::kStrRelayOption));
+    languageLabel_ = AddLabel(kIdLanguageLabel, Text(common::kStrLanguageLabel));
+    QStringList languages;
+    for (const Language& l : kLanguages) languages << QString::fromUtf8(l.name);
+    languages << Text(common::kStrLanguageAutomatic);
+    language_ = AddList(kIdLanguageCombo, languages);
     relayAddress_ = AddEdit(kIdRelayAddress);
     relayAddress_->setFont(regular);
     relayAddress_->setPlaceholderText(QString::fromUtf8(link::kRelayDefaultAddress));
@@ -73,6 +82,9 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
         c->setStyleSheet(boxStyle);
     }
     storage_->setFont(regular);
+    languageLabel_->setFont(regular);
+    languageLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    language_->setFont(regular);
     storage_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     storage_->setMinimumContentsLength(6);
 
@@ -119,6 +131,8 @@ void OptionsWidget::LayOut() {
     allTalkers_->setGeometry(ToQRect(l.allTalkers));
     relay_->setGeometry(ToQRect(l.relay));
     relayAddress_->setGeometry(ToQRect(l.relayAddress));
+    languageLabel_->setGeometry(ToQRect(l.languageLabel));
+    language_->setGeometry(ToQRect(l.language));
     // The GPX option below the relay's address, a step as between the boxes.
     const int gap = baseTextHeight() / 3;
     saveGpxTrack_->setGeometry(
@@ -179,8 +193,10 @@ class DialogView final : public OptionsView {
         widget_->onCheck = [f](int id, bool checked) { f->SetCheck(id, checked); };
         widget_->onStorage = [f](int index) { f->SelectStorage(index); };
         widget_->saveGpxTrack()->setChecked(shell_.settings().saveGpxTrack != 0);
+        widget_->language()->setCurrentIndex(LanguageIndex(shell_.settings().language));
         widget_->onRelayAddress = [f](const std::string& a) { f->SetRelayAddress(a); };
         widget_->onFinished = [this, f](DialogResult result) {
+            const int language = widget_->language()->currentIndex();
             if (result == DialogResult::Ok)
                 SaveGpxTrackOption(widget_->saveGpxTrack()->isChecked());
             widget_ = nullptr;
@@ -188,6 +204,8 @@ class DialogView final : public OptionsView {
                 f->Ok();
             else
                 f->Cancel();
+            if (result == DialogResult::Ok)
+                SaveLanguage(language);
         };
         widget_->Sync(dialog);
         stack_.Open(widget_);
@@ -209,6 +227,31 @@ class DialogView final : public OptionsView {
         s.saveGpxTrack = value;
         if (!s.saveGpxTrackFile.empty())
             SaveTrackGpxOption(s.saveGpxTrackFile, on);
+    }
+
+    // The index of a choice in the language list: the languages, then "自动".
+    static int LanguageIndex(const std::string& choice) {
+        for (std::size_t i = 0; i < std::size(kLanguages); ++i) {
+            if (choice == kLanguages[i].code)
+                return static_cast<int>(i);
+        }
+        return choice == kAutomaticLanguage ? static_cast<int>(std::size(kLanguages)) : 0;
+    }
+
+    // Taken at OK and written to its own file at once; the texts change at
+    // the next start, which the user is told.
+    void SaveLanguage(int index) {
+        ProgramSettings& s = shell_.settings();
+        const std::string choice = index >= 0 && index < static_cast<int>(std::size(kLanguages))
+                                       ? kLanguages[index].code
+                                       : kAutomaticLanguage;
+        if (choice == s.language)
+            return;
+        s.language = choice;
+        if (!s.languageFile.empty())
+            SaveLanguageOption(s.languageFile, choice);
+        shell_.ui().ShowMessage(common::LoadString(common::kStrLanguageNextStart),
+                                MessageIcon::Information, MessageButtons::Ok);
     }
 
     DialogStack& stack_;

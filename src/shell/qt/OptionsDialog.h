@@ -33,6 +33,9 @@ class OptionsWidget final : public FullScreenDialog {
 
     // "同时保存 GPX 轨迹": not in the options model; the feature reads it at OK.
     QCheckBox* saveGpxTrack() const { return saveGpxTrack_; }
+    // "语言": not in the options model either; the languages in the order of
+    // kLanguages, then "自动".
+    QComboBox* language() const { return language_; }
 
     std::function<void(int id, bool checked)> onCheck;
     std::function<void(int index)> onStorage;
@@ -54,6 +57,8 @@ class OptionsWidget final : public FullScreenDialog {
     QCheckBox* saveGpxTrack_;
     QCheckBox* relay_;
     QLineEdit* relayAddress_;
+    QLabel* languageLabel_;
+    QComboBox* language_;
     bool syncing_ = false;
 };
 

@@ -11,6 +11,7 @@
 
 #include "BluezSearch.h"
 #include "ReceiverSettingsFeature.h"
+#include "Strings.h"
 #include "Shell.h"
 
 namespace satwalk::shell::qt {
@@ -47,9 +48,9 @@ QComboBox* FitList(QComboBox* combo, int b) {
 }  // namespace
 
 ReceiverSettingsWidget::ReceiverSettingsWidget(DialogStack& stack)
-    : FullScreenDialog(stack, 115, QStringLiteral("GPS 设置"), true) {
+    : FullScreenDialog(stack, 115, QString::fromUtf8(common::LoadString(common::kStrGpsSettings)), true) {
     const int b = baseTextHeight();
-    autoSearch_ = new QPushButton(QString::fromUtf8(link::kTextAutoSearch), body());
+    autoSearch_ = new QPushButton(QString::fromUtf8(common::LoadString(common::kStrAutoSearch)), body());
     autoSearch_->setCheckable(true);
     autoSearch_->setMinimumHeight((7 * b) / 5);
     autoSearch_->setStyleSheet(
@@ -60,12 +61,12 @@ ReceiverSettingsWidget::ReceiverSettingsWidget(DialogStack& stack)
                        "QPushButton:disabled { color: rgb(150,150,150); }"));
     AddControl(link::kIdAutoSearch, ControlKind::CheckBox, autoSearch_);
 
-    deviceLabel_ = AddLabel(link::kIdDeviceLabel, QStringLiteral("设备:"));
+    deviceLabel_ = AddLabel(link::kIdDeviceLabel, QString::fromUtf8(common::LoadString(common::kStrDeviceLabel)));
     deviceLabel_->setStyleSheet(QStringLiteral("QLabel:disabled { color: rgb(150,150,150); }"));
     devices_ = FitList(AddList(link::kIdDeviceCombo, {}), b);
-    QLabel* portLabel = AddLabel(link::kIdPortLabel, QStringLiteral("COM端口:"));
+    QLabel* portLabel = AddLabel(link::kIdPortLabel, QString::fromUtf8(common::LoadString(common::kStrPortLabel)));
     ports_ = FitList(AddList(link::kIdPortCombo, {}), b);
-    QLabel* baudLabel = AddLabel(link::kIdBaudLabel, QStringLiteral("波特率:"));
+    QLabel* baudLabel = AddLabel(link::kIdBaudLabel, QString::fromUtf8(common::LoadString(common::kStrBaudLabel)));
     bauds_ = FitList(AddList(link::kIdBaudCombo, {}), b);
 
     auto* layout = new QVBoxLayout(body());

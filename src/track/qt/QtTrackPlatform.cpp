@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Shell.h"
+#include "Strings.h"
 #include "TrackInfoDialog.h"
 #include "TrackState.h"
 
@@ -97,7 +98,7 @@ void QtTrackPlatform::ShowProgress() {
     if (!progress_) {
         progress_ = new QProgressDialog(window_);
         progress_->setWindowTitle(window_ != nullptr ? window_->windowTitle() : QString());
-        progress_->setLabelText(QStringLiteral("正在读取轨迹记录…"));
+        progress_->setLabelText(QString::fromUtf8(common::LoadString(common::kStrReadingTrack)));
         progress_->setCancelButton(nullptr);
         progress_->setWindowModality(Qt::NonModal);
         progress_->setRange(0, kProgressSteps);
