@@ -81,7 +81,8 @@ int RunPoi(int argc, char** argv) {
         read = poi::ReadPoiCsv(argv[0], print);
     }
     if (read == poi::PoiRead::OpenFailed) {
-        std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0], common::LoadString(common::kStrOpenPoiFileFailed));
+        std::fprintf(stderr, "satwalk-tool poi: %s: %s\n", argv[0],
+                     common::LoadString(common::kStrOpenPoiFileFailed));
         return 1;
     }
     if (read == poi::PoiRead::Truncated) {

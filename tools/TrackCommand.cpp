@@ -122,7 +122,8 @@ int RunTrack(int argc, char** argv) {
     const std::string name = track::FileNameOf(path);
     switch (read.result) {
         case track::TrackFileResult::OpenFailed:
-            std::fprintf(stderr, "satwalk-tool track: %s: %s\n", path, common::LoadString(common::kStrOpenTrackLogFailed));
+            std::fprintf(stderr, "satwalk-tool track: %s: %s\n", path,
+                         common::LoadString(common::kStrOpenTrackLogFailed));
             return 1;
         case track::TrackFileResult::NotATrack:
             std::fprintf(

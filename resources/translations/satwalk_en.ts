@@ -673,7 +673,7 @@ Please try again!</translation>
     <message>
         <source>自动开启/关闭蓝牙</source>
         <comment>42012</comment>
-        <translation>Switch Bluetooth on/off automatically</translation>
+        <translation>Turn Bluetooth on/off as needed</translation>
     </message>
     <message>
         <source>保持背景灯常亮</source>

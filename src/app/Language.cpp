@@ -21,8 +21,8 @@ bool InstallLanguage(const QString& code, const QString& folder) {
     if (!translator.load(QStringLiteral("satwalk_") + code, folder))
         return false;
     common::InstallTranslation([&translator](const common::StringEntry& entry) {
-        const QString text = translator.translate(kTranslationContext, entry.text,
-                                                  std::to_string(entry.id).c_str());
+        const QString text =
+            translator.translate(kTranslationContext, entry.text, std::to_string(entry.id).c_str());
         return text.toStdString();
     });
     return true;

@@ -238,10 +238,10 @@ bool BeginSearch(ReceiverSettingsDialog& d, bool workerStarted,
     const bool retry = d.search.id == kCmdRetry;
     d.search = MenuButton{kCmdRetry, common::LoadString(common::kStrRetry), false};
     if (!workerStarted) {
-        messages.push_back({common::FormatString(
-                                common::LoadString(common::kStrSearchStartFailed),
-                                retry ? common::err::kSearchRetry : common::err::kSearchStart),
-                            true});
+        messages.push_back(
+            {common::FormatString(common::LoadString(common::kStrSearchStartFailed),
+                                  retry ? common::err::kSearchRetry : common::err::kSearchStart),
+             true});
         d.ended = true;
         d.endResult = 0;
         return false;

@@ -38,8 +38,8 @@ void PoiFeature::Import() {
     if (!iconsLoaded_) {
         iconsLoaded_ = platform_->LoadIcons(icons_);
         if (!iconsLoaded_) {
-            shell_.ui().ShowMessage(common::LoadString(common::kStrLoadPoiIconsFailed), shell::MessageIcon::Error,
-                                    shell::MessageButtons::Ok);
+            shell_.ui().ShowMessage(common::LoadString(common::kStrLoadPoiIconsFailed),
+                                    shell::MessageIcon::Error, shell::MessageButtons::Ok);
         }
     }
     chooser_.ChooseFile(
@@ -47,8 +47,8 @@ void PoiFeature::Import() {
         [this](const browser::ChosenFile& file) {
             const PoiImport imported = ImportPoiFile(store_, file.path);
             if (!imported.read) {
-                shell_.ui().ShowMessage(common::LoadString(common::kStrOpenPoiFileFailed), shell::MessageIcon::Error,
-                                        shell::MessageButtons::Ok);
+                shell_.ui().ShowMessage(common::LoadString(common::kStrOpenPoiFileFailed),
+                                        shell::MessageIcon::Error, shell::MessageButtons::Ok);
             }
             // Even a file that could not be read shows the points there are.
             shell_.settings().showPoi = 1;

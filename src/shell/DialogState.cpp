@@ -77,6 +77,13 @@ void AppendDialogJson(std::string& out, const DialogState& state, const StateSec
         out += '}';
     }
     out += ']';
+    if (!state.clipped.empty()) {
+        std::string& ids = m.Name("clipped");
+        ids += '[';
+        for (std::size_t i = 0; i < state.clipped.size(); ++i)
+            ids += (i > 0 ? "," : "") + std::to_string(state.clipped[i]);
+        ids += ']';
+    }
     if (extra)
         extra(m);
     out += '}';

@@ -36,6 +36,9 @@ struct DialogState {
     std::vector<DialogControl> controls;  // in the order the dialog declares them
     std::string leftSoftKey;
     std::string rightSoftKey;
+    // The controls whose text does not fit their box, or whose box reaches
+    // past the dialog (0 for the caption): a layout that fails a language.
+    std::vector<int> clipped;
 };
 
 const DialogControl* FindControl(const DialogState& state, int id);
@@ -43,7 +46,8 @@ const DialogControl* FindControl(const DialogState& state, int id);
 // The dialog as one JSON object: resourceId, caption, softKeys and
 // controls, each control with id, kind, text, value (an edit's text, a
 // check box's 0 or 1, a list's selected index; null for the others),
-// enabled, and a list's items. `extra` adds the dialog's own members.
+// enabled, and a list's items; `clipped` only when some text does not fit.
+// `extra` adds the dialog's own members.
 void AppendDialogJson(std::string& out, const DialogState& state, const StateSection& extra = {});
 
 // A value the script's `set` gives a control, checked against its kind.

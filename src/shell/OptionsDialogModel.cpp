@@ -45,8 +45,8 @@ OptionsLayout LayOutOptionsDialog(int clientWidth, int b) {
     l.language = l.heading;
     l.heading.right = left + w / 3;
     l.languageLabel.left = l.heading.right;
-    l.languageLabel.right = left + (3 * w) / 5 - b / 4;
-    l.language.left = left + (3 * w) / 5;
+    l.languageLabel.right = left + (5 * w) / 8 - b / 4;
+    l.language.left = left + (5 * w) / 8;
     l.autoBluetooth = at(b / 3 + h + b / 2);
     l.keepAwake = at((2 * b) / 3 + 2 * h + b / 2);
     l.recordNmea = at((3 * b) / 3 + 3 * h + b / 2);

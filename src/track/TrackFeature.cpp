@@ -100,8 +100,8 @@ bool TrackFeature::RestartTrackTimer(const std::string& failure) {
 void TrackFeature::SetInterval(int index) {
     shell_.settings().trackIntervalMs = shell::kTrackIntervals[index];
     if (platform_.TrackTimerRunning()) {
-        RestartTrackTimer(
-            common::FormatString(common::LoadString(common::kStrTrackTimerFailed), kTrackTimerCodeOnInterval));
+        RestartTrackTimer(common::FormatString(common::LoadString(common::kStrTrackTimerFailed),
+                                               kTrackTimerCodeOnInterval));
     }
 }
 
@@ -203,8 +203,8 @@ void TrackFeature::SaveTrackLog() {
     state_.saveGpx = shell_.settings().saveGpxTrack != 0;
     state_.trackFolder = shell::MakeStorageFolders(shell_.settings().storageRoot).trackLog;
     if (OnSaveTrackLogCommand(state_, shell_.link().Running(), CurrentSample()))
-        RestartTrackTimer(
-            common::FormatString(common::LoadString(common::kStrTrackTimerFailed), kTrackTimerCodeOnSave));
+        RestartTrackTimer(common::FormatString(common::LoadString(common::kStrTrackTimerFailed),
+                                               kTrackTimerCodeOnSave));
     ReportWrite();
     shell_.Repaint();
 }

@@ -74,6 +74,42 @@ TEST(ProgramTest, ReadmeListsTheProgramsCommands) {
         << "the README's command list is out of date: scripts/readme-commands rewrites it";
 }
 
+// The language of a run: --language, else the `language` file beside the
+// options, "auto" following the environment; --help and --list-commands
+// answer in it.
+TEST(ProgramTest, HelpAndCommandListInTheLanguageOfTheRun) {
+    const std::string config =
+        fs::temp_directory_path() / ("satwalk-lang-" + std::to_string(::getpid()));
+    fs::create_directories(config);
+    std::ofstream(config + "/language") << "en\n";
+    const std::string options = " --options '" + config + "/options'";
+    const struct {
+        std::string arguments;
+        const char* environment;
+        const char* expected;
+        int status;
+    } cases[] = {
+        {"--list-commands --language en", "", "| 40059 | View › GPS Information [1] | yes |", 0},
+        {"--list-commands --language auto", "LANGUAGE= LC_ALL= LANG=en_US.UTF-8",
+         "| 40003 | Menu › Exit | yes |", 0},
+        {"--list-commands --language auto", "LANGUAGE= LC_ALL= LANG=zh_CN.UTF-8",
+         "| 40003 | 菜单 › 退出 | yes |", 0},
+        {"--list-commands" + options, "", "| 40197 | Menu › Options | yes |", 0},
+        {"--list-commands --language zh_CN" + options, "", "| 40197 | 菜单 › 选项 | yes |", 0},
+        {"--help --language en", "", "  --language LANG ", 0},
+        {"--list-commands --language de", "", "usage: satwalk", 2},
+    };
+    for (const auto& c : cases) {
+        int status = -1;
+        const std::string out = Capture("env -u DISPLAY " + std::string(c.environment) + " '" +
+                                            SATWALK_BINARY "' " + c.arguments + " 2>&1",
+                                        status);
+        EXPECT_EQ(status, c.status) << c.arguments;
+        EXPECT_NE(out.find(c.expected), std::string::npos) << c.arguments << "\n" << out;
+    }
+    fs::remove_all(config);
+}
+
 // Copies started at the same moment under one instance name: one keeps
 // running, every other one reaches it and ends well. Two rounds, the first
 // survivor ended abruptly so that the second round meets its stale socket.

@@ -52,11 +52,15 @@ TEST_F(PoiFeatureTest, ImportAddsOneGroupPerFile) {
         bool iconsLoad;
         std::vector<std::string> messages;
         std::uint32_t groups, lastCategory;
-    } cases[] = {
-        {"icons missing: goes on", dir + "Restaurant.csv", false, {"Load POI Icons failed: 0x08200a19\n\nPress OK to continue..."}, 1, 17},
-        {"by name in any case", dir + "gas station.csv", true, {}, 2, 19},
-        {"cancelled", "", true, {}, 2, 19},
-        {"missing file", dir + "gone.csv", true, {"Open POI File failed!"}, 2, 19}};
+    } cases[] = {{"icons missing: goes on",
+                  dir + "Restaurant.csv",
+                  false,
+                  {"Load POI Icons failed: 0x08200a19\n\nPress OK to continue..."},
+                  1,
+                  17},
+                 {"by name in any case", dir + "gas station.csv", true, {}, 2, 19},
+                 {"cancelled", "", true, {}, 2, 19},
+                 {"missing file", dir + "gone.csv", true, {"Open POI File failed!"}, 2, 19}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         ui.messages.clear();

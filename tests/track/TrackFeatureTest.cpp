@@ -139,7 +139,8 @@ TEST_F(TrackFeatureTest, TimerFailuresAreSaid) {
         const char* name;
         int command;
         std::string message;
-    } cases[] = {{"save", cmd::kSaveTrack, "Create Track Timer failed: 0x08200a14\n\nPress OK to continue..."},
+    } cases[] = {{"save", cmd::kSaveTrack,
+                  "Create Track Timer failed: 0x08200a14\n\nPress OK to continue..."},
                  {"interval", cmd::kTrack10s + 1,
                   "Create Track Timer failed: 0x08200a13\n\nPress OK to continue..."},
                  {"start", shell::cmd::kStartGps, "Create Track Timer failed: 0x08200a13" + tail}};
@@ -276,8 +277,9 @@ TEST_F(TrackFeatureTest, FollowPause) {
         }
         EXPECT_EQ(std::tuple(feature->followPaused(), told), std::tuple(c.paused, c.paused))
             << "paused, and the map is told";
-        EXPECT_EQ(MessageTexts(), c.message ? std::vector<std::string>{"Create Track Move Timer failed!"}
-                                            : std::vector<std::string>{});
+        EXPECT_EQ(MessageTexts(), c.message
+                                      ? std::vector<std::string>{"Create Track Move Timer failed!"}
+                                      : std::vector<std::string>{});
     }
     feature->onFollowPause = nullptr;
 }

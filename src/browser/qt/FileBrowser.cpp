@@ -32,7 +32,9 @@ QString FromUtf8(const std::string& text) {
 // end, where the folder's own name is. text() stays the whole path.
 class PathLabel final : public QLabel {
   public:
-    using QLabel::QLabel;
+    explicit PathLabel(QWidget* parent) : QLabel(parent) {
+        setProperty(shell::qt::kElidesItsText, true);
+    }
     QSize minimumSizeHint() const override { return {1, QLabel::minimumSizeHint().height()}; }
 
   protected:

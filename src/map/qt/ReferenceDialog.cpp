@@ -38,10 +38,22 @@ struct Half {
     int edits[3];
 };
 constexpr Half kHalves[2] = {
-    {1119, common::kStrLatitude, 1118, common::kStrNorthSouth, 1010, {40119, 40120},
-     {1111, 1112, 1113}, {1003, 1004, 1005}},
-    {1120, common::kStrLongitude, 1114, common::kStrEastWest, 1011, {40121, 40122},
-     {1115, 1116, 1117}, {1007, 1008, 1009}},
+    {1119,
+     common::kStrLatitude,
+     1118,
+     common::kStrNorthSouth,
+     1010,
+     {40119, 40120},
+     {1111, 1112, 1113},
+     {1003, 1004, 1005}},
+    {1120,
+     common::kStrLongitude,
+     1114,
+     common::kStrEastWest,
+     1011,
+     {40121, 40122},
+     {1115, 1116, 1117},
+     {1007, 1008, 1009}},
 };
 constexpr int kUnitLabels[3] = {common::kStrDegreesLabel, common::kStrMinutesLabel,
                                 common::kStrSecondsLabel};
@@ -76,8 +88,7 @@ ReferenceDialog::ReferenceDialog(shell::qt::DialogStack& stack, int slot, const 
         grid->setHorizontalSpacing(b / 3);
         grid->setVerticalSpacing(b / 5);
         grid->setColumnStretch(1, 1);
-        grid->addWidget(AddLabel(half.hemisphereLabel, Text(half.hemisphereText)), 0,
-                        0);
+        grid->addWidget(AddLabel(half.hemisphereLabel, Text(half.hemisphereText)), 0, 0);
         hemisphere_[h] = AddList(half.list, {Text(half.entries[0]), Text(half.entries[1])});
         grid->addWidget(hemisphere_[h], 0, 1);
         for (int u = 0; u < 3; ++u) {

@@ -233,6 +233,30 @@ QStringList ListItems(QWidget* w, int& selected) {
 
 }  // namespace
 
+namespace {
+
+// A single-line text wider than the room its widget gives it, or a widget
+// that reaches past its dialog's body. Lists and edits elide or scroll by
+// themselves and are left out.
+bool Clipped(const QWidget* widget, const QWidget* body) {
+    if (!widget->isVisibleTo(body->window()) || widget->property(kElidesItsText).toBool())
+        return false;
+    const QRect box(widget->mapTo(body, QPoint(0, 0)), widget->size());
+    if (widget->parentWidget() == body && !body->rect().contains(box))
+        return true;
+    if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+        return !label->wordWrap() && label->fontMetrics().horizontalAdvance(label->text()) >
+                                         label->contentsRect().width();
+    }
+    if (const auto* group = qobject_cast<const QGroupBox*>(widget))
+        return group->fontMetrics().horizontalAdvance(group->title()) > group->width();
+    if (qobject_cast<const QAbstractButton*>(widget) != nullptr)
+        return widget->sizeHint().width() > widget->width();
+    return false;
+}
+
+}  // namespace
+
 DialogState FullScreenDialog::State() const {
     DialogState state;
     state.resourceId = resourceId_;
@@ -260,7 +284,12 @@ DialogState FullScreenDialog::State() const {
                 d.text = Std(items[d.selected]);
         }
         state.controls.push_back(std::move(d));
+        if (Clipped(c.widget, body_))
+            state.clipped.push_back(c.id);
     }
+    if (caption_->fontMetrics().horizontalAdvance(caption_->text()) >
+        caption_->contentsRect().width())
+        state.clipped.insert(state.clipped.begin(), 0);
     return state;
 }
 

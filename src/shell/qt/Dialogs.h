@@ -70,6 +70,10 @@ namespace satwalk::shell::qt {
 
 class DialogStack;
 
+// A widget property: the widget shortens a text too long for it by itself,
+// so the state's `clipped` leaves it out.
+inline constexpr const char* kElidesItsText = "elidesItsText";
+
 enum class DialogResult { Ok, Cancel };
 
 // One of the two soft keys of a dialog's menu bar.

@@ -11,8 +11,8 @@
 
 #include "BluezSearch.h"
 #include "ReceiverSettingsFeature.h"
-#include "Strings.h"
 #include "Shell.h"
+#include "Strings.h"
 
 namespace satwalk::shell::qt {
 
@@ -48,9 +48,11 @@ QComboBox* FitList(QComboBox* combo, int b) {
 }  // namespace
 
 ReceiverSettingsWidget::ReceiverSettingsWidget(DialogStack& stack)
-    : FullScreenDialog(stack, 115, QString::fromUtf8(common::LoadString(common::kStrGpsSettings)), true) {
+    : FullScreenDialog(stack, 115, QString::fromUtf8(common::LoadString(common::kStrGpsSettings)),
+                       true) {
     const int b = baseTextHeight();
-    autoSearch_ = new QPushButton(QString::fromUtf8(common::LoadString(common::kStrAutoSearch)), body());
+    autoSearch_ =
+        new QPushButton(QString::fromUtf8(common::LoadString(common::kStrAutoSearch)), body());
     autoSearch_->setCheckable(true);
     autoSearch_->setMinimumHeight((7 * b) / 5);
     autoSearch_->setStyleSheet(
@@ -61,12 +63,15 @@ ReceiverSettingsWidget::ReceiverSettingsWidget(DialogStack& stack)
                        "QPushButton:disabled { color: rgb(150,150,150); }"));
     AddControl(link::kIdAutoSearch, ControlKind::CheckBox, autoSearch_);
 
-    deviceLabel_ = AddLabel(link::kIdDeviceLabel, QString::fromUtf8(common::LoadString(common::kStrDeviceLabel)));
+    deviceLabel_ = AddLabel(link::kIdDeviceLabel,
+                            QString::fromUtf8(common::LoadString(common::kStrDeviceLabel)));
     deviceLabel_->setStyleSheet(QStringLiteral("QLabel:disabled { color: rgb(150,150,150); }"));
     devices_ = FitList(AddList(link::kIdDeviceCombo, {}), b);
-    QLabel* portLabel = AddLabel(link::kIdPortLabel, QString::fromUtf8(common::LoadString(common::kStrPortLabel)));
+    QLabel* portLabel =
+        AddLabel(link::kIdPortLabel, QString::fromUtf8(common::LoadString(common::kStrPortLabel)));
     ports_ = FitList(AddList(link::kIdPortCombo, {}), b);
-    QLabel* baudLabel = AddLabel(link::kIdBaudLabel, QString::fromUtf8(common::LoadString(common::kStrBaudLabel)));
+    QLabel* baudLabel =
+        AddLabel(link::kIdBaudLabel, QString::fromUtf8(common::LoadString(common::kStrBaudLabel)));
     bauds_ = FitList(AddList(link::kIdBaudCombo, {}), b);
 
     auto* layout = new QVBoxLayout(body());

@@ -30,7 +30,8 @@ SatelliteDataDialog::SatelliteDataDialog(QWidget* parent, int b)
     titleFont.setPixelSize(std::max(9, (4 * b) / 5));
     titleFont.setBold(true);
 
-    auto* title = new QLabel(QString::fromUtf8(common::LoadString(common::kStrSatelliteData)), this);
+    auto* title =
+        new QLabel(QString::fromUtf8(common::LoadString(common::kStrSatelliteData)), this);
     title->setFont(titleFont);
     title->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     title->setStyleSheet(QStringLiteral("color: rgb(34,89,172);"));

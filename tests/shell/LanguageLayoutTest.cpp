@@ -1,0 +1,44 @@
+// Every dialog in each language at both pixel sets: no text is cut and no
+// control reaches past its dialog (the state's `clipped`), and the texts are
+// those of the language chosen for the run.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ScriptRun.h"
+
+namespace {
+
+TEST_F(ScriptRunTest, DialogsFitInEachLanguageAtBothPixelSets) {
+    const std::string map = SATWALK_RESOURCES "/demo/map/west-lake-demo.png";
+    // The options, the receiver settings, the file browser, the reference
+    // point dialog on the demo map and the track statistics.
+    WriteScript("command 40197\nwait 200\nstate @/options.json\nanswer cancel\n"
+                "command 40043\nwait 200\nstate @/gps.json\nanswer cancel\n"
+                "command 40020\nwait 200\nstate @/browser.json\nchoose " +
+                map +
+                "\nwait 300\ncommand 40034\ntap 60 90\ncommand 40007\nwait 200\n"
+                "state @/reference.json\nanswer cancel\n"
+                "command 40040\nchoose " SATWALK_RESOURCES "/demo/track/demo-drive.gpx\nwait 1000\n"
+                "command 40301\nwait 300\nstate @/track.json\nanswer ok\nquit\n");
+    const struct {
+        const char* arguments;
+        const char* caption;  // of the options dialog
+    } cases[] = {{"--language zh_CN", "\"caption\":\"选项\""},
+                 {"--language zh_CN --size 240x320 --dpi 96", "\"caption\":\"选项\""},
+                 {"--language en", "\"caption\":\"Options\""},
+                 {"--language en --size 240x320 --dpi 96", "\"caption\":\"Options\""}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments);
+        ASSERT_EQ(Run(c.arguments), 0) << Read("stderr.txt");
+        ExpectHas("options.json", {c.caption});
+        for (const char* file :
+             {"options.json", "gps.json", "browser.json", "reference.json", "track.json"}) {
+            const std::string state = Read(file);
+            EXPECT_NE(state.find("\"dialog\":{"), std::string::npos) << file;
+            EXPECT_EQ(state.find("\"clipped\""), std::string::npos) << file << "\n" << state;
+        }
+    }
+}
+
+}  // namespace
