@@ -241,7 +241,7 @@ Please make sure the receiver is on and search again!</translation>
     <message>
         <source>插入当前GPS座标</source>
         <comment>40199</comment>
-        <translation>Insert current GPS position</translation>
+        <translation>Use GPS position</translation>
     </message>
     <message>
         <source>向上</source>

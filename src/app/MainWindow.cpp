@@ -210,9 +210,14 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
     }
     const QRect halves[2] = {QRect(0, top, width() / 2, barHeight_),
                              QRect(width() / 2, top, width() - width() / 2, barHeight_)};
+    // A key's text longer than its half ends in "…" rather than running
+    // under the other key.
+    const QFontMetrics metrics(f);
     for (int i = 0; i < 2; ++i) {
         p.setPen(enabled[i] ? QColor(Qt::white) : QColor(130, 136, 148));
-        p.drawText(halves[i], Qt::AlignCenter, texts[i]);
+        const QRect room = halves[i].adjusted(barHeight_ / 5, 0, -barHeight_ / 5, 0);
+        p.drawText(room, Qt::AlignCenter,
+                   metrics.elidedText(texts[i], Qt::ElideRight, room.width()));
     }
 }
 

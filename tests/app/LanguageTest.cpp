@@ -34,13 +34,12 @@ TEST(LanguageTest, EveryTextHasATranslationWithItsPlaceholdersAndKey) {
         if (std::string_view(language.code) == shell::kDefaultLanguage)
             continue;
         QTranslator translator;
-        ASSERT_TRUE(translator.load(QStringLiteral("satwalk_") + language.code,
-                                    SATWALK_TRANSLATIONS_DIR))
+        ASSERT_TRUE(
+            translator.load(QStringLiteral("satwalk_") + language.code, SATWALK_TRANSLATIONS_DIR))
             << language.code;
         for (const common::StringEntry& e : common::StringTable()) {
             const std::string text =
-                translator
-                    .translate(kTranslationContext, e.text, std::to_string(e.id).c_str())
+                translator.translate(kTranslationContext, e.text, std::to_string(e.id).c_str())
                     .toStdString();
             if (text.empty()) {
                 ADD_FAILURE() << language.code << " lacks a translation of " << e.id << " \""

@@ -13,14 +13,16 @@ TEST_F(ScriptRunTest, DialogsFitInEachLanguageAtBothPixelSets) {
     const std::string map = SATWALK_RESOURCES "/demo/map/west-lake-demo.png";
     // The options, the receiver settings, the file browser, the reference
     // point dialog on the demo map and the track statistics.
-    WriteScript("command 40197\nwait 200\nstate @/options.json\nanswer cancel\n"
-                "command 40043\nwait 200\nstate @/gps.json\nanswer cancel\n"
-                "command 40020\nwait 200\nstate @/browser.json\nchoose " +
-                map +
-                "\nwait 300\ncommand 40034\ntap 60 90\ncommand 40007\nwait 200\n"
-                "state @/reference.json\nanswer cancel\n"
-                "command 40040\nchoose " SATWALK_RESOURCES "/demo/track/demo-drive.gpx\nwait 1000\n"
-                "command 40301\nwait 300\nstate @/track.json\nanswer ok\nquit\n");
+    WriteScript(
+        "command 40197\nwait 200\nstate @/options.json\nanswer cancel\n"
+        "command 40043\nwait 200\nstate @/gps.json\nanswer cancel\n"
+        "command 40020\nwait 200\nstate @/browser.json\nchoose " +
+        map +
+        "\nwait 300\ncommand 40034\ntap 60 90\ncommand 40007\nwait 200\n"
+        "state @/reference.json\nanswer cancel\n"
+        "command 40040\nchoose " SATWALK_RESOURCES
+        "/demo/track/demo-drive.gpx\nwait 1000\n"
+        "command 40301\nwait 300\nstate @/track.json\nanswer ok\nquit\n");
     const struct {
         const char* arguments;
         const char* caption;  // of the options dialog
