@@ -3,10 +3,14 @@
 # painted frame, offscreen. Runs it N times (default 15) and prints the
 # median and the worst run against the 400 ms budget. The program reports
 # the first frame itself (SATWALK_REPORT_STARTUP); the wall time of the
-# whole run (start, first frame, quit) is shown beside it.
+# whole run (start, first frame, quit) is shown beside it. LANGUAGE (zh_CN,
+# en or auto) is passed as --language; without it the saved choice, none in
+# the fresh home: Chinese.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 runs="${1:-15}"
+language=()
+[ -n "${2:-}" ] && language=(--language "$2")
 app=build/default/satwalk
 [ -x "$app" ] || { echo "build first: cmake --build --preset default --target satwalk"; exit 2; }
 work="$(mktemp -d)"
@@ -17,7 +21,7 @@ walls=()
 for _ in $(seq "$runs"); do
   t0=$(date +%s%N)
   line=$(HOME="$work" QT_QPA_PLATFORM=offscreen SATWALK_REPORT_STARTUP=1 \
-         "$app" --options "$work/options" --script "$work/quit.script" 2>&1 |
+         "$app" --options "$work/options" "${language[@]}" --script "$work/quit.script" 2>&1 |
          sed -n 's/.*first frame \([0-9]*\) ms.*/\1/p')
   t1=$(date +%s%N)
   frames+=("$line")

@@ -48,9 +48,12 @@ std::string LoadLanguageOption(const std::string& path) {
     char text[16] = {};
     const std::size_t n = std::fread(text, 1, sizeof text - 1, f);
     std::fclose(f);
-    std::string_view line(text, n);
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r' || line.back() == ' '))
-        line.remove_suffix(1);
+    return ParseLanguageOption(std::string_view(text, n));
+}
+
+std::string ParseLanguageOption(std::string_view bytes) {
+    std::string_view line = bytes.substr(0, bytes.find('\n'));
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
     return IsLanguageChoice(line) ? std::string(line) : std::string(kDefaultLanguage);
 }
 

@@ -31,6 +31,9 @@ inline constexpr int kIdLanguageCombo = 1162;  // the languages, then "自动"
 bool IsLanguageChoice(std::string_view choice);
 
 std::string LanguageOptionPath(const std::string& optionsPath);
+// The choice a language file's bytes hold: its first line, when that is a
+// shipped language's code or "auto"; else Chinese.
+std::string ParseLanguageOption(std::string_view bytes);
 // The saved choice: a shipped language's code or "auto"; Chinese when the
 // file is missing or says anything else.
 std::string LoadLanguageOption(const std::string& path);
