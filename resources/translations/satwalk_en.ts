@@ -786,6 +786,21 @@ Please try again!</translation>
         <translation>Set Reference Point %s</translation>
     </message>
     <message>
+        <source>3D GPS Fix</source>
+        <comment>42080</comment>
+        <translation>3D Fix</translation>
+    </message>
+    <message>
+        <source>2D GPS Fix</source>
+        <comment>42081</comment>
+        <translation>2D Fix</translation>
+    </message>
+    <message>
+        <source>GPS Fix N/A</source>
+        <comment>42082</comment>
+        <translation>No Fix</translation>
+    </message>
+    <message>
         <source>Open POI File failed!</source>
         <comment>42101</comment>
         <translation>Cannot open the POI file!</translation>

@@ -201,6 +201,10 @@ inline constexpr int kStrFilterPoi = 42052;
 inline constexpr int kStrReadingTrack = 42060;
 // The press-and-hold menu on the map: "%s" is 1..5.
 inline constexpr int kStrHoldSetReferencePoint = 42070;
+// The fix's kind on the GPS information screen.
+inline constexpr int kStrFix3d = 42080;
+inline constexpr int kStrFix2d = 42081;
+inline constexpr int kStrNoFix = 42082;
 // Failures the handheld reported in English; they stay English in the
 // Chinese interface.
 inline constexpr int kStrOpenPoiFileFailed = 42101;

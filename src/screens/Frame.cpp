@@ -628,10 +628,10 @@ std::string FormatAltitudeSpeedLine(double altitude, double speed, int unitSyste
 
 std::string FormatFixMode(char fixMode) {
     if (fixMode == '3')
-        return "3D GPS Fix";
+        return common::LoadString(common::kStrFix3d);
     if (fixMode == '2')
-        return "2D GPS Fix";
-    return "GPS Fix N/A";
+        return common::LoadString(common::kStrFix2d);
+    return common::LoadString(common::kStrNoFix);
 }
 
 std::string FormatCourse(double course) {
