@@ -43,7 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         return nullptr;
     };
-    if (!Shipped(ResolveLanguage("auto", environment)) || !Shipped(ResolveLanguage(choice, environment)))
+    if (!Shipped(ResolveLanguage("auto", environment)) ||
+        !Shipped(ResolveLanguage(choice, environment)))
         __builtin_trap();
     return 0;
 }

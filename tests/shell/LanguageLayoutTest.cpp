@@ -43,4 +43,16 @@ TEST_F(ScriptRunTest, DialogsFitInEachLanguageAtBothPixelSets) {
     }
 }
 
+// "语言" in "选项" is written beside the options at OK and said to come with
+// the next start; Cancel writes nothing.
+TEST_F(ScriptRunTest, LanguageChosenInTheOptionsComesWithTheNextStart) {
+    WriteScript(
+        "command 40197\nset 1162 1\nanswer cancel\nstate @/cancelled.json\n"
+        "command 40197\nset 1162 2\nanswer ok\nstate @/chosen.json\nquit\n");
+    ASSERT_EQ(Run(), 0) << Read("stderr.txt");
+    EXPECT_EQ(Read("cancelled.json").find("新的语言"), std::string::npos);
+    ExpectHas("chosen.json", {"\"text\":\"新的语言在程序下次启动时生效。\"", "\"dialog\":null"});
+    EXPECT_EQ(Read("language"), "auto\n");
+}
+
 }  // namespace
