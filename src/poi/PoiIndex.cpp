@@ -56,7 +56,8 @@ void PoiIndex::BuildInto(std::uint32_t slot, std::uint32_t begin, std::uint32_t 
         if (e.key < entries_[node.first].key)
             node.first = i;
     }
-    const bool onePlace = box.minLatitude == box.maxLatitude && box.minLongitude == box.maxLongitude;
+    const bool onePlace =
+        box.minLatitude == box.maxLatitude && box.minLongitude == box.maxLongitude;
     if (end - begin > kLeafSize && !onePlace) {
         // Split the wider side at its median.
         const bool byLatitude =
