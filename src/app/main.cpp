@@ -35,6 +35,7 @@
 #include "StateJson.h"
 #include "Strings.h"
 #include "TrackGpxOption.h"
+#include "UiScale.h"
 
 #include "AppLink.h"
 #include "RelaySetting.h"
@@ -49,6 +50,9 @@ constexpr const char* kUsage =
     "  --options PATH        the options file (default: the XDG config folder)\n"
     "  --size WxH            client size above the soft-key bar (default 480x640)\n"
     "  --dpi N               screen density (default 192; 96 selects the small set)\n"
+    "  --scale auto|100|150|200|300\n"
+    "                        draw the program this much larger for this run (the\n"
+    "                        options' \"界面缩放\"; auto fills the window)\n"
     "  --port SOURCE         a receiver that stands for the configured port: a device,\n"
     "                        gpsd://HOST[:PORT] or tcp://HOST:PORT\n"
     "  --replay [FILE]       play FILE (default: the demo drive) as the receiver\n"
@@ -66,6 +70,7 @@ struct Arguments {
     QString optionsPath;
     QSize size{480, 640};
     int dpi = 192;
+    std::optional<std::uint32_t> scale;
     QString port;
     bool replay = false;
     QString replayFile;
@@ -111,6 +116,11 @@ std::optional<Arguments> ParseArguments(const QStringList& args) {
             a.dpi = v.toInt(&ok);
             if (!ok || a.dpi < 48 || a.dpi > 960)
                 return std::nullopt;
+        } else if (arg == "--scale") {
+            std::uint32_t scale = 0;
+            if (!value(v) || !shell::ParseUiScale(v.toStdString(), scale))
+                return std::nullopt;
+            a.scale = scale;
         } else if (arg == "--port") {
             if (!value(a.port))
                 return std::nullopt;
@@ -251,6 +261,8 @@ int main(int argc, char** argv) {
     options.LoadOptions(settings);
     settings.saveGpxTrackFile = shell::TrackGpxOptionPath(optionsPath.toStdString());
     settings.saveGpxTrack = shell::LoadTrackGpxOption(settings.saveGpxTrackFile) ? 1 : 0;
+    settings.uiScaleFile = shell::UiScalePath(optionsPath.toStdString());
+    settings.uiScale = args.scale.value_or(shell::LoadUiScale(settings.uiScaleFile));
 
     // Storage root and the My GPS folders.
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);

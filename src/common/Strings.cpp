@@ -126,6 +126,8 @@ constexpr Entry kStrings[] = {
     {41701, "NMEA 转发"},
     {41702, "NMEA 转发无法在 %s 上监听，GPS接收机照常运行。"},
     {41703, "本机 gpsd"},
+    {42001, "界面缩放"},
+    {42002, "自动"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),

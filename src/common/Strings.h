@@ -138,6 +138,10 @@ const char* WriteFailureReason(int error);
 inline constexpr int kStrRelayOption = 41701;
 inline constexpr int kStrRelayCannotListen = 41702;
 inline constexpr int kStrLocalGpsd = 41703;
+// "界面缩放" in the options and its first choice, "自动" (the others are
+// percentages).
+inline constexpr int kStrUiScaleOption = 42001;
+inline constexpr int kStrUiScaleAuto = 42002;
 
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";

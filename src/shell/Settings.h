@@ -35,6 +35,10 @@ struct ProgramSettings {
     // (TrackGpxOption.h), named here once it is known.
     std::uint32_t saveGpxTrack = 0;
     std::string saveGpxTrackFile;
+    // Not in the record either: "界面缩放" (UiScale.h), 0 automatic or a
+    // percentage, and its file.
+    std::uint32_t uiScale = 0;
+    std::string uiScaleFile;
     std::string bluetoothName;           // receiver-name global
     std::uint64_t bluetoothAddress = 0;  // receiver-address global
     bool receiverConfigured = false;     // both of the above are set
