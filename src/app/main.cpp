@@ -81,12 +81,24 @@ struct Arguments {
 
 // Qt's own options (-platform offscreen, -style fusion...): left to the
 // application object, which reads them; the ones that take a value.
-constexpr std::string_view kQtValueOptions[] = {
-    "platform", "platformpluginpath", "platformtheme", "plugin", "qwindowgeometry", "geometry",
-    "qwindowtitle", "title", "qwindowicon", "icon", "display", "style", "stylesheet", "session",
-    "name", "qmljsdebugger"};
-constexpr std::string_view kQtFlagOptions[] = {"reverse", "nograb", "dograb", "sync",
-                                               "widgetcount", "testability"};
+constexpr std::string_view kQtValueOptions[] = {"platform",
+                                                "platformpluginpath",
+                                                "platformtheme",
+                                                "plugin",
+                                                "qwindowgeometry",
+                                                "geometry",
+                                                "qwindowtitle",
+                                                "title",
+                                                "qwindowicon",
+                                                "icon",
+                                                "display",
+                                                "style",
+                                                "stylesheet",
+                                                "session",
+                                                "name",
+                                                "qmljsdebugger"};
+constexpr std::string_view kQtFlagOptions[] = {"reverse", "nograb",      "dograb",
+                                               "sync",    "widgetcount", "testability"};
 
 // The number of arguments a Qt option takes up (1 or 2), 0 for none of Qt's.
 int QtOptionLength(std::string_view arg) {
@@ -215,11 +227,13 @@ void NoDisplayHandler(QtMsgType type, const QMessageLogContext&, const QString& 
     }
     const char* display = std::getenv("DISPLAY");
     const char* wayland = std::getenv("WAYLAND_DISPLAY");
-    const bool none = (display == nullptr || *display == '\0') && (wayland == nullptr || *wayland == '\0');
+    const bool none =
+        (display == nullptr || *display == '\0') && (wayland == nullptr || *wayland == '\0');
     if (none) {
-        std::fputs("satwalk: no display to open: neither DISPLAY nor WAYLAND_DISPLAY is set "
-                   "(QT_QPA_PLATFORM=offscreen runs without one)\n",
-                   stderr);
+        std::fputs(
+            "satwalk: no display to open: neither DISPLAY nor WAYLAND_DISPLAY is set "
+            "(QT_QPA_PLATFORM=offscreen runs without one)\n",
+            stderr);
     } else {
         std::fprintf(stderr, "satwalk: cannot open the display %s\n",
                      display != nullptr && *display != '\0' ? display : wayland);

@@ -74,10 +74,10 @@ TEST(ProgramTest, CommandLineAndDisplayErrors) {
         {"DISPLAY=:97", "--dpi 96", 1, "satwalk: cannot open the display :97\n"}};
     for (const auto& [env, args, code, says] : cases) {
         int status = -1;
-        const std::string err = Capture(std::string("env -u DISPLAY -u WAYLAND_DISPLAY ") + env +
-                                            " QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " + args +
-                                            " 2>&1 >/dev/null",
-                                        status);
+        const std::string err =
+            Capture(std::string("env -u DISPLAY -u WAYLAND_DISPLAY ") + env +
+                        " QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " + args + " 2>&1 >/dev/null",
+                    status);
         EXPECT_EQ(status, code) << args << "\n" << err;
         EXPECT_EQ(err.rfind(says, 0), 0u) << args << "\n" << err;
     }

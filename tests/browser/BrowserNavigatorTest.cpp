@@ -25,28 +25,28 @@ struct Step {
 void Apply(BrowserNavigator& nav, const Step& s) {
     const Pointer pointer = s.what == 't' || s.what == 'D' ? Pointer::Touch : Pointer::Mouse;
     switch (s.what) {
-    case 'm':
-    case 't':
-        nav.Press(s.row, pointer, false);
-        nav.Release(s.row);
-        break;
-    case 'd':
-    case 'D':
-        nav.Press(s.row, pointer, false);
-        nav.Release(s.row);
-        nav.Press(s.second, pointer, true);
-        nav.Release(s.second);
-        break;
-    case 'p':
-        nav.Press(s.row, pointer, false);
-        nav.Release(s.second);
-        break;
-    case 'u':
-        nav.GoUp();
-        break;
-    case 'k':
-        nav.Type(s.text, s.ms);
-        break;
+        case 'm':
+        case 't':
+            nav.Press(s.row, pointer, false);
+            nav.Release(s.row);
+            break;
+        case 'd':
+        case 'D':
+            nav.Press(s.row, pointer, false);
+            nav.Release(s.row);
+            nav.Press(s.second, pointer, true);
+            nav.Release(s.second);
+            break;
+        case 'p':
+            nav.Press(s.row, pointer, false);
+            nav.Release(s.second);
+            break;
+        case 'u':
+            nav.GoUp();
+            break;
+        case 'k':
+            nav.Type(s.text, s.ms);
+            break;
     }
 }
 
@@ -91,7 +91,11 @@ TEST(BrowserNavigator, EventSequences) {
          "alps.jpg",
          ""},
         {"same letter steps on", {{'k', 0, 0, "b", 0}, {'k', 0, 0, "b", 200}}, "/data", "beta", ""},
-        {"a pause begins anew", {{'k', 0, 0, "m", 0}, {'k', 0, 0, "a", 1500}}, "/data", "a.png", ""},
+        {"a pause begins anew",
+         {{'k', 0, 0, "m", 0}, {'k', 0, 0, "a", 1500}},
+         "/data",
+         "a.png",
+         ""},
         {"no such name", {{'p', 4, 5}, {'k', 0, 0, "q", 0}}, "/data", "b.gif", ""},
         {"typing after entering", {{'d', 7, 1}, {'k', 0, 0, "y", 100}}, "/data/maps", "y.png", ""},
     };
