@@ -29,6 +29,7 @@
 #include "CommandTable.h"
 #include "FeatureList.h"
 #include "MainWindow.h"
+#include "MapLayers.h"
 #include "MessageBoxes.h"
 #include "QtPlatform.h"
 #include "ScreenAdapter.h"
@@ -389,6 +390,7 @@ int main(int argc, char** argv) {
         link.SetOverridePath(args.port.toStdString());
     }
 
+    map::SetWorldLandFile(DataFile("map/world-land-50m.txt").toStdString());
     app::QtAlarmSound sound(DataFile("alarm.wav"));
     app::IdleInhibitor inhibitor;
     app::ScreenAdapter screens;
