@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -38,6 +39,7 @@
 #include "StateJson.h"
 #include "Strings.h"
 #include "TrackGpxOption.h"
+#include "WindowGeometry.h"
 
 #include "AppLink.h"
 #include "RelaySetting.h"
@@ -68,6 +70,7 @@ constexpr const char* kUsage =
 struct Arguments {
     QString optionsPath;
     QSize size{480, 640};
+    bool sizeGiven = false;
     int dpi = 192;
     QString port;
     bool replay = false;
@@ -155,6 +158,7 @@ std::optional<Arguments> ParseArguments(int argc, char** argv, std::string& erro
             bool okH = false;
             if (wh.size() == 2)
                 a.size = QSize(wh[0].toInt(&okW), wh[1].toInt(&okH));
+            a.sizeGiven = true;
             if (!okW || !okH)
                 return bad(v, "not WIDTHxHEIGHT");
             if (a.size.width() <= 0 || a.size.height() <= 0)
@@ -445,9 +449,42 @@ int main(int argc, char** argv) {
         if (scriptMode)
             runner.Start();
     };
-    window.show();
+    // The window's size and place of the last run, unless this run names a
+    // size or is a script (whose snapshots must not depend on it).
+    const std::string geometryPath = shell::WindowGeometryPath(optionsPath.toStdString());
+    const bool keepGeometry = !scriptMode && !args.sizeGiven;
+    bool maximized = false;
+    if (const auto wish = keepGeometry ? shell::LoadWindowGeometry(geometryPath) : std::nullopt) {
+        std::vector<shell::ScreenRect> screenRects;
+        for (const QScreen* screen : QGuiApplication::screens()) {
+            const QRect r = screen->availableGeometry();
+            const shell::ScreenRect rect{r.x(), r.y(), r.width(), r.height()};
+            if (screen == QGuiApplication::primaryScreen())
+                screenRects.insert(screenRects.begin(), rect);
+            else
+                screenRects.push_back(rect);
+        }
+        const shell::WindowGeometry g =
+            shell::Sanitize(*wish, screenRects, window.minimumWidth(), window.minimumHeight());
+        window.setGeometry(g.x, g.y, g.width, g.height);
+        maximized = g.maximized;
+    }
+    if (maximized)
+        window.showMaximized();
+    else
+        window.show();
 
     int code = QApplication::exec();
+    if (keepGeometry) {
+        QRect r = window.isMaximized() ? window.normalGeometry() : window.geometry();
+        if (!r.isValid())
+            r = window.geometry();
+        if (!shell::SaveWindowGeometry(
+                geometryPath, {r.x(), r.y(), r.width(), r.height(), window.isMaximized()})) {
+            std::fprintf(stderr, "satwalk: cannot save the window's size and place to %s\n",
+                         geometryPath.c_str());
+        }
+    }
     if (scriptMode && code == 0)
         code = runner.exitCode();
     link.Shutdown();
