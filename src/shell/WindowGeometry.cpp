@@ -45,14 +45,18 @@ std::optional<WindowGeometry> LoadWindowGeometry(const std::string& path) {
     std::FILE* f = std::fopen(path.c_str(), "rbe");
     if (f == nullptr)
         return std::nullopt;
+    // Its first line, if it is one of ours: no line of ours is that long.
     char buffer[128];
     const std::size_t n = std::fread(buffer, 1, sizeof buffer, f);
     std::fclose(f);
-    std::string_view text(buffer, n);
+    return ParseWindowGeometry(std::string_view(buffer, n));
+}
+
+std::optional<WindowGeometry> ParseWindowGeometry(std::string_view text) {
     if (const std::size_t end = text.find('\n'); end != std::string_view::npos)
         text = text.substr(0, end);
-    else if (n == sizeof buffer)
-        return std::nullopt;  // no line of ours is that long
+    else if (text.size() >= 128)
+        return std::nullopt;
     WindowGeometry g;
     int maximized = 0;
     if (!ReadInt(text, g.x) || !ReadInt(text, g.y) || !ReadInt(text, g.width) ||

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace satwalk::shell {
@@ -26,6 +27,8 @@ struct ScreenRect {
 std::string WindowGeometryPath(const std::string& optionsPath);
 // Nothing when the file is missing, unreadable or not one such line.
 std::optional<WindowGeometry> LoadWindowGeometry(const std::string& path);
+// The same from the file's bytes.
+std::optional<WindowGeometry> ParseWindowGeometry(std::string_view text);
 // Writes a new file that replaces the old one once complete; false when it
 // could not.
 bool SaveWindowGeometry(const std::string& path, const WindowGeometry& geometry);
