@@ -23,8 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const WindowGeometry g = Sanitize(*wish, on, 320, 400);
         if (g.width < 320 || g.height < 400)
             __builtin_trap();
-        if (!on.empty() && on.front().height >= 48 && g.y < on.front().y &&
-            g.y < on.back().y)
+        if (!on.empty() && on.front().height >= 48 && g.y < on.front().y && g.y < on.back().y)
             __builtin_trap();
     }
     return 0;
