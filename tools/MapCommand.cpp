@@ -110,6 +110,10 @@ struct Request {
 
 }  // namespace
 
+const char* MapUsage() {
+    return kMapUsage;
+}
+
 int RunMap(int argc, char** argv) {
     const char* rpt = nullptr;
     map::ImageSize size{-1, -1};

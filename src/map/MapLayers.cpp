@@ -1,6 +1,8 @@
 #include "MapLayers.h"
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include "MapScreenLayers.h"
 #include "WorldMap.h"
@@ -47,10 +49,21 @@ int ScaleBarPixels(int baseTextHeight) {
     return baseTextHeight * 10 / 3;
 }
 
+namespace {
+std::string& WorldLandFile() {
+    static std::string path = SATWALK_WORLD_LAND_FILE;
+    return path;
+}
+}  // namespace
+
+void SetWorldLandFile(std::string path) {
+    WorldLandFile() = std::move(path);
+}
+
 const WorldLand& BuiltInWorldLand() {
     static const WorldLand land = [] {
         WorldLand l;
-        LoadWorldLand(SATWALK_WORLD_LAND_FILE, l);
+        LoadWorldLand(WorldLandFile(), l);
         return l;
     }();
     return land;
