@@ -80,6 +80,9 @@ class MapFeature final : public shell::Feature {
     // Loads the image at `path` as the current map, with every message of a
     // failure. False when it did not load.
     bool LoadMap(const std::string& path);
+    // "关闭地图": the image goes and the world map shows; the recent list
+    // keeps it.
+    void CloseMap();
 
     MapModel& model() { return model_; }
     const MapModel& model() const { return model_; }
