@@ -306,8 +306,8 @@ bool ParseKml(std::string_view text, std::vector<KmlOverlay>& out, std::string& 
     const bool ok =
         XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK;
     if (!ok)
-        error = std::string("the KML is not well-formed: ") +
-                XML_ErrorString(XML_GetErrorCode(parser));
+        error =
+            std::string("the KML is not well-formed: ") + XML_ErrorString(XML_GetErrorCode(parser));
     XML_ParserFree(parser);
     return ok;
 }

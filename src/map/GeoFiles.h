@@ -90,7 +90,7 @@ bool NamesImage(std::string_view href, std::string_view fileName);
 // The overlay as an affine transform from the unit image (0..1 across and
 // down) to degrees, with its corners as control points (image in unit
 // coordinates). False for a box or quad that is not a usable area.
-bool OverlayToUnitAffine(const KmlOverlay& overlay, Affine& out,
-                         std::vector<ControlPoint>& corners, std::string& error);
+bool OverlayToUnitAffine(const KmlOverlay& overlay, Affine& out, std::vector<ControlPoint>& corners,
+                         std::string& error);
 
 }  // namespace satwalk::map

@@ -1,6 +1,8 @@
 #include "GeoTransform.h"
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace satwalk::map {
 
@@ -93,10 +95,28 @@ bool FitAffine(std::span<const ControlPoint> points, Affine& out) {
     return InvertAffine(out, inverse);
 }
 
+bool FitInverseAffine(std::span<const ControlPoint> points, Affine& out) {
+    std::vector<ControlPoint> swapped(points.begin(), points.end());
+    for (ControlPoint& p : swapped) {
+        std::swap(p.imageX, p.mapX);
+        std::swap(p.imageY, p.mapY);
+    }
+    return FitAffine(swapped, out);
+}
+
 std::shared_ptr<const GeoTransform> GeoTransform::Make(
     const Affine& pixelToMap, std::shared_ptr<const MapProjection> projection) {
     Affine inverse;
     if (!InvertAffine(pixelToMap, inverse))
+        return nullptr;
+    return Make(pixelToMap, inverse, std::move(projection));
+}
+
+std::shared_ptr<const GeoTransform> GeoTransform::Make(
+    const Affine& pixelToMap, const Affine& inverse,
+    std::shared_ptr<const MapProjection> projection) {
+    Affine check;
+    if (!InvertAffine(pixelToMap, check) || !InvertAffine(inverse, check))
         return nullptr;
     std::shared_ptr<GeoTransform> t(new GeoTransform());
     t->forward_ = pixelToMap;

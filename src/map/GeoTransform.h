@@ -55,13 +55,20 @@ struct ControlPoint {
 // in least squares (exactly for three). False for fewer than three points,
 // points on one line, or numbers that are not finite.
 bool FitAffine(std::span<const ControlPoint> points, Affine& out);
+// The same fit the other way: map coordinates -> pixel.
+bool FitInverseAffine(std::span<const ControlPoint> points, Affine& out);
 
 class GeoTransform {
   public:
     // `projection` null: the map's coordinates are degrees on WGS 84 (x the
     // longitude). Null when the affine transform cannot be inverted.
-    static std::shared_ptr<const GeoTransform> Make(const Affine& pixelToMap,
-                                                    std::shared_ptr<const MapProjection> projection);
+    static std::shared_ptr<const GeoTransform> Make(
+        const Affine& pixelToMap, std::shared_ptr<const MapProjection> projection);
+    // With its own way back: for transforms fitted to more points than they
+    // need, the map-to-pixel fit of the same points.
+    static std::shared_ptr<const GeoTransform> Make(
+        const Affine& pixelToMap, const Affine& mapToPixel,
+        std::shared_ptr<const MapProjection> projection);
 
     // In place: image pixel x/y to longitude/latitude, and back.
     void ImageToLonLat(double* x, double* y, std::size_t n) const;

@@ -53,9 +53,7 @@ class GdalProjection final : public MapProjection {
           wkt_(std::move(wkt)) {}
 
     void ToLonLat(double* x, double* y, std::size_t n) const override { Run(*toGeo_, x, y, n); }
-    void FromLonLat(double* x, double* y, std::size_t n) const override {
-        Run(*fromGeo_, x, y, n);
-    }
+    void FromLonLat(double* x, double* y, std::size_t n) const override { Run(*fromGeo_, x, y, n); }
     std::string Name() const override { return name_; }
     std::string Definition() const override { return wkt_; }
 
@@ -212,6 +210,8 @@ MapCalibration Georeference::Bind(ImageSize image) const {
         a[4] /= image.width;
         a[5] /= image.height;
     }
+    if (hasInverse && !unitImage)
+        return GeoreferencedCalibration(GeoTransform::Make(a, inverse, projection));
     return GeoreferencedCalibration(GeoTransform::Make(a, projection));
 }
 
@@ -222,8 +222,7 @@ bool ProjectionFromDefinition(std::string_view definition,
     const std::string text(definition.substr(0, kProjectionLimit));
     OGRSpatialReference srs;
     if (text.find_first_not_of(" \t\r\n") == std::string::npos ||
-        srs.SetFromUserInput(text.c_str(),
-                             OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS) !=
+        srs.SetFromUserInput(text.c_str(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS) !=
             OGRERR_NONE) {
         error = "the projection cannot be read";
         return false;
@@ -274,8 +273,8 @@ Georeference ReadGeoTiff(const std::string& path) {
     InitGdal();
     const QuietErrors quiet;
     Georeference g;
-    GDALDatasetH ds =
-        GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kTiffOnly, nullptr, kNoSiblings);
+    GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kTiffOnly,
+                                 nullptr, kNoSiblings);
     if (ds == nullptr)
         return g;  // not a TIFF GDAL can read: the image loader says so
     const int w = GDALGetRasterXSize(ds), h = GDALGetRasterYSize(ds);
@@ -317,10 +316,12 @@ Georeference ReadGeoTiff(const std::string& path) {
                     g.projection->ToLonLat(&p.longitude, &p.latitude, 1);
                 g.points.push_back(p);
             }
-            if (!FitAffine(g.points, g.affine))
+            if (!FitAffine(g.points, g.affine) || !FitInverseAffine(g.points, g.inverse)) {
                 g.error = Refused(path, "the GeoTIFF's control points do not span an area");
-            else
+            } else {
+                g.hasInverse = true;
                 Residuals(g);
+            }
         }
     }
     GDALClose(ds);
@@ -432,9 +433,10 @@ Georeference ReadOziMapFile(const std::string& path, std::string_view imageFileN
     if (g.points.size() < 3) {
         g.error = Refused(path, "has " + std::to_string(g.points.size()) +
                                     " usable calibration points; it needs at least three");
-    } else if (!FitAffine(g.points, g.affine)) {
+    } else if (!FitAffine(g.points, g.affine) || !FitInverseAffine(g.points, g.inverse)) {
         g.error = Refused(path, "its calibration points lie on one line");
     } else {
+        g.hasInverse = true;
         Residuals(g);
     }
     return g;
@@ -505,8 +507,8 @@ Georeference LocateCalibration(const std::string& imagePath,
     Georeference own;
     own.source = GeoSource::ReferenceFile;
     own.file = storageReferenceFile;
-    if (read == ReferenceRead::Unreadable || (read != ReferenceRead::NotOpened &&
-                                              ComputeCalibration(slots).IsValid()))
+    if (read == ReferenceRead::Unreadable ||
+        (read != ReferenceRead::NotOpened && ComputeCalibration(slots).IsValid()))
         return own;
     Georeference g = FindGeoreference(imagePath);
     // The user's own points, even too few to calibrate, over a copy beside

@@ -42,6 +42,10 @@ struct Georeference {
     // The transform from image pixels to the map's coordinates; for a KML
     // in unit image coordinates (0..1), bound to the image's size by Bind.
     Affine affine{};
+    // Fitted points are also fitted the other way (map coordinates to
+    // pixels) in least squares, as GIS tools do, rather than inverted.
+    bool hasInverse = false;
+    Affine inverse{};
     bool unitImage = false;
     std::shared_ptr<const MapProjection> projection;  // null: degrees
     // The points the transform was fitted to (a .map's, a quad's corners;
