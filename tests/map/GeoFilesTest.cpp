@@ -105,8 +105,9 @@ TEST(Kml, OverlaysAndNames) {
     const struct {
         const char* href;
         bool names;
-    } names[] = {{"a.png", true},          {"dir/A.PNG", true}, {"C:\\x\\a.png", true},
-                 {"http://host/a.png", false}, {"a.png.bak", false}, {"", false}};
+    } names[] = {{"a.png", true},        {"dir/A.PNG", true},
+                 {"C:\\x\\a.png", true}, {"http://host/a.png", false},
+                 {"a.png.bak", false},   {"", false}};
     for (const auto& n : names) EXPECT_EQ(NamesImage(n.href, "a.png"), n.names) << n.href;
 
     KmlOverlay bad;
@@ -145,8 +146,8 @@ TEST(FitAffine, LeastSquaresAndDegenerate) {
 // comes first, a hostile world file is refused, a UTM world file converts
 // both ways through the calibration value.
 TEST(FindGeoreference, BesideTheImage) {
-    const auto dir = std::filesystem::temp_directory_path() /
-                     ("satwalk-geo-" + std::to_string(::getpid()));
+    const auto dir =
+        std::filesystem::temp_directory_path() / ("satwalk-geo-" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     const std::string image = (dir / "m.png").string();
     auto write = [&](const char* name, const std::string& text) {
