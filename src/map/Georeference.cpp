@@ -12,6 +12,7 @@
 #include <cpl_error.h>
 #include <cpl_vsi.h>
 #include <gdal.h>
+#include <gdal_frmts.h>
 #include <ogr_spatialref.h>
 
 #include "GeoFiles.h"
@@ -22,14 +23,20 @@ namespace satwalk::map {
 namespace {
 
 // Set once before GDAL is first used: no side-car files written, no
-// directory listings on open, and PROJ kept off the network.
+// directory listings on open, PROJ kept off the network, and only the
+// drivers of the formats a map may be registered (GeoTIFF for its tags, the
+// four image formats for an image's size).
 void InitGdal() {
     static std::once_flag once;
     std::call_once(once, [] {
         CPLSetConfigOption("GDAL_PAM_ENABLED", "NO");
         CPLSetConfigOption("GDAL_DISABLE_READDIR_ON_OPEN", "EMPTY_DIR");
         CPLSetConfigOption("PROJ_NETWORK", "OFF");
-        GDALAllRegister();
+        GDALRegister_GTiff();
+        GDALRegister_PNG();
+        GDALRegister_JPEG();
+        GDALRegister_GIF();
+        GDALRegister_BMP();
     });
 }
 

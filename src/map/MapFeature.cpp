@@ -1,6 +1,7 @@
 #include "MapFeature.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "CommandIds.h"
@@ -333,6 +334,8 @@ void MapFeature::OpenReferenceDialog() {
         return;
     dialogOpen_ = true;
     const int slot = model_.refs.editedSlot;
+    platform_->SetReferenceResiduals(
+        ResidualsText(ReferenceResiduals(model_.calibration, model_.refs.referencePoints)));
     platform_->EditReferencePoint(
         slot, model_.refs.referencePoints[static_cast<std::size_t>(slot)],
         [this](bool ok, const ReferenceDialogFields& f) {
@@ -565,6 +568,23 @@ void MapFeature::WriteState(common::JsonMembers& members) const {
     m.Int("panMode", model_.stylus.panMode);
     m.Int("panStep", model_.stylus.panStep);
     m.Text("calibrationSource", model_.calibrationSource);
+    {
+        std::string& r = m.Name("residualsMetres");
+        r += '[';
+        const auto residuals = ReferenceResiduals(model_.calibration, model_.refs.referencePoints);
+        for (std::size_t i = 0; i < residuals.size(); ++i) {
+            if (i > 0)
+                r += ',';
+            if (std::isfinite(residuals[i])) {
+                char metres[32];
+                std::snprintf(metres, sizeof metres, "%.3f", residuals[i]);
+                r += metres;
+            } else {
+                r += "null";
+            }
+        }
+        r += ']';
+    }
     out += '}';
 }
 
