@@ -5,10 +5,15 @@
 // Budget: under 1 µs a point in batches (1M trail points under 1 s).
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 #include <vector>
 
 #include "Georeference.h"
 #include "MapGeometry.h"
+#include "ReferencePoints.h"
 
 using namespace satwalk::map;
 
@@ -80,6 +85,29 @@ void BM_GeoToImageReferencePoints(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_GeoToImageReferencePoints);
+
+// What loading a map adds before the image is decoded: finding what
+// calibrates it. arg 0: the reference file in the storage folder (today's
+// maps); 1: a world file beside the image (reading its .prj builds the
+// projection); 2: nothing anywhere (the folder is looked through).
+void BM_LocateCalibration(benchmark::State& state) {
+    namespace fs = std::filesystem;
+    const fs::path dir =
+        fs::temp_directory_path() / ("satwalk-bench-geo-" + std::to_string(::getpid()));
+    fs::create_directories(dir / "My GPS/Reference Points");
+    const std::string image = (dir / "map.png").string();
+    const std::string storage = MakeReferenceFileName(dir.string(), image);
+    if (state.range(0) == 0)
+        std::ofstream(storage) << "1,30,120,0,0,\r\n1,29,121,100,100,\r\n";
+    if (state.range(0) == 1) {
+        std::ofstream(dir / "map.pgw") << "25\n0\n0\n-25\n210012.5\n3352987.5\n";
+        std::ofstream(dir / "map.prj") << "EPSG:32651";
+    }
+    for (int i = 0; i < 50; ++i) std::ofstream(dir / ("other" + std::to_string(i) + ".png"));
+    for (auto _ : state) benchmark::DoNotOptimize(LocateCalibration(image, storage));
+    fs::remove_all(dir);
+}
+BENCHMARK(BM_LocateCalibration)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 
