@@ -399,6 +399,8 @@ bool OziProjection(const OziMap& map, Georeference& g, std::string& reason) {
         reason = "projection \"" + map.projection + "\" is not supported";
         return false;
     }
+    if (e == OGRERR_NONE && srs.IsProjected() && name.find("national grid") == std::string::npos)
+        srs.SetProjCS(("WGS 84 / " + map.projection).c_str());
     return e == OGRERR_NONE && MakeProjection(srs, g.projection, reason);
 }
 

@@ -16,6 +16,7 @@ import os
 import subprocess
 import sys
 import tempfile
+import zipfile
 
 from osgeo import gdal, osr
 
@@ -206,6 +207,23 @@ def kml_case(tool, d):
     compare(tool, "KML box", image, "kml", *geotransform_case(gt, lonlat_srs()))
 
 
+def kmz_quad_case(tool, d):
+    # A LatLonQuad inside a KMZ: not quite a parallelogram, so a least-squares
+    # affine fit of its four corners, as GDAL's own fit of the same corners.
+    image = os.path.join(d, "quad.png")
+    write_image(image, "PNG")
+    ll, lr, ur, ul = (120.05, 30.20), (120.21, 30.21), (120.20, 30.31), (120.06, 30.30005)
+    coords = " ".join(f"{lon},{lat},0" for lon, lat in (ll, lr, ur, ul))
+    with zipfile.ZipFile(os.path.join(d, "quad.kmz"), "w") as z:
+        z.writestr("doc.kml", f"""<kml xmlns="http://www.opengis.net/kml/2.2"
+ xmlns:gx="http://www.google.com/kml/ext/2.2"><GroundOverlay><Icon><href>quad.png</href></Icon>
+<gx:LatLonQuad><coordinates>{coords}</coordinates></gx:LatLonQuad></GroundOverlay></kml>""")
+    gcps = [gdal.GCP(ll[0], ll[1], 0, 0, H), gdal.GCP(lr[0], lr[1], 0, W, H),
+            gdal.GCP(ur[0], ur[1], 0, W, 0), gdal.GCP(ul[0], ul[1], 0, 0, 0)]
+    gt = gdal.GCPsToGeoTransform(gcps)
+    compare(tool, "KMZ quad", image, "kml", *geotransform_case(gt, lonlat_srs()))
+
+
 def hostile_cases(tool, d):
     cases = {
         "nan.png": ("nan.pgw", "nan\n0\n0\n-1\n120\n30\n"),
@@ -258,6 +276,7 @@ def main():
         geotiff_case(tool, d)
         ozi_case(tool, d)
         kml_case(tool, d)
+        kmz_quad_case(tool, d)
         hostile_cases(tool, d)
     if failures:
         print(f"{len(failures)} failure(s)")
