@@ -108,6 +108,7 @@ constexpr Entry kStrings[] = {
     {41034, "查看轨迹记录"},
     {41035, "关闭轨迹记录"},
     {41036, "%s\t[5]"},
+    {41037, "关闭地图"},
     {41101, "Satwalk %s\nGPS 显示与记录 (GPS display and logging)"},
     {41103, "Create Time Timer failed: %s\n\nPress OK to continue..."},
     {41104, "警报声音无法播放，警报在屏幕上显示"},

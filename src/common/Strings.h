@@ -108,6 +108,7 @@ inline constexpr int kStrMenuSaveTrack = 41033;
 inline constexpr int kStrMenuViewTrack = 41034;
 inline constexpr int kStrMenuCloseTrack = 41035;
 inline constexpr int kStrMenuLoadedMapKey = 41036;  // "%s": the map's file name
+inline constexpr int kStrMenuCloseMap = 41037;
 inline constexpr int kStrAboutText = 41101;         // "%s": the version
 inline constexpr int kStrClockTimerFailed = 41103;  // "%s": the error code
 inline constexpr int kStrAlarmSoundFailed = 41104;
