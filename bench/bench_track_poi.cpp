@@ -17,6 +17,7 @@
 
 #include "Canvas.h"
 #include "MapView.h"
+#include "PoiFeature.h"
 #include "PoiPainter.h"
 #include "TrackLogFile.h"
 #include "TrackState.h"
@@ -301,26 +302,42 @@ poi::PoiProjection ProjectionOf(const map::ScreenProjector& projector) {
     };
 }
 
-// range(0): POIs in the store, every one of them in view.
+// range(0): POIs in the store, every one of them in view; range(1): 1 drawn
+// through the store's index as the map screen draws it, 0 each point
+// projected.
 void BM_PoiRepaintAllInView(benchmark::State& state) {
     const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
     const map::MapView view = WorldViewOfTheStore();
     const map::ScreenProjector projector(view);
     const poi::PoiProjection project = ProjectionOf(projector);
+    poi::PoiIndex index;
+    if (state.range(1) != 0)
+        index.Build(store);
+    const poi::PoiBoxProjection box = poi::BoxProjectionOf(view, projector);
     const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
     CountingCanvas canvas;
     poi::PoiDrawCount drawn;
-    for (auto _ : state) drawn = poi::DrawPois(canvas, store, project, &icons);
+    for (auto _ : state) drawn = poi::DrawPois(canvas, store, project, &icons, {}, &index, box);
     state.counters["inView"] = drawn.inView;
     state.counters["icons"] = drawn.icons;
     state.counters["labels"] = drawn.labels;
+    state.counters["indexMB"] = static_cast<double>(index.MemoryBytes()) / 1e6;
 }
 BENCHMARK(BM_PoiRepaintAllInView)
-    ->Arg(100'000)
-    ->Arg(1'000'000)
+    ->ArgsProduct({{100'000, 1'000'000}, {0, 1}})
+    ->ArgNames({"pois", "indexed"})
     ->Unit(benchmark::kMillisecond)
     ->Repetitions(5)
     ->ReportAggregatesOnly(true);
+
+// Building the index after an import of range(0) POIs.
+void BM_PoiIndexBuild(benchmark::State& state) {
+    const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
+    poi::PoiIndex index;
+    for (auto _ : state) index.Build(store);
+    state.counters["indexMB"] = static_cast<double>(index.MemoryBytes()) / 1e6;
+}
+BENCHMARK(BM_PoiIndexBuild)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
 #ifdef SATWALK_BENCH_QT
 // The same into a 480 × 640 picture through the program's Qt canvas, the
@@ -335,11 +352,14 @@ void BM_PoiRepaintAllInViewQt(benchmark::State& state) {
     strip.fill(qRgb(200, 40, 40));
     const screens::Bitmap icons{bitmaps.Add(std::move(strip)), 496, 16};
     QImage target(480, 640, QImage::Format_RGB32);
+    poi::PoiIndex index;
+    index.Build(store);
+    const poi::PoiBoxProjection box = poi::BoxProjectionOf(view, projector);
     poi::PoiDrawCount drawn;
     for (auto _ : state) {
         target.fill(Qt::white);
         screens::QtCanvas canvas(target, bitmaps);
-        drawn = poi::DrawPois(canvas, store, project, &icons);
+        drawn = poi::DrawPois(canvas, store, project, &icons, {}, &index, box);
     }
     state.counters["icons"] = drawn.icons;
 }

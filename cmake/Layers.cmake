@@ -4,7 +4,7 @@
 # targets do not link Qt. Checked at configure time; a breach stops it.
 set(SATWALK_LAYERS common gps link screens shell browser map track poi app)
 set(SATWALK_CORE_TARGETS satwalk_common satwalk_gps satwalk_link satwalk_screens satwalk_shell
-                         satwalk_browser satwalk_map satwalk_map_feature satwalk_track satwalk_poi
+                         satwalk_browser satwalk_map satwalk_map_geo satwalk_map_feature satwalk_track satwalk_poi
                          satwalk_track_feature satwalk_poi_feature)
 
 function(satwalk_check_layers)

@@ -59,6 +59,10 @@ bool WriteAll(int fd, std::string_view data) {
     return true;
 }
 
+const char* DecodeUsage() {
+    return kUsage;
+}
+
 int RunDecode(int argc, char** argv) {
     unsigned long batchSize = 2047;
     unsigned long syncEvery = 0;

@@ -113,6 +113,10 @@ bool ParseNumber(std::string_view text, unsigned long& out) {
 
 }  // namespace
 
+const char* LogUsage() {
+    return kUsage;
+}
+
 int RunLog(int argc, char** argv) {
     const char* port = nullptr;
     const char* record = nullptr;

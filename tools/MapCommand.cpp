@@ -1,6 +1,7 @@
-// satwalk-tool map: a reference-point file through the calibration, with
-// conversions on request and how far each reference point lands from where
-// it was stated, as one JSON object.
+// satwalk-tool map: a reference-point file, or a map image with whatever
+// calibrates it, through the calibration, with conversions on request and
+// how far each reference or control point lands from where it was stated,
+// as one JSON object.
 #include <unistd.h>
 #include <cerrno>
 #include <charconv>
@@ -11,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Georeference.h"
+#include "Json.h"
 #include "MapGeometry.h"
 #include "ReferencePoints.h"
 #include "ToolCommands.h"
@@ -24,9 +27,14 @@ using map::GeoPoint;
 constexpr const char* kMapUsage =
     "usage: satwalk-tool map --rpt FILE --size WxH [--to-geo X,Y]... [--to-image LAT,LON]...\n"
     "                        [--northing LAT]... [--view-scale KM] [--scale-bar PX]\n"
+    "       satwalk-tool map --image FILE [--storage DIR] [--to-geo X,Y]... [--to-image "
+    "LAT,LON]...\n"
     "  Reads a reference-point file, calibrates an image of the given size and prints\n"
     "  the calibration, the map's extent, the requested conversions and each active\n"
-    "  point's residual in metres as one JSON object.\n"
+    "  point's residual in metres as one JSON object. With --image, calibrates the\n"
+    "  image as the program does: its reference file under DIR/My GPS/Reference\n"
+    "  Points first, then a reference file, world file, GeoTIFF tags, OziExplorer\n"
+    "  .map or KML/KMZ beside it; `source` says which.\n"
     "  --to-geo X,Y        image pixel to latitude and longitude (repeatable)\n"
     "  --to-image LAT,LON  latitude and longitude to image pixel (repeatable)\n"
     "  --northing LAT      world-view northing of a latitude (repeatable)\n"
@@ -103,6 +111,10 @@ void Position(std::string& out, const char* name, const GeoPoint& p, bool presen
     out += '}';
 }
 
+void AppendString(std::string& out, const std::string& s) {
+    common::AppendJsonString(out, s);
+}
+
 struct Request {
     double a = 0.0;
     double b = 0.0;
@@ -110,8 +122,14 @@ struct Request {
 
 }  // namespace
 
+const char* MapUsage() {
+    return kMapUsage;
+}
+
 int RunMap(int argc, char** argv) {
     const char* rpt = nullptr;
+    const char* image = nullptr;
+    const char* storage = nullptr;
     map::ImageSize size{-1, -1};
     std::vector<Request> toGeo, toImage;
     std::vector<double> northing;
@@ -123,9 +141,10 @@ int RunMap(int argc, char** argv) {
             std::fputs(kMapUsage, stdout);
             return 0;
         }
-        const bool takesValue = arg == "--rpt" || arg == "--size" || arg == "--to-geo" ||
-                                arg == "--to-image" || arg == "--northing" ||
-                                arg == "--view-scale" || arg == "--scale-bar";
+        const bool takesValue = arg == "--rpt" || arg == "--image" || arg == "--storage" ||
+                                arg == "--size" || arg == "--to-geo" || arg == "--to-image" ||
+                                arg == "--northing" || arg == "--view-scale" ||
+                                arg == "--scale-bar";
         if (!takesValue) {
             std::fprintf(stderr, "satwalk-tool map: unknown argument %s\n%s", argv[i], kMapUsage);
             return 2;
@@ -140,6 +159,10 @@ int RunMap(int argc, char** argv) {
         bool ok = true;
         if (arg == "--rpt") {
             rpt = argv[i];
+        } else if (arg == "--image") {
+            image = argv[i];
+        } else if (arg == "--storage") {
+            storage = argv[i];
         } else if (arg == "--size") {
             ok = ParseSize(value, size);
         } else if (arg == "--to-geo") {
@@ -162,30 +185,78 @@ int RunMap(int argc, char** argv) {
             return 2;
         }
     }
-    if (rpt == nullptr || size.width < 0) {
-        std::fprintf(stderr, "satwalk-tool map: --rpt and --size are required\n%s", kMapUsage);
+    if (image == nullptr && (rpt == nullptr || size.width < 0)) {
+        std::fprintf(stderr, "satwalk-tool map: --rpt and --size, or --image, are required\n%s",
+                     kMapUsage);
         return 2;
+    }
+
+    // --image: what calibrates the image, as the program finds it.
+    map::Georeference geo;
+    std::string rptFile = rpt != nullptr ? rpt : "";
+    if (image != nullptr) {
+        if (!map::ReadImageSize(image, size)) {
+            std::fprintf(stderr, "satwalk-tool map: cannot read the size of the image %s\n", image);
+            return 2;
+        }
+        const std::string storageFile =
+            storage != nullptr ? map::MakeReferenceFileName(storage, image) : std::string();
+        geo = map::LocateCalibration(image, storageFile);
+        if (!geo.error.empty()) {
+            std::fprintf(stderr, "satwalk-tool map: %s\n", geo.error.c_str());
+            return 1;
+        }
+        rptFile = geo.source == map::GeoSource::ReferenceFile ? geo.file : storageFile;
     }
 
     map::ReferencePoints slots;
     int active = 0;
-    const map::ReferenceRead read = map::ReadReferenceFile(rpt, slots, active);
+    map::ReferenceRead read = map::ReferenceRead::NotOpened;
+    if (!rptFile.empty())
+        read = map::ReadReferenceFile(rptFile, slots, active);
+    if (image != nullptr && geo.source != map::GeoSource::ReferenceFile)
+        read = map::ReferenceRead::Read;  // the storage file is optional there
     if (read != map::ReferenceRead::Read) {
         const int err = errno;
         std::fprintf(stderr, "satwalk-tool map: cannot %s %s: %s\n",
-                     read == map::ReferenceRead::ReadFailed ? "read" : "open", rpt,
+                     read == map::ReferenceRead::ReadFailed ? "read" : "open", rptFile.c_str(),
                      read == map::ReferenceRead::ReadFailed ? "not a readable regular file"
                                                             : std::strerror(err));
         return 2;
     }
 
-    const map::MapCalibration calibration = map::ComputeCalibration(slots);
+    map::MapCalibration calibration = map::ComputeCalibration(slots);
+    if (!calibration.IsValid() && geo.Georeferenced())
+        calibration = geo.Bind(size);
     const bool calibrated = calibration.IsValid();
     map::MapExtent extent;
     if (calibrated)
         map::ComputeMapExtent(calibration, size, extent);
 
     std::string out = "{";
+    if (image != nullptr) {
+        Member(out, "source");
+        if (!calibrated) {
+            out += "null";
+        } else {
+            out += '"';
+            out += calibration.Georeferenced() ? map::GeoSourceName(geo.source) : "rpt";
+            out += '"';
+        }
+        Member(out, "file");
+        AppendString(out, calibration.Georeferenced() ? geo.file : rptFile);
+        Member(out, "projection");
+        AppendString(out, calibration.Georeferenced() ? calibration.geo->ProjectionName()
+                                                      : std::string("WGS 84"));
+        Member(out, "projectionDefinition");
+        AppendString(out, calibration.Georeferenced() && calibration.geo->Projection()
+                              ? calibration.geo->Projection()->Definition()
+                              : std::string());
+        Member(out, "imageWidth");
+        out += std::to_string(size.width);
+        Member(out, "imageHeight");
+        out += std::to_string(size.height);
+    }
     Member(out, "slots");
     out += '[';
     for (const GeoPoint& s : slots) {
@@ -253,7 +324,32 @@ int RunMap(int argc, char** argv) {
     // How far the calibration puts each active point's pixel from the
     // position stated for it.
     Member(out, "residualsMetres");
-    if (calibrated) {
+    if (calibration.Georeferenced()) {
+        // A .map's (or a quad's, or a GeoTIFF's) control points.
+        out += '[';
+        for (double r : geo.residualsMetres) {
+            if (out.back() != '[')
+                out += ',';
+            Number(out, r);
+        }
+        out += ']';
+        Member(out, "points");
+        out += '[';
+        const double sx = geo.unitImage ? size.width : 1.0;
+        const double sy = geo.unitImage ? size.height : 1.0;
+        for (std::size_t i = 0; i < geo.points.size(); ++i) {
+            const map::ControlPoint& c = geo.points[i];
+            out += out.back() == '[' ? "{" : ",{";
+            NumberMember(out, "imageX", c.imageX * sx);
+            NumberMember(out, "imageY", c.imageY * sy);
+            NumberMember(out, "latitude", c.latitude);
+            NumberMember(out, "longitude", c.longitude);
+            NumberMember(out, "residualMetres",
+                         i < geo.residualsMetres.size() ? geo.residualsMetres[i] : std::nan(""));
+            out += '}';
+        }
+        out += ']';
+    } else if (calibrated) {
         out += '[';
         for (const GeoPoint& s : slots) {
             if (s.valid != 1)

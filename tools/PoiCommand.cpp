@@ -29,12 +29,22 @@ constexpr const char* kUsage =
 
 }  // namespace
 
+const char* PoiUsage() {
+    return kUsage;
+}
+
 int RunPoi(int argc, char** argv) {
     if (argc == 1 && (std::strcmp(argv[0], "-h") == 0 || std::strcmp(argv[0], "--help") == 0)) {
         std::fputs(kUsage, stdout);
         return 0;
     }
-    if (argc != 1) {
+    if (argc != 1 || argv[0][0] == '-') {
+        if (argc == 0)
+            std::fputs("satwalk-tool poi: no FILE given\n", stderr);
+        else if (argv[0][0] == '-')
+            std::fprintf(stderr, "satwalk-tool poi: unknown option %s\n", argv[0]);
+        else
+            std::fprintf(stderr, "satwalk-tool poi: only one FILE may be given\n");
         std::fputs(kUsage, stderr);
         return 2;
     }
@@ -91,6 +101,11 @@ int RunPoi(int argc, char** argv) {
                      "program imports them\n",
                      argv[0], static_cast<unsigned long long>(poi::kMaxPoisPerFile),
                      static_cast<unsigned long long>(poi::kMaxPoisPerFile));
+    }
+    // The program would import nothing and add an empty group: said here.
+    if (first) {
+        std::fprintf(stderr, "satwalk-tool poi: %s: holds no POI\n", argv[0]);
+        return 1;
     }
     out += "]}\n";
     return WriteAll(STDOUT_FILENO, out) && !failed ? 0 : 1;

@@ -24,6 +24,10 @@ constexpr const char* kUsage =
 
 }  // namespace
 
+const char* ReplayUsage() {
+    return kUsage;
+}
+
 int RunReplay(int argc, char** argv) {
     link::ReplayReceiver::Options options;
     const char* path = nullptr;

@@ -10,6 +10,15 @@ namespace satwalk::tools {
 // false when the descriptor refuses it.
 bool WriteAll(int fd, std::string_view data);
 
+// Each command's usage, as its --help prints it and satwalk-tool --help
+// lists them all.
+const char* DecodeUsage();
+const char* ReplayUsage();
+const char* LogUsage();
+const char* MapUsage();
+const char* TrackUsage();
+const char* PoiUsage();
+
 int RunDecode(int argc, char** argv);
 int RunReplay(int argc, char** argv);
 int RunLog(int argc, char** argv);

@@ -74,6 +74,10 @@ void AppendJsonPoint(std::string& out, const track::TrackFilePoint& p, bool firs
 
 }  // namespace
 
+const char* TrackUsage() {
+    return kUsage;
+}
+
 int RunTrack(int argc, char** argv) {
     const char* path = nullptr;
     bool gpx = false;

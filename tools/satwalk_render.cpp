@@ -4,10 +4,13 @@
 #include <QDir>
 #include <QGuiApplication>
 #include <QImage>
+#include <charconv>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "BatchSplitter.h"
 #include "NmeaDecoder.h"
@@ -21,6 +24,9 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: satwalk-render [options] NMEA_FILE\n"
+    "       satwalk-render --help | --version\n"
+    "  Decodes an NMEA log and writes a PNG of every instrument screen, in portrait\n"
+    "  and landscape and in both pixel sets (no display needed).\n"
     "  --batch N       stop after batch N (2047-byte batches of whole lines; default all)\n"
     "  --out DIR       output folder (default .)\n"
     "  --units U       0 metric, 1 imperial, 2 nautical\n"
@@ -36,10 +42,21 @@ class Sync final : public gps::TimeSyncSink {
     bool synced = false;
 };
 
+// A whole number from `text` within [low, high].
+bool ParseInt(std::string_view text, long low, long high, long& out) {
+    const auto r = std::from_chars(text.data(), text.data() + text.size(), out);
+    return r.ec == std::errc() && r.ptr == text.data() + text.size() && out >= low && out <= high;
+}
+
+int Fail(const std::string& why) {
+    std::fprintf(stderr, "satwalk-render: %s\n(satwalk-render --help lists the options)\n",
+                 why.c_str());
+    return 2;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    QGuiApplication app(argc, argv);
     long lastBatch = -1;
     QString outDir = ".";
     int units = 0, alarm = 0;
@@ -48,37 +65,57 @@ int main(int argc, char** argv) {
     const char* path = nullptr;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
-        const bool hasValue = i + 1 < argc;
-        if (a == "--batch" && hasValue)
-            lastBatch = std::atol(argv[++i]);
-        else if (a == "--out" && hasValue)
-            outDir = QString::fromLocal8Bit(argv[++i]);
-        else if (a == "--units" && hasValue)
-            units = std::atoi(argv[++i]);
-        else if (a == "--alarm" && hasValue)
-            alarm = std::atoi(argv[++i]);
-        else if (a == "--screens" && hasValue)
-            screensArg = argv[++i];
-        else if (a == "--north-up")
+        const bool takesValue =
+            a == "--batch" || a == "--out" || a == "--units" || a == "--alarm" || a == "--screens";
+        if (takesValue && i + 1 >= argc)
+            return Fail(a + " needs a value");
+        const std::string_view v = takesValue ? std::string_view(argv[++i]) : std::string_view();
+        long number = 0;
+        const auto bad = [&](const char* why) {
+            return Fail(a + ' ' + std::string(v) + ": " + why);
+        };
+        if (a == "--batch") {
+            if (!ParseInt(v, 1, LONG_MAX, number))
+                return bad("must be a positive whole number");
+            lastBatch = number;
+        } else if (a == "--out") {
+            outDir = QString::fromLocal8Bit(v.data(), static_cast<qsizetype>(v.size()));
+        } else if (a == "--units") {
+            if (!ParseInt(v, 0, 2, number))
+                return bad("must be 0, 1 or 2");
+            units = static_cast<int>(number);
+        } else if (a == "--alarm") {
+            if (!ParseInt(v, 50, 120, number))
+                return bad("must be 50 to 120");
+            alarm = static_cast<int>(number);
+        } else if (a == "--screens") {
+            screensArg = v;
+        } else if (a == "--north-up") {
             northUp = true;
-        else if (a == "--link-down")
+        } else if (a == "--link-down") {
             linkDown = true;
-        else if (a == "--recording")
+        } else if (a == "--recording") {
             recording = true;
-        else if (a == "-h" || a == "--help") {
+        } else if (a == "-h" || a == "--help") {
             std::fputs(kUsage, stdout);
             return 0;
-        } else if (!a.empty() && a[0] != '-')
+        } else if (a == "--version") {
+            std::printf("satwalk-render %s\n", SATWALK_VERSION);
+            return 0;
+        } else if (!a.empty() && a[0] == '-') {
+            return Fail("unknown option " + a);
+        } else if (path != nullptr) {
+            return Fail("only one NMEA_FILE may be given");
+        } else {
             path = argv[i];
-        else {
-            std::fputs(kUsage, stderr);
-            return 2;
         }
     }
-    if (!path) {
-        std::fputs(kUsage, stderr);
-        return 2;
-    }
+    if (!path)
+        return Fail("no NMEA_FILE given");
+    // PNGs only: no window, so no display is needed.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
 
     FILE* in = std::fopen(path, "rb");
     if (!in) {

@@ -241,7 +241,7 @@ Please make sure the receiver is on and search again!</translation>
     <message>
         <source>插入当前GPS座标</source>
         <comment>40199</comment>
-        <translation>Use GPS position</translation>
+        <translation>From GPS</translation>
     </message>
     <message>
         <source>向上</source>
@@ -524,6 +524,11 @@ Please make sure the receiver is on and search again!</translation>
         <translation>%s	[5]</translation>
     </message>
     <message>
+        <source>关闭地图</source>
+        <comment>41037</comment>
+        <translation>Close Map</translation>
+    </message>
+    <message>
         <source>Satwalk %s
 GPS 显示与记录 (GPS display and logging)</source>
         <comment>41101</comment>
@@ -632,203 +637,218 @@ The file will not be overwritten.</translation>
 Turn on “Accept all satellite systems” in “Options” (or start with --all-talkers).</translation>
     </message>
     <message>
-        <source>GPS 设置</source>
+        <source>界面缩放</source>
         <comment>42001</comment>
+        <translation>Interface scale</translation>
+    </message>
+    <message>
+        <source>自动</source>
+        <comment>42002</comment>
+        <translation>Auto</translation>
+    </message>
+    <message>
+        <source>GPS 设置</source>
+        <comment>43001</comment>
         <translation>GPS Settings</translation>
     </message>
     <message>
         <source>设备:</source>
-        <comment>42002</comment>
+        <comment>43002</comment>
         <translation>Device:</translation>
     </message>
     <message>
         <source>COM端口:</source>
-        <comment>42003</comment>
+        <comment>43003</comment>
         <translation>COM port:</translation>
     </message>
     <message>
         <source>波特率:</source>
-        <comment>42004</comment>
+        <comment>43004</comment>
         <translation>Baud rate:</translation>
     </message>
     <message>
         <source>自动搜索蓝牙GPS设备</source>
-        <comment>42005</comment>
+        <comment>43005</comment>
         <translation>Search for Bluetooth GPS automatically</translation>
     </message>
     <message>
         <source>Search Bluetooth GPS Receiver failed:%s
 
 Please try again!</source>
-        <comment>42006</comment>
+        <comment>43006</comment>
         <translation>Could not start the search for Bluetooth GPS receivers: %s
 
 Please try again!</translation>
     </message>
     <message>
         <source>常规设置</source>
-        <comment>42011</comment>
+        <comment>43011</comment>
         <translation>General</translation>
     </message>
     <message>
         <source>自动开启/关闭蓝牙</source>
-        <comment>42012</comment>
+        <comment>43012</comment>
         <translation>Turn Bluetooth on/off as needed</translation>
     </message>
     <message>
         <source>保持背景灯常亮</source>
-        <comment>42013</comment>
+        <comment>43013</comment>
         <translation>Keep the backlight on</translation>
     </message>
     <message>
         <source>记录 NMEA 数据</source>
-        <comment>42014</comment>
+        <comment>43014</comment>
         <translation>Record NMEA data</translation>
     </message>
     <message>
         <source>存储路径:</source>
-        <comment>42015</comment>
+        <comment>43015</comment>
         <translation>Storage location:</translation>
     </message>
     <message>
         <source>接收所有卫星系统</source>
-        <comment>42016</comment>
+        <comment>43016</comment>
         <translation>Accept all satellite systems</translation>
     </message>
     <message>
         <source>语言:</source>
-        <comment>42017</comment>
+        <comment>43017</comment>
         <translation>Language:</translation>
     </message>
     <message>
         <source>自动</source>
-        <comment>42018</comment>
+        <comment>43018</comment>
         <translation>Automatic</translation>
     </message>
     <message>
         <source>新的语言在程序下次启动时生效。</source>
-        <comment>42019</comment>
+        <comment>43019</comment>
         <translation>The new language takes effect the next time Satwalk starts.</translation>
     </message>
     <message>
         <source>卫星数据</source>
-        <comment>42030</comment>
+        <comment>43030</comment>
         <translation>Satellite Data</translation>
     </message>
     <message>
         <source>仰角</source>
-        <comment>42031</comment>
+        <comment>43031</comment>
         <translation>Elevation</translation>
     </message>
     <message>
         <source>方位角</source>
-        <comment>42032</comment>
+        <comment>43032</comment>
         <translation>Azimuth</translation>
     </message>
     <message>
         <source>纬度</source>
-        <comment>42040</comment>
+        <comment>43040</comment>
         <translation>Latitude</translation>
     </message>
     <message>
         <source>经度</source>
-        <comment>42041</comment>
+        <comment>43041</comment>
         <translation>Longitude</translation>
     </message>
     <message>
         <source>北/南:</source>
-        <comment>42042</comment>
+        <comment>43042</comment>
         <translation>N/S:</translation>
     </message>
     <message>
         <source>东/西:</source>
-        <comment>42043</comment>
+        <comment>43043</comment>
         <translation>E/W:</translation>
     </message>
     <message>
         <source>度:</source>
-        <comment>42044</comment>
+        <comment>43044</comment>
         <translation>Degrees:</translation>
     </message>
     <message>
         <source>分:</source>
-        <comment>42045</comment>
+        <comment>43045</comment>
         <translation>Minutes:</translation>
     </message>
     <message>
         <source>秒:</source>
-        <comment>42046</comment>
+        <comment>43046</comment>
         <translation>Seconds:</translation>
     </message>
     <message>
         <source>地图 [*.BMP; *.JPG; *.GIF; *.PNG]</source>
-        <comment>42050</comment>
+        <comment>43050</comment>
         <translation>Maps [*.BMP; *.JPG; *.GIF; *.PNG]</translation>
     </message>
     <message>
         <source>轨迹 [*.log; *.gpx; *.nmea]</source>
-        <comment>42051</comment>
+        <comment>43051</comment>
         <translation>Tracks [*.log; *.gpx; *.nmea]</translation>
     </message>
     <message>
         <source>POI [*.csv; *.gpx]</source>
-        <comment>42052</comment>
+        <comment>43052</comment>
         <translation>POI [*.csv; *.gpx]</translation>
     </message>
     <message>
         <source>正在读取轨迹记录…</source>
-        <comment>42060</comment>
+        <comment>43060</comment>
         <translation>Reading the track log…</translation>
     </message>
     <message>
         <source>Set Ref Point %s</source>
-        <comment>42070</comment>
+        <comment>43070</comment>
         <translation>Set Reference Point %s</translation>
     </message>
     <message>
         <source>3D GPS Fix</source>
-        <comment>42080</comment>
+        <comment>43080</comment>
         <translation>3D Fix</translation>
     </message>
     <message>
         <source>2D GPS Fix</source>
-        <comment>42081</comment>
+        <comment>43081</comment>
         <translation>2D Fix</translation>
     </message>
     <message>
         <source>GPS Fix N/A</source>
-        <comment>42082</comment>
+        <comment>43082</comment>
         <translation>No Fix</translation>
     </message>
     <message>
+        <source>残差（米） </source>
+        <comment>43090</comment>
+        <translation>Residuals (m) </translation>
+    </message>
+    <message>
         <source>Open POI File failed!</source>
-        <comment>42101</comment>
+        <comment>43101</comment>
         <translation>Cannot open the POI file!</translation>
     </message>
     <message>
         <source>Load POI Icons failed: 0x08200a19
 
 Press OK to continue...</source>
-        <comment>42102</comment>
+        <comment>43102</comment>
         <translation>Cannot load the POI icons: 0x08200a19
 
 Press OK to continue.</translation>
     </message>
     <message>
         <source>Read Image Information failed!</source>
-        <comment>42103</comment>
+        <comment>43103</comment>
         <translation>Cannot read the image's information!</translation>
     </message>
     <message>
         <source>Save Reference Point Information failed!</source>
-        <comment>42104</comment>
+        <comment>43104</comment>
         <translation>Cannot save the reference points!</translation>
     </message>
     <message>
         <source>Create Track Timer failed: %s
 
 Press OK to continue...</source>
-        <comment>42105</comment>
+        <comment>43105</comment>
         <translation>Could not create the track timer: %s
 
 Press OK to continue.</translation>
@@ -837,26 +857,26 @@ Press OK to continue.</translation>
         <source>Create Track Timer failed:%s
 
 Press OK to continue...</source>
-        <comment>42106</comment>
+        <comment>43106</comment>
         <translation>Could not create the track timer:%s
 
 Press OK to continue.</translation>
     </message>
     <message>
         <source>Create Track Move Timer failed!</source>
-        <comment>42107</comment>
+        <comment>43107</comment>
         <translation>Could not create the map follow timer!</translation>
     </message>
     <message>
         <source>Open Track Log failed!</source>
-        <comment>42108</comment>
+        <comment>43108</comment>
         <translation>Cannot open the track log!</translation>
     </message>
     <message>
         <source>Initialization failed: %s
 
 The program will now exit.</source>
-        <comment>42109</comment>
+        <comment>43109</comment>
         <translation>Initialization failed: %s
 
 The program will now exit.</translation>
@@ -864,7 +884,7 @@ The program will now exit.</translation>
     <message>
         <source>Critical Error: %s
 The program will now exit.</source>
-        <comment>42110</comment>
+        <comment>43110</comment>
         <translation>Critical error: %s
 The program will now exit.</translation>
     </message>
@@ -873,6 +893,9 @@ The program will now exit.</translation>
   --options PATH        the options file (default: the XDG config folder)
   --size WxH            client size above the soft-key bar (default 480x640)
   --dpi N               screen density (default 192; 96 selects the small set)
+  --scale auto|100|150|200|300
+                        draw the program this much larger for this run (the
+                        options' interface scale; auto fills the window)
   --port SOURCE         a receiver that stands for the configured port: a device,
                         gpsd://HOST[:PORT] or tcp://HOST:PORT
   --replay [FILE]       play FILE (default: the demo drive) as the receiver
@@ -887,11 +910,14 @@ The program will now exit.</translation>
   --version             print the version and exit
   --help                print this and exit
 </source>
-        <comment>42201</comment>
+        <comment>43201</comment>
         <translation>usage: satwalk [OPTIONS]
   --options PATH        the options file (default: the XDG config folder)
   --size WxH            client size above the soft-key bar (default 480x640)
   --dpi N               screen density (default 192; 96 selects the small set)
+  --scale auto|100|150|200|300
+                        draw the program this much larger for this run (the
+                        options' interface scale; auto fills the window)
   --port SOURCE         a receiver that stands for the configured port: a device,
                         gpsd://HOST[:PORT] or tcp://HOST:PORT
   --replay [FILE]       play FILE (default: the demo drive) as the receiver

@@ -14,6 +14,7 @@
 #include "MessageBoxes.h"
 #include "Screens.h"
 #include "Strings.h"
+#include "UiScale.h"
 
 namespace satwalk::app {
 
@@ -31,12 +32,14 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
-    barHeight_ = (26 * dpi + 48) / 96;
-    // The tool strips are bitmaps of fixed size: the window never gets
-    // smaller than they are.
-    const screens::Size least = screens::MinimumFrameSize(common::BaseTextHeightForDpi(dpi));
-    setMinimumSize(least.width, least.height + barHeight_);
+    barHeight_ = shell::SoftKeyBarHeight(dpi);
+    scaleSetting_ = settings.uiScale;
+    scale_ = shell::UiScalePercent(scaleSetting_, clientSize.width(),
+                                   clientSize.height() + barHeight_, dpi);
+    barHeight_ = barHeight_ * scale_ / 100;
+    dialogs_.SetBaseTextHeight(BaseTextHeight());
     resize(clientSize.width(), clientSize.height() + barHeight_);
+    ApplyScale();
     shell_.version = SATWALK_VERSION;
     shell_.features().Add(dialogs_);
     dialogs_.SetArea(ScreenArea());
@@ -57,11 +60,44 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
 void MainWindow::SetScreenPainter(ScreenPainter* painter) {
     painter_ = painter;
     if (painter_ != nullptr)
-        painter_->Layout(ScreenArea().size(), dpi_);
+        painter_->Layout(LogicalScreenSize(), dpi_);
 }
 
 QRect MainWindow::ScreenArea() const {
     return QRect(0, 0, width(), std::max(1, height() - barHeight_));
+}
+
+QSize MainWindow::LogicalScreenSize() const {
+    const QSize area = ScreenArea().size();
+    return QSize(std::max(1, area.width() * 100 / scale_),
+                 std::max(1, area.height() * 100 / scale_));
+}
+
+QPoint MainWindow::ToScreenPixels(QPoint p) const {
+    return QPoint(p.x() * 100 / scale_, p.y() * 100 / scale_);
+}
+
+bool MainWindow::ApplyScale() {
+    scaleSetting_ = shell_.settings().uiScale;
+    const int percent = shell::UiScalePercent(scaleSetting_, width(), height(), dpi_);
+    // The tool strips are bitmaps of fixed size: the window never gets
+    // smaller than they are at the scale chosen (automatic scaling never
+    // goes below 100 %).
+    const int fixed = scaleSetting_ == shell::kUiScaleAuto ? 100 : percent;
+    const screens::Size least = screens::MinimumFrameSize(common::BaseTextHeightForDpi(dpi_));
+    setMinimumSize(least.width * fixed / 100,
+                   (least.height + shell::SoftKeyBarHeight(dpi_)) * fixed / 100);
+    if (percent == scale_)
+        return false;
+    scale_ = percent;
+    barHeight_ = shell::SoftKeyBarHeight(dpi_) * scale_ / 100;
+    dialogs_.SetBaseTextHeight(BaseTextHeight());
+    if (painter_ != nullptr)
+        painter_->Layout(LogicalScreenSize(), dpi_);
+    if (screenAreaWidget_ != nullptr)
+        screenAreaWidget_->setGeometry(ScreenArea());
+    dialogs_.SetArea(ScreenArea());
+    return true;
 }
 
 // ---- receiver messages ----
@@ -101,6 +137,9 @@ MessageAnswer MainWindow::ShowMessage(const std::string& text, MessageIcon icon,
 }
 
 void MainWindow::Repaint() {
+    // A new "界面缩放" from the options comes into effect here.
+    if (scaleSetting_ != shell_.settings().uiScale)
+        ApplyScale();
     // Invalidate and update at once.
     if (isVisible())
         repaint();
@@ -171,9 +210,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 // ---- painting ----
 
 void MainWindow::PaintScreenImage() {
-    const QSize size = ScreenArea().size();
-    if (screenImage_.size() != size)
+    // Device pixels of the screen area, painted in the screens' own pixels.
+    const qreal ratio = devicePixelRatioF() * scale_ / 100.0;
+    const QSize size = ScreenArea().size() * devicePixelRatioF();
+    if (screenImage_.size() != size || screenImage_.devicePixelRatio() != ratio) {
         screenImage_ = QImage(size, QImage::Format_RGB32);
+        screenImage_.setDevicePixelRatio(ratio);
+    }
     if (painter_ != nullptr) {
         painter_->Paint(screenImage_, shell_.display(), shell_.fix());
     } else {
@@ -224,7 +267,7 @@ void MainWindow::PaintSoftKeyBar(QPainter& p) {
 void MainWindow::paintEvent(QPaintEvent*) {
     PaintScreenImage();
     QPainter p(this);
-    p.drawImage(0, 0, screenImage_);  // the one copy to the window
+    p.drawImage(QRectF(ScreenArea()), screenImage_);  // the one copy to the window
     PaintSoftKeyBar(p);
     p.end();
     if (!firstFramePainted_) {
@@ -235,8 +278,9 @@ void MainWindow::paintEvent(QPaintEvent*) {
 }
 
 void MainWindow::resizeEvent(QResizeEvent*) {
+    ApplyScale();
     if (painter_ != nullptr)
-        painter_->Layout(ScreenArea().size(), dpi_);
+        painter_->Layout(LogicalScreenSize(), dpi_);
     if (screenAreaWidget_ != nullptr)
         screenAreaWidget_->setGeometry(ScreenArea());
     dialogs_.SetArea(ScreenArea());
@@ -300,19 +344,20 @@ void MainWindow::mousePressEvent(QMouseEvent* event) {
     }
     // The tool strip's tabs and the alarm cells take a tap first; the rest
     // of the screen belongs to the map and its buttons.
+    const QPoint at = ToScreenPixels(pos);
     if (painter_ != nullptr) {
-        if (const int tab = painter_->TabAt(pos.x(), pos.y()); tab >= 0)
+        if (const int tab = painter_->TabAt(at.x(), at.y()); tab >= 0)
             shell_.OnTabTapped(tab);
-        else if (const int cell = painter_->AlarmCellAt(pos.x(), pos.y()); cell >= 0)
+        else if (const int cell = painter_->AlarmCellAt(at.x(), at.y()); cell >= 0)
             shell_.OnAlarmCellTap(cell);
         else
-            stylusOnScreen_ = shell_.features().NotifyStylusDown(pos.x(), pos.y());
+            stylusOnScreen_ = shell_.features().NotifyStylusDown(at.x(), at.y());
     }
 }
 
 void MainWindow::mouseMoveEvent(QMouseEvent* event) {
     if (stylusOnScreen_) {
-        const QPoint pos = event->position().toPoint();
+        const QPoint pos = ToScreenPixels(event->position().toPoint());
         shell_.features().NotifyStylusMove(pos.x(), pos.y());
     }
 }
@@ -320,7 +365,7 @@ void MainWindow::mouseMoveEvent(QMouseEvent* event) {
 void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
     if (stylusOnScreen_) {
         stylusOnScreen_ = false;
-        const QPoint pos = event->position().toPoint();
+        const QPoint pos = ToScreenPixels(event->position().toPoint());
         shell_.features().NotifyStylusUp(pos.x(), pos.y());
     }
 }

@@ -51,6 +51,9 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     // The painter outlives the window; without one the screen area is white.
     void SetScreenPainter(ScreenPainter* painter);
     int softKeyBarHeight() const { return barHeight_; }
+    // "界面缩放" in effect, in percent: the screens lay out at the window's
+    // size divided by it and are drawn that much larger.
+    int uiScalePercent() const { return scale_; }
 
     // Where keys go: the open full-screen dialog, a dialog standing in the
     // screen's place, else the window.
@@ -99,7 +102,9 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
 
     // shell::qt::ScreenAreaHost
     QWidget* HostWidget() override { return this; }
-    int BaseTextHeight() const override { return common::BaseTextHeightForDpi(dpi_); }
+    int BaseTextHeight() const override {
+        return common::BaseTextHeightForDpi(dpi_) * scale_ / 100;
+    }
     void SetScreenAreaWidget(QWidget* widget) override;
     bool HandleProgramKey(QKeyEvent* event) override;
 
@@ -117,6 +122,12 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     void PaintSoftKeyBar(QPainter& p);
     void PopulateMenu(QMenu* menu, const shell::MenuEntry& entry);
     QRect ScreenArea() const;
+    // The screen area in the screens' own pixels.
+    QSize LogicalScreenSize() const;
+    QPoint ToScreenPixels(QPoint widgetPoint) const;
+    // Takes the scale the setting and the window's size give; true when it
+    // changed (the bar, the text height and the layout follow).
+    bool ApplyScale();
 
     shell::Shell shell_;
     shell::qt::DialogStack dialogs_;
@@ -125,6 +136,8 @@ class MainWindow : public QWidget, public shell::ShellUi, public shell::qt::Scre
     QImage screenImage_;
     int dpi_;
     int barHeight_;
+    int scale_ = 100;
+    std::uint32_t scaleSetting_ = 0;
     bool firstFramePainted_ = false;
     bool scriptMode_ = false;
     bool closing_ = false;

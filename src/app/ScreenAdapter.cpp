@@ -25,8 +25,9 @@ void ScreenAdapter::Layout(QSize screenArea, int dpi) {
 
 void ScreenAdapter::Paint(QImage& image, const screens::DisplayState& display,
                           const gps::GpsState& fix) {
-    if (ctx_.frame.Width() != image.width() || ctx_.frame.Height() != image.height())
-        Layout(image.size(), ctx_.dpi);
+    const QSize size = screens::LogicalImageSize(image);
+    if (ctx_.frame.Width() != size.width() || ctx_.frame.Height() != size.height())
+        Layout(size, ctx_.dpi);
     ctx_.display = display;
     screens::RenderCurrentScreen(image, ctx_, fix, bitmaps_);
 }

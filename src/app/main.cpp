@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -22,6 +23,8 @@
 #include <optional>
 #include <sstream>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "CommandIds.h"
 #include "CommandTable.h"
@@ -29,6 +32,7 @@
 #include "Language.h"
 #include "LanguageOption.h"
 #include "MainWindow.h"
+#include "MapLayers.h"
 #include "MessageBoxes.h"
 #include "QtPlatform.h"
 #include "ScreenAdapter.h"
@@ -37,6 +41,8 @@
 #include "StateJson.h"
 #include "Strings.h"
 #include "TrackGpxOption.h"
+#include "UiScale.h"
+#include "WindowGeometry.h"
 
 #include "AppLink.h"
 #include "RelaySetting.h"
@@ -53,7 +59,9 @@ const char* Usage() {
 struct Arguments {
     QString optionsPath;
     QSize size{480, 640};
+    bool sizeGiven = false;
     int dpi = 192;
+    std::optional<std::uint32_t> scale;
     QString port;
     bool replay = false;
     QString replayFile;
@@ -66,74 +74,181 @@ struct Arguments {
     QString language;  // for this run only; empty: the saved choice
 };
 
-std::optional<Arguments> ParseArguments(const QStringList& args) {
+// Qt's own options (-platform offscreen, -style fusion...): left to the
+// application object, which reads them; the ones that take a value.
+constexpr std::string_view kQtValueOptions[] = {"platform",
+                                                "platformpluginpath",
+                                                "platformtheme",
+                                                "plugin",
+                                                "qwindowgeometry",
+                                                "geometry",
+                                                "qwindowtitle",
+                                                "title",
+                                                "qwindowicon",
+                                                "icon",
+                                                "display",
+                                                "style",
+                                                "stylesheet",
+                                                "session",
+                                                "name",
+                                                "qmljsdebugger"};
+constexpr std::string_view kQtFlagOptions[] = {"reverse", "nograb",      "dograb",
+                                               "sync",    "widgetcount", "testability"};
+
+// The number of arguments a Qt option takes up (1 or 2), 0 for none of Qt's.
+int QtOptionLength(std::string_view arg) {
+    if (arg.size() < 2 || arg[0] != '-')
+        return 0;
+    arg.remove_prefix(arg.substr(0, 2) == "--" ? 2 : 1);
+    for (const std::string_view o : kQtValueOptions) {
+        if (arg == o)
+            return 2;
+    }
+    for (const std::string_view o : kQtFlagOptions) {
+        if (arg == o)
+            return 1;
+    }
+    return 0;
+}
+
+// Reads the command line before anything of Qt starts; on a bad option
+// returns nothing and says why in `error` (the option and what is wrong).
+std::optional<Arguments> ParseArguments(int argc, char** argv, std::string& error) {
     Arguments a;
-    for (int i = 1; i < args.size(); ++i) {
-        const QString& arg = args[i];
-        auto value = [&](QString& out) {
-            if (i + 1 >= args.size())
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view arg = argv[i];
+        if (const int qt = QtOptionLength(arg); qt > 0) {
+            i += qt - 1;
+            continue;
+        }
+        auto value = [&](std::string_view& out) {
+            if (i + 1 >= argc) {
+                error = std::string(arg) + " needs a value";
                 return false;
-            out = args[++i];
+            }
+            out = argv[++i];
             return true;
         };
-        QString v;
+        auto bad = [&](std::string_view v, std::string_view why) {
+            error = std::string(arg) + ' ' + std::string(v) + ": " + std::string(why);
+            return std::nullopt;
+        };
+        const auto local = [](std::string_view v) {
+            return QString::fromLocal8Bit(v.data(), static_cast<qsizetype>(v.size()));
+        };
+        std::string_view v;
         if (arg == "--options") {
-            if (!value(a.optionsPath))
+            if (!value(v))
                 return std::nullopt;
+            a.optionsPath = local(v);
         } else if (arg == "--size") {
             if (!value(v))
                 return std::nullopt;
-            const QStringList wh = v.split(QLatin1Char('x'));
+            const QStringList wh = local(v).split(QLatin1Char('x'));
             bool okW = false;
             bool okH = false;
-            if (wh.size() != 2)
-                return std::nullopt;
-            a.size = QSize(wh[0].toInt(&okW), wh[1].toInt(&okH));
-            if (!okW || !okH || a.size.width() < 16 || a.size.height() < 16 ||
-                a.size.width() > 8192 || a.size.height() > 8192) {
-                return std::nullopt;
+            if (wh.size() == 2)
+                a.size = QSize(wh[0].toInt(&okW), wh[1].toInt(&okH));
+            a.sizeGiven = true;
+            if (!okW || !okH)
+                return bad(v, "not WIDTHxHEIGHT");
+            if (a.size.width() <= 0 || a.size.height() <= 0)
+                return bad(v, "width and height must be positive");
+            if (a.size.width() < 16 || a.size.height() < 16 || a.size.width() > 8192 ||
+                a.size.height() > 8192) {
+                return bad(v, "width and height must be 16 to 8192");
             }
         } else if (arg == "--dpi") {
             bool ok = false;
             if (!value(v))
                 return std::nullopt;
-            a.dpi = v.toInt(&ok);
+            a.dpi = local(v).toInt(&ok);
             if (!ok || a.dpi < 48 || a.dpi > 960)
+                return bad(v, "the density must be a whole number from 48 to 960");
+        } else if (arg == "--scale") {
+            std::uint32_t scale = 0;
+            if (!value(v))
                 return std::nullopt;
+            if (!shell::ParseUiScale(v, scale))
+                return bad(v, "choose auto, 100, 150, 200 or 300");
+            a.scale = scale;
         } else if (arg == "--port") {
-            if (!value(a.port))
+            if (!value(v))
                 return std::nullopt;
+            a.port = local(v);
         } else if (arg == "--replay") {
             a.replay = true;
-            if (i + 1 < args.size() && !args[i + 1].startsWith("--"))
-                a.replayFile = args[++i];
+            if (i + 1 < argc && argv[i + 1][0] != '-')
+                a.replayFile = local(argv[++i]);
         } else if (arg == "--replay-rate") {
             bool ok = false;
             if (!value(v))
                 return std::nullopt;
-            a.replayRate = v.toDouble(&ok);
+            a.replayRate = local(v).toDouble(&ok);
             if (!ok || !(a.replayRate > 0) || a.replayRate > 1000)
-                return std::nullopt;
+                return bad(v, "the rate must be above 0 and at most 1000");
         } else if (arg == "--script") {
-            if (!value(a.script))
+            if (!value(v))
                 return std::nullopt;
+            a.script = local(v);
         } else if (arg == "--single-instance") {
             a.singleInstance = true;
         } else if (arg == "--all-talkers") {
             a.allTalkers = true;
         } else if (arg == "--relay") {
-            if (!value(a.relay) || !link::IsRelayAddress(a.relay.toStdString()))
+            if (!value(v))
                 return std::nullopt;
+            if (!link::IsRelayAddress(std::string(v)))
+                return bad(v, "not [HOST:]PORT with a numeric host");
+            a.relay = local(v);
         } else if (arg == "--language") {
-            if (!value(a.language) || !shell::IsLanguageChoice(a.language.toStdString()))
+            if (!value(v))
                 return std::nullopt;
+            if (!shell::IsLanguageChoice(v))
+                return bad(v, "choose zh_CN, en or auto");
+            a.language = local(v);
         } else if (arg == "--list-commands") {
             a.listCommands = true;
+        } else if (!arg.empty() && arg[0] == '-') {
+            error = "unknown option " + std::string(arg);
+            return std::nullopt;
         } else {
+            error = "unexpected argument " + std::string(arg);
             return std::nullopt;
         }
     }
     return a;
+}
+
+// Qt's messages while the application object starts: held back, so that a
+// display that cannot be opened is said in one plain line rather than as
+// Qt's abort.
+std::vector<std::pair<QtMsgType, QString>>& StartupMessages() {
+    static std::vector<std::pair<QtMsgType, QString>> messages;
+    return messages;
+}
+
+void NoDisplayHandler(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type != QtFatalMsg) {
+        if (StartupMessages().size() < 100)
+            StartupMessages().emplace_back(type, message);
+        return;
+    }
+    const char* display = std::getenv("DISPLAY");
+    const char* wayland = std::getenv("WAYLAND_DISPLAY");
+    const bool none =
+        (display == nullptr || *display == '\0') && (wayland == nullptr || *wayland == '\0');
+    if (none) {
+        std::fputs(
+            "satwalk: no display to open: neither DISPLAY nor WAYLAND_DISPLAY is set "
+            "(QT_QPA_PLATFORM=offscreen runs without one)\n",
+            stderr);
+    } else {
+        std::fprintf(stderr, "satwalk: cannot open the display %s\n",
+                     display != nullptr && *display != '\0' ? display : wayland);
+    }
+    std::fflush(stderr);
+    std::_Exit(1);
 }
 
 // Where the bundled data lives: beside an installed program, else the
@@ -232,7 +347,8 @@ void UseLanguage(const QString& code) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // These need no display: they answer before Qt looks for one.
+    // These need no display: they answer before Qt looks for one, and so
+    // does a command line that cannot be read.
     QCoreApplication::setApplicationName("satwalk");
     if (HasArgument(argc, argv, {"--help", "-h"})) {
         UseLanguage(ChooseLanguage(ArgumentValue(argc, argv, "--language"),
@@ -244,26 +360,31 @@ int main(int argc, char** argv) {
         std::printf("satwalk %s\n", SATWALK_VERSION);
         return 0;
     }
-    if (HasArgument(argc, argv, {"--list-commands"}))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("satwalk");
-    QApplication::setApplicationVersion(SATWALK_VERSION);
-
-    const QStringList rawArgs = QApplication::arguments();
-    const std::optional<Arguments> parsed = ParseArguments(rawArgs);
+    std::string error;
+    const std::optional<Arguments> parsed = ParseArguments(argc, argv, error);
     if (!parsed) {
-        std::fputs(Usage(), stderr);
+        std::fprintf(stderr, "satwalk: %s\n(satwalk --help lists the options)\n", error.c_str());
         return 2;
     }
     const Arguments& args = *parsed;
+    if (args.listCommands)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    const QtMessageHandler previous = qInstallMessageHandler(NoDisplayHandler);
+    QApplication app(argc, argv);
+    qInstallMessageHandler(previous);
+    for (const auto& [type, message] : StartupMessages())
+        qt_message_output(type, QMessageLogContext(), message);
+    StartupMessages().clear();
+    QApplication::setApplicationName("satwalk");
+    QApplication::setApplicationVersion(SATWALK_VERSION);
     // The language, once, before any text is shown; the standard buttons
     // follow it.
-    QString optionsPath = OptionsPath(args.optionsPath);
+    const QString optionsPath = OptionsPath(args.optionsPath);
     const QString language = ChooseLanguage(args.language, optionsPath);
     UseLanguage(language);
     app::InstallQtTranslation(app, language);
+
     if (args.listCommands)
         return ListCommands(args);
     const bool scriptMode = !args.script.isEmpty();
@@ -283,6 +404,8 @@ int main(int argc, char** argv) {
     options.LoadOptions(settings);
     settings.saveGpxTrackFile = shell::TrackGpxOptionPath(optionsPath.toStdString());
     settings.saveGpxTrack = shell::LoadTrackGpxOption(settings.saveGpxTrackFile) ? 1 : 0;
+    settings.uiScaleFile = shell::UiScalePath(optionsPath.toStdString());
+    settings.uiScale = args.scale.value_or(shell::LoadUiScale(settings.uiScaleFile));
     settings.languageFile = shell::LanguageOptionPath(optionsPath.toStdString());
     settings.language = shell::LoadLanguageOption(settings.languageFile);
 
@@ -319,6 +442,7 @@ int main(int argc, char** argv) {
         link.SetOverridePath(args.port.toStdString());
     }
 
+    map::SetWorldLandFile(DataFile("map/world-land-50m.txt").toStdString());
     app::QtAlarmSound sound(DataFile("alarm.wav"));
     app::IdleInhibitor inhibitor;
     app::ScreenAdapter screens;
@@ -373,9 +497,42 @@ int main(int argc, char** argv) {
         if (scriptMode)
             runner.Start();
     };
-    window.show();
+    // The window's size and place of the last run, unless this run names a
+    // size or is a script (whose snapshots must not depend on it).
+    const std::string geometryPath = shell::WindowGeometryPath(optionsPath.toStdString());
+    const bool keepGeometry = !scriptMode && !args.sizeGiven;
+    bool maximized = false;
+    if (const auto wish = keepGeometry ? shell::LoadWindowGeometry(geometryPath) : std::nullopt) {
+        std::vector<shell::ScreenRect> screenRects;
+        for (const QScreen* screen : QGuiApplication::screens()) {
+            const QRect r = screen->availableGeometry();
+            const shell::ScreenRect rect{r.x(), r.y(), r.width(), r.height()};
+            if (screen == QGuiApplication::primaryScreen())
+                screenRects.insert(screenRects.begin(), rect);
+            else
+                screenRects.push_back(rect);
+        }
+        const shell::WindowGeometry g =
+            shell::Sanitize(*wish, screenRects, window.minimumWidth(), window.minimumHeight());
+        window.setGeometry(g.x, g.y, g.width, g.height);
+        maximized = g.maximized;
+    }
+    if (maximized)
+        window.showMaximized();
+    else
+        window.show();
 
     int code = QApplication::exec();
+    if (keepGeometry) {
+        QRect r = window.isMaximized() ? window.normalGeometry() : window.geometry();
+        if (!r.isValid())
+            r = window.geometry();
+        if (!shell::SaveWindowGeometry(
+                geometryPath, {r.x(), r.y(), r.width(), r.height(), window.isMaximized()})) {
+            std::fprintf(stderr, "satwalk: cannot save the window's size and place to %s\n",
+                         geometryPath.c_str());
+        }
+    }
     if (scriptMode && code == 0)
         code = runner.exitCode();
     link.Shutdown();

@@ -129,6 +129,7 @@ inline constexpr int kStrMenuSaveTrack = 41033;
 inline constexpr int kStrMenuViewTrack = 41034;
 inline constexpr int kStrMenuCloseTrack = 41035;
 inline constexpr int kStrMenuLoadedMapKey = 41036;  // "%s": the map's file name
+inline constexpr int kStrMenuCloseMap = 41037;
 inline constexpr int kStrAboutText = 41101;         // "%s": the version
 inline constexpr int kStrClockTimerFailed = 41103;  // "%s": the error code
 inline constexpr int kStrAlarmSoundFailed = 41104;
@@ -159,6 +160,10 @@ const char* WriteFailureReason(int error);
 inline constexpr int kStrRelayOption = 41701;
 inline constexpr int kStrRelayCannotListen = 41702;
 inline constexpr int kStrLocalGpsd = 41703;
+// "界面缩放" in the options and its first choice, "自动" (the others are
+// percentages).
+inline constexpr int kStrUiScaleOption = 42001;
+inline constexpr int kStrUiScaleAuto = 42002;
 
 // Dialog texts.
 inline constexpr int kStrSearch = 40060;  // the receiver settings' left soft key
@@ -170,55 +175,58 @@ inline constexpr int kStrRetry = 40112;
 inline constexpr int kStrPortAvailable = 40113;
 inline constexpr int kStrPortAutomatic = 40114;
 inline constexpr int kStrSystemSettings = 40115;
-inline constexpr int kStrGpsSettings = 42001;  // the receiver settings' caption
-inline constexpr int kStrDeviceLabel = 42002;
-inline constexpr int kStrPortLabel = 42003;
-inline constexpr int kStrBaudLabel = 42004;
-inline constexpr int kStrAutoSearch = 42005;
-inline constexpr int kStrSearchStartFailed = 42006;  // "%s": the code
-inline constexpr int kStrGeneralHeading = 42011;
-inline constexpr int kStrAutoBluetooth = 42012;
-inline constexpr int kStrKeepAwake = 42013;
-inline constexpr int kStrRecordNmea = 42014;
-inline constexpr int kStrStorageLabel = 42015;
-inline constexpr int kStrAllTalkers = 42016;
-inline constexpr int kStrLanguageLabel = 42017;
-inline constexpr int kStrLanguageAutomatic = 42018;
-inline constexpr int kStrLanguageNextStart = 42019;
-inline constexpr int kStrSatelliteData = 42030;  // the table's title
-inline constexpr int kStrElevationHeader = 42031;
-inline constexpr int kStrAzimuthHeader = 42032;
-inline constexpr int kStrLatitude = 42040;
-inline constexpr int kStrLongitude = 42041;
-inline constexpr int kStrNorthSouth = 42042;
-inline constexpr int kStrEastWest = 42043;
-inline constexpr int kStrDegreesLabel = 42044;
-inline constexpr int kStrMinutesLabel = 42045;
-inline constexpr int kStrSecondsLabel = 42046;
-inline constexpr int kStrFilterMaps = 42050;
-inline constexpr int kStrFilterTracks = 42051;
-inline constexpr int kStrFilterPoi = 42052;
-inline constexpr int kStrReadingTrack = 42060;
+inline constexpr int kStrGpsSettings = 43001;  // the receiver settings' caption
+inline constexpr int kStrDeviceLabel = 43002;
+inline constexpr int kStrPortLabel = 43003;
+inline constexpr int kStrBaudLabel = 43004;
+inline constexpr int kStrAutoSearch = 43005;
+inline constexpr int kStrSearchStartFailed = 43006;  // "%s": the code
+inline constexpr int kStrGeneralHeading = 43011;
+inline constexpr int kStrAutoBluetooth = 43012;
+inline constexpr int kStrKeepAwake = 43013;
+inline constexpr int kStrRecordNmea = 43014;
+inline constexpr int kStrStorageLabel = 43015;
+inline constexpr int kStrAllTalkers = 43016;
+inline constexpr int kStrLanguageLabel = 43017;
+inline constexpr int kStrLanguageAutomatic = 43018;
+inline constexpr int kStrLanguageNextStart = 43019;
+inline constexpr int kStrSatelliteData = 43030;  // the table's title
+inline constexpr int kStrElevationHeader = 43031;
+inline constexpr int kStrAzimuthHeader = 43032;
+inline constexpr int kStrLatitude = 43040;
+inline constexpr int kStrLongitude = 43041;
+inline constexpr int kStrNorthSouth = 43042;
+inline constexpr int kStrEastWest = 43043;
+inline constexpr int kStrDegreesLabel = 43044;
+inline constexpr int kStrMinutesLabel = 43045;
+inline constexpr int kStrSecondsLabel = 43046;
+inline constexpr int kStrFilterMaps = 43050;
+inline constexpr int kStrFilterTracks = 43051;
+inline constexpr int kStrFilterPoi = 43052;
+inline constexpr int kStrReadingTrack = 43060;
 // The press-and-hold menu on the map: "%s" is 1..5.
-inline constexpr int kStrHoldSetReferencePoint = 42070;
+inline constexpr int kStrHoldSetReferencePoint = 43070;
+// The reference points' residuals in the reference-point dialog, before
+// the numbers.
+inline constexpr int kStrResiduals = 43090;
 // The fix's kind on the GPS information screen.
-inline constexpr int kStrFix3d = 42080;
-inline constexpr int kStrFix2d = 42081;
-inline constexpr int kStrNoFix = 42082;
+inline constexpr int kStrFix3d = 43080;
+inline constexpr int kStrFix2d = 43081;
+inline constexpr int kStrNoFix = 43082;
 // Failures the handheld reported in English; they stay English in the
 // Chinese interface.
-inline constexpr int kStrOpenPoiFileFailed = 42101;
-inline constexpr int kStrLoadPoiIconsFailed = 42102;
-inline constexpr int kStrReadImageFailed = 42103;
-inline constexpr int kStrSaveReferenceFailed = 42104;
-inline constexpr int kStrTrackTimerFailed = 42105;         // "%s": the code
-inline constexpr int kStrTrackTimerFailedOnStart = 42106;  // "%s": the link's code
-inline constexpr int kStrFollowTimerFailed = 42107;
-inline constexpr int kStrOpenTrackLogFailed = 42108;
-inline constexpr int kStrInitializationFailed = 42109;  // "%s": the code
-inline constexpr int kStrCriticalError = 42110;         // "%s": the code
+inline constexpr int kStrOpenPoiFileFailed = 43101;
+inline constexpr int kStrLoadPoiIconsFailed = 43102;
+inline constexpr int kStrReadImageFailed = 43103;
+inline constexpr int kStrSaveReferenceFailed = 43104;
+inline constexpr int kStrTrackTimerFailed = 43105;         // "%s": the code
+inline constexpr int kStrTrackTimerFailedOnStart = 43106;  // "%s": the link's code
+inline constexpr int kStrFollowTimerFailed = 43107;
+inline constexpr int kStrOpenTrackLogFailed = 43108;
+inline constexpr int kStrInitializationFailed = 43109;  // "%s": the code
+inline constexpr int kStrCriticalError = 43110;         // "%s": the code
 // The command line's help.
-inline constexpr int kStrUsage = 42201;
+inline constexpr int kStrUsage = 43201;
 
 // The degree sign (character 176) as UTF-8, drawn after angles.
 inline constexpr const char* kDegreeSign = "\xC2\xB0";

@@ -4,6 +4,7 @@
 namespace satwalk::map::cmd {
 
 inline constexpr int kLoadMap = 40020;
+inline constexpr int kCloseMap = 40021;
 inline constexpr int kWorldMap = 40029;
 inline constexpr int kLoadedMap = 40030;
 inline constexpr int kShowMap = 40031;

@@ -1,10 +1,12 @@
 #include "MapFeature.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "CommandIds.h"
 #include "FileListing.h"
+#include "Georeference.h"
 #include "MapCommands.h"
 #include "MapScreenLayers.h"
 #include "Screens.h"
@@ -127,6 +129,12 @@ void MapFeature::Register(shell::FeatureRegistry& registry) {
                                                          shell_.ChooseScreen(shell::kScreenMap);
                                                  },
                                                  {}});
+    registry.AddCommand(cmd::kCloseMap, Command{[this](int) { CloseMap(); },
+                                                [this](int) {
+                                                    EntryState e;
+                                                    e.enabled = mapLoaded_;
+                                                    return e;
+                                                }});
     registry.AddCommand(cmd::kShowMap,
                         Command{[this](int) { ToggleSetting(shell_.settings().showMap); }, {}});
     registry.AddCommand(
@@ -214,7 +222,8 @@ void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
             recent.push_back(shell::MenuItem(cmd::kRecentMap1 + i, {}));
         std::vector<shell::MenuEntry> entries{
             shell::MenuItem(cmd::kLoadMap, LoadString(common::kStrMenuLoadMap)),
-            shell::MenuSub(LoadString(common::kStrMenuRecentMaps), std::move(recent))};
+            shell::MenuSub(LoadString(common::kStrMenuRecentMaps), std::move(recent)),
+            shell::MenuItem(cmd::kCloseMap, LoadString(common::kStrMenuCloseMap), mapLoaded_)};
         for (int i = 0; i < kReferenceSlotCount; ++i) {
             entries.push_back(
                 shell::MenuItem(cmd::kSetReferencePoint1 + i,
@@ -230,6 +239,14 @@ void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
 
 bool MapFeature::LoadMap(const std::string& path) {
     const std::string name(MapFileName(path));
+    // The calibration is found before the image replaces the one shown, so
+    // that a broken georeference keeps the previous map.
+    const std::string storageFile = MakeReferenceFileName(shell_.settings().storageRoot, path);
+    const Georeference geo = LocateCalibration(path, storageFile);
+    if (!geo.error.empty()) {
+        shell_.ui().ShowMessage(geo.error, shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        return false;
+    }
     ImageSize size;
     const ImageLoadError error = platform_->LoadImage(path, size);
     if (error != ImageLoadError::None) {
@@ -246,7 +263,11 @@ bool MapFeature::LoadMap(const std::string& path) {
         mapLoaded_ = false;
         return false;
     }
-    model_.ApplyLoadedMap(path, size, MakeReferenceFileName(shell_.settings().storageRoot, path));
+    model_.ApplyLoadedMap(path, size,
+                          geo.source == GeoSource::ReferenceFile ? geo.file : storageFile,
+                          geo.Bind(size));
+    if (model_.calibration.Georeferenced())
+        model_.calibrationSource = std::string(GeoSourceName(geo.source));
     if (model_.referencesRead)
         shell_.settings().showReferencePoints = 1;
     if (model_.referencesUnreadable) {
@@ -259,6 +280,20 @@ bool MapFeature::LoadMap(const std::string& path) {
     if (onCalibrationChanged)
         onCalibrationChanged();
     return true;
+}
+
+void MapFeature::CloseMap() {
+    if (!mapLoaded_)
+        return;
+    if (model_.refs.placingReferencePoint != 0)
+        EndPlacement(true);
+    platform_->DropImage();
+    model_.CloseMap();
+    mapLoaded_ = false;
+    if (onCalibrationChanged)
+        onCalibrationChanged();
+    shell_.ChooseScreen(shell::kScreenMap);
+    shell_.Repaint();
 }
 
 void MapFeature::OpenRecent(int index) {
@@ -299,6 +334,8 @@ void MapFeature::OpenReferenceDialog() {
         return;
     dialogOpen_ = true;
     const int slot = model_.refs.editedSlot;
+    platform_->SetReferenceResiduals(
+        ResidualsText(ReferenceResiduals(model_.calibration, model_.refs.referencePoints)));
     platform_->EditReferencePoint(
         slot, model_.refs.referencePoints[static_cast<std::size_t>(slot)],
         [this](bool ok, const ReferenceDialogFields& f) {
@@ -308,6 +345,8 @@ void MapFeature::OpenReferenceDialog() {
                 shell_.Repaint();
                 return;
             }
+            // A georeferenced map stays so until the user's points calibrate.
+            const MapCalibration before = model_.calibration;
             const ReferenceConfirmation c = ConfirmReferencePoint(
                 model_.refs, f,
                 MakeReferenceFileName(shell_.settings().storageRoot, model_.mapPath),
@@ -323,6 +362,10 @@ void MapFeature::OpenReferenceDialog() {
                                          c.keptAs),
                     shell::MessageIcon::Information, shell::MessageButtons::Ok);
             }
+            if (!c.calibrated && before.Georeferenced())
+                model_.calibration = before;
+            else if (c.calibrated)
+                model_.calibrationSource = "rpt";
             model_.ApplyConfirmation(c);
             if (onCalibrationChanged)
                 onCalibrationChanged();
@@ -524,6 +567,24 @@ void MapFeature::WriteState(common::JsonMembers& members) const {
     m.Bool("following", model_.Following());
     m.Int("panMode", model_.stylus.panMode);
     m.Int("panStep", model_.stylus.panStep);
+    m.Text("calibrationSource", model_.calibrationSource);
+    {
+        std::string& r = m.Name("residualsMetres");
+        r += '[';
+        const auto residuals = ReferenceResiduals(model_.calibration, model_.refs.referencePoints);
+        for (std::size_t i = 0; i < residuals.size(); ++i) {
+            if (i > 0)
+                r += ',';
+            if (std::isfinite(residuals[i])) {
+                char metres[32];
+                std::snprintf(metres, sizeof metres, "%.3f", residuals[i]);
+                r += metres;
+            } else {
+                r += "null";
+            }
+        }
+        r += ']';
+    }
     out += '}';
 }
 

@@ -56,6 +56,9 @@ class MapPlatform {
     virtual void EditReferencePoint(
         int slot, const GeoPoint& point,
         std::function<void(bool ok, const ReferenceDialogFields& fields)> done) = 0;
+    // The residuals line the next reference-point dialog shows under its
+    // fields (ResidualsText); platforms without one ignore it.
+    virtual void SetReferenceResiduals(const std::string& text) { (void)text; }
     // The hold menu ("Set Ref Point 1".."5") at screen-area pixel (x, y);
     // `chosen` gets the command of the entry picked, `closed` runs when it
     // goes. False where no menu can open (offscreen: scripts send the
@@ -80,6 +83,9 @@ class MapFeature final : public shell::Feature {
     // Loads the image at `path` as the current map, with every message of a
     // failure. False when it did not load.
     bool LoadMap(const std::string& path);
+    // "关闭地图": the image goes and the world map shows; the recent list
+    // keeps it.
+    void CloseMap();
 
     MapModel& model() { return model_; }
     const MapModel& model() const { return model_; }

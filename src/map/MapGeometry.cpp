@@ -122,7 +122,20 @@ MapCalibration ComputeCalibration(const ReferencePoints& referencePoints) {
     return c;
 }
 
+MapCalibration GeoreferencedCalibration(std::shared_ptr<const GeoTransform> transform) {
+    MapCalibration c;
+    c.geo = std::move(transform);
+    return c;
+}
+
 void ImageToGeo(const MapCalibration& calibration, GeoPoint& point) {
+    if (calibration.geo) {
+        double x = point.imageX, y = point.imageY;
+        calibration.geo->ImageToLonLat(&x, &y, 1);
+        point.latitude = y;
+        point.longitude = NormaliseLongitude(x);
+        return;
+    }
     RunningHalf<2> r;
     ForActivePairs(calibration.anchors, [&](const GeoPoint& a, const GeoPoint&, int k) {
         r.Add({a.latitude - (point.imageY - a.imageY) * calibration.latPerPixel[k],
@@ -134,6 +147,13 @@ void ImageToGeo(const MapCalibration& calibration, GeoPoint& point) {
 
 PointF GeoToImage(const MapCalibration& calibration, GeoPoint& point, double latitude,
                   double longitude) {
+    if (calibration.geo) {
+        double x = longitude, y = latitude;
+        calibration.geo->LonLatToImage(&x, &y, 1);
+        point.imageX = x;
+        point.imageY = y;
+        return {x, y};
+    }
     RunningHalf<2> r;
     ForActivePairs(calibration.anchors, [&](const GeoPoint& a, const GeoPoint&, int k) {
         r.Add({(longitude - a.longitude) / calibration.lonPerPixel[k] + a.imageX,
@@ -149,6 +169,16 @@ void ComputeMapExtent(const MapCalibration& calibration, ImageSize image, MapExt
     const double h = image.height;
     const double cx = w * 0.5;
     const double cy = h * 0.5;
+    if (calibration.geo) {
+        double x[3] = {0.0, w, cx}, y[3] = {0.0, h, cy};
+        calibration.geo->ImageToLonLat(x, y, 3);
+        GeoPoint* out[3] = {&extent.topLeft, &extent.bottomRight, &extent.centre};
+        for (int i = 0; i < 3; ++i) {
+            out[i]->latitude = y[i];
+            out[i]->longitude = NormaliseLongitude(x[i]);
+        }
+        return;
+    }
     RunningHalf<6> r;
     ForActivePairs(calibration.anchors, [&](const GeoPoint& a, const GeoPoint&, int k) {
         const double lat = calibration.latPerPixel[k];
@@ -273,6 +303,17 @@ double ScaleBarDistance(const MapExtent& extent, double displayedWidth, int scal
     return KilometresPerDegreeLongitude(extent.centre.latitude) *
            ((extent.bottomRight.longitude - extent.topLeft.longitude) / displayedWidth) *
            scaleBarPixels;
+}
+
+double ScaleBarDistanceAt(const MapCalibration& calibration, PointF centre, double imagePerScreen,
+                          int scaleBarPixels) {
+    if (!calibration.geo)
+        return 0.0;
+    const double half = 0.5 * imagePerScreen * scaleBarPixels;
+    double x[2] = {centre.x - half, centre.x + half}, y[2] = {centre.y, centre.y};
+    calibration.geo->ImageToLonLat(x, y, 2);
+    const double km = GroundDistanceMetres(y[0], x[0], y[1], x[1]) / 1000.0;
+    return std::isfinite(km) ? km : 0.0;
 }
 
 double GroundDistanceMetres(double lat1, double lon1, double lat2, double lon2) {

@@ -11,6 +11,9 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
+
+#include "GeoTransform.h"
 
 namespace satwalk::map {
 
@@ -53,9 +56,13 @@ inline constexpr std::array<SlotPair, kPairCount> kSlotPairs = {{
     {3, 4},
 }};
 
-// The calibration as one value: the scales of every pair, their means, and
-// the reference points they were computed from (the conversions anchor each
-// pair's estimate on its points). A default value converts everything to 0.
+// The calibration as one value, of one of two kinds. The reference-point
+// kind: the scales of every pair, their means, and the reference points they
+// were computed from (the conversions anchor each pair's estimate on its
+// points). The georeferenced kind: `geo` set, an affine transform in the
+// map's own projection read from the files beside the image; the tables are
+// then unused. Every conversion below goes through whichever kind it holds.
+// A default value converts everything to 0.
 struct MapCalibration {
     // Entries 1..10: degrees per image row (column) of pair k, never
     // negative, 0 when the pair gave no scale; entry 0: the mean of the pairs
@@ -65,9 +72,14 @@ struct MapCalibration {
     int calibrated = 0;   // 1 when both means could be formed
     int activeCount = 0;  // active slots when computed
     ReferencePoints anchors{};
+    std::shared_ptr<const GeoTransform> geo;
 
-    bool IsValid() const { return calibrated == 1; }
+    bool IsValid() const { return calibrated == 1 || geo != nullptr; }
+    bool Georeferenced() const { return geo != nullptr; }
 };
+
+// The georeferenced kind for `transform` (null: an invalid calibration).
+MapCalibration GeoreferencedCalibration(std::shared_ptr<const GeoTransform> transform);
 
 // Scales from every pair of active slots. Fewer than two active slots, or
 // active slots that share a rounded row (column) in every pair, leave
@@ -162,6 +174,13 @@ double StretchAtLatitude(double latitude, double value);
 // shown `displayedWidth` pixels wide: the longitude span of the image per
 // displayed pixel, at the centre's latitude.
 double ScaleBarDistance(const MapExtent& extent, double displayedWidth, int scaleBarPixels);
+
+// Kilometres the scale bar of `scaleBarPixels` stands for on a georeferenced
+// map at image pixel `centre`, with `imagePerScreen` image pixels to a screen
+// pixel: the ground distance across the bar, centred there, so the bar
+// shows the real scale at the view's centre whatever the projection.
+double ScaleBarDistanceAt(const MapCalibration& calibration, PointF centre, double imagePerScreen,
+                          int scaleBarPixels);
 
 // Ground distance in metres between two positions on a sphere of the
 // earth's mean radius.

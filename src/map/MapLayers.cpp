@@ -1,6 +1,8 @@
 #include "MapLayers.h"
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include "MapScreenLayers.h"
 #include "WorldMap.h"
@@ -47,10 +49,21 @@ int ScaleBarPixels(int baseTextHeight) {
     return baseTextHeight * 10 / 3;
 }
 
+namespace {
+std::string& WorldLandFile() {
+    static std::string path = SATWALK_WORLD_LAND_FILE;
+    return path;
+}
+}  // namespace
+
+void SetWorldLandFile(std::string path) {
+    WorldLandFile() = std::move(path);
+}
+
 const WorldLand& BuiltInWorldLand() {
     static const WorldLand land = [] {
         WorldLand l;
-        LoadWorldLand(SATWALK_WORLD_LAND_FILE, l);
+        LoadWorldLand(WorldLandFile(), l);
         return l;
     }();
     return land;
@@ -76,6 +89,15 @@ void WorldPositionLayer::Paint(screens::Canvas& canvas, const MapView& view,
         return;
     const int x = static_cast<int>(p.x), y = static_cast<int>(p.y);
     const int r = std::max(3, ctx.baseTextHeight / 5);
+    // The canvas does not clip: a dot that would spill past the map's edge
+    // onto the frame beside it is not drawn.
+    const Rect& v = view.viewRect;
+    const Rect b = canvas.Bounds();
+    const Rect seen{std::max(x - r, b.left), std::max(y - r, b.top), std::min(x + r + 1, b.right),
+                    std::min(y + r + 1, b.bottom)};
+    if (seen.left < seen.right && seen.top < seen.bottom &&
+        (seen.left < v.left || seen.top < v.top || seen.right > v.right || seen.bottom > v.bottom))
+        return;
     canvas.Ellipse(Rect{x - r, y - r, x + r + 1, y + r + 1}, screens::Pen{.null = true},
                    screens::Brush{screens::Rgb(255, 0, 0)});
 }

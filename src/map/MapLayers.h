@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "GpsState.h"
@@ -91,5 +92,10 @@ class MapScreen {
 // A map screen with the world map and the position dot, as the program
 // starts.
 std::unique_ptr<MapScreen> MakeWorldMapScreen();
+
+// Where the world map's outlines are read from on first use: the program's
+// data folder, which an installed program finds beside itself. Before any
+// drawing; the source tree's copy otherwise.
+void SetWorldLandFile(std::string path);
 
 }  // namespace satwalk::map

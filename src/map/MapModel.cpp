@@ -83,6 +83,8 @@ void MapModel::Pan(int direction, int step) {
         // Some of the image always stays in the middle of the view.
         c.x = std::clamp(c.x, 0.0, 1.0 * map.image.width);
         c.y = std::clamp(c.y, 0.0, 1.0 * map.image.height);
+        if (calibration.Georeferenced())
+            UpdateScaleBar();
         UpdateOutsideMap();
         return;
     }
@@ -222,6 +224,12 @@ void MapModel::ShowRegion(double south, double west, double north, double east) 
 }
 
 void MapModel::UpdateScaleBar() {
+    if (map.mapMode != 0 && calibration.Georeferenced() && map.currentWidth > 0.0) {
+        // The real scale at the view's centre, whatever the projection.
+        scaleBarDistance = ScaleBarDistanceAt(calibration, map.scrollCentre,
+                                              map.image.width / map.currentWidth, scaleBarPixels_);
+        return;
+    }
     scaleBarDistance = map.mapMode != 0 && calibration.IsValid() && map.currentWidth > 0.0
                            ? ScaleBarDistance(extent, map.currentWidth, scaleBarPixels_)
                            : 0.0;
@@ -230,7 +238,8 @@ void MapModel::UpdateScaleBar() {
 // ----- loading -----
 
 void MapModel::ApplyLoadedMap(const std::string& path, ImageSize image,
-                              const std::string& referenceFile) {
+                              const std::string& referenceFile,
+                              const MapCalibration& georeferenced) {
     // One zoom step is half the fitted picture along the axis it fills.
     const MapFit first = FitImageToView(image, view_, bottomBarHeight_, 0);
     const int zoomStep =
@@ -259,6 +268,9 @@ void MapModel::ApplyLoadedMap(const std::string& path, ImageSize image,
     referencesUnreadable = read == ReferenceRead::Unreadable;
     if (referencesRead)
         calibration = ComputeCalibration(refs.referencePoints);
+    calibrationSource = calibration.IsValid() ? "rpt" : "";
+    if (!calibration.IsValid() && georeferenced.IsValid())
+        calibration = georeferenced;
     ResetView();
     if (calibration.IsValid()) {
         ComputeMapExtent(calibration, image, extent);
@@ -267,6 +279,19 @@ void MapModel::ApplyLoadedMap(const std::string& path, ImageSize image,
         UpdateScaleBar();
     }
     UpdateOutsideMap();
+}
+
+void MapModel::CloseMap() {
+    map = LoadedMap{};
+    mapPath.clear();
+    zoom = 0;
+    calibration = MapCalibration{};
+    extent = MapExtent{};
+    refs = ReferenceEditing{};
+    scaleBarDistance = 0.0;
+    referencesRead = false;
+    referencesUnreadable = false;
+    calibrationSource.clear();
 }
 
 void MapModel::ApplyConfirmation(const ReferenceConfirmation& confirmation) {
@@ -305,6 +330,8 @@ void MapModel::CentreOn(double lat, double lon) {
         // Off the image there is nothing to centre on: the view stays.
         if (InsideImage(image, map.image))
             map.scrollCentre = image;
+        if (calibration.Georeferenced())
+            UpdateScaleBar();
         return;
     }
     worldOrigin.longitude = lon;

@@ -59,7 +59,13 @@ class MapModel {
     // The state of a map whose image just loaded from `path` with `image`
     // pixels and whose reference file `referenceFile` is read now: fit,
     // cleared calibration, extent and cursor, reference points, calibration.
-    void ApplyLoadedMap(const std::string& path, ImageSize image, const std::string& referenceFile);
+    // `georeferenced`, when valid, calibrates the map unless the reference
+    // points do.
+    void ApplyLoadedMap(const std::string& path, ImageSize image, const std::string& referenceFile,
+                        const MapCalibration& georeferenced = {});
+    // Back to the world map: the image's state, calibration and reference
+    // points cleared.
+    void CloseMap();
     // After the reference dialog's OK (or anything else that changed the
     // calibration): the view reset for the new calibration.
     void ApplyConfirmation(const ReferenceConfirmation& confirmation);
@@ -101,6 +107,7 @@ class MapModel {
     bool holdMenuOpen = false;
     bool referencesRead = false;        // the last load found its reference file
     bool referencesUnreadable = false;  // ... or found it there but could not open it
+    std::string calibrationSource;      // "rpt", "worldfile", ... or "" (none)
 
     screens::Rect viewRect() const { return view_; }
     int unit() const { return unit_; }

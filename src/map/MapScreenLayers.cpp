@@ -23,15 +23,40 @@ int Trunc(double v) {
     return static_cast<int>(std::clamp(v, -1.0e9, 1.0e9));
 }
 
-// A text on a white box of its own size, so it reads on any map.
-void BoxedText(Canvas& canvas, const std::string& text, Point at, bool rightAligned) {
+// Whether drawing `box` would touch pixels of the canvas outside `area`.
+// The canvas does not clip to the map: a marker past the map's edge would
+// draw over the frame beside it (the alarm strip, the tool strip). Whatever
+// falls off the canvas altogether draws nothing and may go ahead.
+bool SpillsOver(const Canvas& canvas, const Rect& area, const Rect& box) {
+    const Rect b = canvas.Bounds();
+    const Rect seen{std::max(box.left, b.left), std::max(box.top, b.top),
+                    std::min(box.right, b.right), std::min(box.bottom, b.bottom)};
+    if (seen.left >= seen.right || seen.top >= seen.bottom)
+        return false;
+    return seen.left < area.left || seen.top < area.top || seen.right > area.right ||
+           seen.bottom > area.bottom;
+}
+
+// A text on a white box of its own size, so it reads on any map; with
+// `area`, only when the whole box lies inside it.
+void BoxedText(Canvas& canvas, const std::string& text, Point at, bool rightAligned,
+               const Rect* area = nullptr) {
     const screens::Size s = canvas.MeasureText(text);
     const int pad = std::max(1, s.height / 8);
     const int left = rightAligned ? at.x - s.width - 2 * pad : at.x;
     const Rect box{left, at.y, left + s.width + 2 * pad, at.y + s.height};
+    if (area != nullptr && SpillsOver(canvas, *area, box))
+        return;
     canvas.FillRect(box, screens::kWhite);
     canvas.DrawText(text, Rect{box.left + pad, box.top, box.right - pad, box.bottom},
                     screens::kTextLeft | screens::kTextVCenter, kInk);
+}
+
+// A marker centred on (x, y) may be drawn: it spills nowhere past `area`.
+bool MarkerInside(const Canvas& canvas, const screens::ScreenContext& ctx, const Rect& area, int x,
+                  int y) {
+    const int s = ctx.bitmaps[screens::BitmapId::Markers.value].height;
+    return !SpillsOver(canvas, area, Rect{x - s / 2, y - s / 2, x - s / 2 + s, y - s / 2 + s});
 }
 
 }  // namespace
@@ -97,9 +122,12 @@ void ReferenceMarkerLayer::Paint(Canvas& canvas, const MapView& view,
         if (!std::isfinite(at.x) || !std::isfinite(at.y))
             continue;
         const int x = Trunc(at.x), y = Trunc(at.y);
+        if (!MarkerInside(canvas, ctx, view.viewRect, x, y))
+            continue;
         DrawMarker(canvas, ctx, MarkerFrame::Reference, x, y);
         const int s = ctx.bitmaps[screens::BitmapId::Markers.value].height;
-        BoxedText(canvas, std::to_string(i + 1), Point{x + s / 2, y - s / 2 - b / 3}, false);
+        BoxedText(canvas, std::to_string(i + 1), Point{x + s / 2, y - s / 2 - b / 3}, false,
+                  &view.viewRect);
     }
     screens::ReleaseScreenFont(canvas, old);
 }
@@ -109,6 +137,8 @@ void PositionLayer::Paint(Canvas& canvas, const MapView& view, const screens::Sc
     const screens::DisplayState& d = ctx.display;
     PointF p;
     if (!d.linkRunning || !d.fixValid || !ProjectToScreen(view, d.latitude, d.longitude, p))
+        return;
+    if (!MarkerInside(canvas, ctx, view.viewRect, Trunc(p.x), Trunc(p.y)))
         return;
     DrawMarker(canvas, ctx, MarkerFrame::Position, Trunc(p.x), Trunc(p.y));
 }
@@ -156,7 +186,8 @@ void MapOverlayLayer::Paint(Canvas& canvas, const MapView& view, const screens::
         }
     }
     if (view.mapMode != 0) {
-        if (!view.calibration.IsValid() || refs.activeReferenceCount < 2) {
+        if (!view.calibration.IsValid() ||
+            (!view.calibration.Georeferenced() && refs.activeReferenceCount < 2)) {
             DrawCentredMessage(canvas, view.viewRect, b,
                                common::LoadString(common::kStrSetTwoReferencePoints));
         } else if (d.linkRunning && model_.map.outsideMap != 0) {

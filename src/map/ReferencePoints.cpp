@@ -12,7 +12,38 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Strings.h"
+
 namespace satwalk::map {
+
+std::array<double, kReferenceSlotCount> ReferenceResiduals(const MapCalibration& calibration,
+                                                           const ReferencePoints& slots) {
+    std::array<double, kReferenceSlotCount> out;
+    for (int i = 0; i < kReferenceSlotCount; ++i) {
+        const GeoPoint& s = slots[static_cast<std::size_t>(i)];
+        out[static_cast<std::size_t>(i)] = std::nan("");
+        if (s.valid != 1 || !calibration.IsValid())
+            continue;
+        GeoPoint p = s;
+        ImageToGeo(calibration, p);
+        out[static_cast<std::size_t>(i)] =
+            GroundDistanceMetres(s.latitude, s.longitude, p.latitude, p.longitude);
+    }
+    return out;
+}
+
+std::string ResidualsText(const std::array<double, kReferenceSlotCount>& residuals) {
+    std::string text;
+    for (int i = 0; i < kReferenceSlotCount; ++i) {
+        const double r = residuals[static_cast<std::size_t>(i)];
+        if (!std::isfinite(r))
+            continue;
+        char part[48];
+        std::snprintf(part, sizeof part, "%s%d: %.1f", text.empty() ? "" : "  ", i + 1, r);
+        text += part;
+    }
+    return text.empty() ? text : common::LoadString(common::kStrResiduals) + text;
+}
 
 namespace {
 

@@ -121,6 +121,18 @@ void InsertGpsCoordinate(ReferenceDialogFields& fields, bool haveFix, double lat
 // The caption of the check box: string 40111 followed by " 1".." 5".
 std::string ActivateCheckBoxText(std::string_view activateText, int slot);
 
+// ----- residuals -----
+
+// How far, in metres, the calibration puts each active slot's pixel from
+// the place stated for it; NaN for an inactive slot or without a
+// calibration. A mistyped point stands out by its residual.
+std::array<double, kReferenceSlotCount> ReferenceResiduals(const MapCalibration& calibration,
+                                                           const ReferencePoints& slots);
+
+// The residuals as the reference-point dialog shows them under the fields:
+// "残差（米） 1: 0.4  2: 0.4  3: 125.3"; "" when no slot has one.
+std::string ResidualsText(const std::array<double, kReferenceSlotCount>& residuals);
+
 // ----- placing a point and confirming it -----
 
 // What the map holds while the user places and confirms reference points.

@@ -1,5 +1,7 @@
 #include "PoiFeature.h"
 
+#include <algorithm>
+
 #include "FileListing.h"
 #include "MapCommands.h"
 #include "MapFeature.h"
@@ -28,6 +30,7 @@ void PoiFeature::Register(shell::FeatureRegistry& registry) {
     registry.AddCommand(cmd::kImportPoi, shell::Command{[this](int) { Import(); }, {}});
     registry.AddCommand(cmd::kDeleteAllPoi, shell::Command{[this](int) {
                                                                DeleteAllPois(store_);
+                                                               indexStale_ = true;
                                                                shell_.Repaint();
                                                            },
                                                            {}});
@@ -46,6 +49,7 @@ void PoiFeature::Import() {
         browser::kBrowsePoi, common::LoadString(common::kStrOpenFile),
         [this](const browser::ChosenFile& file) {
             const PoiImport imported = ImportPoiFile(store_, file.path);
+            indexStale_ = true;
             if (!imported.read) {
                 shell_.ui().ShowMessage(common::LoadString(common::kStrOpenPoiFileFailed),
                                         shell::MessageIcon::Error, shell::MessageButtons::Ok);
@@ -81,6 +85,31 @@ void PoiFeature::WriteState(common::JsonMembers& members) const {
     out += "]}";
 }
 
+const PoiIndex& PoiFeature::index() const {
+    if (indexStale_) {
+        index_.Build(store_);
+        indexStale_ = false;
+    }
+    return index_;
+}
+
+PoiBoxProjection BoxProjectionOf(const map::MapView& view, const map::ScreenProjector& projector) {
+    if (view.mapMode != 0)
+        return {};
+    return [&projector](const PoiBox& box, ScreenBox& out) {
+        if (!(box.maxLongitude - box.minLongitude < 180.0))
+            return false;
+        map::PointF northWest, southEast;
+        if (!projector.Project(box.maxLatitude, box.minLongitude, northWest) ||
+            !projector.Project(box.minLatitude, box.maxLongitude, southEast) ||
+            northWest.x > southEast.x)
+            return false;
+        out = {northWest.x, std::min(northWest.y, southEast.y), southEast.x,
+               std::max(northWest.y, southEast.y)};
+        return true;
+    };
+}
+
 void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
                      const screens::ScreenContext& ctx, const gps::GpsState&) {
     if (showPoi_ == 0 || feature_.store().Empty())
@@ -100,7 +129,8 @@ void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
     style.textSize = ctx.baseTextHeight;
     // The frame is painted over the map afterwards: what lies beyond the
     // view is covered there.
-    DrawPois(canvas, feature_.store(), project, feature_.icons(), style);
+    DrawPois(canvas, feature_.store(), project, feature_.icons(), style, &feature_.index(),
+             BoxProjectionOf(view, projector));
 }
 
 void TiePoiToMap(PoiFeature& poi, const map::MapFeature& map, map::MapScreen& mapScreen,

@@ -43,6 +43,8 @@ class PoiFeature final : public shell::Feature {
     std::function<bool()> calibratedMapShown;
 
     const PoiStore& store() const { return store_; }
+    // The store's index for drawing, built again after the store changed.
+    const PoiIndex& index() const;
     // Null until the strip has been loaded.
     const screens::Bitmap* icons() const { return iconsLoaded_ ? &icons_ : nullptr; }
 
@@ -54,9 +56,18 @@ class PoiFeature final : public shell::Feature {
     browser::FileChooser& chooser_;
     std::unique_ptr<PoiPlatform> platform_;
     PoiStore store_;
+    mutable PoiIndex index_;
+    mutable bool indexStale_ = true;
     screens::Bitmap icons_;
     bool iconsLoaded_ = false;
 };
+
+// The screen box of a degree box in the view, for drawing through the
+// index: the world map projects longitude and latitude each on its own axis
+// and in order, so a box's corners bound its points (except across the
+// meridian opposite the view's centre). Empty for an image map, whose
+// points are projected one by one.
+PoiBoxProjection BoxProjectionOf(const map::MapView& view, const map::ScreenProjector& projector);
 
 // The layer on the map screen (LayerOrder::PointsOfInterest).
 class PoiLayer final : public map::MapLayer {

@@ -5,13 +5,14 @@
 // are in view, and only where they do not cover a name already drawn. So a
 // repaint costs one projection per point and at most one icon per cell,
 // and a world view of a million points is a carpet of icons, not one black
-// blob of labels.
+// blob of labels. With an index the cost is a walk of its branches instead.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 
 #include "Canvas.h"
+#include "PoiIndex.h"
 #include "PoiStore.h"
 
 namespace satwalk::poi {
@@ -38,8 +39,11 @@ struct PoiDrawCount {
 };
 
 // `icons` is the 496 × 16 icon strip, or null when it could not be loaded
-// (the labels are still drawn).
+// (the labels are still drawn). With an index of the store and a box
+// projection the same picture is drawn by walking the index (see
+// PoiIndex.h); without them every point is projected.
 PoiDrawCount DrawPois(screens::Canvas& canvas, const PoiStore& store, const PoiProjection& project,
-                      const screens::Bitmap* icons, const PoiDrawStyle& style = {});
+                      const screens::Bitmap* icons, const PoiDrawStyle& style = {},
+                      const PoiIndex* index = nullptr, const PoiBoxProjection& projectBox = {});
 
 }  // namespace satwalk::poi

@@ -24,8 +24,8 @@ inline constexpr Language kLanguages[] = {{"zh_CN", "中文"}, {"en", "English"}
 inline constexpr const char* kDefaultLanguage = "zh_CN";
 inline constexpr const char* kAutomaticLanguage = "auto";
 
-inline constexpr int kIdLanguageLabel = 1161;  // "语言:" in "选项"
-inline constexpr int kIdLanguageCombo = 1162;  // the languages, then "自动"
+inline constexpr int kIdLanguageLabel = 1163;  // "语言:" in "选项"
+inline constexpr int kIdLanguageCombo = 1164;  // the languages, then "自动"
 
 // True for a shipped language's code or "auto".
 bool IsLanguageChoice(std::string_view choice);

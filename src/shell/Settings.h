@@ -35,6 +35,10 @@ struct ProgramSettings {
     // (TrackGpxOption.h), named here once it is known.
     std::uint32_t saveGpxTrack = 0;
     std::string saveGpxTrackFile;
+    // Not in the record either: "界面缩放" (UiScale.h), 0 automatic or a
+    // percentage, and its file.
+    std::uint32_t uiScale = 0;
+    std::string uiScaleFile;
     // Not in the record either: the interface's language ("zh_CN", "en" or
     // "auto", LanguageOption.h) and its file, read at start-up.
     std::string language = "zh_CN";

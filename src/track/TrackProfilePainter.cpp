@@ -39,6 +39,15 @@ Rect ProfilePlotArea(Rect box, int textHeight) {
     return plot;
 }
 
+Rect ProfileCurveArea(Rect box, int textHeight) {
+    Rect curve = ProfilePlotArea(box, textHeight);
+    if (curve.Height() >= 4 * textHeight) {
+        curve.top += textHeight;
+        curve.bottom -= textHeight;
+    }
+    return curve;
+}
+
 void DrawTrackProfile(screens::Canvas& canvas, Rect box, std::span<const ProfileSample> samples,
                       ProfileKind kind, int units, int textHeight) {
     const screens::Font previous = canvas.SelectedFont();
@@ -73,14 +82,15 @@ void DrawTrackProfile(screens::Canvas& canvas, Rect box, std::span<const Profile
         high += 1;
     }
     const double total = samples.back().distance;
+    const Rect curve = ProfileCurveArea(box, textHeight);
     const double width = plot.Width() - 1;
-    const double height = plot.Height() - 1;
+    const double height = curve.Height() - 1;
     const auto x = [&](double distance) {
         return plot.left +
                static_cast<int>(std::lround(total > 0 ? distance / total * width : width / 2));
     };
     const auto y = [&](double v) {
-        return plot.bottom - 1 - static_cast<int>(std::lround((v - low) / (high - low) * height));
+        return curve.bottom - 1 - static_cast<int>(std::lround((v - low) / (high - low) * height));
     };
 
     // Runs of samples with values, each its own line (and, for elevations,
@@ -114,11 +124,12 @@ void DrawTrackProfile(screens::Canvas& canvas, Rect box, std::span<const Profile
     }
     flush();
 
-    const Rect labels{plot.left + 2, plot.top, plot.right - 2, plot.bottom};
-    canvas.DrawText(ValueText(high, kind, units), labels, screens::kTextLeft | screens::kTextTop,
-                    kLabel);
-    canvas.DrawText(ValueText(low, kind, units), labels, screens::kTextLeft | screens::kTextBottom,
-                    kLabel);
+    canvas.DrawText(ValueText(high, kind, units),
+                    Rect{plot.left + 2, plot.top, plot.right - 2, curve.top},
+                    screens::kTextLeft | screens::kTextVCenter, kLabel);
+    canvas.DrawText(ValueText(low, kind, units),
+                    Rect{plot.left + 2, curve.bottom, plot.right - 2, plot.bottom},
+                    screens::kTextLeft | screens::kTextVCenter, kLabel);
     canvas.DrawText(DistanceText(total, units),
                     Rect{box.left, plot.bottom + 1, box.right - 2, box.bottom},
                     screens::kTextRight | screens::kTextVCenter, kLabel);

@@ -15,6 +15,7 @@
 #include <regex>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 extern char** environ;
@@ -58,6 +59,30 @@ TEST(ProgramTest, HelpAndVersionNeedNoDisplay) {
     }
 }
 
+// A command line that cannot be read names what is wrong with exit status
+// 2, before any display is looked for; a display that cannot be opened is
+// said in one line with status 1, not Qt's abort.
+TEST(ProgramTest, CommandLineAndDisplayErrors) {
+    const std::tuple<const char*, const char*, int, const char*> cases[] = {
+        {"", "--bogus", 2, "satwalk: unknown option --bogus\n"},
+        {"", "--size 0x0", 2, "satwalk: --size 0x0: width and height must be positive\n"},
+        {"", "--size 20x9000", 2, "satwalk: --size 20x9000: width and height must be 16 to 8192\n"},
+        {"", "--dpi", 2, "satwalk: --dpi needs a value\n"},
+        {"", "--replay-rate -1", 2, "satwalk: --replay-rate -1: the rate must be above 0"},
+        {"", "-platform xcb map.png", 2, "satwalk: unexpected argument map.png\n"},
+        {"", "--size 100x100", 1, "satwalk: no display to open: neither DISPLAY nor"},
+        {"DISPLAY=:97", "--dpi 96", 1, "satwalk: cannot open the display :97\n"}};
+    for (const auto& [env, args, code, says] : cases) {
+        int status = -1;
+        const std::string err =
+            Capture(std::string("env -u DISPLAY -u WAYLAND_DISPLAY ") + env +
+                        " QT_QPA_PLATFORM=xcb '" SATWALK_BINARY "' " + args + " 2>&1 >/dev/null",
+                    status);
+        EXPECT_EQ(status, code) << args << "\n" << err;
+        EXPECT_EQ(err.rfind(says, 0), 0u) << args << "\n" << err;
+    }
+}
+
 // The README's list of command ids is the one the program prints.
 TEST(ProgramTest, ReadmeListsTheProgramsCommands) {
     int status = -1;
@@ -97,7 +122,7 @@ TEST(ProgramTest, HelpAndCommandListInTheLanguageOfTheRun) {
         {"--list-commands" + options, "", "| 40197 | Menu › Options | yes |", 0},
         {"--list-commands --language zh_CN" + options, "", "| 40197 | 菜单 › 选项 | yes |", 0},
         {"--help --language en", "", "  --language LANG ", 0},
-        {"--list-commands --language de", "", "usage: satwalk", 2},
+        {"--list-commands --language de", "", "--language de: choose zh_CN, en or auto", 2},
     };
     for (const auto& c : cases) {
         int status = -1;

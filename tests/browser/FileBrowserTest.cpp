@@ -110,6 +110,25 @@ TEST_F(FileBrowserTest, WalkingTheTree) {
     }
 }
 
+// The dialog hands presses, double clicks and typing to the navigator: a
+// double click on "sub" enters it and stays there; typing selects.
+TEST_F(FileBrowserTest, DoubleClickAndTyping) {
+    FileBrowser* b = Open(kBrowseMaps, Maps());
+    QTreeWidget* list = b->list();
+    const QPoint sub = list->visualItemRect(list->topLevelItem(6)).center();
+    // As a window system delivers it: a click, then the second press as a
+    // double click, and its release.
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, sub);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, sub);
+    QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, sub);
+    EXPECT_EQ(b->folder(), Maps() + "/sub");
+    EXPECT_EQ(Current(*b), "..");
+    b->GoUp();
+    QTest::keyClicks(list, "ma");
+    EXPECT_EQ(Current(*b), "MAP.Bmp");
+    EXPECT_FALSE(chosen_.has_value());
+}
+
 TEST_F(FileBrowserTest, AtTheRootNoWayUp) {
     FileBrowser* b = Open(kBrowseMaps, "/");
     EXPECT_NE(Current(*b), "..");

@@ -1,6 +1,10 @@
 // The POI feature through the shell's commands, and its map layer.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <random>
+
 #include "CommandIds.h"
 #include "FeatureFixture.h"
 #include "PoiCommands.h"
@@ -130,6 +134,78 @@ TEST_F(PoiFeatureTest, LayerDrawsWhereTheMapShowsThePoint) {
         ASSERT_TRUE(map::ProjectToScreen(c.view, 30.5, 120.5, at));
         const screens::Point icon{static_cast<int>(at.x) - 8, static_cast<int>(at.y) - 8};
         EXPECT_EQ(blits[0].to, icon) << "centred on the point";
+    }
+}
+
+// Drawing through the index shows exactly what projecting every point shows:
+// the same icons in the same order, the same names, the same counts; on
+// views across the meridian opposite their centre too.
+TEST(PoiIndexTest, DrawsWhatEveryPointProjectedDraws) {
+    const struct {
+        const char* what;
+        int points;
+        double latitude, longitude, spread;  // degrees around the view's centre
+        double scale;                        // of the world view
+    } cases[] = {{"dense, no names", 20000, 30.26, 120.14, 0.02, 0.5},
+                 {"few, with names", 150, 30.26, 120.14, 0.02, 0.5},
+                 {"half outside the view", 5000, 30.26, 120.14, 0.05, 0.5},
+                 {"across the far meridian", 5000, -16.5, 179.99, 0.05, 1},
+                 {"one place", 3000, 10, 10, 0, 2},
+                 {"the whole world", 5000, 0, 20, 180, 8000}};
+    const auto describe = [](const screens::RecordingCanvas& canvas) {
+        std::string out;
+        for (const CanvasCall& c : canvas.Calls()) {
+            out += std::to_string(static_cast<int>(c.kind)) + " " + std::to_string(c.to.x) + "," +
+                   std::to_string(c.to.y) + " " + std::to_string(c.rect.left) + "," +
+                   std::to_string(c.rect.top) + " " + c.text + "\n";
+        }
+        return out;
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::mt19937 rng(3);
+        std::uniform_real_distribution<double> unit(-1, 1);
+        PoiStore store;
+        for (int g = 0; g < 3; ++g) {
+            PoiGroup group;
+            group.category = static_cast<std::uint32_t>(g * 5);
+            for (int i = 0; i < c.points / 3; ++i) {
+                PoiRecord r{};
+                r.latitude = c.latitude + std::min(c.spread, 70.0) * unit(rng);
+                r.longitude = std::remainder(c.longitude + c.spread * unit(rng), 360.0);
+                std::snprintf(r.name, sizeof r.name, "P%d.%d", g, i);
+                group.points.Append(r);
+                if (g != 1)  // one group as a hand-built one, without positions
+                    group.positions.push_back({r.latitude, r.longitude});
+            }
+            store.Append(std::move(group));
+        }
+        map::MapView view;
+        view.viewRect = {0, 0, 480, 640};
+        view.viewScale = c.scale;
+        view.worldOrigin.longitude = c.longitude;
+        view.worldOrigin.screenX = 240;
+        view.worldOrigin.screenY =
+            320 + map::MercatorNorthing(c.latitude, view.viewScale, view.scaleBarPixels);
+        const map::ScreenProjector projector(view);
+        const PoiProjection project = [&projector](double lat, double lon, double& x, double& y) {
+            map::PointF p;
+            if (!projector.Project(lat, lon, p))
+                return false;
+            x = p.x;
+            y = p.y;
+            return true;
+        };
+        PoiIndex index;
+        index.Build(store);
+        const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
+        screens::RecordingCanvas each(view.viewRect), indexed(view.viewRect);
+        const PoiDrawCount a = DrawPois(each, store, project, &icons);
+        const PoiDrawCount b =
+            DrawPois(indexed, store, project, &icons, {}, &index, BoxProjectionOf(view, projector));
+        EXPECT_EQ(std::tuple(a.inView, a.icons, a.labels), std::tuple(b.inView, b.icons, b.labels));
+        EXPECT_GT(a.icons, 0u);
+        EXPECT_EQ(describe(each), describe(indexed));
     }
 }
 

@@ -47,8 +47,8 @@ TEST_F(ScriptRunTest, DialogsFitInEachLanguageAtBothPixelSets) {
 // the next start; Cancel writes nothing.
 TEST_F(ScriptRunTest, LanguageChosenInTheOptionsComesWithTheNextStart) {
     WriteScript(
-        "command 40197\nset 1162 1\nanswer cancel\nstate @/cancelled.json\n"
-        "command 40197\nset 1162 2\nanswer ok\nstate @/chosen.json\nquit\n");
+        "command 40197\nset 1164 1\nanswer cancel\nstate @/cancelled.json\n"
+        "command 40197\nset 1164 2\nanswer ok\nstate @/chosen.json\nquit\n");
     ASSERT_EQ(Run(), 0) << Read("stderr.txt");
     EXPECT_EQ(Read("cancelled.json").find("新的语言"), std::string::npos);
     ExpectHas("chosen.json", {"\"text\":\"新的语言在程序下次启动时生效。\"", "\"dialog\":null"});

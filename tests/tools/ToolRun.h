@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -26,7 +27,9 @@ struct ToolRun {
 
 // `args` go to the shell as they are (quoting, redirections).
 inline ToolRun Tool(const std::string& args) {
-    const std::string errFile = ::testing::TempDir() + "satwalk-tool.err";
+    // One file per process: ctest runs the tests side by side.
+    const std::string errFile =
+        ::testing::TempDir() + "satwalk-tool-" + std::to_string(::getpid()) + ".err";
     const std::string cmd = std::string(SATWALK_TOOL) + " " + args + " 2>" + errFile;
     ToolRun r{};
     FILE* p = ::popen(cmd.c_str(), "r");

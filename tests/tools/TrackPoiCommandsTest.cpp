@@ -44,4 +44,41 @@ TEST(PoiCommand, PrintsWhatTheImportStores) {
     EXPECT_EQ(Tool("poi /no/such.csv").status, 1);
 }
 
+// What the tool answers about itself and about a command line or file it
+// cannot use: status, and the start of what it says.
+TEST(ToolCommandLine, AnswersAndRefusals) {
+    const std::string comments = Write("Restaurant.csv", ";only a comment\r\n");
+    const std::string noWaypoints = Write("walk.gpx", "<gpx version=\"1.1\"><trk/></gpx>");
+    struct Case {
+        std::string args;
+        int status;
+        const char* out;
+        const char* err;
+    };
+    const Case cases[] = {
+        {"--version", 0, "satwalk-tool 0.", ""},
+        {"--help", 0, "usage: satwalk-tool COMMAND", ""},
+        {"bogus", 2, "", "satwalk-tool: unknown command bogus\n"},
+        {"poi " + comments, 1, "", "satwalk-tool poi: "},
+        {"poi " + noWaypoints, 1, "", "satwalk-tool poi: "},
+        {"poi --bogus", 2, "", "satwalk-tool poi: unknown option --bogus\n"},
+        {"poi", 2, "", "satwalk-tool poi: no FILE given\n"},
+    };
+    for (const Case& c : cases) {
+        const ToolRun r = Tool(c.args);
+        EXPECT_EQ(r.status, c.status) << c.args;
+        EXPECT_EQ(r.out.rfind(c.out, 0), 0u) << c.args << "\n" << r.out;
+        EXPECT_EQ(r.err.rfind(c.err, 0), 0u) << c.args << "\n" << r.err;
+        if (c.args.rfind("poi ", 0) == 0 && c.status == 1) {
+            EXPECT_NE(r.err.find(": holds no POI\n"), std::string::npos) << r.err;
+        }
+    }
+    // --help lists every command with its options.
+    const std::string help = Tool("--help").out;
+    for (const char* option :
+         {"decode [--batch N]", "--sync-every K", "replay FILE", "--loop", "log --port SOURCE",
+          "--record DIR", "map --rpt FILE", "--to-geo", "track FILE", "--stats", "poi FILE"})
+        EXPECT_NE(help.find(option), std::string::npos) << option;
+}
+
 }  // namespace

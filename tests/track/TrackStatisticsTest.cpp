@@ -100,17 +100,22 @@ TEST(TrackProfile, CurvesFillTheirBoxInEveryShape) {
             screens::RecordingCanvas canvas(screens::Rect{0, 0, 800, 800});
             DrawTrackProfile(canvas, c.box, samples, kind, 0, c.text);
             const screens::Rect plot = ProfilePlotArea(c.box, c.text);
+            const screens::Rect curve = ProfileCurveArea(c.box, c.text);
             const auto lines = canvas.OfKind(screens::CanvasCall::Kind::Polyline);
             ASSERT_EQ(lines.size(), 2u);  // the gap breaks the curve
             const screens::Point first = lines[0].points.front();
             const screens::Point last = lines[1].points.back();
             EXPECT_EQ(std::tuple(first.x, last.x), std::tuple(plot.left, plot.right - 1));
+            // The curve keeps out of the value labels' bands.
             for (const auto& line : lines)
                 for (const screens::Point p : line.points)
-                    EXPECT_TRUE(p.y >= plot.top && p.y < plot.bottom) << p.y;
+                    EXPECT_TRUE(p.y >= curve.top && p.y < curve.bottom) << p.y;
+            for (const auto& text : canvas.OfKind(screens::CanvasCall::Kind::Text))
+                EXPECT_TRUE(text.rect.bottom <= curve.top || text.rect.top >= curve.bottom)
+                    << text.text;
             if (kind == ProfileKind::Elevation) {
                 // The highest point at the top.
-                EXPECT_EQ(std::tuple(last.y, first.y), std::tuple(plot.top, plot.bottom - 1));
+                EXPECT_EQ(std::tuple(last.y, first.y), std::tuple(curve.top, curve.bottom - 1));
                 EXPECT_NE(canvas.FindText("200 m"), nullptr);
             } else {
                 EXPECT_NE(canvas.FindText("0.0 km/h"), nullptr);  // speeds from zero

@@ -8,7 +8,10 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMimeDatabase>
+#include <QMouseEvent>
 #include <QPainter>
+#include <QPointingDevice>
+#include <QSignalBlocker>
 #include <QStandardPaths>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -126,6 +129,13 @@ FileBrowser::FileBrowser(shell::qt::DialogStack& stack, int mode, const QString&
                          const std::string& folder)
     : FullScreenDialog(stack, kFileBrowserDialog, title),
       mode_(mode),
+      nav_(mode,
+           [](const std::string& path) {
+               QApplication::setOverrideCursor(Qt::WaitCursor);
+               std::vector<DirEntry> entries = ReadDirectory(path).entries;
+               QApplication::restoreOverrideCursor();
+               return entries;
+           }),
       folderLabel_(new PathLabel(body())),
       list_(new QTreeWidget(body())) {
     const int b = baseTextHeight();
@@ -157,11 +167,16 @@ FileBrowser::FileBrowser(shell::qt::DialogStack& stack, int mode, const QString&
                        "QTreeWidget::item:selected { background: rgb(34,89,172); color: white; }")
             .arg(std::max(1, b / 10)));
     list_->installEventFilter(this);
+    list_->viewport()->installEventFilter(this);
     AddControl(kFileList, shell::ControlKind::List, list_);
     layout->addWidget(list_, 1);
-    // A tap opens the row, as on the handheld; Enter opens the selected one.
-    connect(list_, &QTreeWidget::itemClicked, this,
-            [this](QTreeWidgetItem* item) { Activate(list_->indexOfTopLevelItem(item)); });
+    // Presses and clicks go to the navigator (the event filter); the arrow
+    // keys stay the list's, and the row they reach is the selection.
+    connect(list_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+        const int row = list_->indexOfTopLevelItem(item);
+        if (row >= 0)
+            nav_.Select(static_cast<std::size_t>(row));
+    });
 
     auto* filter = new QLabel(FromUtf8(std::string(FilterCaption(mode))), body());
     AddControl(kFilterLabel, shell::ControlKind::Label, filter);
@@ -171,59 +186,62 @@ FileBrowser::FileBrowser(shell::qt::DialogStack& stack, int mode, const QString&
                  common::kStrUp},
                 {QString::fromUtf8(common::LoadString(common::kStrCancel)), [this] { Reject(); },
                  true, common::kStrCancel});
+    typing_.start();
     ListFolder(folder.empty() ? std::string("/") : folder);
 }
 
 void FileBrowser::ListFolder(const std::string& folder, const std::string& cameFrom) {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    folder_ = folder;
-    LastFolder() = folder;
-    rows_ = BuildListing(mode_, folder, ReadDirectory(folder).entries);
-    folderLabel_->setText(FromUtf8(SafeDisplayName(folder)));
-
-    list_->setUpdatesEnabled(false);
-    list_->clear();
-    QList<QTreeWidgetItem*> items;
-    items.reserve(static_cast<qsizetype>(rows_.size()));
-    for (const ListingRow& row : rows_) {
-        auto* item = new QTreeWidgetItem;
-        item->setText(0, FromUtf8(row.displayName));
-        item->setText(1, FromUtf8(row.sizeText));
-        item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
-        // ".." wears the icon of the folder it stands in.
-        item->setIcon(0, Icons().For(row.isUp ? folder : ChildPath(folder, row.name), row.isFolder,
-                                     list_->iconSize().width()));
-        items << item;
-    }
-    list_->addTopLevelItems(items);
-    list_->setUpdatesEnabled(true);
-    if (!rows_.empty()) {
-        QTreeWidgetItem* current =
-            list_->topLevelItem(static_cast<int>(InitialRow(rows_, cameFrom)));
-        list_->setCurrentItem(current);
-        list_->scrollToItem(current);
-    }
-    SetSoftKeyEnabled(0, !IsRoot(folder));
-    QApplication::restoreOverrideCursor();
+    nav_.List(folder, cameFrom);
+    Show();
 }
 
 void FileBrowser::GoUp() {
-    if (IsRoot(folder_))
-        return;
-    const std::string left(FolderName(folder_));
-    ListFolder(ParentFolder(folder_), left);
+    nav_.GoUp();
+    Show();
 }
 
 void FileBrowser::Activate(int row) {
-    if (row < 0 || static_cast<std::size_t>(row) >= rows_.size())
-        return;
-    const ListingRow chosen = rows_[static_cast<std::size_t>(row)];
-    if (chosen.isUp) {
-        GoUp();
-    } else if (chosen.isFolder) {
-        ListFolder(ChildPath(folder_, chosen.name));
-    } else {
-        chosenPath_ = ChildPath(folder_, chosen.name);
+    if (row >= 0)
+        nav_.Open(static_cast<std::size_t>(row));
+    Show();
+}
+
+void FileBrowser::Show() {
+    const std::vector<ListingRow>& rows = nav_.rows();
+    const std::string& shown = nav_.folder();
+    if (shownListing_ != nav_.listings()) {
+        shownListing_ = nav_.listings();
+        LastFolder() = shown;
+        folderLabel_->setText(FromUtf8(SafeDisplayName(shown)));
+        const QSignalBlocker quiet(list_);
+        list_->setUpdatesEnabled(false);
+        list_->clear();
+        QList<QTreeWidgetItem*> items;
+        items.reserve(static_cast<qsizetype>(rows.size()));
+        for (const ListingRow& row : rows) {
+            auto* item = new QTreeWidgetItem;
+            item->setText(0, FromUtf8(row.displayName));
+            item->setText(1, FromUtf8(row.sizeText));
+            item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+            // ".." wears the icon of the folder it stands in.
+            item->setIcon(0, Icons().For(row.isUp ? shown : ChildPath(shown, row.name),
+                                         row.isFolder, list_->iconSize().width()));
+            items << item;
+        }
+        list_->addTopLevelItems(items);
+        list_->setUpdatesEnabled(true);
+        SetSoftKeyEnabled(0, !IsRoot(shown));
+    }
+    if (nav_.selected() < rows.size()) {
+        QTreeWidgetItem* current = list_->topLevelItem(static_cast<int>(nav_.selected()));
+        if (list_->currentItem() != current) {
+            const QSignalBlocker quiet(list_);
+            list_->setCurrentItem(current);
+        }
+        list_->scrollToItem(current);
+    }
+    if (nav_.chosen() && chosenPath_.empty()) {
+        chosenPath_ = *nav_.chosen();
         Accept();
     }
 }
@@ -242,35 +260,60 @@ bool FileBrowser::Choose(const std::string& path, std::string& error) {
         return false;
     }
     ListFolder(ParentFolder(full), name);
-    const auto it = std::find_if(rows_.begin(), rows_.end(), [&](const ListingRow& row) {
+    const std::vector<ListingRow>& rows = nav_.rows();
+    const auto it = std::find_if(rows.begin(), rows.end(), [&](const ListingRow& row) {
         return !row.isUp && row.name == name;
     });
-    if (it == rows_.end()) {
+    if (it == rows.end()) {
         error = "the file browser does not list " + full;
         return false;
     }
-    Activate(static_cast<int>(it - rows_.begin()));
+    Activate(static_cast<int>(it - rows.begin()));
     return true;
 }
 
 void FileBrowser::WriteExtraState(common::JsonMembers& members) const {
     members.Int("mode", mode_);
-    members.Text("folder", folder_);
+    const std::vector<ListingRow>& rows = nav_.rows();
+    members.Text("folder", nav_.folder());
     members.Text("filter", FilterCaption(mode_));
     std::string& out = members.Name("rows");
     out += '[';
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
         out += i > 0 ? ",{" : "{";
         common::JsonMembers row(out);
-        row.Text("name", rows_[i].name);
-        row.Text("sizeText", rows_[i].sizeText);
-        row.Bool("isFolder", rows_[i].isFolder);
+        row.Text("name", rows[i].name);
+        row.Text("sizeText", rows[i].sizeText);
+        row.Bool("isFolder", rows[i].isFolder);
         out += '}';
     }
     out += ']';
 }
 
 bool FileBrowser::eventFilter(QObject* watched, QEvent* event) {
+    // Presses and releases on the rows: a finger or stylus on the screen
+    // comes as a mouse event from a touch device.
+    const QEvent::Type type = event->type();
+    if (watched == list_->viewport() &&
+        (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick ||
+         type == QEvent::MouseButtonRelease)) {
+        auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->button() != Qt::LeftButton)
+            return true;
+        const QModelIndex index = list_->indexAt(mouse->position().toPoint());
+        const std::size_t row = index.isValid() ? static_cast<std::size_t>(index.row()) : kNoRow;
+        const Pointer pointer =
+            mouse->pointingDevice() != nullptr &&
+                    mouse->pointingDevice()->type() != QInputDevice::DeviceType::Mouse
+                ? Pointer::Touch
+                : Pointer::Mouse;
+        if (type == QEvent::MouseButtonRelease)
+            nav_.Release(row);
+        else
+            nav_.Press(row, pointer, type == QEvent::MouseButtonDblClick);
+        Show();
+        return true;
+    }
     // The list has the keys: Enter opens the selected row, and the Back key
     // is the dialog's (below), not the list's.
     if (watched == list_ && event->type() == QEvent::KeyPress) {
@@ -281,6 +324,16 @@ bool FileBrowser::eventFilter(QObject* watched, QEvent* event) {
         }
         if (IsBackKey(key->key())) {
             keyPressEvent(key);
+            return true;
+        }
+        // Letters select the first name they begin.
+        const QString text = key->text();
+        const bool typed =
+            !text.isEmpty() && text.at(0).isPrint() &&
+            !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        if (typed) {
+            nav_.Type(text.toStdString(), typing_.elapsed());
+            Show();
             return true;
         }
     }

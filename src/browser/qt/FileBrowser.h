@@ -3,9 +3,11 @@
 // or POI file. The current folder across the top (40023), the list of its
 // folders and the mode's files with their icons and sizes (40026), the
 // mode's filter caption across the bottom (40024); the soft keys "向上"
-// (up, greyed at the root) and "取消". A tap on a row or Enter opens it:
-// ".." and "向上" go up, Back (or Escape, on its release) goes up too
-// unless at the root, a folder is entered, a file is chosen.
+// (up, greyed at the root) and "取消". A tap or click on a row or Enter opens
+// it: ".." and "向上" go up, Back (Backspace, Escape, on their release) goes
+// up too unless at the root, a folder is entered, a file is chosen. A mouse
+// double click opens the row of its first click only; typing a name's first
+// letters selects it. The rules are BrowserNavigator's.
 //
 //   browser::qt::ChooseFile(window.dialogs(), browser::kBrowseMaps, 40118,
 //                           [this](const std::string& path) { LoadMap(path); });
@@ -15,10 +17,14 @@
 // `sizeText`, `isFolder`).
 #pragma once
 
+#include <QElapsedTimer>
+
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "BrowserNavigator.h"
 #include "Dialogs.h"
 #include "FileListing.h"
 
@@ -46,10 +52,10 @@ class FileBrowser final : public shell::qt::FullScreenDialog {
     // Opens row `row`: up, into a folder, or chooses a file.
     void Activate(int row);
 
-    const std::string& folder() const { return folder_; }
+    const std::string& folder() const { return nav_.folder(); }
     // The file chosen: set when the dialog ends with Ok.
     const std::string& chosenPath() const { return chosenPath_; }
-    const std::vector<ListingRow>& rows() const { return rows_; }
+    const std::vector<ListingRow>& rows() const { return nav_.rows(); }
     int currentRow() const;
     QTreeWidget* list() const { return list_; }
 
@@ -62,10 +68,15 @@ class FileBrowser final : public shell::qt::FullScreenDialog {
     void keyReleaseEvent(QKeyEvent* event) override;
 
   private:
+    // Shows what the navigator holds: the listing when it is new, the
+    // selection, and the end of the dialog once a file is chosen.
+    void Show();
+
     int mode_;
-    std::string folder_;
+    BrowserNavigator nav_;
+    std::uint64_t shownListing_ = 0;
     std::string chosenPath_;
-    std::vector<ListingRow> rows_;
+    QElapsedTimer typing_;
     QLabel* folderLabel_;
     QTreeWidget* list_;
 };

@@ -16,7 +16,7 @@ namespace {
 
 bool IsMapFormat(const QByteArray& format) {
     return format == "bmp" || format == "jpeg" || format == "jpg" || format == "gif" ||
-           format == "png";
+           format == "png" || format == "tiff";  // TIFF for GeoTIFF maps
 }
 
 bool WithinBudget(std::int64_t width, std::int64_t height) {

@@ -87,7 +87,7 @@ void QtMapPlatform::EditReferencePoint(
             return ReferenceFix{d.linkRunning && d.fixValid, d.latitude, d.longitude};
         },
         [done](const ReferenceDialogFields& fields) { done(true, fields); },
-        [done] { done(false, {}); });
+        [done] { done(false, {}); }, residuals_);
 }
 
 bool QtMapPlatform::ShowHoldMenu(int x, int y, std::function<void(int command)> chosen,

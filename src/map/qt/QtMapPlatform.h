@@ -53,6 +53,7 @@ class QtMapPlatform final : public MapPlatform {
     void EditReferencePoint(
         int slot, const GeoPoint& point,
         std::function<void(bool ok, const ReferenceDialogFields& fields)> done) override;
+    void SetReferenceResiduals(const std::string& text) override { residuals_ = text; }
     bool ShowHoldMenu(int x, int y, std::function<void(int command)> chosen,
                       std::function<void()> closed) override;
 
@@ -69,6 +70,7 @@ class QtMapPlatform final : public MapPlatform {
     QTimer hold_;
     std::function<void()> repeatExpired_;
     std::function<void()> holdExpired_;
+    std::string residuals_;
 };
 
 // The map feature on `window`, with the program's dialogs.

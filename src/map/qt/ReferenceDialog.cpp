@@ -101,7 +101,8 @@ ReferenceDialog::ReferenceDialog(shell::qt::DialogStack& stack, int slot, const 
         groups_->addWidget(group, 1);
     }
     layout->addLayout(groups_);
-    layout->addWidget(AddLabel(1121, QString()));
+    status_ = AddLabel(1121, QString());
+    layout->addWidget(status_);
     layout->addStretch(1);
 
     setStyleSheet(styleSheet() +
@@ -156,6 +157,10 @@ void ReferenceDialog::InsertCurrentCoordinate() {
     SetFields(f);
 }
 
+void ReferenceDialog::SetResiduals(const std::string& text) {
+    status_->setText(FromStd(text));
+}
+
 void ReferenceDialog::EnableFields(bool enabled) {
     for (int h = 0; h < 2; ++h) {
         hemisphere_[h]->setEnabled(enabled);
@@ -173,8 +178,9 @@ ReferenceDialog* OpenReferencePointDialog(
     shell::qt::DialogStack& stack, int slot, const GeoPoint& point,
     std::function<ReferenceFix()> currentFix,
     std::function<void(const ReferenceDialogFields& fields)> confirmed,
-    std::function<void()> cancelled) {
+    std::function<void()> cancelled, const std::string& residuals) {
     auto* dialog = new ReferenceDialog(stack, slot, point, std::move(currentFix));
+    dialog->SetResiduals(residuals);
     dialog->onFinished = [dialog, confirmed = std::move(confirmed),
                           cancelled = std::move(cancelled)](shell::qt::DialogResult result) {
         if (result == shell::qt::DialogResult::Ok) {

@@ -17,7 +17,8 @@
 //
 // Controls for `set`: 1013 the check box, 1010 and 1011 the hemisphere lists
 // (0 north/east, 1 south/west), 1003-1005 the latitude's degrees, minutes and
-// seconds, 1007-1009 the longitude's; 1121 an empty status line.
+// seconds, 1007-1009 the longitude's; 1121 the status line, which shows each
+// active point's residual in metres when the map is calibrated.
 #pragma once
 
 #include <functional>
@@ -26,6 +27,7 @@
 #include "ReferencePoints.h"
 
 class QBoxLayout;
+class QLabel;
 
 namespace satwalk::map::qt {
 
@@ -51,6 +53,8 @@ class ReferenceDialog final : public shell::qt::FullScreenDialog {
     void SetFields(const ReferenceDialogFields& fields);
     // "插入当前GPS座标".
     void InsertCurrentCoordinate();
+    // The status line under the fields: every point's residual in metres.
+    void SetResiduals(const std::string& text);
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -63,6 +67,7 @@ class ReferenceDialog final : public shell::qt::FullScreenDialog {
     QComboBox* hemisphere_[2];  // latitude, longitude
     QLineEdit* edits_[2][3];    // latitude, longitude x degrees, minutes, seconds
     QBoxLayout* groups_;
+    QLabel* status_;
 };
 
 // Opens the dialog over the window. `confirmed` gets the fields on OK,
@@ -72,6 +77,6 @@ ReferenceDialog* OpenReferencePointDialog(
     shell::qt::DialogStack& stack, int slot, const GeoPoint& point,
     std::function<ReferenceFix()> currentFix,
     std::function<void(const ReferenceDialogFields& fields)> confirmed,
-    std::function<void()> cancelled = {});
+    std::function<void()> cancelled = {}, const std::string& residuals = {});
 
 }  // namespace satwalk::map::qt

@@ -4,6 +4,8 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPolygon>
+#include <algorithm>
+#include <cmath>
 #include <map>
 #include <utility>
 
@@ -138,9 +140,17 @@ const QImage& ScreenBitmaps::Keyed(BitmapId id, Colour key) const {
 
 // ---- canvas ------------------------------------------------------------------
 
+QSize LogicalImageSize(const QImage& image) {
+    const QSizeF size = image.deviceIndependentSize();
+    return QSize(static_cast<int>(size.width()), static_cast<int>(size.height()));
+}
+
 QtCanvas::QtCanvas(QImage& target, const ScreenBitmaps& bitmaps)
     : target_(target), bitmaps_(bitmaps), painter_(&target) {
-    painter_.setClipRect(target.rect());
+    painter_.setClipRect(QRect(QPoint(0, 0), LogicalImageSize(target)));
+    // Drawn larger than their pixels ("界面缩放"), the bitmaps are smoothed.
+    if (target.devicePixelRatio() != 1.0)
+        painter_.setRenderHint(QPainter::SmoothPixmapTransform);
 }
 
 QtCanvas::~QtCanvas() {
@@ -148,7 +158,8 @@ QtCanvas::~QtCanvas() {
 }
 
 Rect QtCanvas::Bounds() const {
-    return Rect{0, 0, target_.width(), target_.height()};
+    const QSize size = LogicalImageSize(target_);
+    return Rect{0, 0, size.width(), size.height()};
 }
 
 void QtCanvas::ApplyPen(Pen pen) {
@@ -294,8 +305,12 @@ void PrepareScreenContext(ScreenContext& ctx, int width, int height, int dpi,
 void RenderCurrentScreen(QImage& image, ScreenContext& ctx, const gps::GpsState& gps,
                          const ScreenBitmaps& bitmaps) {
     const int w = std::max(ctx.frame.Width(), 1), h = std::max(ctx.frame.Height(), 1);
-    if (image.width() != w || image.height() != h || image.format() != QImage::Format_RGB32) {
-        image = QImage(w, h, QImage::Format_RGB32);
+    if (LogicalImageSize(image) != QSize(w, h) || image.format() != QImage::Format_RGB32) {
+        // A picture drawn larger keeps its ratio of device pixels.
+        const qreal ratio = image.isNull() ? 1.0 : image.devicePixelRatio();
+        image = QImage(static_cast<int>(std::ceil(w * ratio)),
+                       static_cast<int>(std::ceil(h * ratio)), QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
     }
     QtCanvas canvas(image, bitmaps);
     PaintCurrentScreen(canvas, ctx, gps);

@@ -84,6 +84,10 @@ class QtCanvas final : public Canvas {
 
 namespace satwalk::screens {
 
+// The size of a picture in the pixels it is painted in: its device pixels
+// over its device pixel ratio, which "界面缩放" sets.
+QSize LogicalImageSize(const QImage& image);
+
 // Sets up a context for a screen of width × height pixels at `dpi`: the base
 // text height, the layout measured with the real fonts and the bitmap
 // handles of the matching set. The caller sets the rest (screen, units, ...).

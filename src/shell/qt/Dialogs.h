@@ -178,6 +178,8 @@ class DialogStack final : public Feature {
     void SetArea(QRect area);
     QWidget& window() const { return window_; }
     int baseTextHeight() const { return baseTextHeight_; }
+    // "界面缩放" changed: the dialogs opened from now on take this height.
+    void SetBaseTextHeight(int height) { baseTextHeight_ = height; }
 
     // Where keys go while a dialog is open (its focused control), or null.
     QWidget* KeyTarget() const;

@@ -5,11 +5,14 @@
 #include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QStandardPaths>
 #include <QStorageInfo>
+#include <QStyle>
 
 #include <algorithm>
+#include <iterator>
 
 #include "LanguageOption.h"
 #include "OptionsFeature.h"
@@ -18,6 +21,7 @@
 #include "Shell.h"
 #include "Strings.h"
 #include "TrackGpxOption.h"
+#include "UiScale.h"
 
 namespace satwalk::shell::qt {
 
@@ -66,6 +70,15 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
     languages << Text(common::kStrLanguageAutomatic);
     language_ = AddList(kIdLanguageCombo, languages);
     relayAddress_ = AddEdit(kIdRelayAddress);
+    uiScaleLabel_ =
+        AddLabel(kIdUiScaleLabel, QString::fromUtf8(common::LoadString(common::kStrUiScaleOption)));
+    QStringList scales;
+    for (const std::uint32_t choice : kUiScaleChoices) {
+        scales << (choice == kUiScaleAuto
+                       ? QString::fromUtf8(common::LoadString(common::kStrUiScaleAuto))
+                       : QStringLiteral("%1 %").arg(choice));
+    }
+    uiScale_ = AddList(kIdUiScale, scales);
     relayAddress_->setFont(regular);
     relayAddress_->setPlaceholderText(QString::fromUtf8(link::kRelayDefaultAddress));
 
@@ -82,6 +95,8 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
         c->setStyleSheet(boxStyle);
     }
     storage_->setFont(regular);
+    uiScaleLabel_->setFont(regular);
+    uiScale_->setFont(regular);
     languageLabel_->setFont(regular);
     languageLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     language_->setFont(regular);
@@ -110,7 +125,19 @@ OptionsWidget::OptionsWidget(DialogStack& stack)
         if (!syncing_ && onStorage)
             onStorage(index);
     });
-    // The controls sit where the layout puts them, at every size.
+    // The controls sit where the layout puts them, at every size, on a page
+    // that scrolls when the screen is shorter than they need.
+    scroll_ = new QScrollArea(body());
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    content_ = new QWidget;
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             heading_, autoBluetooth_, keepAwake_, recordNmea_, storageLabel_, storage_,
+             allTalkers_, saveGpxTrack_, relay_, relayAddress_, uiScaleLabel_, uiScale_,
+             languageLabel_, language_})
+        w->setParent(content_);
+    scroll_->setWidget(content_);
     body()->installEventFilter(this);
 }
 
@@ -121,7 +148,15 @@ bool OptionsWidget::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void OptionsWidget::LayOut() {
-    const OptionsLayout l = LayOutOptionsDialog(body()->width(), baseTextHeight());
+    scroll_->setGeometry(body()->rect());
+    LayOutRows(body()->width());
+    // Taller than the screen: the rows leave room for the scroll bar.
+    if (content_->height() > body()->height())
+        LayOutRows(body()->width() - scroll_->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+}
+
+void OptionsWidget::LayOutRows(int width) {
+    const OptionsLayout l = LayOutOptionsDialog(width, baseTextHeight());
     heading_->setGeometry(ToQRect(l.heading));
     autoBluetooth_->setGeometry(ToQRect(l.autoBluetooth));
     keepAwake_->setGeometry(ToQRect(l.keepAwake));
@@ -135,8 +170,17 @@ void OptionsWidget::LayOut() {
     language_->setGeometry(ToQRect(l.language));
     // The GPX option below the relay's address, a step as between the boxes.
     const int gap = baseTextHeight() / 3;
-    saveGpxTrack_->setGeometry(
-        ToQRect(l.allTalkers).translated(0, l.relayAddress.bottom + gap - l.allTalkers.top));
+    const QRect gpx =
+        ToQRect(l.allTalkers).translated(0, l.relayAddress.bottom + gap - l.allTalkers.top);
+    saveGpxTrack_->setGeometry(gpx);
+    // "界面缩放" and its list share the next row, as the relay's do.
+    const QRect scale = gpx.translated(0, gpx.height() + gap);
+    const int split = ToQRect(l.relay).width();
+    uiScaleLabel_->setGeometry(scale.adjusted(0, 0, split - scale.width(), 0));
+    uiScale_->setGeometry(scale.adjusted(split, 0, 0, 0));
+    // Where the screen ends before the last row (a small landscape one), the
+    // rows scroll.
+    content_->resize(width, std::max(scale.bottom() + 1 + gap, body()->height()));
 }
 
 void OptionsWidget::Sync(const OptionsDialog& d) {
@@ -193,12 +237,18 @@ class DialogView final : public OptionsView {
         widget_->onCheck = [f](int id, bool checked) { f->SetCheck(id, checked); };
         widget_->onStorage = [f](int index) { f->SelectStorage(index); };
         widget_->saveGpxTrack()->setChecked(shell_.settings().saveGpxTrack != 0);
-        widget_->language()->setCurrentIndex(LanguageIndex(shell_.settings().language));
+        for (int i = 0; i < static_cast<int>(std::size(kUiScaleChoices)); ++i) {
+            if (kUiScaleChoices[i] == shell_.settings().uiScale)
+                widget_->uiScale()->setCurrentIndex(i);
+        }
         widget_->onRelayAddress = [f](const std::string& a) { f->SetRelayAddress(a); };
+        widget_->language()->setCurrentIndex(LanguageIndex(shell_.settings().language));
         widget_->onFinished = [this, f](DialogResult result) {
             const int language = widget_->language()->currentIndex();
-            if (result == DialogResult::Ok)
+            if (result == DialogResult::Ok) {
                 SaveGpxTrackOption(widget_->saveGpxTrack()->isChecked());
+                SaveUiScaleOption(widget_->uiScale()->currentIndex());
+            }
             widget_ = nullptr;
             if (result == DialogResult::Ok)
                 f->Ok();
@@ -252,6 +302,19 @@ class DialogView final : public OptionsView {
             SaveLanguageOption(s.languageFile, choice);
         shell_.ui().ShowMessage(common::LoadString(common::kStrLanguageNextStart),
                                 MessageIcon::Information, MessageButtons::Ok);
+    }
+
+    // Taken at OK into its own file; the window takes it at the repaint
+    // that follows.
+    void SaveUiScaleOption(int index) {
+        if (index < 0 || index >= static_cast<int>(std::size(kUiScaleChoices)))
+            return;
+        ProgramSettings& s = shell_.settings();
+        if (s.uiScale == kUiScaleChoices[index])
+            return;
+        s.uiScale = kUiScaleChoices[index];
+        if (!s.uiScaleFile.empty())
+            SaveUiScale(s.uiScaleFile, s.uiScale);
     }
 
     DialogStack& stack_;

@@ -17,6 +17,7 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QScrollArea;
 
 namespace satwalk::shell {
 class Shell;
@@ -33,6 +34,8 @@ class OptionsWidget final : public FullScreenDialog {
 
     // "同时保存 GPX 轨迹": not in the options model; the feature reads it at OK.
     QCheckBox* saveGpxTrack() const { return saveGpxTrack_; }
+    // "界面缩放" (kUiScaleChoices in its order): not in the model either.
+    QComboBox* uiScale() const { return uiScale_; }
     // "语言": not in the options model either; the languages in the order of
     // kLanguages, then "自动".
     QComboBox* language() const { return language_; }
@@ -46,6 +49,7 @@ class OptionsWidget final : public FullScreenDialog {
 
   private:
     void LayOut();
+    void LayOutRows(int width);
 
     QLabel* heading_;
     QCheckBox* autoBluetooth_;
@@ -55,6 +59,10 @@ class OptionsWidget final : public FullScreenDialog {
     QComboBox* storage_;
     QCheckBox* allTalkers_;
     QCheckBox* saveGpxTrack_;
+    QLabel* uiScaleLabel_;
+    QComboBox* uiScale_;
+    QScrollArea* scroll_;
+    QWidget* content_;
     QCheckBox* relay_;
     QLineEdit* relayAddress_;
     QLabel* languageLabel_;

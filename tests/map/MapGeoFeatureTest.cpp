@@ -1,0 +1,139 @@
+// Georeferenced maps in the map feature, with the platform faked and the
+// files beside the image written by the test: a world file calibrates, a
+// broken one keeps the map shown before, the user's points take over only
+// once they calibrate, and "关闭地图" goes back to the world.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "CommandIds.h"
+#include "FakeMapPlatform.h"
+#include "FakeShellParts.h"
+#include "MapCommands.h"
+#include "Screens.h"
+#include "Shell.h"
+#include "StateJson.h"
+
+namespace satwalk::map {
+namespace {
+
+namespace fs = std::filesystem;
+
+class MapGeoFeatureTest : public ::testing::Test {
+  protected:
+    MapGeoFeatureTest() : shell(settings, link, ui, sound, nullptr) {
+        root = fs::temp_directory_path() / ("satwalk-map-geo-" + std::to_string(::getpid()));
+        fs::remove_all(root);
+        fs::create_directories(root / "maps");
+        settings.storageRoot = root.string();
+        shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
+        auto fake = std::make_unique<test::FakeMapPlatform>();
+        platform = fake.get();
+        utm = (root / "maps/utm.png").string();
+        broken = (root / "maps/broken.png").string();
+        platform->images[utm] = platform->images[broken] = {1000, 800};
+        Write("utm.pgw", "25\n0\n0\n-25\n210012.5\n3352987.5\n");
+        Write("utm.prj", "EPSG:32651");
+        Write("broken.pgw", "0\n0\n0\n0\n210012.5\n3352987.5\n");
+        ctx.screen = {0, 0, 480, 560};
+        ctx.frame = {0, 0, 480, 640};
+        ctx.mapView.view = ctx.screen;
+        feature = std::make_unique<MapFeature>(shell, ctx, mapScreen, std::move(fake));
+        shell.features().Add(*feature);
+    }
+    ~MapGeoFeatureTest() override { fs::remove_all(root); }
+
+    void Write(const char* name, const char* text) {
+        std::ofstream(root / "maps" / name, std::ios::binary) << text;
+    }
+    void Load(const std::string& path) {
+        platform->chosenFile = path;
+        shell.OnCommand(cmd::kLoadMap);
+        mapScreen.viewSource(ctx);
+    }
+    std::string State() const { return shell::BuildStateJson(shell, {}); }
+    void Place(int slot, const char* latitude, const char* longitude, int at) {
+        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
+        platform->answerFields = [=](ReferenceDialogFields& f) {
+            f.active = true;
+            f.latitude = {latitude, "0", "0"};
+            f.longitude = {longitude, "0", "0"};
+        };
+        shell.features().NotifyStylusDown(at, at);
+        shell.features().NotifyStylusUp(at, at);
+        shell.OnCommand(shell::cmd::kLeftSoftKey);
+    }
+
+    fs::path root;
+    std::string utm, broken;
+    shell::ProgramSettings settings;
+    shell::testing::FakeLink link;
+    shell::testing::FakeUi ui;
+    shell::testing::FakeSound sound;
+    shell::Shell shell;
+    screens::ScreenContext ctx;
+    MapScreen mapScreen;
+    test::FakeMapPlatform* platform = nullptr;
+    std::unique_ptr<MapFeature> feature;
+};
+
+TEST_F(MapGeoFeatureTest, WorldFileCalibratesAndABrokenOneKeepsTheMap) {
+    Load(utm);
+    const MapModel& m = feature->model();
+    ASSERT_TRUE(m.calibration.Georeferenced()) << State();
+    EXPECT_EQ(m.calibrationSource, "worldfile");
+    // 480 px show 1000 px of 25 m: the 100 px bar is about 5.2 km.
+    EXPECT_NEAR(m.scaleBarDistance, 100 * 1000 * 25.0 / 480 / 1000, 0.1);
+    EXPECT_NEAR(m.extent.centre.latitude, 30.2, 0.2);
+    EXPECT_TRUE(ui.messages.empty());
+
+    Load(broken);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_NE(ui.messages[0].first.find("broken.pgw"), std::string::npos) << ui.messages[0].first;
+    EXPECT_EQ(platform->loaded, utm);
+    EXPECT_EQ(m.mapPath, utm);
+    EXPECT_TRUE(m.calibration.Georeferenced());
+}
+
+TEST_F(MapGeoFeatureTest, TheUsersPointsWinOnceTheyCalibrate) {
+    Load(utm);
+    Place(0, "30", "120", 100);
+    EXPECT_TRUE(feature->model().calibration.Georeferenced()) << "one point does not calibrate";
+    // Slot 1 is measured against the world file: a point typed far off shows.
+    const std::string state = State();
+    const std::size_t at = state.find("\"residualsMetres\":[");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_GT(std::stod(state.substr(at + 19)), 1000.0) << state.substr(at, 60);
+    EXPECT_EQ(state.substr(state.find(']', at) - 20, 21), ",null,null,null,null]");
+    Place(1, "29", "121", 300);
+    EXPECT_FALSE(feature->model().calibration.Georeferenced());
+    EXPECT_EQ(feature->model().calibrationSource, "rpt");
+    // Loaded again, the saved file wins over the world file.
+    Load(utm);
+    EXPECT_FALSE(feature->model().calibration.Georeferenced());
+    EXPECT_TRUE(feature->model().calibration.IsValid());
+}
+
+TEST_F(MapGeoFeatureTest, CloseMapGoesBackToTheWorld) {
+    const auto closeEntry = [this] {
+        const std::string menu = shell::DescribeMenu(shell.BuildMainMenu());
+        const std::size_t at = menu.find("40021 关闭地图");
+        return at == std::string::npos ? std::string() : menu.substr(at, menu.find('\n', at) - at);
+    };
+    EXPECT_EQ(closeEntry(), "40021 关闭地图 (grey)");
+    Load(utm);
+    EXPECT_EQ(closeEntry(), "40021 关闭地图");
+    shell.OnCommand(cmd::kCloseMap);
+    EXPECT_FALSE(feature->mapLoaded());
+    EXPECT_TRUE(platform->loaded.empty());
+    EXPECT_EQ(feature->model().map.mapMode, 0);
+    EXPECT_FALSE(feature->model().calibration.IsValid());
+    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+    EXPECT_EQ(settings.recentMaps[0], utm) << "the recent list keeps it";
+}
+
+}  // namespace
+}  // namespace satwalk::map
