@@ -1,7 +1,8 @@
 #include "Manual.h"
 
-#include <map>
 #include <sys/stat.h>
+#include <map>
+#include <set>
 
 namespace satwalk::help {
 
@@ -10,8 +11,7 @@ namespace {
 bool IsEnglish(std::string_view language) {
     return language.size() >= 2 && (language[0] == 'e' || language[0] == 'E') &&
            (language[1] == 'n' || language[1] == 'N') &&
-           (language.size() == 2 || language[2] == '_' || language[2] == '-' ||
-            language[2] == '.');
+           (language.size() == 2 || language[2] == '_' || language[2] == '-' || language[2] == '.');
 }
 
 bool IsFile(const std::string& path) {
@@ -66,10 +66,8 @@ std::size_t DecodeUtf8(std::string_view s, std::size_t at, char32_t& c) {
 }
 
 std::string_view Trim(std::string_view s) {
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
-        s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
-        s.remove_suffix(1);
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
     return s;
 }
 
@@ -77,14 +75,12 @@ std::string_view Trim(std::string_view s) {
 // then three or more backticks or tildes.
 std::size_t FenceLength(std::string_view line, char& mark) {
     std::size_t at = 0;
-    while (at < 3 && at < line.size() && line[at] == ' ')
-        ++at;
+    while (at < 3 && at < line.size() && line[at] == ' ') ++at;
     if (at >= line.size() || (line[at] != '`' && line[at] != '~'))
         return 0;
     mark = line[at];
     std::size_t n = 0;
-    while (at + n < line.size() && line[at + n] == mark)
-        ++n;
+    while (at + n < line.size() && line[at + n] == mark) ++n;
     return n >= 3 ? n : 0;
 }
 
@@ -92,8 +88,7 @@ std::size_t FenceLength(std::string_view line, char& mark) {
 ManualHeading ReadHeading(std::string_view line) {
     ManualHeading h;
     std::size_t at = 0;
-    while (at < 3 && at < line.size() && line[at] == ' ')
-        ++at;
+    while (at < 3 && at < line.size() && line[at] == ' ') ++at;
     int level = 0;
     while (at < line.size() && line[at] == '#' && level < 7) {
         ++level;
@@ -104,8 +99,7 @@ ManualHeading ReadHeading(std::string_view line) {
     std::string_view text = Trim(line.substr(at));
     // An optional closing run of '#', after a space.
     std::size_t end = text.size();
-    while (end > 0 && text[end - 1] == '#')
-        --end;
+    while (end > 0 && text[end - 1] == '#') --end;
     if (end == 0 || text[end - 1] == ' ' || text[end - 1] == '\t')
         text = Trim(text.substr(0, end));
     h.level = level;
@@ -128,15 +122,16 @@ struct ScannedHeading {
 std::vector<ScannedHeading> Scan(std::string_view markdown) {
     std::vector<ScannedHeading> out;
     std::map<std::string, int, std::less<>> seen;
+    std::set<std::string, std::less<>> used;
     char fenceMark = 0;
     std::size_t fence = 0;  // the open fence's length, 0 outside one
     std::size_t from = 0;
     while (from < markdown.size()) {
         std::size_t newline = markdown.find('\n', from);
-        const std::size_t lineEnd = newline == std::string_view::npos ? markdown.size() : newline + 1;
+        const std::size_t lineEnd =
+            newline == std::string_view::npos ? markdown.size() : newline + 1;
         std::string_view line = markdown.substr(from, lineEnd - from);
-        while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-            line.remove_suffix(1);
+        while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
         from = lineEnd;
         char mark = 0;
         const std::size_t length = FenceLength(line, mark);
@@ -156,9 +151,12 @@ std::vector<ScannedHeading> Scan(std::string_view markdown) {
         ManualHeading h = ReadHeading(line);
         if (h.level == 0)
             continue;
-        std::string anchor = HeadingAnchor(h.text);
-        const int repeat = seen[anchor]++;
-        h.anchor = repeat == 0 ? anchor : anchor + "-" + std::to_string(repeat);
+        // A repeat takes the next free suffix: "a-1" may be a heading's own.
+        const std::string anchor = HeadingAnchor(h.text);
+        int& repeats = seen[anchor];
+        h.anchor = anchor;
+        while (used.count(h.anchor) != 0) h.anchor = anchor + "-" + std::to_string(++repeats);
+        used.insert(h.anchor);
         out.push_back({std::move(h), lineEnd});
     }
     return out;
@@ -191,8 +189,7 @@ std::string FindManual(const std::string& dataDir, std::string_view language) {
 
 std::vector<ManualHeading> ManualHeadings(std::string_view markdown) {
     std::vector<ManualHeading> out;
-    for (ScannedHeading& s : Scan(markdown))
-        out.push_back(std::move(s.heading));
+    for (ScannedHeading& s : Scan(markdown)) out.push_back(std::move(s.heading));
     return out;
 }
 

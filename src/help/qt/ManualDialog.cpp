@@ -86,10 +86,10 @@ ManualDialog::ManualDialog(shell::qt::DialogStack& stack, const QString& markdow
             JumpTo(url.fragment(QUrl::FullyDecoded));
     });
 
-    SetSoftKeys({QString::fromUtf8(kTextContents),
-                 [this] { view_->verticalScrollBar()->triggerAction(
-                              QAbstractSlider::SliderToMinimum); }},
-                {QString::fromUtf8(kTextClose), [this] { Accept(); }});
+    SetSoftKeys(
+        {QString::fromUtf8(kTextContents),
+         [this] { view_->verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMinimum); }},
+        {QString::fromUtf8(kTextClose), [this] { Accept(); }});
     view_->setFocus();
 }
 
@@ -189,9 +189,9 @@ class HelpFeature final : public shell::Feature {
         const std::string path =
             FindManual(dataDir_, language.empty() ? kDefaultLanguage : language);
         if (path.empty()) {
-            Say(kTextManualMissing, dataDir_ + "/" + kManualFolder + "/" +
-                                        ManualFileName(language.empty() ? kDefaultLanguage
-                                                                        : language));
+            Say(kTextManualMissing,
+                dataDir_ + "/" + kManualFolder + "/" +
+                    ManualFileName(language.empty() ? kDefaultLanguage : language));
             return;
         }
         QFile file(Q(path));
