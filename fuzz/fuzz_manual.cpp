@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             __builtin_trap();
     }
     const std::string withContents = WithContents(text, "目录");
-    if (withContents.size() <= text.size() || ManualHeadings(withContents).size() != headings.size())
+    if (withContents.size() <= text.size() ||
+        ManualHeadings(withContents).size() != headings.size())
         __builtin_trap();
     return 0;
 }

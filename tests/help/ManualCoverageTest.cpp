@@ -99,9 +99,11 @@ TEST(ManualCoverageTest, ChineseManualNamesEveryTextOfTheProgram) {
         for (const std::string& text : group.texts) {
             // A placeholder stands for any text: its fixed parts are found.
             std::size_t from = 0;
-            for (std::size_t at; from != std::string::npos; from = at == std::string::npos ? at : at + 2) {
+            for (std::size_t at; from != std::string::npos;
+                 from = at == std::string::npos ? at : at + 2) {
                 at = text.find("%s", from);
-                const std::string part = Normalised(text.substr(from, at == std::string::npos ? at : at - from));
+                const std::string part =
+                    Normalised(text.substr(from, at == std::string::npos ? at : at - from));
                 EXPECT_NE(manual.find(part), std::string::npos)
                     << group.what << ": \"" << text << "\" is not in the manual";
             }
@@ -124,7 +126,8 @@ TEST(ManualCoverageTest, EnglishHasTheSameChaptersAndLinksLeadSomewhere) {
         for (const ManualHeading& h : ManualHeadings(withContents)) anchors.insert(h.anchor);
         for (std::size_t at = 0; (at = withContents.find("](#", at)) != std::string::npos; ++at) {
             const std::size_t from = at + 3;
-            const std::string anchor = withContents.substr(from, withContents.find(')', from) - from);
+            const std::string anchor =
+                withContents.substr(from, withContents.find(')', from) - from);
             EXPECT_TRUE(anchors.count(anchor)) << "a link to #" << anchor << " leads nowhere";
         }
         for (std::size_t at = 0; (at = text->find("](images/", at)) != std::string::npos; ++at) {
