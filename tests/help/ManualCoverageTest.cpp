@@ -38,31 +38,35 @@ std::string Normalised(std::string_view text) {
     return out;
 }
 
-// The menu path of every command the program lists ("视图 › 卫星 › 卫星图 [2]"),
-// one element each.
+std::vector<std::string> Split(const std::string& text, const std::string& separator) {
+    std::vector<std::string> parts;
+    std::size_t from = 0;
+    for (std::size_t at; (at = text.find(separator, from)) != std::string::npos;
+         from = at + separator.size())
+        parts.push_back(text.substr(from, at - from));
+    parts.push_back(text.substr(from));
+    return parts;
+}
+
+// Each element of the menu path of every command the program lists
+// ("视图 › 卫星 › 卫星图 [2]").
 std::vector<std::string> MenuTexts() {
     std::vector<std::string> texts;
     FILE* pipe = popen("env -u DISPLAY QT_QPA_PLATFORM=offscreen '" SATWALK_BINARY
                        "' --list-commands 2>/dev/null",
                        "r");
-    if (pipe == nullptr)
-        return texts;
     std::string table;
     char buffer[4096];
-    for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) table.append(buffer, n);
-    pclose(pipe);
-    const std::string separator = " \xE2\x80\xBA ";  // " › "
-    for (std::size_t at = 0; (at = table.find("\n| 4", at)) != std::string::npos; ++at) {
-        const std::size_t from = table.find(" | ", at) + 3;
-        const std::string path = table.substr(from, table.find(" |", from) - from);
-        if (path.front() == '(')
-            continue;  // no menu entry of its own
-        for (std::size_t p = 0, next; p != std::string::npos; p = next) {
-            next = path.find(separator, p);
-            texts.push_back(path.substr(p, next == std::string::npos ? next : next - p));
-            if (next != std::string::npos)
-                next += separator.size();
-        }
+    for (std::size_t n; pipe != nullptr && (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        table.append(buffer, n);
+    if (pipe != nullptr)
+        pclose(pipe);
+    const std::vector<std::string> rows = Split(table, "\n| 4");  // the first is the heading
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        const std::vector<std::string> cells = Split(rows[i], " | ");
+        if (cells.size() > 1 && cells[1].front() != '(')  // "(no menu entry of its own)"
+            for (const std::string& text : Split(cells[1], " \xE2\x80\xBA "))  // " › "
+                texts.push_back(text);
     }
     return texts;
 }
@@ -98,15 +102,9 @@ TEST(ManualCoverageTest, ChineseManualNamesEveryTextOfTheProgram) {
     for (const auto& group : groups) {
         for (const std::string& text : group.texts) {
             // A placeholder stands for any text: its fixed parts are found.
-            std::size_t from = 0;
-            for (std::size_t at; from != std::string::npos;
-                 from = at == std::string::npos ? at : at + 2) {
-                at = text.find("%s", from);
-                const std::string part =
-                    Normalised(text.substr(from, at == std::string::npos ? at : at - from));
-                EXPECT_NE(manual.find(part), std::string::npos)
+            for (const std::string& part : Split(text, "%s"))
+                EXPECT_NE(manual.find(Normalised(part)), std::string::npos)
                     << group.what << ": \"" << text << "\" is not in the manual";
-            }
         }
     }
 }
