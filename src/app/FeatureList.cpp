@@ -2,6 +2,7 @@
 
 #include "BrowserChooser.h"
 #include "MainWindow.h"
+#include "ManualDialog.h"
 #include "MessageBoxes.h"
 #include "OptionsDialog.h"
 #include "QtMapPlatform.h"
@@ -40,6 +41,8 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
                                                    screens.mapScreen(), &window.dialogs()));
     features.push_back(poi::qt::MakePoiFeature(window.shell(), chooser, map, screens.bitmaps(),
                                                screens.mapScreen()));
+    features.push_back(
+        help::qt::MakeHelpFeature(window.shell(), window.dialogs(), help::qt::DataDirectory()));
     if (auto hooks = MakeTestHooks(window))
         features.push_back(std::move(hooks));
     features.push_back(MakeMessageSnapshotFeature(window));
