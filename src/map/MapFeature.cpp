@@ -75,7 +75,16 @@ MapFeature::MapFeature(shell::Shell& shell, screens::ScreenContext& screens, Map
       screens_(screens),
       mapScreen_(mapScreen),
       platform_(std::move(platform)),
-      sink_(std::make_unique<Sink>(*this)) {}
+      sink_(std::make_unique<Sink>(*this)) {
+    platform_->SetImagePrepared([this](const std::string& path, ImageLoadError error) {
+        if (error == ImageLoadError::None && LoadMap(path)) {
+            shell_.ChooseScreen(shell::kScreenMap);
+        } else {
+            ShowLoadFailure(path, error);
+        }
+        shell_.Repaint();
+    });
+}
 
 MapFeature::~MapFeature() = default;
 
@@ -229,13 +238,10 @@ void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
 // ----- loading -----
 
 bool MapFeature::LoadMap(const std::string& path) {
-    const std::string name(MapFileName(path));
     ImageSize size;
     const ImageLoadError error = platform_->LoadImage(path, size);
     if (error != ImageLoadError::None) {
-        // The map shown before stays.
-        shell_.ui().ShowMessage(common::FormatString(common::LoadString(kStrImportFailed), name),
-                                shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        ShowLoadFailure(path, error);  // the map shown before stays
         return false;
     }
     if (size.width <= 0 || size.height <= 0) {
@@ -259,6 +265,18 @@ bool MapFeature::LoadMap(const std::string& path) {
     if (onCalibrationChanged)
         onCalibrationChanged();
     return true;
+}
+
+void MapFeature::ShowLoadFailure(const std::string& path, ImageLoadError error) {
+    if (error == ImageLoadError::None || error == ImageLoadError::Pending ||
+        error == ImageLoadError::Cancelled)
+        return;
+    // The literal ends in its NUL.
+    const char* format = error == ImageLoadError::NoDiskSpace
+                             ? kNoDiskSpaceForMapMessage.data()
+                             : common::LoadString(kStrImportFailed);
+    shell_.ui().ShowMessage(common::FormatString(format, std::string(MapFileName(path))),
+                            shell::MessageIcon::Error, shell::MessageButtons::Ok);
 }
 
 void MapFeature::OpenRecent(int index) {

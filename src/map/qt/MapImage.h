@@ -50,6 +50,11 @@ class MapImage {
     std::vector<QImage> levels_;
 };
 
+// One row of the 2 × 2 box average of RGB32 pixels: rows `a` and `b`, each
+// `width` long, into (width + 1) / 2 pixels at `out`; an odd last column is
+// averaged with itself (pass the same row twice for an odd last row).
+void HalveRow(const std::uint32_t* a, const std::uint32_t* b, int width, std::uint32_t* out);
+
 // Reads the file into `image`. On failure `image` is left as it was: the
 // previous map stays loaded.
 ImageLoadError LoadMapImage(const QString& path, MapImage& image);
