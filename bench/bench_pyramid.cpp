@@ -129,8 +129,7 @@ bool OpenTiled(const std::string& source, const std::string& dir, TiledImage& ti
 void Draw(QImage& target, TiledImage& tiled, double shown, PointF centre) {
     QPainter painter(&target);
     painter.fillRect(0, 0, kView.Width(), kView.Height(), Qt::white);
-    DrawTiledImage(painter, tiled,
-                   ComputeVisiblePart(tiled.Size(), shown, shown, centre, kView));
+    DrawTiledImage(painter, tiled, ComputeVisiblePart(tiled.Size(), shown, shown, centre, kView));
 }
 
 int Open(const std::string& source, const std::string& dir) {
@@ -172,8 +171,9 @@ int Pan(const std::string& source, const std::string& dir) {
         for (double z = zoom * 4; z > zoom; z /= 1.1) frame(z, centre);
     }
     std::sort(ms.begin(), ms.end());
-    std::printf("pan and zoom: %zu frames, median %.2f ms, 90%% %.2f ms, max %.2f ms, peak %.0f MB\n",
-                ms.size(), ms[ms.size() / 2], ms[ms.size() * 9 / 10], ms.back(), PeakResidentMb());
+    std::printf(
+        "pan and zoom: %zu frames, median %.2f ms, 90%% %.2f ms, max %.2f ms, peak %.0f MB\n",
+        ms.size(), ms[ms.size() / 2], ms[ms.size() * 9 / 10], ms.back(), PeakResidentMb());
     return 0;
 }
 

@@ -174,7 +174,8 @@ std::string PyramidCacheName(std::string_view absolutePath) {
 
 std::uint64_t PyramidDiskEstimate(ImageSize image) {
     const std::vector<PyramidLevel> levels = PyramidLevels(image);
-    std::uint64_t bytes = kPyramidHeaderSize + std::uint64_t{PyramidTileCount(levels)} * kTileEntrySize;
+    std::uint64_t bytes =
+        kPyramidHeaderSize + std::uint64_t{PyramidTileCount(levels)} * kTileEntrySize;
     // A JPEG tile of a scan at the builder's quality stays under a byte a
     // pixel; white noise comes close.
     for (const PyramidLevel& l : levels) bytes += std::uint64_t(l.width) * std::uint64_t(l.height);
@@ -197,7 +198,8 @@ PyramidCheck ReadPyramidIndex(std::span<const std::uint8_t> bytes, std::uint64_t
     const std::optional<Header> h = ReadHeader(bytes);
     if (!h)
         return PyramidCheck::Damaged;
-    const std::uint64_t dataStart = kPyramidHeaderSize + std::uint64_t{h->tileCount} * kTileEntrySize;
+    const std::uint64_t dataStart =
+        kPyramidHeaderSize + std::uint64_t{h->tileCount} * kTileEntrySize;
     if (bytes.size() != dataStart || fileSize < dataStart ||
         fileSize - dataStart != h->dataLength ||
         Crc32(bytes.subspan(kPyramidHeaderSize)) != h->indexCrc)

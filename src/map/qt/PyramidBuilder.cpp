@@ -1,15 +1,15 @@
 #include "PyramidBuilder.h"
 
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <gdal.h>
 #include <QBuffer>
 #include <QByteArray>
 #include <QImage>
 #include <QImageWriter>
 #include <cerrno>
-#include <cpl_conv.h>
-#include <cpl_error.h>
 #include <cstdio>
 #include <filesystem>
-#include <gdal.h>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -55,7 +55,9 @@ struct QuietGdal {
 
 std::uint32_t Opaque(int r, int g, int b, int a) {
     // Laid over white, as a transparent map has always been shown.
-    auto over = [a](int c) { return static_cast<std::uint32_t>((c * a + 255 * (255 - a) + 127) / 255); };
+    auto over = [a](int c) {
+        return static_cast<std::uint32_t>((c * a + 255 * (255 - a) + 127) / 255);
+    };
     return 0xFF000000u | over(r) << 16 | over(g) << 8 | over(b);
 }
 
@@ -86,7 +88,8 @@ class SourceRows {
         if (bands_ <= 2) {
             // Grey (and alpha) or a palette: one table from sample to pixel.
             GDALColorTableH table = GDALGetRasterColorTable(first);
-            for (int i = 0; i < 256; ++i) lut_[i] = 0xFF000000u | 0x010101u * static_cast<std::uint32_t>(i);
+            for (int i = 0; i < 256; ++i)
+                lut_[i] = 0xFF000000u | 0x010101u * static_cast<std::uint32_t>(i);
             if (table != nullptr && GDALGetRasterColorInterpretation(first) == GCI_PaletteIndex) {
                 const int n = std::min(256, GDALGetColorEntryCount(table));
                 for (int i = 0; i < n; ++i) {
@@ -117,7 +120,8 @@ class SourceRows {
                     auto* p = reinterpret_cast<std::uint32_t*>(out + std::ptrdiff_t{r} * stride);
                     for (int x = 0; x < width_; ++x) {
                         const std::uint32_t v = p[x];
-                        p[x] = Opaque(v >> 16 & 0xFF, v >> 8 & 0xFF, v & 0xFF, static_cast<int>(v >> 24));
+                        p[x] = Opaque(v >> 16 & 0xFF, v >> 8 & 0xFF, v & 0xFF,
+                                      static_cast<int>(v >> 24));
                     }
                 }
             }
@@ -282,8 +286,8 @@ class Builder {
             jpeg.setQuality(kTileQuality);
             if (!jpeg.write(tile))
                 return false;
-            writer_.AddTile(level.firstTile + static_cast<std::uint32_t>(band.row * level.columns + c),
-                            bytes);
+            writer_.AddTile(
+                level.firstTile + static_cast<std::uint32_t>(band.row * level.columns + c), bytes);
             if (!writer_.Ok())
                 return false;
             progress_.done.fetch_add(1, std::memory_order_relaxed);

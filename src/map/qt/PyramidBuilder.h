@@ -21,7 +21,7 @@ namespace satwalk::map {
 
 // Shared between the building thread and the one watching it.
 struct PyramidProgress {
-    std::atomic<bool> cancel{false};   // set to stop the build
+    std::atomic<bool> cancel{false};      // set to stop the build
     std::atomic<std::uint64_t> done{0};   // tiles written
     std::atomic<std::uint64_t> total{0};  // tiles in all, once known
 };

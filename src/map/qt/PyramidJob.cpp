@@ -108,7 +108,8 @@ ImageLoadError PyramidJob::Open(const std::string& path, TiledImage& image, Prep
     dialog->setMinimumDuration(0);
     dialog->setValue(0);
     // The button asks the worker to stop; the dialog closes once it has.
-    disconnect(dialog, &QProgressDialog::canceled, dialog, &QProgressDialog::cancel);
+    // (The dialog ties the two by their names.)
+    disconnect(dialog, SIGNAL(canceled()), dialog, SLOT(cancel()));
     connect(dialog, &QProgressDialog::canceled, this, [this, dialog] {
         progress_.cancel = true;
         dialog->setLabelText(QStringLiteral("正在取消…"));

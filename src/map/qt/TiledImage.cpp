@@ -102,12 +102,15 @@ void DrawTiledImage(QPainter& painter, TiledImage& image, const VisiblePart& par
             const QImage tile = image.Tile(level, c, r);
             if (tile.isNull())
                 continue;
-            const int x0 = std::max(px.left, c * kTileSide), x1 = std::min(px.right, c * kTileSide + tile.width());
-            const int y0 = std::max(px.top, r * kTileSide), y1 = std::min(px.bottom, r * kTileSide + tile.height());
+            const int x0 = std::max(px.left, c * kTileSide),
+                      x1 = std::min(px.right, c * kTileSide + tile.width());
+            const int y0 = std::max(px.top, r * kTileSide),
+                      y1 = std::min(px.bottom, r * kTileSide + tile.height());
             for (int y = y0; y < y1; ++y) {
-                std::memcpy(composite.scanLine(y - px.top) + std::ptrdiff_t{x0 - px.left} * 4,
-                            tile.constScanLine(y - r * kTileSide) + std::ptrdiff_t{x0 - c * kTileSide} * 4,
-                            static_cast<std::size_t>(x1 - x0) * 4);
+                std::memcpy(
+                    composite.scanLine(y - px.top) + std::ptrdiff_t{x0 - px.left} * 4,
+                    tile.constScanLine(y - r * kTileSide) + std::ptrdiff_t{x0 - c * kTileSide} * 4,
+                    static_cast<std::size_t>(x1 - x0) * 4);
             }
         }
     }
