@@ -26,10 +26,11 @@ using namespace testing;
 // as a palette image, or in ARGB32.
 QImage Quadrants(bool palette = false) {
     QImage image(600, 300, QImage::Format_Indexed8);
-    image.setColorTable({qRgba(200, 30, 30, 255), qRgba(30, 160, 60, 255),
-                         qRgba(40, 60, 200, 255), qRgba(0, 0, 0, 0)});
+    image.setColorTable({qRgba(200, 30, 30, 255), qRgba(30, 160, 60, 255), qRgba(40, 60, 200, 255),
+                         qRgba(0, 0, 0, 0)});
     for (int y = 0; y < 300; ++y)
-        for (int x = 0; x < 600; ++x) image.setPixel(x, y, static_cast<uint>((y / 150) * 2 + x / 300));
+        for (int x = 0; x < 600; ++x)
+            image.setPixel(x, y, static_cast<uint>((y / 150) * 2 + x / 300));
     return palette ? image : image.convertToFormat(QImage::Format_ARGB32);
 }
 
@@ -119,7 +120,8 @@ TEST_F(PyramidBuilder, TamperedOrStaleCacheIsRebuilt) {
         {"header", [](QByteArray& b) { b[20] = static_cast<char>(b[20] ^ 1); },
          PyramidCheck::Damaged},
         {"truncated", [](QByteArray& b) { b.chop(1); }, PyramidCheck::Damaged},
-        {"a tile's bytes", [](QByteArray& b) { b[b.size() - 300] = static_cast<char>(~b[b.size() - 300]); },
+        {"a tile's bytes",
+         [](QByteArray& b) { b[b.size() - 300] = static_cast<char>(~b[b.size() - 300]); },
          PyramidCheck::Valid},
         {"source touched", nullptr, PyramidCheck::Stale},
     };

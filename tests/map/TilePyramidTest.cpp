@@ -34,8 +34,8 @@ TEST(TilePyramid, LevelsHalveDownToOneTile) {
 
 TEST(TilePyramid, LevelNeverEnlargedOnScreen) {
     const std::tuple<int, double, int> cases[] = {
-        {9, 2.0, 0},  {9, 1.0, 0},     {9, 0.5, 1},     {9, 0.49, 0 + 1},
-        {9, 0.25, 2}, {9, 0.012, 6},   {9, 0.0001, 8},  {1, 0.01, 0},
+        {9, 2.0, 0},  {9, 1.0, 0},   {9, 0.5, 1},    {9, 0.49, 0 + 1},
+        {9, 0.25, 2}, {9, 0.012, 6}, {9, 0.0001, 8}, {1, 0.01, 0},
     };
     for (const auto& [count, screenPerImage, level] : cases)
         EXPECT_EQ(ChooseLevel(count, screenPerImage), level) << screenPerImage;
@@ -133,7 +133,8 @@ TEST(TilePyramid, TamperedOrStaleIndexIsNotUsed) {
             PyramidIndex index;
             ASSERT_EQ(file.Read(b, file.source, index), PyramidCheck::Valid);
             change(index.tiles[2]);
-            const std::vector<std::uint8_t> head = WritePyramidIndex(file.image, file.source, index.tiles);
+            const std::vector<std::uint8_t> head =
+                WritePyramidIndex(file.image, file.source, index.tiles);
             std::copy(head.begin(), head.end(), b.begin());
         };
     };
@@ -146,7 +147,8 @@ TEST(TilePyramid, TamperedOrStaleIndexIsNotUsed) {
         {"grown", [](auto& b) { b.push_back(0); }, PyramidCheck::Damaged},
         {"header only", [](auto& b) { b.resize(kPyramidHeaderSize); }, PyramidCheck::Damaged},
         {"empty", [](auto& b) { b.clear(); }, PyramidCheck::Damaged},
-        {"tile past the end", rewrite([](TileEntry& t) { t.offset += 1000; }), PyramidCheck::Damaged},
+        {"tile past the end", rewrite([](TileEntry& t) { t.offset += 1000; }),
+         PyramidCheck::Damaged},
         {"tile into the index", rewrite([](TileEntry& t) { t.offset = 8; }), PyramidCheck::Damaged},
         {"tile of no bytes", rewrite([](TileEntry& t) { t.length = 0; }), PyramidCheck::Damaged},
         {"tile longer", rewrite([](TileEntry& t) { t.length += 1; }), PyramidCheck::Damaged},
