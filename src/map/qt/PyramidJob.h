@@ -33,9 +33,11 @@ class PyramidJob final : public QObject {
     // built, `done` getting the path and how it ended; otherwise why
     // neither could start. A build of another file under way is stopped.
     ImageLoadError Open(const std::string& path, TiledImage& image, PreparedHandler done);
+    // Stops a build under way, as when another map has replaced the one
+    // waited for; its end is not reported.
+    void Stop();
 
   private:
-    void Stop();
     void Poll();
 
     QWidget* window_;

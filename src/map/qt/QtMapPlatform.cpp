@@ -78,6 +78,7 @@ ImageLoadError QtMapPlatform::LoadImage(const std::string& path, ImageSize& size
     }
     if (error != ImageLoadError::None)
         return error;
+    pyramids_.Stop();  // a huge map still being prepared is no longer wanted
     size = loaded.Size();
     image_ = std::move(loaded);
     tiled_ = TiledImage{};

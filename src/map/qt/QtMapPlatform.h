@@ -53,6 +53,7 @@ class QtMapPlatform final : public MapPlatform {
     ImageLoadError LoadImage(const std::string& path, ImageSize& size) override;
     void SetImagePrepared(PreparedHandler prepared) override { prepared_ = std::move(prepared); }
     void DropImage() override {
+        pyramids_.Stop();
         image_ = MapImage{};
         tiled_ = TiledImage{};
     }
