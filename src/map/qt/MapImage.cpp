@@ -270,14 +270,21 @@ void DrawMapImage(QPainter& painter, const MapImage& image, const VisiblePart& p
     const ImageSize full = image.Size();
     const double fx = static_cast<double>(level.width()) / full.width;
     const double fy = static_cast<double>(level.height()) / full.height;
-    const QRectF source(part.source.left * fx, part.source.top * fy, part.source.Width() * fx,
-                        part.source.Height() * fy);
+    DrawLevelPixels(painter, d, level,
+                    QRectF(part.source.left * fx, part.source.top * fy, part.source.Width() * fx,
+                           part.source.Height() * fy));
+}
+
+void DrawLevelPixels(QPainter& painter, const screens::Rect& destination, const QImage& level,
+                     const QRectF& source) {
     // A plain copy of the nearest pixel, as the map has always been drawn;
     // the level already did the averaging a reduction needs.
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(QRectF(d.left, d.top, d.Width(), d.Height()), level, source);
+    painter.drawImage(
+        QRectF(destination.left, destination.top, destination.Width(), destination.Height()), level,
+        source);
     painter.restore();
 }
 

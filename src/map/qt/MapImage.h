@@ -64,5 +64,8 @@ ImageLoadError LoadMapImageData(const QByteArray& data, MapImage& image);
 // Paints the visible part into `painter` (unscaled painter coordinates),
 // from the level nearest the zoom; nothing for an empty part or image.
 void DrawMapImage(QPainter& painter, const MapImage& image, const VisiblePart& part);
+// `source` (pixels of a level) scaled into `destination`, nearest pixel.
+void DrawLevelPixels(QPainter& painter, const screens::Rect& destination, const QImage& level,
+                     const QRectF& source);
 
 }  // namespace satwalk::map

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "MapImage.h"
+
 namespace satwalk::map {
 
 TiledImage::TiledImage() = default;
@@ -117,13 +119,9 @@ void DrawTiledImage(QPainter& painter, TiledImage& image, const VisiblePart& par
     const PyramidLevel& at = levels[static_cast<std::size_t>(level)];
     const double fx = static_cast<double>(at.width) / levels.front().width;
     const double fy = static_cast<double>(at.height) / levels.front().height;
-    const QRectF source(part.source.left * fx - px.left, part.source.top * fy - px.top,
-                        part.source.Width() * fx, part.source.Height() * fy);
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(QRectF(d.left, d.top, d.Width(), d.Height()), composite, source);
-    painter.restore();
+    DrawLevelPixels(painter, d, composite,
+                    QRectF(part.source.left * fx - px.left, part.source.top * fy - px.top,
+                           part.source.Width() * fx, part.source.Height() * fy));
 }
 
 }  // namespace satwalk::map
