@@ -33,9 +33,9 @@
 namespace satwalk::map {
 
 inline constexpr int kTileSide = 256;
-// The largest side a pyramid is built for; past it the index alone would be
-// twenty megabytes and no disk would hold the tiles.
-inline constexpr int kMaxPyramidSide = 1 << 18;
+// The largest side a pyramid is built for: the builder's bands then take
+// about 270 MB, and the index 6 MB.
+inline constexpr int kMaxPyramidSide = 1 << 17;
 inline constexpr std::size_t kPyramidHeaderSize = 64;
 inline constexpr std::size_t kTileEntrySize = 16;
 inline constexpr std::uint32_t kPyramidVersion = 1;

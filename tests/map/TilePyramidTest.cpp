@@ -18,9 +18,9 @@ TEST(TilePyramid, LevelsHalveDownToOneTile) {
         {{257, 100}, 2, 129, 2 + 1},
         {{600, 300}, 3, 150, 3 * 2 + 2 * 1 + 1},
         {{40000, 40000}, 9, 157, 33029},
-        {{1, 262144}, 11, 1, 1024 + 512 + 256 + 128 + 64 + 32 + 16 + 8 + 4 + 2 + 1},
+        {{1, 131072}, 10, 1, 512 + 256 + 128 + 64 + 32 + 16 + 8 + 4 + 2 + 1},
         {{0, 10}, 0, 0, 0},
-        {{262145, 1}, 0, 0, 0},
+        {{131073, 1}, 0, 0, 0},
     };
     for (const auto& [image, count, lastWidth, tiles] : cases) {
         const std::vector<PyramidLevel> levels = PyramidLevels(image);

@@ -65,7 +65,8 @@ std::uint32_t Opaque(int r, int g, int b, int a) {
 class SourceRows {
   public:
     PyramidBuild Open(const std::string& path) {
-        static const char* const kDrivers[] = {"JPEG", "PNG", "BMP", "GIF", nullptr};
+        // BIGGIF is GDAL's GIF reader for images too large to hold whole.
+        static const char* const kDrivers[] = {"JPEG", "PNG", "BMP", "GIF", "BIGGIF", nullptr};
         ds_.reset(GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kDrivers, nullptr,
                              nullptr));
         if (!ds_) {
