@@ -20,7 +20,7 @@ enum class ImageLoadError {
     None,
     CannotOpen,  // missing, unreadable, a folder
     NotAnImage,  // empty, or none of the four formats
-    TooLarge,    // declared size past the decoding budget
+    TooLarge,    // declared size past the decoding budget (and past a pyramid's)
     Damaged,     // header or data broken, truncated
     // Larger images are drawn from a tile pyramid built in the cache:
     Pending,      // being built; the platform says when it is done

@@ -2,8 +2,9 @@
 //
 // Loading goes through QImageReader and refuses, before any large
 // allocation, an image whose declared size would decode past a fixed budget,
-// so a decompression bomb or a giant scan fails with the loader's message
-// (string 40104) instead of exhausting the machine. The image is kept as
+// so a decompression bomb or a giant scan never exhausts the machine (the
+// map's platform then opens it from a tile pyramid, TiledImage.h, built a
+// band at a time). The image is kept as
 // 32-bit RGB at full resolution, with halved copies down to a few hundred
 // pixels, so that painting scales only the visible part, from the copy
 // nearest the zoom. Load on any thread; paint on the painting thread.

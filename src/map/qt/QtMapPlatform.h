@@ -1,6 +1,7 @@
 // The map feature's platform on Qt: its two timers, the map image (loaded
-// through MapImage and painted by MapImageLayer), the program's file
-// browser and reference-point dialog, and the hold menu.
+// through MapImage, or from its tile pyramid through PyramidJob when too
+// large for that, and painted by MapImageLayer), the program's file browser
+// and reference-point dialog, and the hold menu.
 #pragma once
 
 #include <QTimer>
