@@ -3,16 +3,20 @@
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <gdal.h>
-#include <QBuffer>
 #include <QByteArray>
 #include <QImage>
-#include <QImageWriter>
 #include <cerrno>
+#include <csetjmp>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
+
+// After <cstdio>: it uses FILE and size_t without including them.
+#include <jpeglib.h>
 
 #include "MapImage.h"
 #include "TilePyramid.h"
@@ -59,6 +63,53 @@ std::uint32_t Opaque(int r, int g, int b, int a) {
         return static_cast<std::uint32_t>((c * a + 255 * (255 - a) + 127) / 255);
     };
     return 0xFF000000u | over(r) << 16 | over(g) << 8 | over(b);
+}
+
+// libjpeg's errors return here instead of ending the process.
+struct JpegError {
+    jpeg_error_mgr manager;
+    std::jmp_buf jump;
+};
+
+[[noreturn]] void OnJpegError(j_common_ptr c) {
+    std::longjmp(reinterpret_cast<JpegError*>(c->err)->jump, 1);
+}
+
+// `rows` rows of `width` RGB32 pixels, `stride` bytes apart, as a JPEG;
+// empty when the encoder failed. libjpeg reads the pixels as they are
+// (B, G, R, X on a little-endian machine): no conversion, no copy.
+QByteArray EncodeTile(const std::uint8_t* pixels, int width, int rows, std::ptrdiff_t stride) {
+    jpeg_compress_struct c{};
+    JpegError error{};
+    c.err = jpeg_std_error(&error.manager);
+    error.manager.error_exit = OnJpegError;
+    // Both written through their addresses only, so kept in memory across
+    // the jump.
+    unsigned char* out = nullptr;
+    unsigned long size = 0;
+    if (setjmp(error.jump) != 0) {
+        jpeg_destroy_compress(&c);
+        std::free(out);
+        return {};
+    }
+    jpeg_create_compress(&c);
+    jpeg_mem_dest(&c, &out, &size);
+    c.image_width = static_cast<JDIMENSION>(width);
+    c.image_height = static_cast<JDIMENSION>(rows);
+    c.input_components = 4;
+    c.in_color_space = JCS_EXT_BGRX;
+    jpeg_set_defaults(&c);
+    jpeg_set_quality(&c, kTileQuality, TRUE);
+    jpeg_start_compress(&c, TRUE);
+    while (c.next_scanline < c.image_height) {
+        auto* row = const_cast<JSAMPROW>(pixels + stride * c.next_scanline);
+        jpeg_write_scanlines(&c, &row, 1);
+    }
+    jpeg_finish_compress(&c);
+    QByteArray bytes(reinterpret_cast<const char*>(out), static_cast<qsizetype>(size));
+    jpeg_destroy_compress(&c);
+    std::free(out);
+    return bytes;
 }
 
 // Reads rows of the source as opaque RGB32, whatever its bands.
@@ -268,33 +319,50 @@ class Builder {
     }
 
   private:
-    bool Cut(std::size_t k, int rows) {
-        LevelBand& band = bands_[k];
-        const PyramidLevel& level = levels_[k];
-        const QImage& px = band.pixels;
-        for (int c = 0; c < level.columns; ++c) {
+    // Encodes the band's tiles, columns [first, last), into `out`; false
+    // when cancelled or the encoder failed.
+    bool Encode(const QImage& px, const PyramidLevel& level, int rows, int first, int last,
+                std::vector<QByteArray>& out) {
+        for (int c = first; c < last; ++c) {
             if (progress_.cancel.load(std::memory_order_relaxed))
                 return false;
             const int x = c * kTileSide;
-            const int w = std::min(kTileSide, level.width - x);
-            // A view of the band's pixels, no copy.
-            const QImage tile(px.constBits() + std::ptrdiff_t{x} * 4, w, rows, px.bytesPerLine(),
-                              QImage::Format_RGB32);
-            QByteArray bytes;
-            QBuffer buffer(&bytes);
-            buffer.open(QIODevice::WriteOnly);
-            QImageWriter jpeg(&buffer, "jpeg");
-            jpeg.setQuality(kTileQuality);
-            if (!jpeg.write(tile))
-                return false;
-            writer_.AddTile(
-                level.firstTile + static_cast<std::uint32_t>(band.row * level.columns + c), bytes);
-            if (!writer_.Ok())
+            QByteArray& bytes = out[static_cast<std::size_t>(c)];
+            bytes = EncodeTile(px.constBits() + std::ptrdiff_t{x} * 4,
+                               std::min(kTileSide, level.width - x), rows, px.bytesPerLine());
+            if (bytes.isEmpty())
                 return false;
             progress_.done.fetch_add(1, std::memory_order_relaxed);
         }
-        ++band.row;
         return true;
+    }
+
+    // The band's tiles, encoded on two threads (each half of the columns;
+    // the band is only read meanwhile), then written in order.
+    bool Cut(std::size_t k, int rows) {
+        LevelBand& band = bands_[k];
+        const PyramidLevel& level = levels_[k];
+        std::vector<QByteArray> tiles(static_cast<std::size_t>(level.columns));
+        const int half = level.columns / 2;
+        bool helped = true;
+        std::thread helper;
+        if (half > 0) {
+            helper = std::thread(
+                [&] { helped = Encode(band.pixels, level, rows, half, level.columns, tiles); });
+        }
+        const bool own =
+            Encode(band.pixels, level, rows, 0, half > 0 ? half : level.columns, tiles);
+        if (helper.joinable())
+            helper.join();
+        if (!own || !helped)
+            return false;
+        for (int c = 0; c < level.columns && writer_.Ok(); ++c) {
+            writer_.AddTile(
+                level.firstTile + static_cast<std::uint32_t>(band.row * level.columns + c),
+                tiles[static_cast<std::size_t>(c)]);
+        }
+        ++band.row;
+        return writer_.Ok();
     }
 
     std::vector<PyramidLevel> levels_;

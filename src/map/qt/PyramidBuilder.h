@@ -5,10 +5,11 @@
 // GIF drivers decode top to bottom without holding the image); each band is
 // cut into level-0 tiles and halved into the band of the next level, which
 // is cut once full and halved in turn, so memory stays at two bands of the
-// widest level whatever the height. Tiles are JPEG through Qt. The file is
-// written as NAME.part and renamed only once complete, so a cancelled,
-// failed or interrupted build leaves nothing that could be taken for a
-// pyramid. Runs on any thread; one build at a time per cache file.
+// widest level whatever the height. Tiles are JPEG through libjpeg, each
+// band's on two threads. The file is written as NAME.part and renamed only
+// once complete, so a cancelled, failed or interrupted build leaves nothing
+// that could be taken for a pyramid. Runs on any thread; one build at a time
+// per cache file.
 #pragma once
 
 #include <atomic>
