@@ -2,10 +2,11 @@
 # lowest first. A folder may include only from itself and the folders before
 # it (a qt/ folder sits just above its own folder's core), and the core
 # targets do not link Qt. Checked at configure time; a breach stops it.
-set(SATWALK_LAYERS common gps link screens shell browser map track poi app)
+set(SATWALK_LAYERS common gps link screens shell browser map track poi help app)
 set(SATWALK_CORE_TARGETS satwalk_common satwalk_gps satwalk_link satwalk_screens satwalk_shell
-                         satwalk_browser satwalk_map satwalk_map_geo satwalk_map_feature satwalk_track satwalk_poi
-                         satwalk_track_feature satwalk_poi_feature)
+                         satwalk_browser satwalk_map satwalk_map_geo satwalk_map_feature
+                         satwalk_track satwalk_poi satwalk_track_feature satwalk_poi_feature
+                         satwalk_help)
 
 function(satwalk_check_layers)
   set(src ${CMAKE_SOURCE_DIR}/src)

@@ -933,5 +933,56 @@ The program will now exit.</translation>
   --help                print this and exit
 </translation>
     </message>
+    <message>
+        <source>找不到用户手册：%s
+
+请检查 Satwalk 的数据文件是否完整安装。</source>
+        <comment>43300</comment>
+        <translation>Cannot find the user manual: %s
+
+Please check that Satwalk's data files are installed completely.</translation>
+    </message>
+    <message>
+        <source>无法读取用户手册 %s。</source>
+        <comment>43301</comment>
+        <translation>Cannot read the user manual %s.</translation>
+    </message>
+    <message>
+        <source>用户手册 %s 太大，无法显示。</source>
+        <comment>43302</comment>
+        <translation>The user manual %s is too large to show.</translation>
+    </message>
+    <message>
+        <source>目录</source>
+        <comment>43303</comment>
+        <translation>Contents</translation>
+    </message>
+    <message>
+        <source>关闭</source>
+        <comment>43304</comment>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>正在建立大地图的缓存…
+%s</source>
+        <comment>43310</comment>
+        <translation>Building the cache of a large map…
+%s</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <comment>43311</comment>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>正在取消…</source>
+        <comment>43312</comment>
+        <translation>Cancelling…</translation>
+    </message>
+    <message>
+        <source>磁盘空间不足，无法为 %s 建立地图缓存！</source>
+        <comment>43320</comment>
+        <translation>Not enough disk space to build the map cache for %s!</translation>
+    </message>
 </context>
 </TS>

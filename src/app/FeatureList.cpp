@@ -1,7 +1,9 @@
 #include "FeatureList.h"
 
 #include "BrowserChooser.h"
+#include "Language.h"
 #include "MainWindow.h"
+#include "ManualDialog.h"
 #include "MessageBoxes.h"
 #include "OptionsDialog.h"
 #include "QtMapPlatform.h"
@@ -40,6 +42,9 @@ std::vector<std::unique_ptr<shell::Feature>> MakeFeatures(MainWindow& window,
                                                    screens.mapScreen(), &window.dialogs()));
     features.push_back(poi::qt::MakePoiFeature(window.shell(), chooser, map, screens.bitmaps(),
                                                screens.mapScreen()));
+    features.push_back(help::qt::MakeHelpFeature(window.shell(), window.dialogs(),
+                                                 help::qt::DataDirectory(),
+                                                 [] { return CurrentLanguage(); }));
     if (auto hooks = MakeTestHooks(window))
         features.push_back(std::move(hooks));
     features.push_back(MakeMessageSnapshotFeature(window));

@@ -12,9 +12,23 @@
 
 namespace satwalk::app {
 
+namespace {
+
+std::string& Installed() {
+    static std::string code = shell::kDefaultLanguage;
+    return code;
+}
+
+}  // namespace
+
+std::string CurrentLanguage() {
+    return Installed();
+}
+
 bool InstallLanguage(const QString& code, const QString& folder) {
     if (code == QLatin1String(shell::kDefaultLanguage)) {
         common::InstallTranslation({});
+        Installed() = shell::kDefaultLanguage;
         return true;
     }
     QTranslator translator;
@@ -25,6 +39,7 @@ bool InstallLanguage(const QString& code, const QString& folder) {
             translator.translate(kTranslationContext, entry.text, std::to_string(entry.id).c_str());
         return text.toStdString();
     });
+    Installed() = code.toStdString();
     return true;
 }
 

@@ -9,6 +9,8 @@
 
 #include <QString>
 
+#include <string>
+
 class QCoreApplication;
 
 namespace satwalk::app {
@@ -21,6 +23,9 @@ inline constexpr const char* kTranslationsFolder = ":/i18n";
 // the translation, the others keep the table's text. Chinese needs no file.
 // False when the file could not be read (the table's texts stay).
 bool InstallLanguage(const QString& code, const QString& folder = kTranslationsFolder);
+
+// The language installed for this run ("zh_CN" until another is).
+std::string CurrentLanguage();
 
 // The translation of one table entry from a loaded file's context, or empty:
 // looked up by its Chinese text and its id, so that one Chinese word may

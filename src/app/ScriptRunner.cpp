@@ -147,8 +147,11 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         if (words.size() < 2 || !ParseKey(words[1].toLower(), key, text)) {
             return Fail(QStringLiteral("unknown key")), false;
         }
-        // To a dialog in the screen's place while one is open, as a real key.
-        QWidget* target = window_.KeyTarget();
+        // To a dialog in the screen's place while one is open, or to a
+        // modal window over it (a progress dialog), as a real key.
+        QWidget* target = QApplication::activeModalWidget();
+        if (target == nullptr)
+            target = window_.KeyTarget();
         QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
         QApplication::sendEvent(target, &down);
         QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
@@ -209,6 +212,14 @@ bool ScriptRunner::Run(const QString& line, int& waitMs) {
         if (QWidget* popup = QApplication::activePopupWidget()) {
             QPainter p(&shot);
             p.drawPixmap(window_.mapFromGlobal(popup->pos()), popup->grab());
+        }
+        // So is a modal window over it, centred as a window manager would.
+        if (QWidget* modal = QApplication::activeModalWidget();
+            modal != nullptr && modal->isVisible()) {
+            QPainter p(&shot);
+            const QPixmap over = modal->grab();
+            p.drawPixmap((shot.width() - over.width()) / 2, (shot.height() - over.height()) / 2,
+                         over);
         }
         if (!shot.save(rest(), "PNG")) {
             return Fail(QStringLiteral("cannot write ") + rest()), false;

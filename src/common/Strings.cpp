@@ -204,6 +204,15 @@ constexpr Entry kStrings[] = {
      "  --list-commands       print the command ids of the menus and scripts, and exit\n"
      "  --version             print the version and exit\n"
      "  --help                print this and exit\n"},
+    {43300, "找不到用户手册：%s\n\n请检查 Satwalk 的数据文件是否完整安装。"},
+    {43301, "无法读取用户手册 %s。"},
+    {43302, "用户手册 %s 太大，无法显示。"},
+    {43303, "目录"},
+    {43304, "关闭"},
+    {43310, "正在建立大地图的缓存…\n%s"},
+    {43311, "取消"},
+    {43312, "正在取消…"},
+    {43320, "磁盘空间不足，无法为 %s 建立地图缓存！"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),

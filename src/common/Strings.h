@@ -209,6 +209,19 @@ inline constexpr int kStrHoldSetReferencePoint = 43070;
 // The reference points' residuals in the reference-point dialog, before
 // the numbers.
 inline constexpr int kStrResiduals = 43090;
+// The user manual: what it says when it cannot be shown ("%s": the file,
+// or the folder it was looked for in), its table of contents and soft key.
+inline constexpr int kStrManualMissing = 43300;
+inline constexpr int kStrManualUnreadable = 43301;
+inline constexpr int kStrManualTooLarge = 43302;
+inline constexpr int kStrManualContents = 43303;
+inline constexpr int kStrManualClose = 43304;
+// Building a huge map's tile cache: its progress ("%s": the file), the
+// cancel button, the cancelling, and a disk too full for it.
+inline constexpr int kStrBuildingMapCache = 43310;
+inline constexpr int kStrBuildCancel = 43311;
+inline constexpr int kStrBuildCancelling = 43312;
+inline constexpr int kStrNoDiskSpaceForMap = 43320;
 // The fix's kind on the GPS information screen.
 inline constexpr int kStrFix3d = 43080;
 inline constexpr int kStrFix2d = 43081;

@@ -77,7 +77,16 @@ MapFeature::MapFeature(shell::Shell& shell, screens::ScreenContext& screens, Map
       screens_(screens),
       mapScreen_(mapScreen),
       platform_(std::move(platform)),
-      sink_(std::make_unique<Sink>(*this)) {}
+      sink_(std::make_unique<Sink>(*this)) {
+    platform_->SetImagePrepared([this](const std::string& path, ImageLoadError error) {
+        if (error == ImageLoadError::None && LoadMap(path)) {
+            shell_.ChooseScreen(shell::kScreenMap);
+        } else {
+            ShowLoadFailure(path, error);
+        }
+        shell_.Repaint();
+    });
+}
 
 MapFeature::~MapFeature() = default;
 
@@ -238,7 +247,6 @@ void MapFeature::RegisterMenus(shell::FeatureRegistry& registry) {
 // ----- loading -----
 
 bool MapFeature::LoadMap(const std::string& path) {
-    const std::string name(MapFileName(path));
     // The calibration is found before the image replaces the one shown, so
     // that a broken georeference keeps the previous map.
     const std::string storageFile = MakeReferenceFileName(shell_.settings().storageRoot, path);
@@ -250,9 +258,7 @@ bool MapFeature::LoadMap(const std::string& path) {
     ImageSize size;
     const ImageLoadError error = platform_->LoadImage(path, size);
     if (error != ImageLoadError::None) {
-        // The map shown before stays.
-        shell_.ui().ShowMessage(common::FormatString(common::LoadString(kStrImportFailed), name),
-                                shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        ShowLoadFailure(path, error);  // the map shown before stays
         return false;
     }
     if (size.width <= 0 || size.height <= 0) {
@@ -294,6 +300,17 @@ void MapFeature::CloseMap() {
         onCalibrationChanged();
     shell_.ChooseScreen(shell::kScreenMap);
     shell_.Repaint();
+}
+
+void MapFeature::ShowLoadFailure(const std::string& path, ImageLoadError error) {
+    if (error == ImageLoadError::None || error == ImageLoadError::Pending ||
+        error == ImageLoadError::Cancelled)
+        return;
+    const char* format = error == ImageLoadError::NoDiskSpace
+                             ? common::LoadString(common::kStrNoDiskSpaceForMap)
+                             : common::LoadString(kStrImportFailed);
+    shell_.ui().ShowMessage(common::FormatString(format, std::string(MapFileName(path))),
+                            shell::MessageIcon::Error, shell::MessageButtons::Ok);
 }
 
 void MapFeature::OpenRecent(int index) {

@@ -43,6 +43,13 @@ class MapPlatform {
     // Loads the image at `path` as the map's picture (the old one stays on
     // failure) and gives its size.
     virtual ImageLoadError LoadImage(const std::string& path, ImageSize& size) = 0;
+    // An image too large to decode whole is prepared in the background:
+    // LoadImage answers Pending, and `prepared` later gets its path and how
+    // the preparation ended (None: LoadImage of it now succeeds at once).
+    virtual void SetImagePrepared(
+        std::function<void(const std::string& path, ImageLoadError error)> prepared) {
+        (void)prepared;
+    }
     virtual void DropImage() = 0;
     virtual bool HasImage() const = 0;
     // The layer that paints the picture under the others.
@@ -106,6 +113,7 @@ class MapFeature final : public shell::Feature {
     void RegisterMenus(shell::FeatureRegistry& registry);
     void ToggleSetting(std::uint32_t& flag);
     void OpenRecent(int index);
+    void ShowLoadFailure(const std::string& path, ImageLoadError error);
     void StartPlacement(int slot);
     void EndPlacement(bool restoreCursor);
     void OpenReferenceDialog();

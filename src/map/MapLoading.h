@@ -20,13 +20,19 @@ enum class ImageLoadError {
     None,
     CannotOpen,  // missing, unreadable, a folder
     NotAnImage,  // empty, or none of the four formats
-    TooLarge,    // declared size past the decoding budget
+    TooLarge,    // declared size past the decoding budget (and past a pyramid's)
     Damaged,     // header or data broken, truncated
+    // Larger images are drawn from a tile pyramid built in the cache:
+    Pending,      // being built; the platform says when it is done
+    Cancelled,    // the user stopped the build
+    NoDiskSpace,  // the pyramid would not fit on the cache's disk
 };
 
 // The loader refused the file (not an image, damaged, too large for memory):
 // "导入 %s 失败！没有足够内存空间！" with the file name.
 inline constexpr int kStrImportFailed = 40104;
+// A pyramid that would not fit on the disk, with the file name:
+// kStrNoDiskSpaceForMap.
 // The image loaded but its size cannot be told: kStrReadImageFailed.
 
 // The part of a path after its last '/' (the whole path without one).

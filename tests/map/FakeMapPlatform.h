@@ -27,11 +27,17 @@ class FakeMapPlatform final : public MapPlatform {
     int Period(MapTimer timer) const { return timers.count(timer) ? timers.at(timer).periodMs : 0; }
 
     ImageLoadError LoadImage(const std::string& path, ImageSize& size) override {
+        if (errors.count(path))
+            return errors[path];
         if (!images.count(path))
             return ImageLoadError::CannotOpen;
         size = images[path];
         loaded = path;
         return ImageLoadError::None;
+    }
+    void SetImagePrepared(
+        std::function<void(const std::string&, ImageLoadError)> handler) override {
+        prepared = std::move(handler);
     }
     void DropImage() override { loaded.clear(); }
     bool HasImage() const override { return !loaded.empty(); }
@@ -57,7 +63,9 @@ class FakeMapPlatform final : public MapPlatform {
         std::function<void()> expired;
     };
     std::map<MapTimer, Timer> timers;
-    std::map<std::string, ImageSize> images;  // the files that load, by path
+    std::map<std::string, ImageSize> images;       // the files that load, by path
+    std::map<std::string, ImageLoadError> errors;  // the files that answer otherwise
+    std::function<void(const std::string&, ImageLoadError)> prepared;
     std::string loaded, chosenFile;
     int editedSlot = -1;
     std::function<void(ReferenceDialogFields&)> answerFields = [](ReferenceDialogFields&) {};

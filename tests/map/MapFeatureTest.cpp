@@ -115,6 +115,35 @@ TEST_F(MapFeatureTest, FailedLoadsSayWhyAndKeepTheMapShown) {
     EXPECT_TRUE(ui.messages.empty());
 }
 
+TEST_F(MapFeatureTest, HugeImageLoadsOnceItsPyramidIsBuilt) {
+    const std::string huge = "/maps/huge.jpg";
+    const std::tuple<ImageLoadError, const char*> ends[] = {
+        {ImageLoadError::Cancelled, nullptr},
+        {ImageLoadError::NoDiskSpace, "磁盘空间不足，无法为 huge.jpg 建立地图缓存！"},
+        {ImageLoadError::Damaged, "导入 huge.jpg 失败！没有足够内存空间！"},
+    };
+    for (const auto& [error, message] : ends) {
+        Load(kMap);
+        ui.messages.clear();
+        platform->errors[huge] = ImageLoadError::Pending;
+        Load(huge);  // building: nothing said, the map shown stays
+        EXPECT_TRUE(ui.messages.empty());
+        platform->prepared(huge, error);
+        EXPECT_EQ(platform->loaded, kMap);
+        ASSERT_EQ(ui.messages.size(), message ? 1u : 0u);
+        if (message) {
+            EXPECT_EQ(ui.messages[0].first, message);
+        }
+    }
+    // Built: now it loads at once, and the map screen shows it.
+    platform->errors.clear();
+    platform->images[huge] = {40000, 40000};
+    shell.ChooseScreen(shell::kScreenGpsInfo);
+    platform->prepared(huge, ImageLoadError::None);
+    EXPECT_EQ(platform->loaded, huge);
+    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+}
+
 TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFile) {
     Load(kMap);
     Layout();

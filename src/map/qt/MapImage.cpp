@@ -55,30 +55,17 @@ QImage ToRgb32(QImage image) {
     return image.format() == QImage::Format_RGB32 ? image : QImage();
 }
 
-// The 2 × 2 box average of an RGB32 image, the odd last row or column
-// averaged with itself. Red and blue (green and alpha) sum side by side in
-// one word with room to spare.
 QImage Halve(const QImage& src) {
     const int w = (src.width() + 1) / 2, h = (src.height() + 1) / 2;
     QImage dst(w, h, QImage::Format_RGB32);
     if (dst.isNull())
         return dst;
-    const int lastX = src.width() - 1, lastY = src.height() - 1;
+    const int lastY = src.height() - 1;
     for (int y = 0; y < h; ++y) {
-        const auto* a = reinterpret_cast<const std::uint32_t*>(src.constScanLine(2 * y));
-        const auto* b =
-            reinterpret_cast<const std::uint32_t*>(src.constScanLine(std::min(2 * y + 1, lastY)));
-        auto* out = reinterpret_cast<std::uint32_t*>(dst.scanLine(y));
-        for (int x = 0; x < w; ++x) {
-            const int x0 = 2 * x, x1 = std::min(2 * x + 1, lastX);
-            const std::uint32_t p[4] = {a[x0], a[x1], b[x0], b[x1]};
-            std::uint32_t rb = 0x00020002u, ga = 0x00020002u;
-            for (std::uint32_t q : p) {
-                rb += q & 0x00FF00FFu;
-                ga += (q >> 8) & 0x00FF00FFu;
-            }
-            out[x] = ((rb >> 2) & 0x00FF00FFu) | (((ga >> 2) & 0x00FF00FFu) << 8);
-        }
+        HalveRow(
+            reinterpret_cast<const std::uint32_t*>(src.constScanLine(2 * y)),
+            reinterpret_cast<const std::uint32_t*>(src.constScanLine(std::min(2 * y + 1, lastY))),
+            src.width(), reinterpret_cast<std::uint32_t*>(dst.scanLine(y)));
     }
     return dst;
 }
@@ -147,6 +134,22 @@ ImageLoadError FromReaderError(QImageReader::ImageReaderError error) {
 }
 
 }  // namespace
+
+void HalveRow(const std::uint32_t* a, const std::uint32_t* b, int width, std::uint32_t* out) {
+    // Red and blue (green and alpha) sum side by side in one word with room
+    // to spare.
+    const int lastX = width - 1;
+    for (int x = 0; x < (width + 1) / 2; ++x) {
+        const int x0 = 2 * x, x1 = std::min(2 * x + 1, lastX);
+        const std::uint32_t p[4] = {a[x0], a[x1], b[x0], b[x1]};
+        std::uint32_t rb = 0x00020002u, ga = 0x00020002u;
+        for (std::uint32_t q : p) {
+            rb += q & 0x00FF00FFu;
+            ga += (q >> 8) & 0x00FF00FFu;
+        }
+        out[x] = ((rb >> 2) & 0x00FF00FFu) | (((ga >> 2) & 0x00FF00FFu) << 8);
+    }
+}
 
 ImageSize MapImage::Size() const {
     if (levels_.empty())
@@ -267,14 +270,21 @@ void DrawMapImage(QPainter& painter, const MapImage& image, const VisiblePart& p
     const ImageSize full = image.Size();
     const double fx = static_cast<double>(level.width()) / full.width;
     const double fy = static_cast<double>(level.height()) / full.height;
-    const QRectF source(part.source.left * fx, part.source.top * fy, part.source.Width() * fx,
-                        part.source.Height() * fy);
+    DrawLevelPixels(painter, d, level,
+                    QRectF(part.source.left * fx, part.source.top * fy, part.source.Width() * fx,
+                           part.source.Height() * fy));
+}
+
+void DrawLevelPixels(QPainter& painter, const screens::Rect& destination, const QImage& level,
+                     const QRectF& source) {
     // A plain copy of the nearest pixel, as the map has always been drawn;
     // the level already did the averaging a reduction needs.
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(QRectF(d.left, d.top, d.Width(), d.Height()), level, source);
+    painter.drawImage(
+        QRectF(destination.left, destination.top, destination.Width(), destination.Height()), level,
+        source);
     painter.restore();
 }
 

@@ -2,8 +2,9 @@
 //
 // Loading goes through QImageReader and refuses, before any large
 // allocation, an image whose declared size would decode past a fixed budget,
-// so a decompression bomb or a giant scan fails with the loader's message
-// (string 40104) instead of exhausting the machine. The image is kept as
+// so a decompression bomb or a giant scan never exhausts the machine (the
+// map's platform then opens it from a tile pyramid, TiledImage.h, built a
+// band at a time). The image is kept as
 // 32-bit RGB at full resolution, with halved copies down to a few hundred
 // pixels, so that painting scales only the visible part, from the copy
 // nearest the zoom. Load on any thread; paint on the painting thread.
@@ -50,6 +51,11 @@ class MapImage {
     std::vector<QImage> levels_;
 };
 
+// One row of the 2 × 2 box average of RGB32 pixels: rows `a` and `b`, each
+// `width` long, into (width + 1) / 2 pixels at `out`; an odd last column is
+// averaged with itself (pass the same row twice for an odd last row).
+void HalveRow(const std::uint32_t* a, const std::uint32_t* b, int width, std::uint32_t* out);
+
 // Reads the file into `image`. On failure `image` is left as it was: the
 // previous map stays loaded.
 ImageLoadError LoadMapImage(const QString& path, MapImage& image);
@@ -59,5 +65,8 @@ ImageLoadError LoadMapImageData(const QByteArray& data, MapImage& image);
 // Paints the visible part into `painter` (unscaled painter coordinates),
 // from the level nearest the zoom; nothing for an empty part or image.
 void DrawMapImage(QPainter& painter, const MapImage& image, const VisiblePart& part);
+// `source` (pixels of a level) scaled into `destination`, nearest pixel.
+void DrawLevelPixels(QPainter& painter, const screens::Rect& destination, const QImage& level,
+                     const QRectF& source);
 
 }  // namespace satwalk::map

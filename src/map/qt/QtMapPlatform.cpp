@@ -17,14 +17,18 @@ namespace satwalk::map::qt {
 
 void MapImageLayer::Paint(screens::Canvas& canvas, const MapView& view,
                           const screens::ScreenContext&, const gps::GpsState&) {
-    if (view.mapMode == 0 || !view.showMap || image_.IsNull())
+    const bool tiled = tiled_ != nullptr && !tiled_->IsNull();
+    if (view.mapMode == 0 || !view.showMap || (image_.IsNull() && !tiled))
         return;
     const VisiblePart part = ComputeVisiblePart(
         view.imageSize, view.currentWidth, view.currentHeight, view.scrollCentre, view.viewRect);
     if (part.empty)
         return;
     if (auto* qt = dynamic_cast<screens::QtCanvas*>(&canvas)) {
-        DrawMapImage(qt->painter(), image_, part);
+        if (tiled)
+            DrawTiledImage(qt->painter(), *tiled_, part);
+        else
+            DrawMapImage(qt->painter(), image_, part);
     } else {
         // A canvas without Qt records where the picture lies.
         canvas.FillRect(part.destination, screens::Rgb(200, 200, 200));
@@ -32,7 +36,7 @@ void MapImageLayer::Paint(screens::Canvas& canvas, const MapView& view,
 }
 
 QtMapPlatform::QtMapPlatform(QWidget& window, shell::qt::DialogStack& dialogs, shell::Shell& shell)
-    : window_(window), dialogs_(dialogs), shell_(shell) {
+    : window_(window), dialogs_(dialogs), shell_(shell), pyramids_(&window) {
     QObject::connect(&repeat_, &QTimer::timeout, &window_, [this] {
         // The callback may restart this timer with a new one: call a copy.
         const std::function<void()> expired = repeatExpired_;
@@ -62,15 +66,27 @@ ImageLoadError QtMapPlatform::LoadImage(const std::string& path, ImageSize& size
     MapImage loaded;
     const ImageLoadError error = LoadMapImage(QString::fromStdString(path), loaded);
     QApplication::restoreOverrideCursor();
+    if (error == ImageLoadError::TooLarge) {
+        TiledImage tiled;
+        const ImageLoadError opened = pyramids_.Open(path, tiled, prepared_);
+        if (opened == ImageLoadError::None) {
+            size = tiled.Size();
+            tiled_ = std::move(tiled);
+            image_ = MapImage{};
+        }
+        return opened;
+    }
     if (error != ImageLoadError::None)
         return error;
+    pyramids_.Stop();  // a huge map still being prepared is no longer wanted
     size = loaded.Size();
     image_ = std::move(loaded);
+    tiled_ = TiledImage{};
     return ImageLoadError::None;
 }
 
 std::unique_ptr<MapLayer> QtMapPlatform::MakeImageLayer() {
-    return std::make_unique<MapImageLayer>(image_);
+    return std::make_unique<MapImageLayer>(image_, &tiled_);
 }
 
 void QtMapPlatform::ChooseFile(int mode, std::function<void(const std::string& path)> done) {

@@ -1,6 +1,7 @@
 // The map feature's platform on Qt: its two timers, the map image (loaded
-// through MapImage and painted by MapImageLayer), the program's file
-// browser and reference-point dialog, and the hold menu.
+// through MapImage, or from its tile pyramid through PyramidJob when too
+// large for that, and painted by MapImageLayer), the program's file browser
+// and reference-point dialog, and the hold menu.
 #pragma once
 
 #include <QTimer>
@@ -12,6 +13,8 @@
 #include "MapFeature.h"
 #include "MapImage.h"
 #include "MapLayers.h"
+#include "PyramidJob.h"
+#include "TiledImage.h"
 
 class QWidget;
 
@@ -28,15 +31,18 @@ struct ScreenContext;
 namespace satwalk::map::qt {
 
 // The loaded image under the other layers: only the visible part, scaled
-// from the nearest halved level, through the Qt canvas's painter.
+// from the nearest halved level (or the tiles in view of a pyramid's level,
+// when `tiled` is open), through the Qt canvas's painter.
 class MapImageLayer final : public MapLayer {
   public:
-    explicit MapImageLayer(const MapImage& image) : image_(image) {}
+    explicit MapImageLayer(const MapImage& image, TiledImage* tiled = nullptr)
+        : image_(image), tiled_(tiled) {}
     void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
                const gps::GpsState& fix) override;
 
   private:
     const MapImage& image_;
+    TiledImage* tiled_;
 };
 
 class QtMapPlatform final : public MapPlatform {
@@ -46,8 +52,13 @@ class QtMapPlatform final : public MapPlatform {
     void StartTimer(MapTimer timer, int periodMs, std::function<void()> expired) override;
     void StopTimer(MapTimer timer) override;
     ImageLoadError LoadImage(const std::string& path, ImageSize& size) override;
-    void DropImage() override { image_ = MapImage{}; }
-    bool HasImage() const override { return !image_.IsNull(); }
+    void SetImagePrepared(PreparedHandler prepared) override { prepared_ = std::move(prepared); }
+    void DropImage() override {
+        pyramids_.Stop();
+        image_ = MapImage{};
+        tiled_ = TiledImage{};
+    }
+    bool HasImage() const override { return !image_.IsNull() || !tiled_.IsNull(); }
     std::unique_ptr<MapLayer> MakeImageLayer() override;
     void ChooseFile(int mode, std::function<void(const std::string& path)> done) override;
     void EditReferencePoint(
@@ -66,6 +77,9 @@ class QtMapPlatform final : public MapPlatform {
     shell::qt::DialogStack& dialogs_;
     shell::Shell& shell_;
     MapImage image_;
+    TiledImage tiled_;  // open instead of image_ for an image too large for it
+    PyramidJob pyramids_;
+    PreparedHandler prepared_;
     QTimer repeat_;
     QTimer hold_;
     std::function<void()> repeatExpired_;
