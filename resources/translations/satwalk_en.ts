@@ -984,5 +984,14 @@ Please check that Satwalk's data files are installed completely.</translation>
         <comment>43320</comment>
         <translation>Not enough disk space to build the map cache for %s!</translation>
     </message>
+    <message>
+        <source>无法使用地图旁边的地理坐标（%s）。
+
+原来的地图保持不变。</source>
+        <comment>43321</comment>
+        <translation>The georeference beside the map cannot be used (%s).
+
+The previous map stays.</translation>
+    </message>
 </context>
 </TS>

@@ -213,6 +213,7 @@ constexpr Entry kStrings[] = {
     {43311, "取消"},
     {43312, "正在取消…"},
     {43320, "磁盘空间不足，无法为 %s 建立地图缓存！"},
+    {43321, "无法使用地图旁边的地理坐标（%s）。\n\n原来的地图保持不变。"},
 };
 
 static_assert(std::is_sorted(std::begin(kStrings), std::end(kStrings),

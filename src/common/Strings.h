@@ -222,6 +222,9 @@ inline constexpr int kStrBuildingMapCache = 43310;
 inline constexpr int kStrBuildCancel = 43311;
 inline constexpr int kStrBuildCancelling = 43312;
 inline constexpr int kStrNoDiskSpaceForMap = 43320;
+// A georeference beside the image that cannot be used (%s: the file and
+// why, in the words of the file's format).
+inline constexpr int kStrGeoreferenceRefused = 43321;
 // The fix's kind on the GPS information screen.
 inline constexpr int kStrFix3d = 43080;
 inline constexpr int kStrFix2d = 43081;

@@ -252,7 +252,9 @@ bool MapFeature::LoadMap(const std::string& path) {
     const std::string storageFile = MakeReferenceFileName(shell_.settings().storageRoot, path);
     const Georeference geo = LocateCalibration(path, storageFile);
     if (!geo.error.empty()) {
-        shell_.ui().ShowMessage(geo.error, shell::MessageIcon::Error, shell::MessageButtons::Ok);
+        shell_.ui().ShowMessage(
+            common::FormatString(common::LoadString(common::kStrGeoreferenceRefused), geo.error),
+            shell::MessageIcon::Error, shell::MessageButtons::Ok);
         return false;
     }
     ImageSize size;
