@@ -290,18 +290,6 @@ map::MapView WorldViewOfTheStore() {
     return view;
 }
 
-// The map screen's POI layer as it paints: the view's own projection.
-poi::PoiProjection ProjectionOf(const map::ScreenProjector& projector) {
-    return [&projector](double lat, double lon, double& x, double& y) {
-        map::PointF p;
-        if (!projector.Project(lat, lon, p))
-            return false;
-        x = p.x;
-        y = p.y;
-        return true;
-    };
-}
-
 // range(0): POIs in the store, every one of them in view; range(1): 1 drawn
 // through the store's index as the map screen draws it, 0 each point
 // projected.
@@ -309,7 +297,7 @@ void BM_PoiRepaintAllInView(benchmark::State& state) {
     const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
     const map::MapView view = WorldViewOfTheStore();
     const map::ScreenProjector projector(view);
-    const poi::PoiProjection project = ProjectionOf(projector);
+    const poi::PoiProjection project = poi::ProjectionOf(projector);
     poi::PoiIndex index;
     if (state.range(1) != 0)
         index.Build(store);
@@ -346,7 +334,7 @@ void BM_PoiRepaintAllInViewQt(benchmark::State& state) {
     const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
     const map::MapView view = WorldViewOfTheStore();
     const map::ScreenProjector projector(view);
-    const poi::PoiProjection project = ProjectionOf(projector);
+    const poi::PoiProjection project = poi::ProjectionOf(projector);
     screens::ScreenBitmaps bitmaps;
     QImage strip(496, 16, QImage::Format_ARGB32);
     strip.fill(qRgb(200, 40, 40));
