@@ -15,6 +15,7 @@
 #include <random>
 #include <string>
 
+#include "BenchHarness.h"
 #include "Canvas.h"
 #include "MapView.h"
 #include "PoiFeature.h"
@@ -363,12 +364,7 @@ BENCHMARK(BM_PoiRepaintAllInViewQt)
 
 #ifdef SATWALK_BENCH_QT
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QGuiApplication>(argc, argv);
 }
 #else
 BENCHMARK_MAIN();
