@@ -62,10 +62,3 @@ TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
 
 }  // namespace
 }  // namespace satwalk::screens
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
