@@ -3,7 +3,6 @@
 // painted for real is checked end to end (the script run's snapshots).
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QImage>
 
 #include "QtCanvas.h"
