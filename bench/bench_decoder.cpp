@@ -151,6 +151,18 @@ void AppendBinaryFrame(std::string& out, std::mt19937& rng) {
     out += frame;
 }
 
+// Calls each(line) for every line of `text`, its line end included.
+template <typename Each>
+void ForEachLine(const std::string& text, Each each) {
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        std::size_t end = text.find('\n', pos);
+        end = end == std::string::npos ? text.size() : end + 1;
+        each(text.substr(pos, end - pos));
+        pos = end;
+    }
+}
+
 // The demo drive with noise between (and inside) its lines: binary frames,
 // lowercase checksums, sentences of other talkers, truncated sentences, a
 // '$' inside a sentence, over-long sentences with valid checksums, and now
@@ -159,13 +171,7 @@ std::string MixedCorpus(const std::string& clean) {
     std::mt19937 rng(20260516);
     std::string out;
     out.reserve(clean.size() * 3 / 2);
-    std::size_t pos = 0;
-    while (pos < clean.size()) {
-        std::size_t end = clean.find('\n', pos);
-        end = end == std::string::npos ? clean.size() : end + 1;
-        const std::string line = clean.substr(pos, end - pos);
-        pos = end;
-
+    ForEachLine(clean, [&](const std::string& line) {
         const auto roll = rng() % 1000;
         if (roll < 30) {
             AppendBinaryFrame(out, rng);
@@ -210,7 +216,7 @@ std::string MixedCorpus(const std::string& clean) {
         } else {
             out += line;
         }
-    }
+    });
     return out;
 }
 
@@ -220,16 +226,11 @@ std::string MixedCorpus(const std::string& clean) {
 std::string MultiSystemCorpus(const std::string& clean) {
     std::string out;
     out.reserve(clean.size() * 2);
-    std::size_t pos = 0;
-    while (pos < clean.size()) {
-        std::size_t end = clean.find('\n', pos);
-        end = end == std::string::npos ? clean.size() : end + 1;
-        const std::string line = clean.substr(pos, end - pos);
-        pos = end;
+    ForEachLine(clean, [&](const std::string& line) {
         const std::size_t star = line.rfind('*');
         if (line.size() < 7 || line.compare(0, 3, "$GP") != 0 || star == std::string::npos) {
             out += line;
-            continue;
+            return;
         }
         std::string body = line.substr(1, star - 1);
         const std::string kind = body.substr(2, 3);
@@ -256,7 +257,7 @@ std::string MultiSystemCorpus(const std::string& clean) {
         } else {
             out += line;
         }
-    }
+    });
     return out;
 }
 

@@ -17,6 +17,7 @@
 #include <memory>
 #include <string>
 
+#include "BenchHarness.h"
 #include "ImageFiles.h"
 #include "ImageViewport.h"
 #include "MapImage.h"
@@ -36,20 +37,8 @@ QTemporaryDir& Folder() {
     return dir;
 }
 
-// Peak resident set size of this process in MB since the last reset.
-double PeakResidentMb() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind("VmHWM:", 0) == 0)
-            return std::stod(line.substr(6)) / 1024.0;
-    return 0.0;
-}
-
-// Starts the peak over from the current resident size (Linux 4.0 on).
-void ResetPeakResident() {
-    std::ofstream("/proc/self/clear_refs") << "5";
-}
+using bench::PeakResidentMb;
+using bench::ResetPeakResident;
 
 // A scan-like picture: tinted paper, a grid, roads and labels; encoded as a
 // JPEG of quality 85 (about what a scanner writes).
@@ -213,10 +202,5 @@ BENCHMARK(BM_WorldMap)
     ->ReportAggregatesOnly(true);
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QGuiApplication>(argc, argv);
 }

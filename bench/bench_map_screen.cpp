@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 
+#include "BenchHarness.h"
 #include "MapScreenLayers.h"
 #include "QtCanvas.h"
 #include "QtMapPlatform.h"
@@ -189,10 +190,5 @@ BENCHMARK(BM_MapScreenWorld)
 BENCHMARK(BM_DragWorstPaint)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QGuiApplication>(argc, argv);
 }

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QImage>
 
+#include "BenchHarness.h"
 #include "NmeaDecoder.h"
 #include "QtCanvas.h"
 #include "Screens.h"
@@ -67,10 +68,5 @@ BENCHMARK(BM_PaintScreen)
     ->ReportAggregatesOnly(true);
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QGuiApplication>(argc, argv);
 }

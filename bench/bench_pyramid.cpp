@@ -32,6 +32,7 @@
 #include "MapImage.h"
 #include "MapLoading.h"
 #include "PyramidBuilder.h"
+#include "ResidentMemory.h"
 #include "TiledImage.h"
 
 using namespace satwalk;
@@ -42,14 +43,7 @@ namespace {
 
 const screens::Rect kView{0, 0, 480, 640};
 
-double PeakResidentMb() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind("VmHWM:", 0) == 0)
-            return std::stod(line.substr(6)) / 1024.0;
-    return 0.0;
-}
+using bench::PeakResidentMb;
 
 // User and system time of this process so far: on a shared machine the
 // figure that does not grow with the others' load.

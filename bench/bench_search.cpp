@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "BenchHarness.h"
 #include "BluezSearch.h"
 #include "FakeBluez.h"
 #include "ReceiverSettingsDialog.h"
@@ -84,10 +85,5 @@ BENCHMARK(BM_DialogDuringSearch)->MinTime(5.0)->Unit(benchmark::kMicrosecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QApplication>(argc, argv);
 }

@@ -9,6 +9,8 @@
 #include <QImage>
 #include <QWidget>
 
+#include "BenchHarness.h"
+#include "BenchTrack.h"
 #include "Dialogs.h"
 #include "TrackInfoDialog.h"
 #include "TrackStatistics.h"
@@ -24,14 +26,7 @@ track::TrackStatistics Statistics() {
         p.latitude = 30.25 + i * 1e-6;
         p.longitude = 120.15 + (i % 1000) * 1e-6;
         p.elevation = 20 + (i % 5000) * 0.01;
-        p.time = track::TrackTime{2024,
-                                  5,
-                                  static_cast<std::int8_t>(1 + i / 86400),
-                                  static_cast<std::int8_t>(i / 3600 % 24),
-                                  static_cast<std::int8_t>(i / 60 % 60),
-                                  static_cast<std::int8_t>(i % 60),
-                                  0,
-                                  0};
+        p.time = bench::SecondsIntoMay(i);
         p.hasTime = true;
         stats.Add(p);
     }
@@ -58,9 +53,5 @@ BENCHMARK(BM_OpenTrackInfoDialog)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QApplication>(argc, argv);
 }

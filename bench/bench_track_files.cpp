@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchTrack.h"
 #include "GpxWriter.h"
 #include "TrackLogFile.h"
 #include "TrackState.h"
@@ -42,14 +43,7 @@ std::vector<track::TrackFilePoint> Walk() {
         p.latitude = lat;
         p.longitude = lon;
         p.elevation = ele;
-        p.time = track::TrackTime{static_cast<std::int16_t>(2024),
-                                  5,
-                                  static_cast<std::int8_t>(1 + i / 86400),
-                                  static_cast<std::int8_t>(i / 3600 % 24),
-                                  static_cast<std::int8_t>(i / 60 % 60),
-                                  static_cast<std::int8_t>(i % 60),
-                                  0,
-                                  0};
+        p.time = bench::SecondsIntoMay(i);
         p.hasTime = true;
         points.push_back(p);
     }

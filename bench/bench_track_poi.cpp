@@ -15,6 +15,7 @@
 #include <random>
 #include <string>
 
+#include "BenchHarness.h"
 #include "Canvas.h"
 #include "MapView.h"
 #include "PoiFeature.h"
@@ -196,14 +197,10 @@ const poi::PoiStore& HundredThousandPois() {
     return store;
 }
 
-void BM_PoiRepaint(benchmark::State& state) {
-    const poi::PoiStore& store = HundredThousandPois();
-    // Degrees to pixels: 2 km is about 0.02° across 480 pixels.
-    const poi::PoiProjection project = [](double lat, double lon, double& x, double& y) {
-        x = (lon - 120.14) * 24000;
-        y = (30.26 - lat) * 24000;
-        return true;
-    };
+// Draws the whole store with the markers' icons on every iteration; the
+// draw calls of the last one.
+std::size_t TimeDrawPois(benchmark::State& state, const poi::PoiStore& store,
+                         const poi::PoiProjection& project) {
     const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
     CountingCanvas canvas;
     std::size_t calls = 0;
@@ -212,6 +209,18 @@ void BM_PoiRepaint(benchmark::State& state) {
         poi::DrawPois(canvas, store, project, &icons);
         calls = canvas.calls;
     }
+    return calls;
+}
+
+void BM_PoiRepaint(benchmark::State& state) {
+    const poi::PoiStore& store = HundredThousandPois();
+    // Degrees to pixels: 2 km is about 0.02° across 480 pixels.
+    const poi::PoiProjection project = [](double lat, double lon, double& x, double& y) {
+        x = (lon - 120.14) * 24000;
+        y = (30.26 - lat) * 24000;
+        return true;
+    };
+    const std::size_t calls = TimeDrawPois(state, store, project);
     std::size_t bytes = store.MemoryBytes();
     for (std::uint32_t g = 0; g < store.Count(); ++g) bytes += store.At(g).points.MemoryBytes();
     state.counters["drawCalls"] = static_cast<double>(calls);
@@ -241,14 +250,7 @@ void BM_PoiLayerProjection(benchmark::State& state) {
         y = p.y;
         return true;
     };
-    const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};
-    CountingCanvas canvas;
-    std::size_t calls = 0;
-    for (auto _ : state) {
-        canvas.calls = 0;
-        poi::DrawPois(canvas, store, project, &icons);
-        calls = canvas.calls;
-    }
+    const std::size_t calls = TimeDrawPois(state, store, project);
     state.counters["drawCalls"] = static_cast<double>(calls);
 }
 BENCHMARK(BM_PoiLayerProjection)->Unit(benchmark::kMillisecond);
@@ -290,18 +292,6 @@ map::MapView WorldViewOfTheStore() {
     return view;
 }
 
-// The map screen's POI layer as it paints: the view's own projection.
-poi::PoiProjection ProjectionOf(const map::ScreenProjector& projector) {
-    return [&projector](double lat, double lon, double& x, double& y) {
-        map::PointF p;
-        if (!projector.Project(lat, lon, p))
-            return false;
-        x = p.x;
-        y = p.y;
-        return true;
-    };
-}
-
 // range(0): POIs in the store, every one of them in view; range(1): 1 drawn
 // through the store's index as the map screen draws it, 0 each point
 // projected.
@@ -309,7 +299,7 @@ void BM_PoiRepaintAllInView(benchmark::State& state) {
     const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
     const map::MapView view = WorldViewOfTheStore();
     const map::ScreenProjector projector(view);
-    const poi::PoiProjection project = ProjectionOf(projector);
+    const poi::PoiProjection project = poi::ProjectionOf(projector);
     poi::PoiIndex index;
     if (state.range(1) != 0)
         index.Build(store);
@@ -346,7 +336,7 @@ void BM_PoiRepaintAllInViewQt(benchmark::State& state) {
     const poi::PoiStore& store = PoisInView(static_cast<int>(state.range(0)));
     const map::MapView view = WorldViewOfTheStore();
     const map::ScreenProjector projector(view);
-    const poi::PoiProjection project = ProjectionOf(projector);
+    const poi::PoiProjection project = poi::ProjectionOf(projector);
     screens::ScreenBitmaps bitmaps;
     QImage strip(496, 16, QImage::Format_ARGB32);
     strip.fill(qRgb(200, 40, 40));
@@ -375,12 +365,7 @@ BENCHMARK(BM_PoiRepaintAllInViewQt)
 
 #ifdef SATWALK_BENCH_QT
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return satwalk::bench::RunOffscreen<QGuiApplication>(argc, argv);
 }
 #else
 BENCHMARK_MAIN();

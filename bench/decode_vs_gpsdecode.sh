@@ -9,19 +9,8 @@
 # The logs are made once by the demo generator into build/bench-data/.
 # Budgets: satwalk-tool at least 20 times the MB/s of gpsdecode; its peak
 # resident memory on 50 MB within 10 % (or 1 MB) of that on 5 MB.
-set -euo pipefail
-cd "$(dirname "$0")/.."
-reps="${1:-3}"
-
-command -v gpsdecode >/dev/null || { echo "gpsdecode missing: run scripts/setup" >&2; exit 2; }
-tool=build/default/tools/satwalk-tool
-if [ ! -x "$tool" ]; then
-  cmake --preset default >/dev/null
-  cmake --build --preset default -j2 --target satwalk-tool
-fi
-
-mkdir -p build/bench-data
-exec python3 - "$tool" "$reps" <<'EOF'
+source "$(dirname "$0")/peer_bench.sh"
+peer_bench gpsdecode "$@" <<'EOF'
 import os
 import statistics
 import subprocess

@@ -10,22 +10,10 @@
 # The GPX is made once into build/bench-data/. Budgets: satwalk-tool at
 # least 5 times as fast as gpsbabel; its peak memory under 16 MB (it streams).
 # The in-process figures (both trails, statistics) are bench_track_files'.
-set -euo pipefail
-cd "$(dirname "$0")/.."
-reps="${1:-3}"
-
-command -v gpsbabel >/dev/null || { echo "gpsbabel missing: run scripts/setup" >&2; exit 2; }
-tool=build/default/tools/satwalk-tool
-if [ ! -x "$tool" ]; then
-  cmake --preset default >/dev/null
-  cmake --build --preset default -j2 --target satwalk-tool
-fi
-
-mkdir -p build/bench-data
-exec python3 - "$tool" "$reps" <<'PY'
+source "$(dirname "$0")/peer_bench.sh"
+peer_bench gpsbabel "$@" <<'PY'
 import os
 import random
-import resource
 import statistics
 import subprocess
 import sys

@@ -7,14 +7,14 @@
 #include <cstdlib>
 
 #include "GpxReader.h"
+#include "TwoPieces.h"
 
 using namespace satwalk;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0)
+    const auto in = fuzz::CutInTwo(data, size);
+    if (!in)
         return 0;
-    const std::size_t split = data[0] % size;
-    const char* text = reinterpret_cast<const char*>(data);
     const auto point = [](const track::TrackFilePoint& p) {
         if (!(std::fabs(p.latitude) <= 90 && std::fabs(p.longitude) <= 180))
             std::abort();
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::abort();
     };
     track::GpxParser parser(point, waypoint);
-    if (parser.Feed(text, split, false))
-        parser.Feed(text + split, size - split, true);
+    if (parser.Feed(in->first, in->firstSize, false))
+        parser.Feed(in->second, in->secondSize, true);
     return 0;
 }

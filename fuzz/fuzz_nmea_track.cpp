@@ -6,22 +6,22 @@
 #include <cstdlib>
 
 #include "NmeaTrackReader.h"
+#include "TwoPieces.h"
 
 using namespace satwalk;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0)
+    const auto in = fuzz::CutInTwo(data, size);
+    if (!in)
         return 0;
-    const std::size_t split = data[0] % size;
-    const char* text = reinterpret_cast<const char*>(data);
     std::size_t points = 0;
     track::NmeaTrackParser parser([&points](const track::TrackFilePoint& p) {
         if (!(std::fabs(p.latitude) <= 90 && std::fabs(p.longitude) <= 180))
             std::abort();
         ++points;
     });
-    parser.Feed(text, split);
-    parser.Feed(text + split, size - split);
+    parser.Feed(in->first, in->firstSize);
+    parser.Feed(in->second, in->secondSize);
     parser.Finish();
     if (points > 0 && !parser.SawSentence())
         std::abort();

@@ -10,17 +10,17 @@
 #include "RecordingCanvas.h"
 #include "TrackLogReader.h"
 #include "TrailPainter.h"
+#include "TwoPieces.h"
 
 using namespace satwalk;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0)
+    const auto in = fuzz::CutInTwo(data, size);
+    if (!in)
         return 0;
-    const std::size_t split = data[0] % size;
-    const char* text = reinterpret_cast<const char*>(data);
     track::TrackList trail;
     std::size_t ends = 0;
-    for (std::size_t i = 0; i < size; ++i) ends += text[i] == ',' || text[i] == '\r';
+    for (std::size_t i = 0; i < size; ++i) ends += data[i] == ',' || data[i] == '\r';
     track::TrackLogParser parser;
     const auto add = [&](const track::TrackLogPoint& p) {
         const track::TrackTime& t = p.time;
@@ -30,8 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         trail.Append(track::TrackPoint{static_cast<float>(p.longitude * 100),
                                        static_cast<float>(p.latitude * 100), t});
     };
-    parser.Feed(text, split, add);
-    parser.Feed(text + split, size - split, add);
+    parser.Feed(in->first, in->firstSize, add);
+    parser.Feed(in->second, in->secondSize, add);
     if (trail.Count() * 3 > ends)  // a point needs three ended fields
         std::abort();
 

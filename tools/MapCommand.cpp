@@ -8,8 +8,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Georeference.h"
@@ -86,6 +88,13 @@ void Member(std::string& out, const char* name) {
 void NumberMember(std::string& out, const char* name, double v) {
     Member(out, name);
     Number(out, v);
+}
+
+// Appends one object of numbers to the array being written.
+void NumberObject(std::string& out, std::initializer_list<std::pair<const char*, double>> members) {
+    out += out.back() == '[' ? "{" : ",{";
+    for (const auto& [name, value] : members) NumberMember(out, name, value);
+    out += '}';
 }
 
 void Table(std::string& out, const char* name, const std::array<double, map::kPairCount + 1>& t) {
@@ -288,12 +297,10 @@ int RunMap(int argc, char** argv) {
         p.imageX = r.a;
         p.imageY = r.b;
         map::ImageToGeo(calibration, p);
-        out += out.back() == '[' ? "{" : ",{";
-        NumberMember(out, "imageX", r.a);
-        NumberMember(out, "imageY", r.b);
-        NumberMember(out, "latitude", p.latitude);
-        NumberMember(out, "longitude", p.longitude);
-        out += '}';
+        NumberObject(out, {{"imageX", r.a},
+                           {"imageY", r.b},
+                           {"latitude", p.latitude},
+                           {"longitude", p.longitude}});
     }
     out += ']';
 
@@ -302,22 +309,16 @@ int RunMap(int argc, char** argv) {
     for (const Request& r : toImage) {
         GeoPoint p;
         const map::PointF px = map::GeoToImage(calibration, p, r.a, r.b);
-        out += out.back() == '[' ? "{" : ",{";
-        NumberMember(out, "latitude", r.a);
-        NumberMember(out, "longitude", r.b);
-        NumberMember(out, "imageX", px.x);
-        NumberMember(out, "imageY", px.y);
-        out += '}';
+        NumberObject(out,
+                     {{"latitude", r.a}, {"longitude", r.b}, {"imageX", px.x}, {"imageY", px.y}});
     }
     out += ']';
 
     Member(out, "northing");
     out += '[';
     for (double lat : northing) {
-        out += out.back() == '[' ? "{" : ",{";
-        NumberMember(out, "latitude", lat);
-        NumberMember(out, "value", map::MercatorNorthing(lat, viewScale, scaleBar));
-        out += '}';
+        NumberObject(
+            out, {{"latitude", lat}, {"value", map::MercatorNorthing(lat, viewScale, scaleBar)}});
     }
     out += ']';
 
@@ -339,14 +340,13 @@ int RunMap(int argc, char** argv) {
         const double sy = geo.unitImage ? size.height : 1.0;
         for (std::size_t i = 0; i < geo.points.size(); ++i) {
             const map::ControlPoint& c = geo.points[i];
-            out += out.back() == '[' ? "{" : ",{";
-            NumberMember(out, "imageX", c.imageX * sx);
-            NumberMember(out, "imageY", c.imageY * sy);
-            NumberMember(out, "latitude", c.latitude);
-            NumberMember(out, "longitude", c.longitude);
-            NumberMember(out, "residualMetres",
-                         i < geo.residualsMetres.size() ? geo.residualsMetres[i] : std::nan(""));
-            out += '}';
+            NumberObject(
+                out, {{"imageX", c.imageX * sx},
+                      {"imageY", c.imageY * sy},
+                      {"latitude", c.latitude},
+                      {"longitude", c.longitude},
+                      {"residualMetres",
+                       i < geo.residualsMetres.size() ? geo.residualsMetres[i] : std::nan("")}});
         }
         out += ']';
     } else if (calibrated) {

@@ -28,6 +28,7 @@
 
 #include "CommandIds.h"
 #include "CommandTable.h"
+#include "DataFiles.h"
 #include "FeatureList.h"
 #include "Language.h"
 #include "LanguageOption.h"
@@ -251,18 +252,6 @@ void NoDisplayHandler(QtMsgType type, const QMessageLogContext&, const QString& 
     std::_Exit(1);
 }
 
-// Where the bundled data lives: beside an installed program, else the
-// source tree the program was built from.
-QString DataFile(const QString& name) {
-    if (const char* dir = std::getenv("SATWALK_DATA_DIR"))
-        return QDir(dir).filePath(name);
-    const QString installed =
-        QDir(QCoreApplication::applicationDirPath()).filePath("../share/satwalk/" + name);
-    if (QFileInfo::exists(installed))
-        return installed;
-    return QDir(SATWALK_SOURCE_RESOURCES).filePath(name);
-}
-
 // Milliseconds since this process started, for the start-up figure.
 long long MillisecondsSinceProcessStart() {
     std::ifstream stat("/proc/self/stat");
@@ -429,8 +418,8 @@ int main(int argc, char** argv) {
     std::unique_ptr<link::ReplayReceiver> replay;
     if (args.replay) {
         replay = std::make_unique<link::ReplayReceiver>();
-        const QString file =
-            args.replayFile.isEmpty() ? DataFile("demo/demo-drive.nmea") : args.replayFile;
+        const QString file = args.replayFile.isEmpty() ? shell::qt::DataFile("demo/demo-drive.nmea")
+                                                       : args.replayFile;
         if (!replay->Open() || !replay->LoadFile(file.toStdString()) ||
             !replay->Start({args.replayRate, true})) {
             std::fprintf(stderr, "satwalk: cannot replay %s: %s\n", qPrintable(file),
@@ -442,8 +431,8 @@ int main(int argc, char** argv) {
         link.SetOverridePath(args.port.toStdString());
     }
 
-    map::SetWorldLandFile(DataFile("map/world-land-50m.txt").toStdString());
-    app::QtAlarmSound sound(DataFile("alarm.wav"));
+    map::SetWorldLandFile(shell::qt::DataFile("map/world-land-50m.txt").toStdString());
+    app::QtAlarmSound sound(shell::qt::DataFile("alarm.wav"));
     app::IdleInhibitor inhibitor;
     app::ScreenAdapter screens;
     app::MainWindow window(settings, link, sound, &options, args.size, args.dpi);

@@ -3,9 +3,8 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
+#include "SmallFile.h"
 #include "SourceAddress.h"
 
 namespace satwalk::link {
@@ -30,19 +29,12 @@ std::string FormatRelaySetting(const RelaySetting& setting) {
 }
 
 RelaySetting LoadRelaySetting(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return {};
-    char text[512];
-    in.read(text, sizeof text);
-    return ParseRelaySetting(std::string_view(text, static_cast<std::size_t>(in.gcount())));
+    const std::optional<std::string> text = common::ReadFileStart(path, 512);
+    return text ? ParseRelaySetting(*text) : RelaySetting{};
 }
 
 bool SaveRelaySetting(const std::string& path, const RelaySetting& setting) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << FormatRelaySetting(setting);
-    out.close();
-    return static_cast<bool>(out);
+    return common::ReplaceFile(path, FormatRelaySetting(setting));
 }
 
 bool IsRelayAddress(std::string_view address) {

@@ -93,6 +93,17 @@ const PoiIndex& PoiFeature::index() const {
     return index_;
 }
 
+PoiProjection ProjectionOf(const map::ScreenProjector& projector) {
+    return [&projector](double lat, double lon, double& x, double& y) {
+        map::PointF p;
+        if (!projector.Project(lat, lon, p))
+            return false;
+        x = p.x;
+        y = p.y;
+        return true;
+    };
+}
+
 PoiBoxProjection BoxProjectionOf(const map::MapView& view, const map::ScreenProjector& projector) {
     if (view.mapMode != 0)
         return {};
@@ -117,14 +128,7 @@ void PoiLayer::Paint(screens::Canvas& canvas, const map::MapView& view,
     if (!view.Calibrated())
         return;  // a map without calibration shows no POI
     const map::ScreenProjector projector(view);
-    const PoiProjection project = [&projector](double lat, double lon, double& x, double& y) {
-        map::PointF p;
-        if (!projector.Project(lat, lon, p))
-            return false;
-        x = p.x;
-        y = p.y;
-        return true;
-    };
+    const PoiProjection project = ProjectionOf(projector);
     PoiDrawStyle style;
     style.textSize = ctx.baseTextHeight;
     // The frame is painted over the map afterwards: what lies beyond the

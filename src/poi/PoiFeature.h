@@ -62,6 +62,10 @@ class PoiFeature final : public shell::Feature {
     bool iconsLoaded_ = false;
 };
 
+// The view's own projection of a POI, as the layer paints it; `projector`
+// must outlive what this returns.
+PoiProjection ProjectionOf(const map::ScreenProjector& projector);
+
 // The screen box of a degree box in the view, for drawing through the
 // index: the world map projects longitude and latitude each on its own axis
 // and in order, so a box's corners bound its points (except across the

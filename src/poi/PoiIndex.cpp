@@ -21,14 +21,7 @@ void PoiIndex::Build(const PoiStore& store) {
             if (std::isfinite(latitude) && std::isfinite(longitude))
                 entries_.push_back({latitude, longitude, std::uint64_t{g} << 32 | i});
         };
-        std::uint32_t i = 0;
-        if (group.positions.size() == group.points.Count()) {
-            for (const PoiPosition& p : group.positions) add(p.latitude, p.longitude, i++);
-        } else {
-            group.points.ForEachSpan([&](std::span<const PoiRecord> span) {
-                for (const PoiRecord& r : span) add(r.latitude, r.longitude, i++);
-            });
-        }
+        ForEachPosition(group, add);
     }
     if (entries_.empty())
         return;

@@ -103,14 +103,7 @@ void PlaceEach(CellGrid& grid, PoiDrawCount& count, const PoiStore& store,
                              IconCellOf(group, record)};
             grid.occupied.push_back(static_cast<std::uint32_t>(index));
         };
-        std::uint32_t i = 0;
-        if (group.positions.size() == group.points.Count()) {
-            for (const PoiPosition& p : group.positions) place(p.latitude, p.longitude, i++);
-        } else {
-            group.points.ForEachSpan([&](std::span<const PoiRecord> span) {
-                for (const PoiRecord& r : span) place(r.latitude, r.longitude, i++);
-            });
-        }
+        ForEachPosition(group, place);
     }
 }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,20 @@ struct PoiGroup {
 };
 
 using PoiStore = track::CursorList<PoiGroup>;
+
+// Calls visit(latitude, longitude, index) for each of the group's points in
+// order: from its positions where it keeps them, else from its records.
+template <typename Visit>
+void ForEachPosition(const PoiGroup& group, Visit&& visit) {
+    std::uint32_t i = 0;
+    if (group.positions.size() == group.points.Count()) {
+        for (const PoiPosition& p : group.positions) visit(p.latitude, p.longitude, i++);
+    } else {
+        group.points.ForEachSpan([&](std::span<const PoiRecord> span) {
+            for (const PoiRecord& r : span) visit(r.latitude, r.longitude, i++);
+        });
+    }
+}
 
 struct PoiImport {
     bool read = false;  // false: kStrOpenPoiFileFailed, nothing added

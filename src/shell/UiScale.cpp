@@ -1,9 +1,9 @@
 #include "UiScale.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "ScreenIds.h"
+#include "SmallFile.h"
 
 namespace satwalk::shell {
 
@@ -43,33 +43,17 @@ int UiScalePercent(std::uint32_t setting, int width, int height, int dpi) {
 }
 
 std::string UiScalePath(const std::string& optionsPath) {
-    const std::size_t slash = optionsPath.rfind('/');
-    return (slash == std::string::npos ? std::string() : optionsPath.substr(0, slash + 1)) +
-           "ui-scale";
+    return common::PathBeside(optionsPath, "ui-scale");
 }
 
 std::uint32_t LoadUiScale(const std::string& path) {
-    std::FILE* f = std::fopen(path.c_str(), "rbe");
-    if (f == nullptr)
-        return kUiScaleAuto;
-    char text[16] = {};
-    const std::size_t n = std::fread(text, 1, sizeof text - 1, f);
-    std::fclose(f);
+    const std::optional<std::string> text = common::ReadFileStart(path, 15);
     std::uint32_t setting = kUiScaleAuto;
-    return ParseUiScale(std::string_view(text, n), setting) ? setting : kUiScaleAuto;
+    return text && ParseUiScale(*text, setting) ? setting : kUiScaleAuto;
 }
 
 bool SaveUiScale(const std::string& path, std::uint32_t setting) {
-    const std::string temporary = path + ".new";
-    std::FILE* f = std::fopen(temporary.c_str(), "wbe");
-    if (f == nullptr)
-        return false;
-    const bool written = std::fputs((FormatUiScale(setting) + "\n").c_str(), f) >= 0;
-    if (std::fclose(f) != 0 || !written || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        std::remove(temporary.c_str());
-        return false;
-    }
-    return true;
+    return common::ReplaceFile(path, FormatUiScale(setting) + "\n");
 }
 
 }  // namespace satwalk::shell

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <string_view>
+
+#include "SmallFile.h"
 
 namespace satwalk::shell {
 
@@ -36,20 +37,15 @@ bool ReadInt(std::string_view& text, int& out) {
 }  // namespace
 
 std::string WindowGeometryPath(const std::string& optionsPath) {
-    const std::size_t slash = optionsPath.rfind('/');
-    return (slash == std::string::npos ? std::string() : optionsPath.substr(0, slash + 1)) +
-           "window";
+    return common::PathBeside(optionsPath, "window");
 }
 
 std::optional<WindowGeometry> LoadWindowGeometry(const std::string& path) {
-    std::FILE* f = std::fopen(path.c_str(), "rbe");
-    if (f == nullptr)
-        return std::nullopt;
     // Its first line, if it is one of ours: no line of ours is that long.
-    char buffer[128];
-    const std::size_t n = std::fread(buffer, 1, sizeof buffer, f);
-    std::fclose(f);
-    return ParseWindowGeometry(std::string_view(buffer, n));
+    const std::optional<std::string> text = common::ReadFileStart(path, 128);
+    if (!text)
+        return std::nullopt;
+    return ParseWindowGeometry(*text);
 }
 
 std::optional<WindowGeometry> ParseWindowGeometry(std::string_view text) {
@@ -69,17 +65,10 @@ std::optional<WindowGeometry> ParseWindowGeometry(std::string_view text) {
 }
 
 bool SaveWindowGeometry(const std::string& path, const WindowGeometry& g) {
-    const std::string temporary = path + ".new";
-    std::FILE* f = std::fopen(temporary.c_str(), "wbe");
-    if (f == nullptr)
-        return false;
-    const bool written =
-        std::fprintf(f, "%d %d %d %d %d\n", g.x, g.y, g.width, g.height, g.maximized ? 1 : 0) > 0;
-    if (std::fclose(f) != 0 || !written || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        std::remove(temporary.c_str());
-        return false;
-    }
-    return true;
+    const std::string line = std::to_string(g.x) + ' ' + std::to_string(g.y) + ' ' +
+                             std::to_string(g.width) + ' ' + std::to_string(g.height) +
+                             (g.maximized ? " 1\n" : " 0\n");
+    return common::ReplaceFile(path, line);
 }
 
 WindowGeometry Sanitize(WindowGeometry g, const std::vector<ScreenRect>& screens, int minWidth,

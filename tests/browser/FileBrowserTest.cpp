@@ -172,11 +172,3 @@ TEST_F(FileBrowserTest, ChoosingAFile) {
 
 }  // namespace
 }  // namespace satwalk::browser::qt
-
-int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

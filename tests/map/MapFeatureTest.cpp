@@ -3,18 +3,11 @@
 // the hold menu and the state dump, with the platform faked.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <tuple>
 
 #include "CommandIds.h"
-#include "FakeMapPlatform.h"
-#include "FakeShellParts.h"
-#include "MapCommands.h"
-#include "Screens.h"
-#include "Shell.h"
-#include "StateJson.h"
+#include "MapFeatureFixture.h"
 #include "Strings.h"
 
 namespace satwalk::map {
@@ -22,49 +15,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class MapFeatureTest : public ::testing::Test {
+class MapFeatureTest : public test::MapFeatureFixture {
   protected:
-    MapFeatureTest() : shell(settings, link, ui, sound, nullptr) {
-        root = fs::temp_directory_path() /
-               ("satwalk-map-feature-" + std::to_string(::getpid()) + "-" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(root);
-        fs::create_directories(root);
-        settings.storageRoot = root.string();
-        shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
-        auto fake = std::make_unique<test::FakeMapPlatform>();
-        platform = fake.get();
+    MapFeatureTest() {
         platform->images[kMap] = {1000, 800};
-        ctx.screen = {0, 0, 480, 560};
-        ctx.frame = {0, 0, 480, 640};
-        ctx.mapView.view = ctx.screen;
         ctx.bitmaps[screens::BitmapId::MapOverlay.value].width = 30;
-        feature = std::make_unique<MapFeature>(shell, ctx, mapScreen, std::move(fake));
-        shell.features().Add(*feature);
     }
-    ~MapFeatureTest() override { fs::remove_all(root); }
 
-    void Load(const std::string& path) {
-        platform->chosenFile = path;
-        shell.OnCommand(cmd::kLoadMap);
-    }
-    // Lays the map out as a paint would.
-    void Layout() { mapScreen.viewSource(ctx); }
     std::string View() const { return shell::DescribeMenu(shell.BuildViewMenu()); }
     std::string Main() const { return shell::DescribeMenu(shell.BuildMainMenu()); }
-    std::string State() const { return shell::BuildStateJson(shell, {}); }
 
     static constexpr const char* kMap = "/maps/lake.png";
-    fs::path root;
-    shell::ProgramSettings settings;
-    shell::testing::FakeLink link;
-    shell::testing::FakeUi ui;
-    shell::testing::FakeSound sound;
-    shell::Shell shell;
-    screens::ScreenContext ctx;
-    MapScreen mapScreen;
-    test::FakeMapPlatform* platform = nullptr;
-    std::unique_ptr<MapFeature> feature;
 };
 
 TEST_F(MapFeatureTest, MenusKeysAndTabsFollowTheLoadedMap) {

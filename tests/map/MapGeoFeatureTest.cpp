@@ -4,57 +4,36 @@
 // once they calibrate, and "关闭地图" goes back to the world.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
 #include "CommandIds.h"
-#include "FakeMapPlatform.h"
-#include "FakeShellParts.h"
-#include "MapCommands.h"
-#include "Screens.h"
-#include "Shell.h"
-#include "StateJson.h"
+#include "MapFeatureFixture.h"
 
 namespace satwalk::map {
 namespace {
 
 namespace fs = std::filesystem;
 
-class MapGeoFeatureTest : public ::testing::Test {
+class MapGeoFeatureTest : public test::MapFeatureFixture {
   protected:
-    MapGeoFeatureTest() : shell(settings, link, ui, sound, nullptr) {
-        root = fs::temp_directory_path() / ("satwalk-map-geo-" + std::to_string(::getpid()));
-        fs::remove_all(root);
+    MapGeoFeatureTest() {
         fs::create_directories(root / "maps");
-        settings.storageRoot = root.string();
-        shell::PrepareStorageFolders(shell::MakeStorageFolders(settings.storageRoot));
-        auto fake = std::make_unique<test::FakeMapPlatform>();
-        platform = fake.get();
         utm = (root / "maps/utm.png").string();
         broken = (root / "maps/broken.png").string();
         platform->images[utm] = platform->images[broken] = {1000, 800};
         Write("utm.pgw", "25\n0\n0\n-25\n210012.5\n3352987.5\n");
         Write("utm.prj", "EPSG:32651");
         Write("broken.pgw", "0\n0\n0\n0\n210012.5\n3352987.5\n");
-        ctx.screen = {0, 0, 480, 560};
-        ctx.frame = {0, 0, 480, 640};
-        ctx.mapView.view = ctx.screen;
-        feature = std::make_unique<MapFeature>(shell, ctx, mapScreen, std::move(fake));
-        shell.features().Add(*feature);
     }
-    ~MapGeoFeatureTest() override { fs::remove_all(root); }
 
     void Write(const char* name, const char* text) {
         std::ofstream(root / "maps" / name, std::ios::binary) << text;
     }
     void Load(const std::string& path) {
-        platform->chosenFile = path;
-        shell.OnCommand(cmd::kLoadMap);
-        mapScreen.viewSource(ctx);
+        MapFeatureFixture::Load(path);
+        Layout();
     }
-    std::string State() const { return shell::BuildStateJson(shell, {}); }
     void Place(int slot, const char* latitude, const char* longitude, int at) {
         shell.OnCommand(cmd::kSetReferencePoint1 + slot);
         platform->answerFields = [=](ReferenceDialogFields& f) {
@@ -67,17 +46,7 @@ class MapGeoFeatureTest : public ::testing::Test {
         shell.OnCommand(shell::cmd::kLeftSoftKey);
     }
 
-    fs::path root;
     std::string utm, broken;
-    shell::ProgramSettings settings;
-    shell::testing::FakeLink link;
-    shell::testing::FakeUi ui;
-    shell::testing::FakeSound sound;
-    shell::Shell shell;
-    screens::ScreenContext ctx;
-    MapScreen mapScreen;
-    test::FakeMapPlatform* platform = nullptr;
-    std::unique_ptr<MapFeature> feature;
 };
 
 TEST_F(MapGeoFeatureTest, WorldFileCalibratesAndABrokenOneKeepsTheMap) {

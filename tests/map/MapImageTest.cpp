@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QTemporaryDir>
 
@@ -153,12 +152,3 @@ TEST(MapImagePaint, VisiblePartLandsInTheDestination) {
 
 }  // namespace
 }  // namespace satwalk::map
-
-int main(int argc, char** argv) {
-    // Test discovery runs this too, with no display to talk to.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -141,11 +141,3 @@ TEST_F(ReferenceDialogTest, InsertCurrentCoordinate) {
 
 }  // namespace
 }  // namespace satwalk::map::qt
-
-int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -188,14 +188,7 @@ TEST(PoiIndexTest, DrawsWhatEveryPointProjectedDraws) {
         view.worldOrigin.screenY =
             320 + map::MercatorNorthing(c.latitude, view.viewScale, view.scaleBarPixels);
         const map::ScreenProjector projector(view);
-        const PoiProjection project = [&projector](double lat, double lon, double& x, double& y) {
-            map::PointF p;
-            if (!projector.Project(lat, lon, p))
-                return false;
-            x = p.x;
-            y = p.y;
-            return true;
-        };
+        const PoiProjection project = ProjectionOf(projector);
         PoiIndex index;
         index.Build(store);
         const screens::Bitmap icons{screens::BitmapId::Markers, 496, 16};

@@ -3,7 +3,6 @@
 // painted for real is checked end to end (the script run's snapshots).
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QImage>
 
 #include "QtCanvas.h"
@@ -62,10 +61,3 @@ TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
 
 }  // namespace
 }  // namespace satwalk::screens
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -96,4 +96,14 @@ class FakeLink : public LinkControl {
     gps::GpsState gps;
 };
 
+// A shell over the fakes above, with no options file: what the features'
+// test fixtures build on.
+struct FakeShell {
+    ProgramSettings settings;
+    FakeLink link;
+    FakeUi ui;
+    FakeSound sound;
+    Shell shell{settings, link, ui, sound, nullptr};
+};
+
 }  // namespace satwalk::shell::testing

@@ -25,9 +25,9 @@ using testing::FakeSatelliteView;
 using testing::FakeSound;
 using testing::FakeUi;
 
-class ShellTest : public ::testing::Test {
+class ShellTest : public ::testing::Test, protected testing::FakeShell {
   protected:
-    ShellTest() : shell(settings, link, ui, sound, nullptr), satelliteData(shell, satelliteView) {
+    ShellTest() : satelliteData(shell, satelliteView) {
         settings.bluetoothReceiver = 0;
         settings.comPort = 3;
         shell.features().Add(satelliteData);
@@ -38,11 +38,6 @@ class ShellTest : public ::testing::Test {
         shell.OnGpsData();
     }
 
-    ProgramSettings settings;
-    FakeLink link;
-    FakeUi ui;
-    FakeSound sound;
-    Shell shell;
     FakeSatelliteView satelliteView;
     SatelliteDataFeature satelliteData;
 };

@@ -74,9 +74,9 @@ class FakeTrackPlatform : public TrackPlatform {
     std::function<void()> deferred, followExpired;
 };
 
-class FeatureFixture : public ::testing::Test {
+class FeatureFixture : public ::testing::Test, protected shell::testing::FakeShell {
   protected:
-    FeatureFixture() : shell(settings, link, ui, sound, nullptr) {
+    FeatureFixture() {
         settings.bluetoothReceiver = 0;
         settings.storageRoot =
             ScratchFolder(::testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -114,11 +114,6 @@ class FeatureFixture : public ::testing::Test {
         return texts;
     }
 
-    shell::ProgramSettings settings;
-    shell::testing::FakeLink link;
-    shell::testing::FakeUi ui;
-    shell::testing::FakeSound sound;
-    shell::Shell shell;
     screens::ScreenContext screens;
     map::MapScreen mapScreen;
     map::MapFeature map{shell, screens, mapScreen, std::make_unique<map::test::FakeMapPlatform>()};

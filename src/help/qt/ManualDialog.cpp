@@ -1,7 +1,5 @@
 #include "ManualDialog.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -16,6 +14,7 @@
 #include <cstdlib>
 
 #include "CommandIds.h"
+#include "DataFiles.h"
 #include "Manual.h"
 #include "Shell.h"
 #include "Strings.h"
@@ -160,13 +159,7 @@ void ManualDialog::WriteExtraState(common::JsonMembers& members) const {
 }
 
 std::string DataDirectory() {
-    if (const char* dir = std::getenv("SATWALK_DATA_DIR"))
-        return dir;
-    const QString installed =
-        QDir(QCoreApplication::applicationDirPath()).filePath("../share/satwalk");
-    if (QFileInfo::exists(QDir(installed).filePath(kManualFolder)))
-        return QDir::cleanPath(installed).toStdString();
-    return SATWALK_SOURCE_RESOURCES;
+    return shell::qt::DataFolderOf(kManualFolder).toLocal8Bit().toStdString();
 }
 
 namespace {
