@@ -32,11 +32,10 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
-    barHeight_ = shell::SoftKeyBarHeight(dpi);
     scaleSetting_ = settings.uiScale;
-    scale_ = shell::UiScalePercent(scaleSetting_, clientSize.width(),
-                                   clientSize.height() + barHeight_, dpi);
-    barHeight_ = barHeight_ * scale_ / 100;
+    scale_ =
+        shell::UiScalePercentForClient(scaleSetting_, clientSize.width(), clientSize.height(), dpi);
+    barHeight_ = shell::SoftKeyBarHeight(dpi) * scale_ / 100;
     dialogs_.SetBaseTextHeight(BaseTextHeight());
     resize(clientSize.width(), clientSize.height() + barHeight_);
     ApplyScale();

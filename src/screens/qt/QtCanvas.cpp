@@ -148,9 +148,8 @@ QSize LogicalImageSize(const QImage& image) {
 QtCanvas::QtCanvas(QImage& target, const ScreenBitmaps& bitmaps)
     : target_(target), bitmaps_(bitmaps), painter_(&target) {
     painter_.setClipRect(QRect(QPoint(0, 0), LogicalImageSize(target)));
-    // Drawn larger than their pixels ("界面缩放"), the bitmaps are smoothed.
-    if (target.devicePixelRatio() != 1.0)
-        painter_.setRenderHint(QPainter::SmoothPixmapTransform);
+    const qreal ratio = target.devicePixelRatio();
+    smoothBitmaps_ = ratio != std::floor(ratio);
 }
 
 QtCanvas::~QtCanvas() {
@@ -268,6 +267,7 @@ void QtCanvas::DrawText(std::string_view text, Rect box, unsigned flags, Colour 
 }
 
 void QtCanvas::Blit(const Bitmap& bitmap, Rect src, Point dst) {
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smoothBitmaps_);
     painter_.drawImage(QPoint(dst.x, dst.y), bitmaps_.Image(bitmap.id), ToQ(src));
 }
 
@@ -277,6 +277,7 @@ void QtCanvas::StretchBlit(const Bitmap& bitmap, Rect src, Rect dst) {
 }
 
 void QtCanvas::TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) {
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smoothBitmaps_);
     painter_.drawImage(QPoint(dst.x, dst.y), bitmaps_.Keyed(bitmap.id, key), ToQ(src));
 }
 
@@ -285,6 +286,7 @@ void QtCanvas::PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int
         return;
     const QImage block(reinterpret_cast<const uchar*>(pixels), size.width, size.height, stride * 4,
                        QImage::Format_RGB32);
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smoothBitmaps_);
     painter_.drawImage(QPoint(dst.x, dst.y), block);
 }
 

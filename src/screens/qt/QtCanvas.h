@@ -77,6 +77,10 @@ class QtCanvas final : public Canvas {
     QImage& target_;
     const ScreenBitmaps& bitmaps_;
     QPainter painter_;
+    // Bitmaps drawn larger than their pixels by a ratio that is not whole
+    // are smoothed; a whole ratio repeats each pixel, which keeps the icons'
+    // edges as sharp as at 100 %.
+    bool smoothBitmaps_ = false;
     Font font_{};
 };
 
