@@ -4,6 +4,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPolygon>
+#include <QPolygonF>
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -224,6 +225,23 @@ void QtCanvas::Polygon(std::span<const Point> points, Pen pen, Brush brush) {
     QPolygon poly;
     poly.reserve(static_cast<int>(points.size()));
     for (const Point& p : points) poly << QPoint(p.x, p.y);
+    ApplyPen(pen);
+    ApplyBrush(brush);
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    painter_.drawPolygon(poly);
+}
+
+void QtCanvas::PolygonF(std::span<const PointF> points, Pen pen, Brush brush) {
+    // At a whole pixel to a pixel the rounded outline is the one drawn.
+    if (target_.devicePixelRatio() == 1.0) {
+        Canvas::PolygonF(points, pen, brush);
+        return;
+    }
+    if (points.size() < 3)
+        return;
+    QPolygonF poly;
+    poly.reserve(static_cast<qsizetype>(points.size()));
+    for (const PointF& p : points) poly << QPointF(p.x, p.y);
     ApplyPen(pen);
     ApplyBrush(brush);
     painter_.setRenderHint(QPainter::Antialiasing, true);

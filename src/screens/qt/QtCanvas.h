@@ -58,6 +58,7 @@ class QtCanvas final : public Canvas {
     void Rectangle(Rect box, Pen pen, Brush brush) override;
     void Polygon(std::span<const Point> points, Pen pen, Brush brush) override;
     void Polyline(std::span<const Point> points, Pen pen) override;
+    void PolygonF(std::span<const PointF> points, Pen pen, Brush brush) override;
     void SelectFont(Font font) override;
     Font SelectedFont() const override { return font_; }
     Size MeasureText(std::string_view text) override;
