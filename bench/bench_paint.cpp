@@ -1,5 +1,6 @@
 // Paint time of each instrument screen, frame included, into the off-screen
-// image through the QPainter canvas (offscreen platform), in both pixel sets.
+// image through the QPainter canvas (offscreen platform), in both pixel sets,
+// and at a maximised 1920 × 1080 desktop window with automatic "界面缩放".
 #include <benchmark/benchmark.h>
 
 #include <QGuiApplication>
@@ -9,6 +10,7 @@
 #include "NmeaDecoder.h"
 #include "QtCanvas.h"
 #include "Screens.h"
+#include "UiScale.h"
 
 using namespace satwalk;
 using namespace satwalk::screens;
@@ -59,7 +61,46 @@ void BM_PaintScreen(benchmark::State& state) {
                    (landscape ? " landscape" : " portrait"));
 }
 
+// The window's way: a 1920 × 1080 client area (the soft-key bar included),
+// the scale the automatic setting gives, the screens laid out at the area
+// divided by it and painted into a picture of the area's device pixels.
+void BM_PaintScaledScreen(benchmark::State& state) {
+    const int screen = static_cast<int>(state.range(0));
+    ScreenBitmaps bitmaps;
+    BitmapId failed{};
+    if (!bitmaps.Load(true, QStringLiteral(SATWALK_BITMAP_DIR), &failed)) {
+        state.SkipWithError("bitmaps missing");
+        return;
+    }
+    constexpr int kWidth = 1920, kHeight = 1080, kDpi = 192;
+    const int percent = shell::UiScalePercent(shell::kUiScaleAuto, kWidth, kHeight, kDpi);
+    const int areaHeight = kHeight - shell::SoftKeyBarHeight(kDpi) * percent / 100;
+    ScreenContext ctx;
+    PrepareScreenContext(ctx, kWidth * 100 / percent, areaHeight * 100 / percent, kDpi, bitmaps);
+    ctx.display.currentScreen = screen;
+    ctx.display.linkRunning = ctx.display.fixValid = true;
+    ctx.display.speedAlarmOn = true;
+    ctx.display.speedAlarmLimit = 80;
+    const gps::GpsState g = BusyFix();
+    ctx.display.fix = gps::ReadFix(g);
+    QImage image(kWidth, areaHeight, QImage::Format_RGB32);
+    image.setDevicePixelRatio(percent / 100.0);
+    RenderCurrentScreen(image, ctx, g, bitmaps);
+    for (auto _ : state) {
+        RenderCurrentScreen(image, ctx, g, bitmaps);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+    static const char* kNames[] = {"gpsinfo", "skyplot", "compass", "speedometer"};
+    state.SetLabel(std::string(kNames[screen]) + " 1920x1080 at " + std::to_string(percent) + " %");
+}
+
 }  // namespace
+
+BENCHMARK(BM_PaintScaledScreen)
+    ->DenseRange(0, 3)
+    ->Unit(benchmark::kMicrosecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
 
 BENCHMARK(BM_PaintScreen)
     ->ArgsProduct({{0, 1, 2, 3}, {1, 0}, {0, 1}})

@@ -7,6 +7,8 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
+#include <QProxyStyle>
+#include <QStyleFactory>
 
 #include <cstdio>
 
@@ -17,6 +19,51 @@
 #include "UiScale.h"
 
 namespace satwalk::app {
+
+namespace {
+
+// The style's own measures that do not follow the text: scroll bars, check
+// boxes and radio buttons, drawn that much larger at a larger "界面缩放" so
+// that they stay in proportion with the text and as easy to hit.
+class ScaledControlsStyle final : public QProxyStyle {
+  public:
+    explicit ScaledControlsStyle(QStyle* base) : QProxyStyle(base) {}
+    int percent = 100;
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override {
+        const int base = QProxyStyle::pixelMetric(metric, option, widget);
+        switch (metric) {
+            case PM_ScrollBarExtent:
+            case PM_ScrollBarSliderMin:
+            case PM_IndicatorWidth:
+            case PM_IndicatorHeight:
+            case PM_ExclusiveIndicatorWidth:
+            case PM_ExclusiveIndicatorHeight:
+                return base * percent / 100;
+            default:
+                return base;
+        }
+    }
+};
+
+// Installed the first time the program is drawn larger than 100 %, so that
+// the handheld's sizes keep the style exactly as it is.
+void ScaleControls(int percent) {
+    static ScaledControlsStyle* style = nullptr;
+    if (style != nullptr) {
+        // Read as the dialogs lay out: those opened from now on follow.
+        style->percent = percent;
+        return;
+    }
+    if (percent == 100)
+        return;
+    style = new ScaledControlsStyle(QStyleFactory::create(QApplication::style()->name()));
+    style->percent = percent;
+    QApplication::setStyle(style);  // the application owns it
+}
+
+}  // namespace
 
 using shell::Key;
 using shell::MessageAnswer;
@@ -32,11 +79,10 @@ MainWindow::MainWindow(shell::ProgramSettings& settings, shell::LinkControl& lin
     setWindowTitle(QString::fromUtf8(common::LoadString(common::kStrCaption)));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
-    barHeight_ = shell::SoftKeyBarHeight(dpi);
     scaleSetting_ = settings.uiScale;
-    scale_ = shell::UiScalePercent(scaleSetting_, clientSize.width(),
-                                   clientSize.height() + barHeight_, dpi);
-    barHeight_ = barHeight_ * scale_ / 100;
+    scale_ =
+        shell::UiScalePercentForClient(scaleSetting_, clientSize.width(), clientSize.height(), dpi);
+    barHeight_ = shell::SoftKeyBarHeight(dpi) * scale_ / 100;
     dialogs_.SetBaseTextHeight(BaseTextHeight());
     resize(clientSize.width(), clientSize.height() + barHeight_);
     ApplyScale();
@@ -87,6 +133,7 @@ bool MainWindow::ApplyScale() {
     const screens::Size least = screens::MinimumFrameSize(common::BaseTextHeightForDpi(dpi_));
     setMinimumSize(least.width * fixed / 100,
                    (least.height + shell::SoftKeyBarHeight(dpi_)) * fixed / 100);
+    ScaleControls(percent);
     if (percent == scale_)
         return false;
     scale_ = percent;

@@ -66,15 +66,22 @@ std::string_view FilterCaption(int mode) {
 
 bool MatchesMode(int mode, std::string_view name) {
     static constexpr std::array<std::string_view, 4> kMaps = {".bmp", ".jpg", ".png", ".gif"};
-    if (mode == kBrowseTrackLogs && name.size() >= 5 &&
-        EqualsNoCase(name.substr(name.size() - 5), ".nmea"))
-        return true;
+    // Five-letter endings: logs, and GeoTIFF maps (listed although the
+    // caption, the program's own text, names only the four image kinds).
+    if (name.size() >= 5) {
+        const std::string_view tail5 = name.substr(name.size() - 5);
+        if (mode == kBrowseTrackLogs && EqualsNoCase(tail5, ".nmea"))
+            return true;
+        if (mode == kBrowseMaps && EqualsNoCase(tail5, ".tiff"))
+            return true;
+    }
     if (name.size() < 4)
         return false;
     const std::string_view tail = name.substr(name.size() - 4);
     switch (mode) {
         case kBrowseMaps:
-            return std::any_of(kMaps.begin(), kMaps.end(),
+            return EqualsNoCase(tail, ".tif") ||
+                   std::any_of(kMaps.begin(), kMaps.end(),
                                [&](std::string_view ext) { return EqualsNoCase(tail, ext); });
         case kBrowseTrackLogs:
             return EqualsNoCase(tail, ".log") || EqualsNoCase(tail, ".gpx");

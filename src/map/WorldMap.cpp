@@ -223,7 +223,7 @@ void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldVie
     };
 
     std::vector<Vec> poly, scratch;
-    std::vector<screens::Point> points;
+    std::vector<screens::PointF> points;
     const screens::Pen coast{style.coast, 1, false};
     const screens::Brush fill{style.land, false};
     // The copies of the world left and right of the view's own.
@@ -259,14 +259,8 @@ void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldVie
             }
             ClipToRect(poly, scratch, l, t, r, b);
             points.clear();
-            for (const Vec& v : poly) {
-                const screens::Point p{static_cast<int>(std::lround(v.x)),
-                                       static_cast<int>(std::lround(v.y))};
-                if (points.empty() || !(points.back() == p))
-                    points.push_back(p);
-            }
-            if (points.size() >= 3)
-                canvas.Polygon(points, coast, fill);
+            for (const Vec& v : poly) points.push_back({v.x, v.y});
+            canvas.PolygonF(points, coast, fill);
         }
     }
 }

@@ -7,9 +7,11 @@
 // original device-context calls, so an ellipse in (l, t, r, b) is r − l wide.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace satwalk::screens {
 
@@ -30,6 +32,11 @@ inline constexpr Colour kStripKey = Rgb(214, 233, 250);
 struct Point {
     int x = 0, y = 0;
     friend constexpr bool operator==(Point, Point) = default;
+};
+
+// A point between pixels, for outlines worked out in fractions of a pixel.
+struct PointF {
+    double x = 0, y = 0;
 };
 
 struct Size {
@@ -121,6 +128,20 @@ class Canvas {
     virtual void Rectangle(Rect box, Pen pen, Brush brush) = 0;
     virtual void Polygon(std::span<const Point> points, Pen pen, Brush brush) = 0;
     virtual void Polyline(std::span<const Point> points, Pen pen) = 0;
+    // A polygon of fractional points: a canvas with more device pixels than
+    // its own (a window drawn larger) places them between its pixels; this
+    // one rounds them to its pixels, dropping repeats.
+    virtual void PolygonF(std::span<const PointF> points, Pen pen, Brush brush) {
+        std::vector<Point> rounded;
+        rounded.reserve(points.size());
+        for (const PointF& v : points) {
+            const Point p{static_cast<int>(std::lround(v.x)), static_cast<int>(std::lround(v.y))};
+            if (rounded.empty() || !(rounded.back() == p))
+                rounded.push_back(p);
+        }
+        if (rounded.size() >= 3)
+            Polygon(rounded, pen, brush);
+    }
 
     // Font state: texts are measured and drawn in the selected font.
     virtual void SelectFont(Font font) = 0;

@@ -42,6 +42,20 @@ int UiScalePercent(std::uint32_t setting, int width, int height, int dpi) {
     return static_cast<int>(std::clamp(fit / 25 * 25, 100L, 400L));
 }
 
+int UiScalePercentForClient(std::uint32_t setting, int width, int clientHeight, int dpi) {
+    // Each step's window is at least as tall as the last one's, so the
+    // percent only grows; it stops at the first that repeats.
+    int percent = 100;
+    for (int step = 0; step < 16; ++step) {
+        const int next = UiScalePercent(setting, width,
+                                        clientHeight + SoftKeyBarHeight(dpi) * percent / 100, dpi);
+        if (next == percent)
+            break;
+        percent = next;
+    }
+    return percent;
+}
+
 std::string UiScalePath(const std::string& optionsPath) {
     return common::PathBeside(optionsPath, "ui-scale");
 }

@@ -33,6 +33,11 @@ std::string FormatUiScale(std::uint32_t setting);
 // The scale in percent for a window whose client area (the soft-key bar
 // included) is `width` × `height`, at the pixel set of `dpi`.
 int UiScalePercent(std::uint32_t setting, int width, int height, int dpi);
+// The scale for a window made to hold a client area of `width` ×
+// `clientHeight` above the soft-key bar (as `--size` names it): the bar grows
+// with the scale and the scale with the window, so this is the smallest scale
+// that the window so made gives again.
+int UiScalePercentForClient(std::uint32_t setting, int width, int clientHeight, int dpi);
 // The soft-key bar's height at 100 %.
 inline int SoftKeyBarHeight(int dpi) {
     return (26 * dpi + 48) / 96;

@@ -32,11 +32,14 @@ TEST(Listing, ModeFilters) {
     const std::tuple<int, const char*, bool> cases[] = {
         {M, "MAP.Bmp", true},      {M, "a.GIF", true},      {M, "photo.jpeg", false},
         {M, ".jpg", true},         {M, "jpg", false},       {M, "x.jpg.txt", false},
+        {M, "scan.tif", true},     {M, "Scan.TIFF", true},  {M, "scan.tiff.bak", false},
+        {M, "tiff", false},        {T, "scan.tif", false},  {P, "scan.tiff", false},
         {T, "20260516.LOG", true}, {T, "walk.GPX", true},   {T, "x_NMEA0183.nmea", true},
         {P, "fuel.CSV", true},     {P, "caches.gpx", true}, {P, "fuel.log", false},
         {0, "a.jpg", false},       {4, "a.csv", false}};
     for (const auto& [mode, name, listed] : cases)
         EXPECT_EQ(MatchesMode(mode, name), listed) << mode << " " << name;
+    EXPECT_EQ(FilterCaption(kBrowseMaps), "地图 [*.BMP; *.JPG; *.GIF; *.PNG]");
     EXPECT_EQ(FilterCaption(kBrowsePoi), "POI [*.csv; *.gpx]");
     EXPECT_EQ(FilterCaption(9), "");
 }

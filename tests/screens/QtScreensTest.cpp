@@ -35,6 +35,49 @@ TEST(QtScreens, BitmapsOfBothSetsLoadWithTheirSizes) {
     }
 }
 
+// Drawn into a picture of twice the device pixels: a bitmap at a whole ratio
+// is its pixels repeated, never blended with its neighbours (blurred icons);
+// at 1.5 it is smoothed. An outline of fractional points lands between the
+// canvas's own pixels where there are device pixels for it.
+TEST(QtScreens, LargerPicturesKeepBitmapsSharpAndOutlinesBetweenPixels) {
+    ScreenBitmaps bitmaps;
+    QImage strip(2, 1, QImage::Format_RGB32);
+    strip.setPixel(0, 0, qRgb(0, 0, 0));
+    strip.setPixel(1, 0, qRgb(250, 250, 250));
+    const BitmapId id = bitmaps.Add(strip);
+    const struct {
+        qreal ratio;
+        bool blended;
+    } cases[] = {{2.0, false}, {3.0, false}, {1.5, true}};
+    for (const auto& c : cases) {
+        QImage target(static_cast<int>(8 * c.ratio), static_cast<int>(2 * c.ratio),
+                      QImage::Format_RGB32);
+        target.setDevicePixelRatio(c.ratio);
+        target.fill(qRgb(255, 0, 0));
+        {
+            QtCanvas canvas(target, bitmaps);
+            canvas.Blit(Bitmap{id, 2, 1}, Rect{0, 0, 2, 1}, Point{0, 0});
+        }
+        bool blended = false;
+        for (int x = 0; x < static_cast<int>(2 * c.ratio); ++x) {
+            const QRgb p = target.pixel(x, 0);
+            blended = blended || (p != qRgb(0, 0, 0) && p != qRgb(250, 250, 250));
+        }
+        EXPECT_EQ(blended, c.blended) << c.ratio;
+    }
+    QImage target(20, 20, QImage::Format_RGB32);
+    target.setDevicePixelRatio(2.0);
+    target.fill(qRgb(255, 255, 255));
+    {
+        QtCanvas canvas(target, bitmaps);
+        const PointF square[] = {{0.5, 0}, {10, 0}, {10, 10}, {0.5, 10}};
+        canvas.PolygonF(square, Pen{kBlack, 0, true}, Brush{kBlack, false});
+    }
+    // Device column 0 is left of the edge at half a pixel, column 1 right of it.
+    EXPECT_EQ(target.pixel(0, 10), qRgb(255, 255, 255));
+    EXPECT_EQ(target.pixel(1, 10), qRgb(0, 0, 0));
+}
+
 TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
     ScreenBitmaps bitmaps;
     QImage strip(4, 1, QImage::Format_RGB32);

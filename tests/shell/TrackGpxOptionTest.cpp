@@ -53,6 +53,27 @@ TEST(UiScale, AutomaticScalingFillsTheWindowAsTheHandheldsScreen) {
     }
 }
 
+TEST(UiScale, AClientSizeGivesTheScaleOfTheWindowMadeAroundIt) {
+    const struct {
+        std::uint32_t setting;
+        int width, clientHeight, dpi;
+        int percent;
+    } cases[] = {{kUiScaleAuto, 480, 640, 192, 100},    // the handheld as it was
+                 {kUiScaleAuto, 240, 320, 96, 100},     // the small set
+                 {kUiScaleAuto, 1920, 976, 192, 200},   // 1080 with the bar at 200 %
+                 {kUiScaleAuto, 1920, 959, 192, 175},   // a pixel short of 200 %
+                 {kUiScaleAuto, 1080, 1736, 192, 225},  // portrait
+                 {200, 480, 640, 192, 200}};
+    for (const auto& c : cases) {
+        const int percent = UiScalePercentForClient(c.setting, c.width, c.clientHeight, c.dpi);
+        EXPECT_EQ(percent, c.percent) << c.width << "x" << c.clientHeight;
+        // The window so made gives the same scale again.
+        EXPECT_EQ(UiScalePercent(c.setting, c.width,
+                                 c.clientHeight + SoftKeyBarHeight(c.dpi) * percent / 100, c.dpi),
+                  percent);
+    }
+}
+
 TEST(UiScale, ItsFileHoldsOneOfTheChoices) {
     EXPECT_EQ(UiScalePath("/home/u/.config/satwalk/options"), "/home/u/.config/satwalk/ui-scale");
     const std::string path = ::testing::TempDir() + "shell-ui-scale";

@@ -4,6 +4,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPolygon>
+#include <QPolygonF>
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -148,9 +149,8 @@ QSize LogicalImageSize(const QImage& image) {
 QtCanvas::QtCanvas(QImage& target, const ScreenBitmaps& bitmaps)
     : target_(target), bitmaps_(bitmaps), painter_(&target) {
     painter_.setClipRect(QRect(QPoint(0, 0), LogicalImageSize(target)));
-    // Drawn larger than their pixels ("界面缩放"), the bitmaps are smoothed.
-    if (target.devicePixelRatio() != 1.0)
-        painter_.setRenderHint(QPainter::SmoothPixmapTransform);
+    const qreal ratio = target.devicePixelRatio();
+    smoothBitmaps_ = ratio != std::floor(ratio);
 }
 
 QtCanvas::~QtCanvas() {
@@ -231,6 +231,23 @@ void QtCanvas::Polygon(std::span<const Point> points, Pen pen, Brush brush) {
     painter_.drawPolygon(poly);
 }
 
+void QtCanvas::PolygonF(std::span<const PointF> points, Pen pen, Brush brush) {
+    // At a whole pixel to a pixel the rounded outline is the one drawn.
+    if (target_.devicePixelRatio() == 1.0) {
+        Canvas::PolygonF(points, pen, brush);
+        return;
+    }
+    if (points.size() < 3)
+        return;
+    QPolygonF poly;
+    poly.reserve(static_cast<qsizetype>(points.size()));
+    for (const PointF& p : points) poly << QPointF(p.x, p.y);
+    ApplyPen(pen);
+    ApplyBrush(brush);
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    painter_.drawPolygon(poly);
+}
+
 void QtCanvas::Polyline(std::span<const Point> points, Pen pen) {
     if (points.size() < 2 || pen.null || pen.width <= 0)
         return;
@@ -268,6 +285,7 @@ void QtCanvas::DrawText(std::string_view text, Rect box, unsigned flags, Colour 
 }
 
 void QtCanvas::Blit(const Bitmap& bitmap, Rect src, Point dst) {
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smoothBitmaps_);
     painter_.drawImage(QPoint(dst.x, dst.y), bitmaps_.Image(bitmap.id), ToQ(src));
 }
 
@@ -277,6 +295,7 @@ void QtCanvas::StretchBlit(const Bitmap& bitmap, Rect src, Rect dst) {
 }
 
 void QtCanvas::TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) {
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smoothBitmaps_);
     painter_.drawImage(QPoint(dst.x, dst.y), bitmaps_.Keyed(bitmap.id, key), ToQ(src));
 }
 
@@ -285,6 +304,7 @@ void QtCanvas::PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int
         return;
     const QImage block(reinterpret_cast<const uchar*>(pixels), size.width, size.height, stride * 4,
                        QImage::Format_RGB32);
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, smoothBitmaps_);
     painter_.drawImage(QPoint(dst.x, dst.y), block);
 }
 

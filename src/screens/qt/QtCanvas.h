@@ -58,6 +58,7 @@ class QtCanvas final : public Canvas {
     void Rectangle(Rect box, Pen pen, Brush brush) override;
     void Polygon(std::span<const Point> points, Pen pen, Brush brush) override;
     void Polyline(std::span<const Point> points, Pen pen) override;
+    void PolygonF(std::span<const PointF> points, Pen pen, Brush brush) override;
     void SelectFont(Font font) override;
     Font SelectedFont() const override { return font_; }
     Size MeasureText(std::string_view text) override;
@@ -77,6 +78,10 @@ class QtCanvas final : public Canvas {
     QImage& target_;
     const ScreenBitmaps& bitmaps_;
     QPainter painter_;
+    // Bitmaps drawn larger than their pixels by a ratio that is not whole
+    // are smoothed; a whole ratio repeats each pixel, which keeps the icons'
+    // edges as sharp as at 100 %.
+    bool smoothBitmaps_ = false;
     Font font_{};
 };
 
