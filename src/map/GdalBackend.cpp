@@ -31,7 +31,7 @@ Loaded Load() {
     const std::string folder = ExecutableFolder();
     std::vector<std::string> candidates;
     if (!folder.empty()) {
-        candidates.push_back(folder + kModuleName);                        // the build tree
+        candidates.push_back(folder + kModuleName);                      // the build tree
         candidates.push_back(folder + "../lib/satwalk/" + kModuleName);  // installed
     }
 #ifdef SATWALK_GDAL_MODULE_BUILT

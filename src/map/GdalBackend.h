@@ -22,13 +22,13 @@ namespace satwalk::map {
 // A projection GDAL is asked to set up, on WGS 84.
 struct ProjectionRequest {
     enum class Kind {
-        Definition,  // `text`: a WKT (ESRI's too), "EPSG:n" or PROJ string
-        Utm,         // `zone` 1..60, `south`
-        Mercator,    // p: latitude of origin, central meridian, scale, false E, false N
+        Definition,          // `text`: a WKT (ESRI's too), "EPSG:n" or PROJ string
+        Utm,                 // `zone` 1..60, `south`
+        Mercator,            // p: latitude of origin, central meridian, scale, false E, false N
         TransverseMercator,  // as Mercator
-        LambertConic,  // p: standard parallels 1 and 2, latitude of origin,
-                       // central meridian, false E, false N
-        Epsg,          // `zone` holds the code
+        LambertConic,        // p: standard parallels 1 and 2, latitude of origin,
+                             // central meridian, false E, false N
+        Epsg,                // `zone` holds the code
     };
     Kind kind = Kind::Definition;
     std::string text;

@@ -329,8 +329,8 @@ class Gdal final : public GdalBackend {
 
     bool ReadImageSize(const std::string& path, ImageSize& size) const override {
         const QuietErrors quiet;
-        GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY,
-                                     kImageDrivers, nullptr, kNoSiblings);
+        GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kImageDrivers,
+                                     nullptr, kNoSiblings);
         if (ds == nullptr)
             return false;
         size = {GDALGetRasterXSize(ds), GDALGetRasterYSize(ds)};
