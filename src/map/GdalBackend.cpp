@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <mutex>
 
 namespace satwalk::map {
@@ -30,13 +31,17 @@ Loaded Load() {
     Loaded out;
     const std::string folder = ExecutableFolder();
     std::vector<std::string> candidates;
-    if (!folder.empty()) {
-        candidates.push_back(folder + kModuleName);                      // the build tree
-        candidates.push_back(folder + "../lib/satwalk/" + kModuleName);  // installed
-    }
+    if (const char* chosen = std::getenv("SATWALK_GDAL_MODULE"); chosen != nullptr && *chosen) {
+        candidates.push_back(chosen);  // the only place looked at
+    } else {
+        if (!folder.empty()) {
+            candidates.push_back(folder + kModuleName);                      // the build tree
+            candidates.push_back(folder + "../lib/satwalk/" + kModuleName);  // installed
+        }
 #ifdef SATWALK_GDAL_MODULE_BUILT
-    candidates.push_back(SATWALK_GDAL_MODULE_BUILT);  // tests and tools in their own folders
+        candidates.push_back(SATWALK_GDAL_MODULE_BUILT);  // tests and tools in their own folders
 #endif
+    }
     for (const std::string& path : candidates) {
         if (::access(path.c_str(), F_OK) != 0)
             continue;
@@ -53,7 +58,9 @@ Loaded Load() {
             out.error = path + " is not this version's GDAL module";
         return out;
     }
-    out.error = std::string(kModuleName) + " was not found beside the program";
+    out.error = candidates.size() == 1
+                    ? candidates[0] + " was not found"
+                    : std::string(kModuleName) + " was not found beside the program";
     return out;
 }
 

@@ -2,8 +2,9 @@
 // first needs them. Everything the program asks of GDAL goes through this
 // interface; its one implementation lives in the module satwalk_gdal.so,
 // which GdalLibrary opens on first use (beside the executable, then in
-// ../lib/satwalk, then in the build tree), so a start without such a map
-// loads none of them. No Qt.
+// ../lib/satwalk, then in the build tree; SATWALK_GDAL_MODULE, when set,
+// names the only file tried), so a start without such a map loads none of
+// them. No Qt.
 #pragma once
 
 #include <array>
