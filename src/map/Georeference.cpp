@@ -360,8 +360,8 @@ Georeference ReadKmlFile(const std::string& path, std::string_view imageFileName
     std::string text, reason;
     const bool kmz = Lower(path).ends_with(".kmz");
     if (!(kmz ? ReadKmz(path, text, reason) : ReadSmall(path, kKmlLimit, text))) {
-        if (!reason.empty()) {
-            // It may name the image: say why it cannot be looked into.
+        if (!reason.empty() && IsRegularFile(path) && MapStem(path) == MapStem(imageFileName)) {
+            // Likely to name the image: say why it cannot be looked into.
             g.source = GeoSource::Kml;
             g.file = path;
             g.error = Refused(path, reason);
