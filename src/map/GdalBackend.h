@@ -1,4 +1,4 @@
-// GDAL, PROJ and the ninety libraries behind them, loaded only when a map
+// GDAL, PROJ and the ninety or so libraries behind them, loaded only when a map
 // first needs them. Everything the program asks of GDAL goes through this
 // interface; its one implementation lives in the module satwalk_gdal.so,
 // which GdalLibrary opens on first use (beside the executable, then in
