@@ -9,6 +9,10 @@ include(GNUInstallDirs)
 set(SATWALK_APP_ID "org.satwalk.Satwalk")
 
 install(TARGETS satwalk satwalk-tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# GDAL's module, opened by the programs when a map needs it (from
+# ../lib/satwalk beside their bin folder). dpkg-shlibdeps reads its
+# libraries too, so the package depends on GDAL's.
+install(TARGETS satwalk_gdal LIBRARY DESTINATION lib/satwalk)
 
 # The data the program reads at run time (not the scripts that made it).
 set(_data ${CMAKE_INSTALL_DATADIR}/satwalk)

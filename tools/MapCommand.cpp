@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "GdalBackend.h"
 #include "Georeference.h"
 #include "Json.h"
 #include "MapGeometry.h"
@@ -204,6 +205,12 @@ int RunMap(int argc, char** argv) {
     map::Georeference geo;
     std::string rptFile = rpt != nullptr ? rpt : "";
     if (image != nullptr) {
+        std::string reason;
+        if (map::GdalLibrary(&reason) == nullptr) {
+            std::fprintf(stderr, "satwalk-tool map: %s\n",
+                         map::GdalUnavailableMessage(reason).c_str());
+            return 1;
+        }
         if (!map::ReadImageSize(image, size)) {
             std::fprintf(stderr, "satwalk-tool map: cannot read the size of the image %s\n", image);
             return 2;

@@ -8,13 +8,7 @@
 #include <cstdio>
 #include <mutex>
 
-#include <cpl_conv.h>
-#include <cpl_error.h>
-#include <cpl_vsi.h>
-#include <gdal.h>
-#include <gdal_frmts.h>
-#include <ogr_spatialref.h>
-
+#include "GdalBackend.h"
 #include "GeoFiles.h"
 #include "ReferencePoints.h"
 
@@ -22,104 +16,13 @@ namespace satwalk::map {
 
 namespace {
 
-// Set once before GDAL is first used: no side-car files written, no
-// directory listings on open, PROJ kept off the network, and only the
-// drivers of the formats a map may be registered (GeoTIFF for its tags, the
-// four image formats for an image's size).
-void InitGdal() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        CPLSetConfigOption("GDAL_PAM_ENABLED", "NO");
-        CPLSetConfigOption("GDAL_DISABLE_READDIR_ON_OPEN", "EMPTY_DIR");
-        CPLSetConfigOption("PROJ_NETWORK", "OFF");
-        GDALRegister_GTiff();
-        GDALRegister_PNG();
-        GDALRegister_JPEG();
-        GDALRegister_GIF();
-        GDALRegister_BMP();
-    });
-}
-
-// GDAL's messages go to the caller's error text, not to stderr.
-struct QuietErrors {
-    QuietErrors() {
-        CPLPushErrorHandler(CPLQuietErrorHandler);
-        CPLErrorReset();
-    }
-    ~QuietErrors() { CPLPopErrorHandler(); }
-};
-
-class GdalProjection final : public MapProjection {
-  public:
-    GdalProjection(std::unique_ptr<OGRCoordinateTransformation> toGeo,
-                   std::unique_ptr<OGRCoordinateTransformation> fromGeo, std::string name,
-                   std::string wkt)
-        : toGeo_(std::move(toGeo)),
-          fromGeo_(std::move(fromGeo)),
-          name_(std::move(name)),
-          wkt_(std::move(wkt)) {}
-
-    void ToLonLat(double* x, double* y, std::size_t n) const override { Run(*toGeo_, x, y, n); }
-    void FromLonLat(double* x, double* y, std::size_t n) const override { Run(*fromGeo_, x, y, n); }
-    std::string Name() const override { return name_; }
-    std::string Definition() const override { return wkt_; }
-
-  private:
-    // A transformation object is not safe to share between threads: one
-    // batch at a time.
-    void Run(OGRCoordinateTransformation& t, double* x, double* y, std::size_t n) const {
-        const std::lock_guard lock(mutex_);
-        constexpr std::size_t kChunk = std::size_t{1} << 20;
-        for (std::size_t at = 0; at < n; at += kChunk) {
-            const std::size_t m = std::min(kChunk, n - at);
-            ok_.resize(m);
-            if (t.Transform(static_cast<int>(m), x + at, y + at, nullptr, nullptr, ok_.data()))
-                continue;
-            for (std::size_t i = 0; i < m; ++i) {
-                if (!ok_[i] || !std::isfinite(x[at + i]) || !std::isfinite(y[at + i]))
-                    x[at + i] = y[at + i] = std::nan("");
-            }
-        }
-    }
-
-    std::unique_ptr<OGRCoordinateTransformation> toGeo_;
-    std::unique_ptr<OGRCoordinateTransformation> fromGeo_;
-    std::string name_;
-    std::string wkt_;
-    mutable std::mutex mutex_;
-    mutable std::vector<int> ok_;
-};
-
-bool MakeProjection(OGRSpatialReference& srs, std::shared_ptr<const MapProjection>& out,
-                    std::string& error) {
-    if (!srs.IsProjected() && !srs.IsGeographic()) {
-        error = "the projection is neither projected nor geographic";
-        return false;
-    }
-    OGRSpatialReference wgs84;
-    wgs84.SetWellKnownGeogCS("WGS84");
-    wgs84.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    if (srs.IsGeographic() && srs.IsSame(&wgs84)) {
-        out = nullptr;
-        return true;
-    }
-    std::unique_ptr<OGRCoordinateTransformation> toGeo(
-        OGRCreateCoordinateTransformation(&srs, &wgs84));
-    std::unique_ptr<OGRCoordinateTransformation> fromGeo(
-        OGRCreateCoordinateTransformation(&wgs84, &srs));
-    if (!toGeo || !fromGeo) {
-        error = "no transformation to WGS 84 is known for the projection";
-        return false;
-    }
-    char* wkt = nullptr;
-    srs.exportToWkt(&wkt);
-    std::string text = wkt != nullptr ? wkt : "";
-    CPLFree(wkt);
-    const char* name = srs.GetName();
-    out = std::make_shared<GdalProjection>(std::move(toGeo), std::move(fromGeo),
-                                           name != nullptr ? name : "", std::move(text));
-    return true;
+// The backend, or null with `error` saying that GDAL cannot be loaded.
+const GdalBackend* Gdal(std::string& error) {
+    std::string reason;
+    const GdalBackend* gdal = GdalLibrary(&reason);
+    if (gdal == nullptr)
+        error = GdalUnavailableMessage(reason);
+    return gdal;
 }
 
 bool IsRegularFile(const std::string& path) {
@@ -180,9 +83,6 @@ void Residuals(Georeference& g) {
     }
 }
 
-constexpr const char* kTiffOnly[] = {"GTiff", nullptr};
-constexpr const char* kImageDrivers[] = {"PNG", "JPEG", "GIF", "BMP", "GTiff", nullptr};
-constexpr const char* kNoSiblings[] = {nullptr};
 constexpr int kMaxRasterSide = 1000000;
 
 }  // namespace
@@ -224,30 +124,28 @@ MapCalibration Georeference::Bind(ImageSize image) const {
 
 bool ProjectionFromDefinition(std::string_view definition,
                               std::shared_ptr<const MapProjection>& out, std::string& error) {
-    InitGdal();
-    const QuietErrors quiet;
-    const std::string text(definition.substr(0, kProjectionLimit));
-    OGRSpatialReference srs;
-    if (text.find_first_not_of(" \t\r\n") == std::string::npos ||
-        srs.SetFromUserInput(text.c_str(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS) !=
-            OGRERR_NONE) {
-        error = "the projection cannot be read";
+    const GdalBackend* gdal = Gdal(error);
+    if (gdal == nullptr)
         return false;
-    }
-    return MakeProjection(srs, out, error);
+    ProjectionRequest request;
+    request.text = std::string(definition.substr(0, kProjectionLimit));
+    std::string reason;
+    out = gdal->Projection(request, reason);
+    if (!reason.empty())
+        error = reason;
+    return reason.empty();
 }
 
 std::shared_ptr<const MapProjection> UtmProjection(int zone, bool south) {
-    InitGdal();
-    const QuietErrors quiet;
-    OGRSpatialReference srs;
-    srs.SetWellKnownGeogCS("WGS84");
-    std::shared_ptr<const MapProjection> out;
     std::string error;
-    if (zone < 1 || zone > 60 || srs.SetUTM(zone, south ? FALSE : TRUE) != OGRERR_NONE ||
-        !MakeProjection(srs, out, error))
+    const GdalBackend* gdal = Gdal(error);
+    if (gdal == nullptr || zone < 1 || zone > 60)
         return nullptr;
-    return out;
+    ProjectionRequest request;
+    request.kind = ProjectionRequest::Kind::Utm;
+    request.zone = zone;
+    request.south = south;
+    return gdal->Projection(request, error);
 }
 
 Georeference ReadWorldFile(const std::string& worldFile, const std::string& prjFile) {
@@ -277,74 +175,64 @@ Georeference ReadWorldFile(const std::string& worldFile, const std::string& prjF
 }
 
 Georeference ReadGeoTiff(const std::string& path) {
-    InitGdal();
-    const QuietErrors quiet;
     Georeference g;
-    GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kTiffOnly,
-                                 nullptr, kNoSiblings);
-    if (ds == nullptr)
-        return g;  // not a TIFF GDAL can read: the image loader says so
-    const int w = GDALGetRasterXSize(ds), h = GDALGetRasterYSize(ds);
-    double gt[6];
-    const bool hasTransform = GDALGetGeoTransform(ds, gt) == CE_None;
-    OGRSpatialReferenceH srs = hasTransform ? GDALGetSpatialRef(ds) : GDALGetGCPSpatialRef(ds);
-    const int gcpCount = GDALGetGCPCount(ds);
-    if (hasTransform || gcpCount > 0) {
+    std::string unavailable;
+    const GdalBackend* gdal = Gdal(unavailable);
+    if (gdal == nullptr) {
+        // Whether it holds a georeference cannot be told: not loaded.
         g.source = GeoSource::GeoTiff;
         g.file = path;
+        g.error = Refused(path, unavailable);
+        return g;
     }
-    std::string reason;
-    if (g.source == GeoSource::None) {
-        // a plain TIFF
-    } else if (w <= 0 || h <= 0 || w > kMaxRasterSide || h > kMaxRasterSide) {
+    GeoTiffTags tags = gdal->ReadGeoTiff(path);
+    if (!tags.opened || (!tags.hasTransform && tags.gcps.empty()))
+        return g;  // not a TIFF GDAL can read (the image loader says so), or a plain one
+    g.source = GeoSource::GeoTiff;
+    g.file = path;
+    const auto& gt = tags.transform;
+    if (tags.width <= 0 || tags.height <= 0 || tags.width > kMaxRasterSide ||
+        tags.height > kMaxRasterSide) {
         g.error = Refused(path, "the GeoTIFF declares an impossible size");
-    } else {
-        if (srs != nullptr) {
-            OGRSpatialReference copy(*OGRSpatialReference::FromHandle(srs));
-            if (!MakeProjection(copy, g.projection, reason))
-                g.error = Refused(path, reason);
-        } else if (hasTransform && !LooksLikeDegrees({gt[0], gt[1], gt[2], gt[3], gt[4], gt[5]})) {
-            g.error = Refused(path, "the GeoTIFF has no projection and is not in degrees");
-        }
-        if (g.error.empty() && hasTransform) {
-            g.affine = {gt[0], gt[1], gt[2], gt[3], gt[4], gt[5]};
-            Affine inverse;
-            if (!InvertAffine(g.affine, inverse))
-                g.error = Refused(path, "the GeoTIFF's scale is zero");
-        } else if (g.error.empty()) {
-            const GDAL_GCP* gcps = GDALGetGCPs(ds);
-            for (int i = 0; i < gcpCount && i < 1000; ++i) {
-                ControlPoint p;
-                p.imageX = gcps[i].dfGCPPixel;
-                p.imageY = gcps[i].dfGCPLine;
-                p.mapX = p.longitude = gcps[i].dfGCPX;
-                p.mapY = p.latitude = gcps[i].dfGCPY;
-                if (g.projection)
-                    g.projection->ToLonLat(&p.longitude, &p.latitude, 1);
-                g.points.push_back(p);
-            }
-            if (!FitAffine(g.points, g.affine) || !FitInverseAffine(g.points, g.inverse)) {
-                g.error = Refused(path, "the GeoTIFF's control points do not span an area");
-            } else {
-                g.hasInverse = true;
-                Residuals(g);
-            }
-        }
+        return g;
     }
-    GDALClose(ds);
+    if (tags.hasProjection) {
+        if (!tags.projectionError.empty()) {
+            g.error = Refused(path, tags.projectionError);
+            return g;
+        }
+        g.projection = std::move(tags.projection);
+    } else if (tags.hasTransform && !LooksLikeDegrees({gt[0], gt[1], gt[2], gt[3], gt[4], gt[5]})) {
+        g.error = Refused(path, "the GeoTIFF has no projection and is not in degrees");
+        return g;
+    }
+    if (tags.hasTransform) {
+        g.affine = {gt[0], gt[1], gt[2], gt[3], gt[4], gt[5]};
+        Affine inverse;
+        if (!InvertAffine(g.affine, inverse))
+            g.error = Refused(path, "the GeoTIFF's scale is zero");
+        return g;
+    }
+    for (ControlPoint p : tags.gcps) {
+        p.longitude = p.mapX;
+        p.latitude = p.mapY;
+        if (g.projection)
+            g.projection->ToLonLat(&p.longitude, &p.latitude, 1);
+        g.points.push_back(p);
+    }
+    if (!FitAffine(g.points, g.affine) || !FitInverseAffine(g.points, g.inverse)) {
+        g.error = Refused(path, "the GeoTIFF's control points do not span an area");
+    } else {
+        g.hasInverse = true;
+        Residuals(g);
+    }
     return g;
 }
 
 bool ReadImageSize(const std::string& path, ImageSize& size) {
-    InitGdal();
-    const QuietErrors quiet;
-    GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kImageDrivers,
-                                 nullptr, kNoSiblings);
-    if (ds == nullptr)
-        return false;
-    size = {GDALGetRasterXSize(ds), GDALGetRasterYSize(ds)};
-    GDALClose(ds);
-    return size.width > 0 && size.height > 0;
+    std::string error;
+    const GdalBackend* gdal = Gdal(error);
+    return gdal != nullptr && gdal->ReadImageSize(path, size);
 }
 
 namespace {
@@ -378,30 +266,36 @@ bool OziProjection(const OziMap& map, Georeference& g, std::string& reason) {
             }
         }
         g.projection = UtmProjection(zone, south);
-        if (!g.projection)
+        if (!g.projection && Gdal(reason) != nullptr)
             reason = "the UTM zone cannot be told from its points";
         return g.projection != nullptr;
     }
-    InitGdal();
-    const QuietErrors quiet;
-    OGRSpatialReference srs;
-    srs.SetWellKnownGeogCS("WGS84");
-    OGRErr e = OGRERR_NONE;
-    if (name == "mercator")
-        e = srs.SetMercator(s[0], s[1], s[2] != 0.0 ? s[2] : 1.0, s[3], s[4]);
-    else if (name == "transverse mercator")
-        e = srs.SetTM(s[0], s[1], s[2] != 0.0 ? s[2] : 1.0, s[3], s[4]);
-    else if (name == "lambert conformal conic")
-        e = srs.SetLCC(s[5], s[6], s[0], s[1], s[3], s[4]);
-    else if (name.find("british national grid") != std::string::npos)
-        e = srs.importFromEPSG(27700);
-    else {
+    using Kind = ProjectionRequest::Kind;
+    ProjectionRequest request;
+    const double scale = s[2] != 0.0 ? s[2] : 1.0;
+    if (name == "mercator") {
+        request.kind = Kind::Mercator;
+        request.p = {s[0], s[1], scale, s[3], s[4], 0.0};
+    } else if (name == "transverse mercator") {
+        request.kind = Kind::TransverseMercator;
+        request.p = {s[0], s[1], scale, s[3], s[4], 0.0};
+    } else if (name == "lambert conformal conic") {
+        request.kind = Kind::LambertConic;
+        request.p = {s[5], s[6], s[0], s[1], s[3], s[4]};
+    } else if (name.find("british national grid") != std::string::npos) {
+        request.kind = Kind::Epsg;
+        request.zone = 27700;
+    } else {
         reason = "projection \"" + map.projection + "\" is not supported";
         return false;
     }
-    if (e == OGRERR_NONE && srs.IsProjected() && name.find("national grid") == std::string::npos)
-        srs.SetProjCS(("WGS 84 / " + map.projection).c_str());
-    return e == OGRERR_NONE && MakeProjection(srs, g.projection, reason);
+    if (name.find("national grid") == std::string::npos)
+        request.name = "WGS 84 / " + map.projection;
+    const GdalBackend* gdal = Gdal(reason);
+    if (gdal == nullptr)
+        return false;
+    g.projection = gdal->Projection(request, reason);
+    return reason.empty();
 }
 
 }  // namespace
@@ -453,32 +347,10 @@ Georeference ReadOziMapFile(const std::string& path, std::string_view imageFileN
 
 namespace {
 
-bool ReadKmz(const std::string& path, std::string& text) {
-    InitGdal();
-    const QuietErrors quiet;
-    const std::string root = "/vsizip/" + path;
-    char** names = VSIReadDirRecursive(root.c_str());
-    std::string chosen;
-    for (int i = 0; names != nullptr && names[i] != nullptr && i < 10000; ++i) {
-        const std::string name = names[i];
-        if (Lower(name).ends_with(".kml") && (chosen.empty() || Lower(name) == "doc.kml"))
-            chosen = name;
-    }
-    CSLDestroy(names);
-    if (chosen.empty())
-        return false;
-    const std::string inner = root + "/" + chosen;
-    VSIStatBufL st;
-    if (VSIStatL(inner.c_str(), &st) != 0 || st.st_size < 0 ||
-        static_cast<std::uint64_t>(st.st_size) > kKmlLimit)
-        return false;
-    VSILFILE* f = VSIFOpenL(inner.c_str(), "rb");
-    if (f == nullptr)
-        return false;
-    text.resize(static_cast<std::size_t>(st.st_size));
-    text.resize(VSIFReadL(text.data(), 1, text.size(), f));
-    VSIFCloseL(f);
-    return true;
+// False when the KMZ holds no KML, or GDAL cannot be loaded (`error`).
+bool ReadKmz(const std::string& path, std::string& text, std::string& error) {
+    const GdalBackend* gdal = Gdal(error);
+    return gdal != nullptr && gdal->ReadZippedKml(path, kKmlLimit, text);
 }
 
 }  // namespace
@@ -487,8 +359,15 @@ Georeference ReadKmlFile(const std::string& path, std::string_view imageFileName
     Georeference g;
     std::string text, reason;
     const bool kmz = Lower(path).ends_with(".kmz");
-    if (!(kmz ? ReadKmz(path, text) : ReadSmall(path, kKmlLimit, text)))
+    if (!(kmz ? ReadKmz(path, text, reason) : ReadSmall(path, kKmlLimit, text))) {
+        if (!reason.empty() && IsRegularFile(path) && MapStem(path) == MapStem(imageFileName)) {
+            // Likely to name the image: say why it cannot be looked into.
+            g.source = GeoSource::Kml;
+            g.file = path;
+            g.error = Refused(path, reason);
+        }
         return g;
+    }
     std::vector<KmlOverlay> overlays;
     ParseKml(text, overlays, reason);  // a broken tail still leaves the overlays before it
     for (const KmlOverlay& o : overlays) {

@@ -6,6 +6,7 @@
 
 #include "CommandIds.h"
 #include "FileListing.h"
+#include "GdalBackend.h"
 #include "Georeference.h"
 #include "MapCommands.h"
 #include "MapScreenLayers.h"
@@ -308,6 +309,13 @@ void MapFeature::ShowLoadFailure(const std::string& path, ImageLoadError error) 
     if (error == ImageLoadError::None || error == ImageLoadError::Pending ||
         error == ImageLoadError::Cancelled)
         return;
+    if (error == ImageLoadError::NoGdal) {
+        std::string reason;
+        GdalLibrary(&reason);
+        shell_.ui().ShowMessage(GdalUnavailableMessage(reason), shell::MessageIcon::Error,
+                                shell::MessageButtons::Ok);
+        return;
+    }
     const char* format = error == ImageLoadError::NoDiskSpace
                              ? common::LoadString(common::kStrNoDiskSpaceForMap)
                              : common::LoadString(kStrImportFailed);

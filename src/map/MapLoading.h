@@ -26,6 +26,7 @@ enum class ImageLoadError {
     Pending,      // being built; the platform says when it is done
     Cancelled,    // the user stopped the build
     NoDiskSpace,  // the pyramid would not fit on the cache's disk
+    NoGdal,       // GDAL, which reads the pyramid's source, cannot be loaded
 };
 
 // The loader refused the file (not an image, damaged, too large for memory):

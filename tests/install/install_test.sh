@@ -24,7 +24,7 @@ DESTDIR=$root cmake --install "$build" --prefix /usr >/dev/null
 
 id=$(sed -n 's/^set(SATWALK_APP_ID "\(.*\)")$/\1/p' "$source/cmake/Install.cmake")
 usr=$root/usr
-for f in bin/satwalk bin/satwalk-tool \
+for f in bin/satwalk bin/satwalk-tool lib/satwalk/satwalk_gdal.so \
          share/satwalk/alarm.wav share/satwalk/map/world-land-50m.txt \
          share/satwalk/demo/demo-drive.nmea "share/satwalk/demo/map/Ref Pt_west-lake-demo.rpt" \
          share/satwalk/demo/map/west-lake-demo.png share/satwalk/demo/poi/Restaurant.csv \
@@ -50,6 +50,12 @@ if command -v groff >/dev/null; then
   done
 fi
 [ "$("$usr/bin/satwalk-tool" --version)" = "$("$build/tools/satwalk-tool" --version)" ]
+# GDAL's module is opened from its installed place, not from the build tree.
+map="$usr/share/satwalk/demo/map/west-lake-demo.png"
+opened=$(LD_DEBUG=files "$usr/bin/satwalk-tool" map --image "$map" 2>&1 >/dev/null |
+         sed -n 's/.*file=\(.*satwalk_gdal\.so\).*/\1/p' | head -1)
+[ "$opened" = "$usr/bin/../lib/satwalk/satwalk_gdal.so" ] ||
+  { echo "install_test: GDAL's module opened from '$opened'"; exit 1; }
 
 # The installed program on its installed data: the demo drive replaced by a
 # stretch from its middle, where there is a fix, so that its position shows
@@ -75,7 +81,7 @@ latitude=$(grep -o '"latitude":"[0-9.]*"' "$work/state.json" | head -1 | cut -d'
 if command -v dpkg-shlibdeps >/dev/null && command -v file >/dev/null; then
   cpack -G DEB -B "$work/deb" --config "$build/CPackConfig.cmake" >/dev/null
   depends=$(dpkg-deb -f "$work"/deb/satwalk_*.deb Depends)
-  for lib in libqt6widgets6 libqt6multimedia6 libexpat1 libgeographiclib qt6-qpa-plugins; do
+  for lib in libqt6widgets6 libqt6multimedia6 libexpat1 libgeographiclib libgdal qt6-qpa-plugins; do
     [[ $depends == *"$lib"* ]] || { echo "install_test: the package misses $lib: $depends"; exit 1; }
   done
   dpkg-deb -x "$work"/deb/satwalk_*.deb "$work/deb-root"

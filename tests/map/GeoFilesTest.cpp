@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "GdalBackend.h"
 #include "GeoFiles.h"
 #include "Georeference.h"
 #include "MapGeometry.h"
@@ -181,6 +182,41 @@ TEST(FindGeoreference, BesideTheImage) {
     write("Ref Pt_m.rpt", "1,30,120,0,0,\r\n1,29,121,64,48,\r\n");
     g = FindGeoreference(image);
     EXPECT_EQ(g.source, GeoSource::ReferenceFile);
+    std::filesystem::remove_all(dir);
+}
+
+// Run with SATWALK_GDAL_MODULE naming no file (the test
+// map_geo_without_gdal_module): only what needs GDAL is refused, with the
+// reason; a plain image and files that do not name it still load.
+TEST(FindGeoreference, WithoutGdal) {
+    if (GdalLibrary() != nullptr)
+        GTEST_SKIP() << "GDAL's module is loaded";
+    const auto dir =
+        std::filesystem::temp_directory_path() / ("satwalk-nogdal-" + std::to_string(::getpid()));
+    struct Case {
+        const char* image;
+        std::vector<const char*> beside;
+        bool refused;
+    };
+    const Case cases[] = {
+        {"plain.png", {}, false},
+        {"plain.png", {"other.kmz"}, false},
+        {"zipped.png", {"zipped.kmz"}, true},
+        {"world.png", {"world.pgw", "world.prj"}, true},
+        {"scan.tif", {}, true},
+    };
+    for (const Case& c : cases) {
+        std::filesystem::remove_all(dir);
+        std::filesystem::create_directories(dir);
+        std::ofstream(dir / "world.pgw") << "25\n0\n0\n-25\n210012.5\n3352987.5\n";
+        for (const char* name : c.beside)
+            if (!std::filesystem::exists(dir / name))
+                std::ofstream(dir / name) << "EPSG:32651";
+        const Georeference g = FindGeoreference((dir / c.image).string());
+        EXPECT_EQ(g.error.find("cannot be loaded") != std::string::npos, c.refused)
+            << c.image << ": " << g.error;
+        EXPECT_EQ(g.error.empty(), !c.refused) << c.image;
+    }
     std::filesystem::remove_all(dir);
 }
 

@@ -1,8 +1,5 @@
 #include "PyramidBuilder.h"
 
-#include <cpl_conv.h>
-#include <cpl_error.h>
-#include <gdal.h>
 #include <QByteArray>
 #include <QImage>
 #include <cerrno>
@@ -18,52 +15,13 @@
 // After <cstdio>: it uses FILE and size_t without including them.
 #include <jpeglib.h>
 
+#include "GdalBackend.h"
 #include "MapImage.h"
 #include "TilePyramid.h"
 
 namespace satwalk::map {
 
 namespace {
-
-// GDAL's cache of decoded blocks, shared by the process: a JPEG's block is
-// one scan line, so a band of 256 rows passes through it once.
-constexpr std::int64_t kGdalCacheBytes = std::int64_t{64} << 20;
-
-void RegisterGdal() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        GDALAllRegister();
-        GDALSetCacheMax64(kGdalCacheBytes);
-    });
-}
-
-struct DatasetCloser {
-    void operator()(void* ds) const { GDALClose(static_cast<GDALDatasetH>(ds)); }
-};
-using Dataset = std::unique_ptr<void, DatasetCloser>;
-
-// GDAL's messages stay off the terminal while this thread builds; the
-// result says what went wrong.
-struct QuietGdal {
-    QuietGdal() {
-        CPLPushErrorHandler(CPLQuietErrorHandler);
-        // Never a side file written next to the source, nor its folder
-        // listed looking for one.
-        CPLSetThreadLocalConfigOption("GDAL_PAM_ENABLED", "NO");
-        CPLSetThreadLocalConfigOption("GDAL_DISABLE_READDIR_ON_OPEN", "EMPTY_DIR");
-    }
-    ~QuietGdal() { CPLPopErrorHandler(); }
-    QuietGdal(const QuietGdal&) = delete;
-    QuietGdal& operator=(const QuietGdal&) = delete;
-};
-
-std::uint32_t Opaque(int r, int g, int b, int a) {
-    // Laid over white, as a transparent map has always been shown.
-    auto over = [a](int c) {
-        return static_cast<std::uint32_t>((c * a + 255 * (255 - a) + 127) / 255);
-    };
-    return 0xFF000000u | over(r) << 16 | over(g) << 8 | over(b);
-}
 
 // libjpeg's errors return here instead of ending the process.
 struct JpegError {
@@ -111,99 +69,6 @@ QByteArray EncodeTile(const std::uint8_t* pixels, int width, int rows, std::ptrd
     std::free(out);
     return bytes;
 }
-
-// Reads rows of the source as opaque RGB32, whatever its bands.
-class SourceRows {
-  public:
-    PyramidBuild Open(const std::string& path) {
-        // BIGGIF is GDAL's GIF reader for images too large to hold whole.
-        static const char* const kDrivers[] = {"JPEG", "PNG", "BMP", "GIF", "BIGGIF", nullptr};
-        ds_.reset(GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, kDrivers, nullptr,
-                             nullptr));
-        if (!ds_) {
-            std::FILE* f = std::fopen(path.c_str(), "rb");
-            if (f == nullptr)
-                return PyramidBuild::CannotOpen;
-            std::fclose(f);
-            return PyramidBuild::NotAnImage;
-        }
-        auto* ds = static_cast<GDALDatasetH>(ds_.get());
-        bands_ = GDALGetRasterCount(ds);
-        width_ = GDALGetRasterXSize(ds);
-        height_ = GDALGetRasterYSize(ds);
-        if (bands_ < 1 || width_ <= 0 || height_ <= 0)
-            return PyramidBuild::Damaged;
-        for (int b = 1; b <= bands_; ++b)
-            if (GDALGetRasterDataType(GDALGetRasterBand(ds, b)) != GDT_Byte)
-                return PyramidBuild::NotAnImage;  // 16-bit samples are no map format here
-        GDALRasterBandH first = GDALGetRasterBand(ds, 1);
-        if (bands_ <= 2) {
-            // Grey (and alpha) or a palette: one table from sample to pixel.
-            GDALColorTableH table = GDALGetRasterColorTable(first);
-            for (int i = 0; i < 256; ++i)
-                lut_[i] = 0xFF000000u | 0x010101u * static_cast<std::uint32_t>(i);
-            if (table != nullptr && GDALGetRasterColorInterpretation(first) == GCI_PaletteIndex) {
-                const int n = std::min(256, GDALGetColorEntryCount(table));
-                for (int i = 0; i < n; ++i) {
-                    const GDALColorEntry* e = GDALGetColorEntry(table, i);
-                    lut_[i] = Opaque(e->c1, e->c2, e->c3, e->c4);
-                }
-            }
-        }
-        return PyramidBuild::Built;
-    }
-    ImageSize Size() const { return {width_, height_}; }
-
-    // Rows [y, y + rows) into the top of `band` (width_ wide, RGB32).
-    bool Read(int y, int rows, QImage& band) {
-        auto* ds = static_cast<GDALDatasetH>(ds_.get());
-        auto* out = band.bits();
-        const int stride = static_cast<int>(band.bytesPerLine());
-        if (bands_ >= 3) {
-            // Straight into the pixels: B, G, R (and A) are bytes 0 to 3 of
-            // each on a little-endian machine.
-            int map[4] = {3, 2, 1, 4};
-            const int count = bands_ >= 4 ? 4 : 3;
-            if (GDALDatasetRasterIO(ds, GF_Read, 0, y, width_, rows, out, width_, rows, GDT_Byte,
-                                    count, map, 4, stride, 1) != CE_None)
-                return false;
-            if (count == 4) {
-                for (int r = 0; r < rows; ++r) {
-                    auto* p = reinterpret_cast<std::uint32_t*>(out + std::ptrdiff_t{r} * stride);
-                    for (int x = 0; x < width_; ++x) {
-                        const std::uint32_t v = p[x];
-                        p[x] = Opaque(v >> 16 & 0xFF, v >> 8 & 0xFF, v & 0xFF,
-                                      static_cast<int>(v >> 24));
-                    }
-                }
-            }
-            return true;
-        }
-        samples_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(bands_));
-        for (int r = 0; r < rows; ++r) {
-            for (int b = 0; b < bands_; ++b) {
-                if (GDALRasterIO(GDALGetRasterBand(ds, b + 1), GF_Read, 0, y + r, width_, 1,
-                                 samples_.data() + std::ptrdiff_t{b} * width_, width_, 1, GDT_Byte,
-                                 0, 0) != CE_None)
-                    return false;
-            }
-            auto* p = reinterpret_cast<std::uint32_t*>(out + std::ptrdiff_t{r} * stride);
-            const std::uint8_t* s = samples_.data();
-            if (bands_ == 2) {
-                for (int x = 0; x < width_; ++x) p[x] = Opaque(s[x], s[x], s[x], s[width_ + x]);
-            } else {
-                for (int x = 0; x < width_; ++x) p[x] = lut_[s[x]];
-            }
-        }
-        return true;
-    }
-
-  private:
-    Dataset ds_;
-    int bands_ = 0, width_ = 0, height_ = 0;
-    std::uint32_t lut_[256] = {};
-    std::vector<std::uint8_t> samples_;
-};
 
 // The cache file being written: tiles appended, header and index last.
 class PyramidWriter {
@@ -375,15 +240,25 @@ class Builder {
 
 PyramidBuild BuildPyramid(const std::string& source, const std::string& cacheFile,
                           PyramidProgress& progress) {
-    RegisterGdal();
-    const QuietGdal quiet;
     const std::optional<SourceStamp> stamp = StampOf(source);
     if (!stamp)
         return PyramidBuild::CannotOpen;
-    SourceRows rows;
-    if (const PyramidBuild opened = rows.Open(source); opened != PyramidBuild::Built)
-        return opened;
-    const ImageSize image = rows.Size();
+    const GdalBackend* gdal = GdalLibrary();
+    if (gdal == nullptr)
+        return PyramidBuild::NoGdal;
+    RasterOpen opened = RasterOpen::Opened;
+    const std::unique_ptr<RasterRows> rows = gdal->OpenRaster(source, opened);
+    switch (opened) {
+        case RasterOpen::Opened:
+            break;
+        case RasterOpen::CannotOpen:
+            return PyramidBuild::CannotOpen;
+        case RasterOpen::NotAnImage:
+            return PyramidBuild::NotAnImage;
+        case RasterOpen::Damaged:
+            return PyramidBuild::Damaged;
+    }
+    const ImageSize image = rows->Size();
     std::vector<PyramidLevel> levels = PyramidLevels(image);
     if (levels.empty())
         return PyramidBuild::TooLarge;
@@ -410,7 +285,8 @@ PyramidBuild BuildPyramid(const std::string& source, const std::string& cacheFil
         } else {
             for (int y = 0; y < image.height && result == PyramidBuild::Built; y += kTileSide) {
                 const int n = std::min(kTileSide, image.height - y);
-                if (!rows.Read(y, n, builder.Top()))
+                QImage& top = builder.Top();
+                if (!rows->Read(y, n, top.bits(), top.bytesPerLine()))
                     result = PyramidBuild::Damaged;
                 else if (!builder.Push(n))
                     result = progress.cancel ? PyramidBuild::Cancelled : PyramidBuild::CannotWrite;

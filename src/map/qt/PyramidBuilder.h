@@ -36,6 +36,7 @@ enum class PyramidBuild {
     TooLarge,     // past kMaxPyramidSide, or the decoder's own memory limit
     NoDiskSpace,  // the cache's disk lacks PyramidDiskEstimate, or filled up
     CannotWrite,  // the cache folder or file cannot be written
+    NoGdal,       // GDAL, which reads the source, cannot be loaded
 };
 
 // The JPEG quality of the tiles.

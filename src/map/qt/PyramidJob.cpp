@@ -38,6 +38,8 @@ ImageLoadError ToLoadError(PyramidBuild result) {
             return ImageLoadError::TooLarge;
         case PyramidBuild::NoDiskSpace:
             return ImageLoadError::NoDiskSpace;
+        case PyramidBuild::NoGdal:
+            return ImageLoadError::NoGdal;
         case PyramidBuild::CannotOpen:
         case PyramidBuild::CannotWrite:
             break;
