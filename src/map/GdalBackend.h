@@ -20,6 +20,15 @@
 
 namespace satwalk::map {
 
+// ASCII letters in lower case (file names, datum and projection names).
+inline std::string AsciiLower(std::string_view s) {
+    std::string out(s);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return out;
+}
+
 // A projection GDAL is asked to set up, on WGS 84.
 struct ProjectionRequest {
     enum class Kind {

@@ -236,14 +236,6 @@ constexpr const char* kNoSiblings[] = {nullptr};
 constexpr int kMaxControlPoints = 1000;
 constexpr int kMaxZipEntries = 10000;
 
-std::string Lower(std::string_view s) {
-    std::string out(s);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
 class Gdal final : public GdalBackend {
   public:
     std::shared_ptr<const MapProjection> Projection(const ProjectionRequest& r,
@@ -346,7 +338,8 @@ class Gdal final : public GdalBackend {
         std::string chosen;
         for (int i = 0; names != nullptr && names[i] != nullptr && i < kMaxZipEntries; ++i) {
             const std::string name = names[i];
-            if (Lower(name).ends_with(".kml") && (chosen.empty() || Lower(name) == "doc.kml"))
+            if (AsciiLower(name).ends_with(".kml") &&
+                (chosen.empty() || AsciiLower(name) == "doc.kml"))
                 chosen = name;
         }
         CSLDestroy(names);

@@ -54,14 +54,6 @@ std::string Refused(const std::string& file, std::string_view reason) {
     return std::string(FileName(file)) + ": " + std::string(reason);
 }
 
-std::string Lower(std::string_view s) {
-    std::string out(s);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
 std::string Upper(std::string_view s) {
     std::string out(s);
     for (char& c : out)
@@ -238,12 +230,12 @@ bool ReadImageSize(const std::string& path, ImageSize& size) {
 namespace {
 
 bool OziProjection(const OziMap& map, Georeference& g, std::string& reason) {
-    const std::string datum = Lower(map.datum);
+    const std::string datum = AsciiLower(map.datum);
     if (datum != "wgs 84" && datum != "wgs84" && datum != "wgs 1984") {
         reason = "datum \"" + map.datum + "\" is not supported (only WGS 84)";
         return false;
     }
-    const std::string name = Lower(map.projection);
+    const std::string name = AsciiLower(map.projection);
     const auto& s = map.setup;
     if (name == "latitude/longitude") {
         g.projection = nullptr;
@@ -358,7 +350,7 @@ bool ReadKmz(const std::string& path, std::string& text, std::string& error) {
 Georeference ReadKmlFile(const std::string& path, std::string_view imageFileName) {
     Georeference g;
     std::string text, reason;
-    const bool kmz = Lower(path).ends_with(".kmz");
+    const bool kmz = AsciiLower(path).ends_with(".kmz");
     if (!(kmz ? ReadKmz(path, text, reason) : ReadSmall(path, kKmlLimit, text))) {
         if (!reason.empty() && IsRegularFile(path) && MapStem(path) == MapStem(imageFileName)) {
             // Likely to name the image: say why it cannot be looked into.
@@ -412,7 +404,7 @@ Georeference FindGeoreference(const std::string& imagePath) {
     const std::string dir = slash == std::string::npos ? "." : imagePath.substr(0, slash);
     const std::string fileName(FileName(imagePath));
     const std::size_t dot = fileName.rfind('.');
-    const std::string ext = dot == std::string::npos ? "" : Lower(fileName.substr(dot + 1));
+    const std::string ext = dot == std::string::npos ? "" : AsciiLower(fileName.substr(dot + 1));
     const std::string base =
         imagePath.substr(0, imagePath.size() - (dot == std::string::npos ? 0 : ext.size() + 1));
 
@@ -458,7 +450,7 @@ Georeference FindGeoreference(const std::string& imagePath) {
             if (++seen > 4096)
                 break;
             const std::string name = e->d_name;
-            const std::string lower = Lower(name);
+            const std::string lower = AsciiLower(name);
             const std::string full = dir + "/" + name;
             if (lower.ends_with(".map") && full != maps[0] && maps.size() < 64)
                 maps.push_back(full);
