@@ -30,7 +30,7 @@ void PoiFeature::Register(shell::FeatureRegistry& registry) {
     registry.AddCommand(cmd::kImportPoi, shell::Command{[this](int) { Import(); }, {}});
     registry.AddCommand(cmd::kDeleteAllPoi, shell::Command{[this](int) {
                                                                DeleteAllPois(store_);
-                                                               indexStale_ = true;
+                                                               index_.Clear();
                                                                shell_.Repaint();
                                                            },
                                                            {}});
@@ -49,7 +49,7 @@ void PoiFeature::Import() {
         browser::kBrowsePoi, common::LoadString(common::kStrOpenFile),
         [this](const browser::ChosenFile& file) {
             const PoiImport imported = ImportPoiFile(store_, file.path);
-            indexStale_ = true;
+            index_.Build(store_);
             if (!imported.read) {
                 shell_.ui().ShowMessage(common::LoadString(common::kStrOpenPoiFileFailed),
                                         shell::MessageIcon::Error, shell::MessageButtons::Ok);
@@ -83,14 +83,6 @@ void PoiFeature::WriteState(common::JsonMembers& members) const {
         out += '}';
     }
     out += "]}";
-}
-
-const PoiIndex& PoiFeature::index() const {
-    if (indexStale_) {
-        index_.Build(store_);
-        indexStale_ = false;
-    }
-    return index_;
 }
 
 PoiProjection ProjectionOf(const map::ScreenProjector& projector) {

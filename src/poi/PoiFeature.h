@@ -43,8 +43,9 @@ class PoiFeature final : public shell::Feature {
     std::function<bool()> calibratedMapShown;
 
     const PoiStore& store() const { return store_; }
-    // The store's index for drawing, built again after the store changed.
-    const PoiIndex& index() const;
+    // The store's index for drawing, built again where the store changes
+    // (an import, "全部删除"), never in a paint.
+    const PoiIndex& index() const { return index_; }
     // Null until the strip has been loaded.
     const screens::Bitmap* icons() const { return iconsLoaded_ ? &icons_ : nullptr; }
 
@@ -56,8 +57,7 @@ class PoiFeature final : public shell::Feature {
     browser::FileChooser& chooser_;
     std::unique_ptr<PoiPlatform> platform_;
     PoiStore store_;
-    mutable PoiIndex index_;
-    mutable bool indexStale_ = true;
+    PoiIndex index_;
     screens::Bitmap icons_;
     bool iconsLoaded_ = false;
 };
