@@ -122,6 +122,13 @@ class Canvas {
 
     virtual void FillRect(Rect rect, Colour colour) = 0;
     virtual void Line(Point from, Point to, Pen pen) = 0;
+    // A line from a fractional point: a canvas that places lines between its
+    // pixels takes it as it is, so a part of a line lies exactly on the
+    // whole; this one rounds it.
+    virtual void Line(PointF from, Point to, Pen pen) {
+        Line(Point{static_cast<int>(std::lround(from.x)), static_cast<int>(std::lround(from.y))},
+             to, pen);
+    }
     // Ellipse inscribed in the box, outlined with pen and filled with brush.
     virtual void Ellipse(Rect box, Pen pen, Brush brush) = 0;
     // Rectangle outlined with pen and filled with brush.

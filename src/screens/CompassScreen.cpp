@@ -16,20 +16,41 @@ void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegr
                 Point{cx + Trunc(length * std::sin(a)), cy - Trunc(length * std::cos(a))}, pen);
 }
 
+namespace {
+
+// A spoke from just inside the disc that trims it to its outer end: the disc
+// hides where it starts, so only its visible part is rasterised (a spoke
+// from the centre costs several times as much on a large dial).
+void DrawTrimmedSpoke(Canvas& canvas, int cx, int cy, int radius, int trimRadius,
+                      double angleDegrees, Pen pen) {
+    const double a = SaneDegrees(angleDegrees) * kPi / 180.0;
+    const double dx = radius * std::sin(a), dy = radius * std::cos(a);
+    const Point to{cx + Trunc(dx), cy - Trunc(dy)};
+    // Inside the trim disc by the pen's width and a pixel of rounding.
+    const double from = std::max(trimRadius - pen.width - 2, 0) / static_cast<double>(radius);
+    canvas.Line(PointF{cx + (to.x - cx) * from, cy + (to.y - cy) * from}, to, pen);
+}
+
+}  // namespace
+
 void DrawDialTicks(Canvas& canvas, int cx, int cy, const DialTicks& t) {
-    canvas.Ellipse(CircleBox(cx, cy, t.radius), Pen{t.ringColour, 1}, Brush{kWhite});
+    canvas.Ellipse(CircleBox(cx, cy, t.radius), Pen{t.ringColour, 1},
+                   t.clearInside ? Brush{kWhite} : kNullBrush);
+    const int minorTrim = t.radius - t.minorLength, majorTrim = t.radius - t.majorLength;
     for (int i = 0; i < t.minorCount; ++i) {
         const Colour c = t.minorAngles[i] >= t.redFrom ? Rgb(255, 0, 0) : t.minorColour;
-        DrawRadialLine(canvas, cx, cy, t.radius, t.minorAngles[i], Pen{c, t.minorWidth});
+        DrawTrimmedSpoke(canvas, cx, cy, t.radius, minorTrim, t.minorAngles[i],
+                         Pen{c, t.minorWidth});
     }
     // Spokes trimmed by white discs, so the tick length never depends on
     // how inner end points round.
-    canvas.Ellipse(CircleBox(cx, cy, t.radius - t.minorLength), Pen{kWhite, 1}, Brush{kWhite});
+    canvas.Ellipse(CircleBox(cx, cy, minorTrim), Pen{kWhite, 1}, Brush{kWhite});
     for (int i = 0; i < t.majorCount; ++i) {
         const Colour c = t.majorAngles[i] >= t.redFrom ? Rgb(255, 0, 0) : t.majorColour;
-        DrawRadialLine(canvas, cx, cy, t.radius, t.majorAngles[i], Pen{c, t.majorWidth});
+        DrawTrimmedSpoke(canvas, cx, cy, t.radius, majorTrim, t.majorAngles[i],
+                         Pen{c, t.majorWidth});
     }
-    canvas.Ellipse(CircleBox(cx, cy, t.radius - t.majorLength), Pen{kWhite, 1}, Brush{kWhite});
+    canvas.Ellipse(CircleBox(cx, cy, majorTrim), Pen{kWhite, 1}, Brush{kWhite});
 }
 
 void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx) {
@@ -48,7 +69,8 @@ void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx) {
         for (int j = 0; j < 8; ++j) minors[k * 8 + j] = majors[k] + 5 * (j + 1);
     }
 
-    canvas.Ellipse(CircleBox(cx, cy, R), Pen{Rgb(0, 51, 153), 1}, Brush{kWhite});
+    // Outlined only: the screen beneath is white.
+    canvas.Ellipse(CircleBox(cx, cy, R), Pen{Rgb(0, 51, 153), 1}, kNullBrush);
     DialTicks ticks;
     ticks.radius = R - b / 4;
     ticks.ringColour = Rgb(153, 204, 255);
@@ -63,6 +85,7 @@ void DrawCompassRose(Canvas& canvas, const ScreenContext& ctx) {
     ticks.minorColour = Rgb(153, 204, 255);
     ticks.minorLength = b / 3;
     ticks.redFrom = northUp ? 360.0 : 720.0;
+    ticks.clearInside = false;  // drawn straight on the white screen
     DrawDialTicks(canvas, cx, cy, ticks);
 
     const int inner = ticks.radius - ticks.majorLength;

@@ -165,6 +165,9 @@ struct DialTicks {
     int minorWidth = 1;
     Colour minorColour;
     double redFrom = 720.0;
+    // Whether the ring is filled white first; a dial drawn on a white disc
+    // of its own skips the fill, which is a large share of its paint time.
+    bool clearInside = true;
 };
 void DrawDialTicks(Canvas& canvas, int cx, int cy, const DialTicks& ticks);
 void DrawRadialLine(Canvas& canvas, int cx, int cy, int length, double angleDegrees, Pen pen);

@@ -229,6 +229,48 @@ TEST(Speedometer, NeedleAtZeroHalfAndFullScale) {
     }
 }
 
+// Ticks are spokes cut by white discs: each spoke must start under the disc
+// that cuts it, or the tick would come out shorter, and end beyond it.
+TEST(DialTicks, EverySpokeStartsUnderTheDiscThatCutsIt) {
+    for (const test::Variant& v : test::kAllVariants) {
+        for (const int screen : {2, 3}) {
+            for (const int orientation : {0, 1}) {
+                ScreenContext ctx = MakeContext(v);
+                ctx.display.compassOrientation = orientation;
+                RecordingCanvas canvas(ctx.frame);
+                screen == 2 ? PaintCompassScreen(canvas, ctx) : PaintSpeedometerScreen(canvas, ctx);
+                std::vector<CanvasCall> spokes;
+                int discs = 0;
+                for (const CanvasCall& c : canvas.Calls()) {
+                    if (c.kind == K::Line) {
+                        spokes.push_back(c);
+                        continue;
+                    }
+                    if (c.kind != K::Ellipse || c.brush.null || c.brush.colour != kWhite ||
+                        c.pen.colour != kWhite) {
+                        if (c.kind == K::Ellipse)
+                            spokes.clear();  // the ring: spokes come after it
+                        continue;
+                    }
+                    ++discs;
+                    const double r = c.rect.Width() / 2.0;
+                    const double x = (c.rect.left + c.rect.right) / 2.0;
+                    const double y = (c.rect.top + c.rect.bottom) / 2.0;
+                    for (const CanvasCall& l : spokes) {
+                        EXPECT_LE(std::hypot(l.from.x - x, l.from.y - y) + l.pen.width / 2.0, r)
+                            << v.name << " " << screen << " disc " << discs;
+                        EXPECT_GT(std::hypot(l.to.x - x, l.to.y - y), r + 1)
+                            << v.name << " " << screen << " disc " << discs;
+                    }
+                    EXPECT_FALSE(spokes.empty()) << v.name << " " << screen;
+                    spokes.clear();
+                }
+                EXPECT_EQ(discs, 2) << v.name << " " << screen;
+            }
+        }
+    }
+}
+
 TEST(Speedometer, RedTicksFromTheThreshold) {
     const struct {
         int units;

@@ -184,6 +184,10 @@ void QtCanvas::FillRect(Rect rect, Colour colour) {
 }
 
 void QtCanvas::Line(Point from, Point to, Pen pen) {
+    Line(PointF{double(from.x), double(from.y)}, to, pen);
+}
+
+void QtCanvas::Line(PointF from, Point to, Pen pen) {
     if (pen.null || pen.width <= 0)
         return;
     ApplyPen(pen);

@@ -54,6 +54,7 @@ class QtCanvas final : public Canvas {
     Rect Bounds() const override;
     void FillRect(Rect rect, Colour colour) override;
     void Line(Point from, Point to, Pen pen) override;
+    void Line(PointF from, Point to, Pen pen) override;
     void Ellipse(Rect box, Pen pen, Brush brush) override;
     void Rectangle(Rect box, Pen pen, Brush brush) override;
     void Polygon(std::span<const Point> points, Pen pen, Brush brush) override;
