@@ -20,7 +20,7 @@ std::vector<InquiryAnswer> Named(int count) {
     std::vector<InquiryAnswer> a;
     char address[18];
     for (int i = 0; i < count; ++i) {
-        std::snprintf(address, sizeof address, "00:11:22:33:44:%02X", i);
+        std::snprintf(address, sizeof address, "00:11:22:33:44:%02X", unsigned(i) & 0xFFu);
         a.push_back({true, "GPS " + std::to_string(i), address});
     }
     return a;
