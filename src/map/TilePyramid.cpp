@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 
 namespace satwalk::map {
 
@@ -170,6 +172,73 @@ std::string PyramidCacheName(std::string_view absolutePath) {
     std::string name(16, '0');
     for (int i = 15; i >= 0; --i, hash >>= 4) name[static_cast<std::size_t>(i)] = kHex[hash & 15];
     return name + ".tiles";
+}
+
+namespace {
+
+bool IsPyramidName(std::string_view name) {
+    constexpr std::string_view kSuffix = ".tiles";
+    if (name.size() != 16 + kSuffix.size() || name.substr(16) != kSuffix)
+        return false;
+    return std::all_of(name.begin(), name.begin() + 16,
+                       [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+}
+
+}  // namespace
+
+int TrimPyramidCache(const std::string& folder, std::string_view keep, std::uint64_t room,
+                     std::uint64_t budget) {
+    namespace fs = std::filesystem;
+    struct Entry {
+        fs::path path;
+        fs::file_time_type time;
+        std::uint64_t size;
+    };
+    std::vector<Entry> pyramids;
+    std::uint64_t total = room;
+    int removed = 0;
+    std::error_code ec;
+    const auto dayAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    // A bounded walk: a folder of millions of strangers is not ours to sort.
+    constexpr int kMaxEntries = 100000;
+    int seen = 0;
+    for (fs::directory_iterator it(folder, ec), end; !ec && it != end && seen < kMaxEntries;
+         it.increment(ec), ++seen) {
+        const std::string name = it->path().filename().string();
+        if (name == keep || !it->is_regular_file(ec))
+            continue;
+        const fs::file_time_type time = it->last_write_time(ec);
+        if (ec)
+            continue;
+        const bool part = name.size() > 5 && name.ends_with(".part") &&
+                          IsPyramidName(std::string_view(name).substr(0, name.size() - 5));
+        if (part && time < dayAgo) {
+            removed += fs::remove(it->path(), ec) ? 1 : 0;
+        } else if (IsPyramidName(name)) {
+            const std::uint64_t size = it->file_size(ec);
+            if (!ec) {
+                pyramids.push_back({it->path(), time, size});
+                total += size;
+            }
+        }
+        ec.clear();
+    }
+    std::sort(pyramids.begin(), pyramids.end(),
+              [](const Entry& a, const Entry& b) { return a.time < b.time; });
+    for (const Entry& e : pyramids) {
+        if (total <= budget)
+            break;
+        if (fs::remove(e.path, ec)) {
+            total -= e.size;
+            ++removed;
+        }
+    }
+    return removed;
+}
+
+void TouchPyramid(const std::string& cacheFile) {
+    std::error_code ec;
+    std::filesystem::last_write_time(cacheFile, std::filesystem::file_time_type::clock::now(), ec);
 }
 
 std::uint64_t PyramidDiskEstimate(ImageSize image) {

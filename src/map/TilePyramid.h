@@ -87,6 +87,21 @@ std::string PyramidCacheFolder(const char* xdgCacheHome, const char* home);
 // hash in hex, ".tiles".
 std::string PyramidCacheName(std::string_view absolutePath);
 
+// What the pyramids of all the maps a user has opened may take together;
+// past it, the ones used longest ago make way for a new build.
+inline constexpr std::uint64_t kPyramidCacheBudget = std::uint64_t{8} << 30;
+
+// Makes room in the cache folder for a pyramid of `room` bytes: removes
+// pyramids ("<16 hex digits>.tiles"), oldest modification first (opening a
+// pyramid renews its time), until the rest and `room` fit in `budget`, and
+// the ".part" files of builds that ended without finishing once they are a
+// day old. `keep` (a name in the folder) and files of other names are never
+// touched. Returns the number of files removed.
+int TrimPyramidCache(const std::string& folder, std::string_view keep, std::uint64_t room,
+                     std::uint64_t budget = kPyramidCacheBudget);
+// Marks the pyramid as just used, for the trimming above.
+void TouchPyramid(const std::string& cacheFile);
+
 // Bytes the pyramid of `image` may take on disk, generously (a noisy scan
 // compresses worst); a build starts only with this much free.
 std::uint64_t PyramidDiskEstimate(ImageSize image);

@@ -1,9 +1,14 @@
 // The tile pyramid's rules: its levels, the level a zoom draws from, the
 // tiles a view needs, where the cache lives, and a cache file's index that is
-// used only when every field agrees.
+// used only when every field agrees, and the trimming of the cache.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <set>
 #include <tuple>
 
 #include "TilePyramid.h"
@@ -167,6 +172,57 @@ TEST(TilePyramid, TamperedOrStaleIndexIsNotUsed) {
     touched.mtimeNs += 1;
     EXPECT_EQ(file.Read(file.bytes, touched, index), PyramidCheck::Stale);
     EXPECT_TRUE(index.tiles.empty());
+}
+
+// The cache keeps within its budget by dropping the pyramids used longest
+// ago; what is being built, strangers and fresh half-builds stay.
+TEST(TilePyramid, CacheTrimmedOldestFirst) {
+    namespace fs = std::filesystem;
+    char templ[] = "/tmp/satwalk-pyramids-XXXXXX";
+    ASSERT_NE(::mkdtemp(templ), nullptr);
+    const fs::path folder(templ);
+    const auto now = fs::file_time_type::clock::now();
+    // Name, size, age in hours.
+    const std::tuple<const char*, int, int> files[] = {
+        {"00000000000000a1.tiles", 400, 50},  // the oldest
+        {"00000000000000a2.tiles", 300, 40},
+        {"00000000000000a3.tiles", 200, 1},
+        {"00000000000000ff.tiles", 900, 99},  // being rebuilt: kept
+        {"notes.tiles", 5000, 99},            // not a pyramid's name
+        {"00000000000000a4.tiles.part", 100, 30},
+        {"00000000000000a5.tiles.part", 100, 2},  // a build may still run
+    };
+    const auto make = [&] {
+        for (const auto& [name, size, hours] : files) {
+            std::ofstream(folder / name, std::ios::binary) << std::string(size, 'x');
+            fs::last_write_time(folder / name, now - std::chrono::hours(hours));
+        }
+    };
+    // Room asked, budget, the files left.
+    const std::tuple<int, int, std::set<std::string>> cases[] = {
+        {0, 1000, {"00000000000000a1.tiles", "00000000000000a2.tiles", "00000000000000a3.tiles"}},
+        {100, 800, {"00000000000000a2.tiles", "00000000000000a3.tiles"}},
+        {300, 700, {"00000000000000a3.tiles"}},
+        {900, 800, {}},
+    };
+    for (const auto& [room, budget, left] : cases) {
+        fs::remove_all(folder);
+        fs::create_directory(folder);
+        make();
+        TrimPyramidCache(folder.string(), "00000000000000ff.tiles", room, budget);
+        std::set<std::string> pyramids;
+        for (const auto& e : fs::directory_iterator(folder)) {
+            const std::string name = e.path().filename().string();
+            if (name.starts_with("00000000000000a") && name.ends_with(".tiles"))
+                pyramids.insert(name);
+        }
+        EXPECT_EQ(pyramids, left) << room << " " << budget;
+        for (const char* stays :
+             {"00000000000000ff.tiles", "notes.tiles", "00000000000000a5.tiles.part"})
+            EXPECT_TRUE(fs::exists(folder / stays)) << stays;
+        EXPECT_FALSE(fs::exists(folder / "00000000000000a4.tiles.part"));
+    }
+    fs::remove_all(folder);
 }
 
 }  // namespace

@@ -268,6 +268,8 @@ PyramidBuild BuildPyramid(const std::string& source, const std::string& cacheFil
 
     const std::filesystem::path target(cacheFile);
     std::error_code ec;
+    TrimPyramidCache(target.parent_path().string(), target.filename().string(),
+                     PyramidDiskEstimate(image));
     const std::filesystem::space_info space = std::filesystem::space(target.parent_path(), ec);
     if (ec)
         return PyramidBuild::CannotWrite;

@@ -85,8 +85,10 @@ ImageLoadError PyramidJob::Open(const std::string& path, TiledImage& image, Prep
     const std::string cacheFile = PyramidCacheFile(path);
     if (cacheFile.empty())
         return ImageLoadError::CannotOpen;
-    if (image.Open(cacheFile, *stamp) == PyramidCheck::Valid)
+    if (image.Open(cacheFile, *stamp) == PyramidCheck::Valid) {
+        TouchPyramid(cacheFile);
         return ImageLoadError::None;
+    }
 
     building_ = path;
     done_ = std::move(done);
