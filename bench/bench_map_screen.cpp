@@ -1,7 +1,9 @@
 // The whole map screen as the window paints it: every layer and the frame
 // through the Qt canvas into the 480 × 640 off-screen image. Panning a
 // loaded 10,000 × 10,000 image at several zooms, the world map at its widest
-// and closest, and the worst single paint of a drag over each.
+// and closest, the worst single paint of a drag over each, and the world map
+// and the image in a maximised 1920 × 1080 desktop window with automatic
+// "界面缩放".
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -10,6 +12,7 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -17,6 +20,7 @@
 #include "MapScreenLayers.h"
 #include "QtCanvas.h"
 #include "QtMapPlatform.h"
+#include "UiScale.h"
 
 using namespace satwalk;
 using namespace satwalk::map;
@@ -57,6 +61,9 @@ const MapImage& BigImage() {
 
 // The screens of the 480 × 640 window at 192 dpi on the map screen, with a
 // fix and the link running, and a map screen with every layer of the map.
+// On the desktop: a 1920 × 1080 client area (the soft-key bar included), the
+// scale the automatic setting gives, the screen laid out at the area divided
+// by it and painted into a picture of the area's device pixels.
 struct Screen {
     screens::ScreenBitmaps bitmaps;
     screens::ScreenContext ctx;
@@ -65,10 +72,20 @@ struct Screen {
     QImage target;
     gps::GpsState fix;
 
-    explicit Screen(bool loadImage) {
+    explicit Screen(bool loadImage, bool desktop = false) {
         screens::BitmapId failed;
         bitmaps.Load(true, QStringLiteral(SATWALK_BITMAP_DIR), &failed);
-        screens::PrepareScreenContext(ctx, 480, 640, 192, bitmaps);
+        if (desktop) {
+            constexpr int kWidth = 1920, kHeight = 1080, kDpi = 192;
+            const int percent = shell::UiScalePercent(shell::kUiScaleAuto, kWidth, kHeight, kDpi);
+            const int area = kHeight - shell::SoftKeyBarHeight(kDpi) * percent / 100;
+            screens::PrepareScreenContext(ctx, kWidth * 100 / percent, area * 100 / percent, kDpi,
+                                          bitmaps);
+            target = QImage(kWidth, area, QImage::Format_RGB32);
+            target.setDevicePixelRatio(percent / 100.0);
+        } else {
+            screens::PrepareScreenContext(ctx, 480, 640, 192, bitmaps);
+        }
         LayoutMapOverlay(ctx);
         ctx.display.currentScreen = common::kScreenMap;
         ctx.display.linkRunning = true;
@@ -132,6 +149,29 @@ void BM_MapScreenWorld(benchmark::State& state) {
     state.SetLabel(std::to_string(kWorldScales[state.range(0)]) + " km bar");
 }
 
+// The desktop window: the world map at every scale, and the image at four
+// times the fit, panned as above.
+void BM_MapScreenDesktop(benchmark::State& state) {
+    const int world = static_cast<int>(state.range(0));
+    Screen s(world < 0, true);
+    if (world < 0) {
+        for (int i = 0; i < 3; ++i) s.model.Zoom(true);
+    } else {
+        s.model.worldScaleIndex = world;
+    }
+    int n = 0;
+    for (auto _ : state) {
+        s.model.Pan((n++ / 50) % 2 == 0 ? kPanRight : kPanLeft, 5);
+        s.Paint();
+    }
+    char label[64];
+    if (world < 0)
+        std::snprintf(label, sizeof label, "image, 4x the fit, 1920x1080 at 200 %%");
+    else
+        std::snprintf(label, sizeof label, "%g km bar, 1920x1080 at 200 %%", kWorldScales[world]);
+    state.SetLabel(label);
+}
+
 // A drag of 200 moves through the stylus, a paint after each as the window
 // does; the worst paint is the counter.
 void BM_DragWorstPaint(benchmark::State& state) {
@@ -184,6 +224,11 @@ BENCHMARK(BM_MapScreenPanImage)
 BENCHMARK(BM_MapScreenWorld)
     ->Arg(0)
     ->Arg(kWorldScaleCount - 1)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_MapScreenDesktop)
+    ->DenseRange(-1, kWorldScaleCount - 1)
     ->Unit(benchmark::kMillisecond)
     ->Repetitions(5)
     ->ReportAggregatesOnly(true);
