@@ -96,11 +96,10 @@ TEST_F(MapGeoFeatureTest, CloseMapGoesBackToTheWorld) {
     Load(utm);
     EXPECT_EQ(closeEntry(), "40021 关闭地图");
     shell.OnCommand(cmd::kCloseMap);
-    EXPECT_FALSE(feature->mapLoaded());
-    EXPECT_TRUE(platform->loaded.empty());
-    EXPECT_EQ(feature->model().map.mapMode, 0);
-    EXPECT_FALSE(feature->model().calibration.IsValid());
-    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+    EXPECT_EQ(
+        std::tuple(feature->mapLoaded(), platform->loaded.empty(), feature->model().map.mapMode,
+                   feature->model().calibration.IsValid(), shell.currentScreen),
+        std::tuple(false, true, 0, false, shell::kScreenMap));
     EXPECT_EQ(settings.recentMaps[0], utm) << "the recent list keeps it";
 }
 
