@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "CommandIds.h"
 #include "MapFeatureFixture.h"
 
 namespace satwalk::map {
@@ -33,17 +32,6 @@ class MapGeoFeatureTest : public test::MapFeatureFixture {
     void Load(const std::string& path) {
         MapFeatureFixture::Load(path);
         Layout();
-    }
-    void Place(int slot, const char* latitude, const char* longitude, int at) {
-        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
-        platform->answerFields = [=](ReferenceDialogFields& f) {
-            f.active = true;
-            f.latitude = {latitude, "0", "0"};
-            f.longitude = {longitude, "0", "0"};
-        };
-        shell.features().NotifyStylusDown(at, at);
-        shell.features().NotifyStylusUp(at, at);
-        shell.OnCommand(shell::cmd::kLeftSoftKey);
     }
 
     std::string utm, broken;
