@@ -103,10 +103,8 @@ TEST_F(FileBrowserTest, WalkingTheTree) {
         else
             Key(stack_.KeyTarget(), step);
         SCOPED_TRACE(folder);
-        EXPECT_EQ(b->folder(), folder);
-        EXPECT_EQ(Current(*b), selected);
-        EXPECT_TRUE(b->softKey(0).enabled);
-        EXPECT_EQ(stack_.top(), b);
+        EXPECT_EQ(std::tuple(b->folder(), Current(*b), b->softKey(0).enabled, stack_.top()),
+                  std::tuple(folder, selected, true, b));
     }
 }
 

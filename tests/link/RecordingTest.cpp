@@ -1,9 +1,5 @@
 // NMEA recording: file names from local time, the bytes exactly as read
 // (with no sink: recorded, not decoded), one file per start second.
-#include <signal.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -15,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../common/FullDisk.h"
 #include "LinkTestSupport.h"
 #include "ReceiverLink.h"
 
@@ -130,22 +127,6 @@ TEST_F(RecordingTest, AVanishedFolderLosesTheBatchesButNotTheLink) {
         std::tuple(1, ENOENT, 1));
 }
 
-// Appends in a child process whose files may not grow past `limit` bytes,
-// with SIGXFSZ ignored so that the write comes back short as on a full
-// disk. Returns what AppendNmeaBatch returned.
-int AppendUnderLimit(const std::string& path, const std::string& batch, rlim_t limit) {
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit r{limit, limit};
-        ::setrlimit(RLIMIT_FSIZE, &r);
-        ::_exit(AppendNmeaBatch(path.c_str(), batch.data(), batch.size()) & 0x7F);
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST(AppendNmeaBatchTest, ABatchIsWrittenWholeOrNotAtAll) {
     const std::string line = Rmc("3112.0001");  // 77 bytes
     const std::tuple<const char*, std::string, std::string, rlim_t, bool> cases[] = {
@@ -156,7 +137,8 @@ TEST(AppendNmeaBatchTest, ABatchIsWrittenWholeOrNotAtAll) {
     const std::string path = dir + "/rec.log";
     for (const auto& [name, before, batch, limit, written] : cases) {
         { std::ofstream(path, std::ios::binary | std::ios::trunc) << before; }
-        const int error = AppendUnderLimit(path, batch, limit);
+        const int error = OnAFullDisk(
+            limit, [&] { return AppendNmeaBatch(path.c_str(), batch.data(), batch.size()); });
         EXPECT_EQ(error, written ? 0 : EFBIG) << name;
         EXPECT_EQ(ReadFile(path), written ? before + batch : before) << name;
     }

@@ -11,11 +11,9 @@ namespace {
 TEST(ReplayReceiverTest, SplitsTheLogAtEachRmc) {
     const std::string gga = Sentence("GPGGA,120000.00,,,,,0,00,,,M,,M,,");
     const std::string log = gga + Rmc("1") + gga + Rmc("2") + "$GNRMC,x\r\n" + "tail";
-    const auto epochs = ReplayReceiver::SplitEpochs(log);
-    ASSERT_EQ(epochs.size(), 3u);
-    EXPECT_EQ(epochs[0], gga + Rmc("1") + gga);  // lines before the first RMC join it
-    EXPECT_EQ(epochs[1], Rmc("2"));
-    EXPECT_EQ(epochs[2], "$GNRMC,x\r\ntail");
+    const std::string first = gga + Rmc("1") + gga, second = Rmc("2");  // lines before join it
+    EXPECT_EQ(ReplayReceiver::SplitEpochs(log),
+              (std::vector<std::string_view>{first, second, "$GNRMC,x\r\ntail"}));
     EXPECT_TRUE(ReplayReceiver::SplitEpochs("").empty());
     EXPECT_EQ(ReplayReceiver::SplitEpochs("no sentences").size(), 1u);
 }

@@ -58,18 +58,13 @@ TEST(OziMap, Fields) {
     OziMap m;
     std::string error;
     ASSERT_TRUE(ParseOziMap(text, m, error)) << error;
-    EXPECT_EQ(m.imagePath, "C:\\maps\\Lake.PNG");
-    EXPECT_EQ(m.datum, "WGS 84");
-    EXPECT_EQ(m.projection, "Transverse Mercator");
-    EXPECT_EQ(m.setup[1], 120);
-    EXPECT_EQ(m.setup[2], 0.9996);
+    EXPECT_EQ(std::tuple(m.imagePath, m.datum, m.projection, m.setup[1], m.setup[2]),
+              std::tuple("C:\\maps\\Lake.PNG", "WGS 84", "Transverse Mercator", 120, 0.9996));
     ASSERT_EQ(m.points.size(), 2u);  // the empty slot is no point
-    EXPECT_TRUE(m.points[0].hasDegrees);
-    EXPECT_DOUBLE_EQ(m.points[0].latitude, 30.25);
-    EXPECT_DOUBLE_EQ(m.points[0].longitude, -120.5);
-    EXPECT_TRUE(m.points[1].hasGrid && !m.points[1].hasDegrees);
-    EXPECT_EQ(m.points[1].zone, 51);
-    EXPECT_TRUE(m.points[1].south);
+    const OziPoint &p = m.points[0], &q = m.points[1];
+    EXPECT_EQ(std::tuple(p.hasDegrees, p.latitude, p.longitude), std::tuple(true, 30.25, -120.5));
+    EXPECT_EQ(std::tuple(q.hasGrid, q.hasDegrees, q.zone, q.south),
+              std::tuple(true, false, 51, true));
     EXPECT_TRUE(NamesImage(m.imagePath, "lake.png"));
 
     EXPECT_FALSE(ParseOziMap("GPX\r\n", m, error));
@@ -161,9 +156,7 @@ TEST(FindGeoreference, BesideTheImage) {
     EXPECT_EQ(GeoSourceName(g.source), "worldfile");
     const MapCalibration c = g.Bind({64, 48});
     ASSERT_TRUE(c.Georeferenced());
-    GeoPoint p;
-    p.imageX = 12.5;
-    p.imageY = 30;
+    GeoPoint p{.imageX = 12.5, .imageY = 30};
     ImageToGeo(c, p);
     EXPECT_NEAR(p.latitude, 30.27, 0.05);  // near Hangzhou
     EXPECT_NEAR(p.longitude, 120.0, 0.1);
@@ -171,8 +164,7 @@ TEST(FindGeoreference, BesideTheImage) {
     const PointF back = GeoToImage(c, q, p.latitude, p.longitude);
     EXPECT_NEAR(back.x, 12.5, 1e-6);
     EXPECT_NEAR(back.y, 30, 1e-6);
-    EXPECT_GT(ScaleBarDistanceAt(c, {32, 24}, 1.0, 100), 2.4);  // 100 px of 25 m
-    EXPECT_LT(ScaleBarDistanceAt(c, {32, 24}, 1.0, 100), 2.6);
+    EXPECT_NEAR(ScaleBarDistanceAt(c, {32, 24}, 1.0, 100), 2.5, 0.1);  // 100 px of 25 m
 
     write("m.prj", "PROJCS[nonsense");
     g = FindGeoreference(image);

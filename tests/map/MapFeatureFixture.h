@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "CommandIds.h"
 #include "FakeMapPlatform.h"
 #include "FakeShellParts.h"
 #include "MapCommands.h"
@@ -44,6 +45,19 @@ class MapFeatureFixture : public ::testing::Test, protected shell::testing::Fake
     }
     // Lays the map out as a paint would.
     void Layout() { mapScreen.viewSource(ctx); }
+    // Places reference point `slot` with the cursor moved to (at, at), the
+    // dialog answered with whole degrees and the soft keys' OK.
+    void Place(int slot, const char* latitude, const char* longitude, int at) {
+        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
+        platform->answerFields = [=](ReferenceDialogFields& f) {
+            f.active = true;
+            f.latitude = {latitude, "0", "0"};
+            f.longitude = {longitude, "0", "0"};
+        };
+        shell.features().NotifyStylusDown(at, at);
+        shell.features().NotifyStylusUp(at, at);
+        shell.OnCommand(shell::cmd::kLeftSoftKey);
+    }
     std::string State() const { return shell::BuildStateJson(shell, {}); }
 
     std::filesystem::path root;

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <tuple>
 
-#include "CommandIds.h"
 #include "MapFeatureFixture.h"
 #include "Strings.h"
 
@@ -112,19 +111,8 @@ TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFi
     // Two corners of the picture, each placed with the soft keys' OK.
     const std::tuple<int, const char*, const char*> points[] = {{0, "30", "120"}, {1, "29", "121"}};
     for (const auto& [slot, latitude, longitude] : points) {
-        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
-        EXPECT_TRUE(shell.softKeys().Plain());
-        EXPECT_EQ(shell.softKeys().right, common::LoadString(common::kStrPlacementCancel));
-        platform->answerFields = [lat = latitude, lon = longitude](ReferenceDialogFields& f) {
-            f.active = true;
-            f.latitude = {lat, "0", "0"};
-            f.longitude = {lon, "0", "0"};
-        };
-        // Move the cursor away from the first point before confirming the second.
-        const int at = 100 + 200 * slot;
-        shell.features().NotifyStylusDown(at, at);
-        shell.features().NotifyStylusUp(at, at);
-        shell.OnCommand(shell::cmd::kLeftSoftKey);
+        // The cursor moved away from the first point before the second is confirmed.
+        Place(slot, latitude, longitude, 100 + 200 * slot);
         EXPECT_EQ(platform->editedSlot, slot);
         EXPECT_FALSE(shell.softKeys().Plain()) << "placement ends with the dialog's OK";
     }
@@ -134,8 +122,10 @@ TEST_F(MapFeatureTest, PlacementThroughTheDialogCalibratesAndSavesTheReferenceFi
     EXPECT_TRUE(fs::exists(MakeReferenceFileName(settings.storageRoot, kMap)));
     EXPECT_TRUE(ui.messages.empty());
 
-    // Cancel restores the cursor and the drop-downs.
+    // Placing offers only OK and cancel; cancel restores the cursor and the drop-downs.
     shell.OnCommand(cmd::kSetReferencePoint1 + 2);
+    EXPECT_TRUE(shell.softKeys().Plain());
+    EXPECT_EQ(shell.softKeys().right, common::LoadString(common::kStrPlacementCancel));
     shell.OnCommand(cmd::kCancelPlacement);
     EXPECT_FALSE(shell.softKeys().Plain());
     EXPECT_NE(State().find("\"placing\":false"), std::string::npos);

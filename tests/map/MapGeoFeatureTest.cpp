@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "CommandIds.h"
 #include "MapFeatureFixture.h"
 
 namespace satwalk::map {
@@ -33,17 +32,6 @@ class MapGeoFeatureTest : public test::MapFeatureFixture {
     void Load(const std::string& path) {
         MapFeatureFixture::Load(path);
         Layout();
-    }
-    void Place(int slot, const char* latitude, const char* longitude, int at) {
-        shell.OnCommand(cmd::kSetReferencePoint1 + slot);
-        platform->answerFields = [=](ReferenceDialogFields& f) {
-            f.active = true;
-            f.latitude = {latitude, "0", "0"};
-            f.longitude = {longitude, "0", "0"};
-        };
-        shell.features().NotifyStylusDown(at, at);
-        shell.features().NotifyStylusUp(at, at);
-        shell.OnCommand(shell::cmd::kLeftSoftKey);
     }
 
     std::string utm, broken;
@@ -96,11 +84,10 @@ TEST_F(MapGeoFeatureTest, CloseMapGoesBackToTheWorld) {
     Load(utm);
     EXPECT_EQ(closeEntry(), "40021 关闭地图");
     shell.OnCommand(cmd::kCloseMap);
-    EXPECT_FALSE(feature->mapLoaded());
-    EXPECT_TRUE(platform->loaded.empty());
-    EXPECT_EQ(feature->model().map.mapMode, 0);
-    EXPECT_FALSE(feature->model().calibration.IsValid());
-    EXPECT_EQ(shell.currentScreen, shell::kScreenMap);
+    EXPECT_EQ(
+        std::tuple(feature->mapLoaded(), platform->loaded.empty(), feature->model().map.mapMode,
+                   feature->model().calibration.IsValid(), shell.currentScreen),
+        std::tuple(false, true, 0, false, shell::kScreenMap));
     EXPECT_EQ(settings.recentMaps[0], utm) << "the recent list keeps it";
 }
 

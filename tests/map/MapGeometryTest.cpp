@@ -22,13 +22,6 @@ ReferencePoints Slots(std::initializer_list<Ref> refs) {
     return s;
 }
 
-GeoPoint AtPixel(double x, double y) {
-    GeoPoint p;
-    p.imageX = x;
-    p.imageY = y;
-    return p;
-}
-
 // Two points a degree apart each way, 200 rows and 100 columns apart.
 const ReferencePoints kTwo = Slots({{1, 0, 0, 30, 110}, {2, 100, 200, 29, 111}});
 
@@ -39,7 +32,7 @@ TEST(Calibration, TwoPointsGiveScalesAndConvertBothWays) {
     EXPECT_DOUBLE_EQ(c.latPerPixel[0], 0.005);
     EXPECT_DOUBLE_EQ(c.lonPerPixel[0], 0.01);
 
-    GeoPoint p = AtPixel(50, 100);
+    GeoPoint p{.imageX = 50, .imageY = 100};
     ImageToGeo(c, p);
     EXPECT_DOUBLE_EQ(p.latitude, 29.5);
     EXPECT_DOUBLE_EQ(p.longitude, 110.5);
@@ -63,7 +56,7 @@ TEST(Calibration, ThreePointsBlendByRunningHalving) {
     const MapCalibration c = ComputeCalibration(s);
     ASSERT_TRUE(c.IsValid());
     EXPECT_DOUBLE_EQ(c.latPerPixel[0], 0.02);
-    GeoPoint p = AtPixel(100, 100);
+    GeoPoint p{.imageX = 100, .imageY = 100};
     ImageToGeo(c, p);
     EXPECT_DOUBLE_EQ(p.latitude, -1.25);
     EXPECT_DOUBLE_EQ(p.longitude, 1.25);
@@ -112,7 +105,7 @@ TEST(Calibration, MapAcrossTheDateLine) {
 
     const std::pair<double, double> cases[] = {{10, 179.5}, {60, 180.0}, {110, -179.5}, {0, 179.4}};
     for (const auto& [x, longitude] : cases) {
-        GeoPoint p = AtPixel(x, 0);
+        GeoPoint p{.imageX = x, .imageY = 0};
         ImageToGeo(c, p);
         EXPECT_NEAR(p.longitude, longitude, 1e-9) << x;
     }

@@ -128,10 +128,8 @@ TEST(VisiblePart, SourceAndDestinationAtZoomAndScroll) {
         const VisiblePart part = ComputeVisiblePart(image, width, height, centre, kView);
         EXPECT_EQ(part.empty, destination == Rect{}) << what;
         EXPECT_EQ(part.destination, destination) << what;
-        EXPECT_NEAR(part.source.left, source.left, 1e-9) << what;
-        EXPECT_NEAR(part.source.top, source.top, 1e-9) << what;
-        EXPECT_NEAR(part.source.right, source.right, 1e-9) << what;
-        EXPECT_NEAR(part.source.bottom, source.bottom, 1e-9) << what;
+        for (double RectF::*edge : {&RectF::left, &RectF::top, &RectF::right, &RectF::bottom})
+            EXPECT_NEAR(part.source.*edge, source.*edge, 1e-9) << what;
     }
     // A view away from the screen's corner moves the destination only.
     const VisiblePart inset =

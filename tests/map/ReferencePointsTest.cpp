@@ -69,9 +69,8 @@ TEST(ReferenceText, TokenRules) {
     for (const auto& [what, text, expectedActive, first] : cases) {
         int active = -1;
         const ReferencePoints s = Parse(text, &active);
-        EXPECT_EQ(active, expectedActive) << what;
-        EXPECT_EQ(s[0], first) << what;
-        EXPECT_EQ(s[1], GeoPoint{}) << what;
+        EXPECT_EQ(std::tuple(active, s[0], s[1]), std::tuple(expectedActive, first, GeoPoint{}))
+            << what;
     }
     // Seven slots' worth of tokens: the last two slots' are ignored.
     std::string seven;
@@ -92,9 +91,8 @@ TEST(ReferenceFile, ReadsOnlyTheFirst300Bytes) {
     ReferencePoints s;
     int active = -1;
     ASSERT_EQ(ReadReferenceFile(path, s, active), ReferenceRead::Read);
-    EXPECT_EQ(active, 4);
-    EXPECT_EQ(s[3], (GeoPoint{1, 1.5, 2.5, 0, 0, 3.5, 4.5}));
-    EXPECT_EQ(s[4], GeoPoint{});
+    EXPECT_EQ(std::tuple(active, s[3], s[4]),
+              std::tuple(4, GeoPoint{1, 1.5, 2.5, 0, 0, 3.5, 4.5}, GeoPoint{}));
 }
 
 TEST(ReferenceFile, MissingUnreadableAndUnwritable) {
@@ -136,10 +134,8 @@ TEST(Dms, DialogSplitsDegreesMinutesSeconds) {
         {0.0, "0.000000", "0.000000", "0.000000"},
         {-179.999999, "179.000000", "59.000000", "59.996400"}};
     for (const auto& [value, deg, min, sec] : cases) {
-        GeoPoint slot;
-        slot.latitude = value;
-        slot.longitude = value;
-        const ReferenceDialogFields f = OpenReferenceDialog(slot);
+        const ReferenceDialogFields f =
+            OpenReferenceDialog({.latitude = value, .longitude = value});
         EXPECT_EQ(f.latitude, (std::array<std::string, 3>{deg, min, sec})) << value;
         EXPECT_EQ(f.longitude, f.latitude) << value;
     }

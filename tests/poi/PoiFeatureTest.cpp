@@ -98,16 +98,8 @@ TEST_F(PoiFeatureTest, LayerDrawsWhereTheMapShowsThePoint) {
     map::MapView world;
     world.viewRect = {0, 0, 480, 560};
     map::FitWorld(world);
-    map::MapView lake = world;
-    lake.mapMode = 1;
-    lake.imageSize = {1000, 1000};
-    lake.currentWidth = lake.currentHeight = 1000;
-    lake.scrollCentre = {500, 500};
-    map::MapView uncalibrated = lake;
-    map::ReferencePoints refs{};
-    refs[0] = map::GeoPoint{1, 31, 120, 0, 0, 0, 0};
-    refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
-    lake.calibration = map::ComputeCalibration(refs);
+    const map::MapView lake = track::test::LakeMap(1000);
+    const map::MapView uncalibrated = track::test::LakeMap(1000, false);
 
     const struct {
         const char* name;

@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
 #include <cstdio>
@@ -14,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "../common/FullDisk.h"
 #include "OptionsRecord.h"
 #include "Settings.h"
 
@@ -86,27 +84,11 @@ TEST_F(OptionsFileTest, ShortFileFillsOnlyItsBytes) {
     EXPECT_EQ(store.record().speedAlarmOn, 0u) << "offset 40 lies inside the 100 bytes";
 }
 
-// Saves in a child process whose files may not grow past `limit` bytes
-// (SIGXFSZ ignored, so the write comes back short as on a full disk).
-// Returns what WriteOptionsFile returned.
-int SaveUnderLimit(const std::string& path, rlim_t limit) {
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit r{limit, limit};
-        ::setrlimit(RLIMIT_FSIZE, &r);
-        OptionsRecord record{};
-        SetOptionDefaults(record);
-        record.units = 2;
-        ::_exit(WriteOptionsFile(path, record, 1));
-    }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST_F(OptionsFileTest, AFailedSaveLeavesTheOldFileAsItWas) {
     const std::vector<std::uint8_t> old(kOptionsRecordSize, 0x42);
+    OptionsRecord nautical{};
+    SetOptionDefaults(nautical);
+    nautical.units = 2;
     const struct {
         const char* name;
         bool oldFile;
@@ -120,7 +102,9 @@ TEST_F(OptionsFileTest, AFailedSaveLeavesTheOldFileAsItWas) {
         fs::create_directories(dir_);
         if (c.oldFile)
             WriteAll(old);
-        EXPECT_EQ(SaveUnderLimit(path_, c.limit), c.saved ? 1 : 0) << c.name;
+        EXPECT_EQ(OnAFullDisk(c.limit, [&] { return WriteOptionsFile(path_, nautical, 1); }),
+                  c.saved ? 1 : 0)
+            << c.name;
         EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()),
                   c.oldFile || c.saved ? 1 : 0)
             << c.name << ": a file left beside the options";

@@ -1,13 +1,14 @@
 // satwalk-tool decode as a whole process: batches, time syncs, errors.
-#include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "../gps/NmeaTestUtil.h"
 #include "ToolRun.h"
 
 namespace {
 
+using satwalk::gps::testing::Sentence;
 using satwalk::tools::test::Field;
 
 struct Result {
@@ -26,15 +27,10 @@ class DecodeCommand : public ::testing::Test {
         path_ = ::testing::TempDir() + "decode_command.nmea";
         std::ofstream f(path_, std::ios::binary);
         // Four epochs of two lines, 70 to 75 bytes a line.
-        for (int i = 0; i < 4; ++i) {
-            const std::string rmc = "GPRMC,01020" + std::to_string(i) +
-                                    ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,";
-            unsigned x = 0;
-            for (char c : rmc) x ^= static_cast<unsigned char>(c);
-            char sum[3];
-            std::snprintf(sum, sizeof sum, "%02X", x);
-            f << "$" << rmc << "*" << sum << "\r\n$GPVTG,090.0,T,,M,010.0,N,018.5,K,A*0D\r\n";
-        }
+        for (int i = 0; i < 4; ++i)
+            f << Sentence("GPRMC,01020" + std::to_string(i) +
+                          ".000,A,3015.1234,N,12009.5000,E,10.0,90.0,160526,,")
+              << "$GPVTG,090.0,T,,M,010.0,N,018.5,K,A*0D\r\n";
     }
     std::string path_;
 };

@@ -46,8 +46,7 @@ TEST(CursorList, WalksAndCopiesInOrderAcrossChunks) {
 
     CursorList<std::string> copy = list;
     list.Clear();
-    EXPECT_EQ(list.Index(), -1);
-    EXPECT_EQ(list.Count(), 0u);
+    EXPECT_EQ(std::tuple(list.Index(), list.Count()), std::tuple(-1, 0u));
 
     int expected = 0;
     for (copy.Seek(0); copy.HasCurrent(); copy.Next())

@@ -1,5 +1,5 @@
 // A shell with the window, the link, the file browser and the platform
-// faked, for the track and POI features' rules.
+// faked, for the track and POI features' rules, and a map view to draw on.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CommandIds.h"
 #include "FakeMapPlatform.h"
 #include "FakeShellParts.h"
 #include "FileChooser.h"
@@ -73,6 +74,24 @@ class FakeTrackPlatform : public TrackPlatform {
     std::uint64_t statisticsPoints = 0;
     std::function<void()> deferred, followExpired;
 };
+
+// A map of West Lake: image pixel (0, 0) at 31° N 120° E, (1000, 1000) at
+// 30° N 121° E, shown `width` pixels wide with the image centre in the view's.
+inline map::MapView LakeMap(double width, bool calibrated = true) {
+    map::MapView v;
+    v.viewRect = {0, 0, 480, 560};
+    v.mapMode = 1;
+    v.imageSize = {1000, 1000};
+    v.currentWidth = v.currentHeight = width;
+    v.scrollCentre = {500, 500};
+    if (calibrated) {
+        map::ReferencePoints refs{};
+        refs[0] = map::GeoPoint{1, 31, 120, 0, 0, 0, 0};
+        refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
+        v.calibration = map::ComputeCalibration(refs);
+    }
+    return v;
+}
 
 class FeatureFixture : public ::testing::Test, protected shell::testing::FakeShell {
   protected:

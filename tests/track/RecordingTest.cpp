@@ -2,13 +2,12 @@
 // the file and the trails, and a disk that fills mid-line.
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <clocale>
 
+#include "../common/FullDisk.h"
 #include "TrackState.h"
 #include "TrackTestSupport.h"
 
@@ -87,14 +86,6 @@ TEST(TrackRecording, SamplesGoToTheFileAndTheTrails) {
     }
 }
 
-// In a child: a file-size limit stands for a disk that fills up.
-void AppendOnAFullDisk(const std::string& path, const std::string& line, rlim_t room) {
-    signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{room, room};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    std::exit(AppendTrackLine(path, line) == TrackWrite::NotWritten ? 3 : 4);
-}
-
 TEST(TrackRecording, UnwritableLogsLoseNothing) {
     const std::string dir = ScratchFolder("unwritable");
     const std::string fifo = dir + "/fifo.log";
@@ -106,7 +97,8 @@ TEST(TrackRecording, UnwritableLogsLoseNothing) {
     // A disk that fills mid-line: the file keeps exactly its earlier lines.
     const std::string path = dir + "/full.log";
     test::WriteFile(path, std::string(100, 'x') + "\r\n");
-    EXPECT_EXIT(AppendOnAFullDisk(path, line, 120), ::testing::ExitedWithCode(3), "");
+    EXPECT_EQ(OnAFullDisk(120, [&] { return AppendTrackLine(path, line); }),
+              static_cast<int>(TrackWrite::NotWritten));
     EXPECT_EQ(ReadFile(path), std::string(100, 'x') + "\r\n");
 
     // The trails go on when the log cannot be written.

@@ -7,6 +7,7 @@
 #include <ctime>
 #include <vector>
 
+#include "../gps/NmeaTestUtil.h"
 #include "GpxReader.h"
 #include "GpxWriter.h"
 #include "NmeaTrackReader.h"
@@ -167,14 +168,7 @@ TEST(TrackFile, HostileXml) {
 }
 
 TEST(TrackFile, NmeaRecordings) {
-    // Checksums are computed here so that the cases read as sentences.
-    const auto s = [](std::string body) {
-        unsigned sum = 0;
-        for (const char c : body) sum ^= static_cast<unsigned char>(c);
-        char tail[8];
-        std::snprintf(tail, sizeof tail, "*%02X\r\n", sum);
-        return "$" + body + tail;
-    };
+    const auto s = gps::testing::Sentence;  // the checksum computed, so cases read as sentences
     setenv("TZ", "UTC", 1);
     tzset();
     const Read r =

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "FeatureFixture.h"
 #include "RecordingCanvas.h"
 #include "TrailLayer.h"
 
@@ -10,24 +11,7 @@ namespace satwalk::track {
 namespace {
 
 using screens::CanvasCall;
-
-// A map of West Lake: image pixel (0, 0) at 31° N 120° E, (1000, 1000) at
-// 30° N 121° E, shown `width` pixels wide with the image centre in the view's.
-map::MapView LakeMap(double width, bool calibrated = true) {
-    map::MapView v;
-    v.viewRect = {0, 0, 480, 560};
-    v.mapMode = 1;
-    v.imageSize = {1000, 1000};
-    v.currentWidth = v.currentHeight = width;
-    v.scrollCentre = {500, 500};
-    if (calibrated) {
-        map::ReferencePoints refs{};
-        refs[0] = map::GeoPoint{1, 31, 120, 0, 0, 0, 0};
-        refs[1] = map::GeoPoint{1, 30, 121, 0, 0, 1000, 1000};
-        v.calibration = map::ComputeCalibration(refs);
-    }
-    return v;
-}
+using test::LakeMap;
 
 map::MapView World(double scale, double originLongitude) {
     map::MapView v;

@@ -49,6 +49,11 @@ def write_image(path, fmt):
     gdal.GetDriverByName(fmt).CreateCopy(path, mem)
 
 
+def write_text(path, text):
+    with open(path, "w") as fh:
+        fh.write(text)
+
+
 def run_tool(tool, image, to_geo, to_image):
     args = [tool, "map", "--image", image]
     for x, y in to_geo:
@@ -109,11 +114,9 @@ def world_file_case(tool, d):
     image = os.path.join(d, "utm.png")
     write_image(image, "PNG")
     a, dd, b, e, c, f = 25.0, 0.5, -0.4, -25.0, 210012.5, 3352987.5
-    with open(os.path.join(d, "utm.pgw"), "w") as fh:
-        fh.write(f"{a}\n{dd}\n{b}\n{e}\n{c}\n{f}\n")
+    write_text(os.path.join(d, "utm.pgw"), f"{a}\n{dd}\n{b}\n{e}\n{c}\n{f}\n")
     srs = srs_of(32651)
-    with open(os.path.join(d, "utm.prj"), "w") as fh:
-        fh.write(srs.ExportToWkt())
+    write_text(os.path.join(d, "utm.prj"), srs.ExportToWkt())
     ds = gdal.Open(image)  # GDAL reads the world file itself
     gt = ds.GetGeoTransform()
     compare(tool, "world file", image, "worldfile", *geotransform_case(gt, srs))
@@ -189,8 +192,7 @@ def kml_case(tool, d):
     image = os.path.join(d, "overlay.png")
     write_image(image, "PNG")
     n, s, e, w, rot = 30.30, 30.20, 120.20, 120.05, 12.5
-    with open(os.path.join(d, "overlay.kml"), "w") as fh:
-        fh.write(f"""<?xml version="1.0" encoding="UTF-8"?>
+    write_text(os.path.join(d, "overlay.kml"), f"""<?xml version="1.0" encoding="UTF-8"?>
 <kml xmlns="http://www.opengis.net/kml/2.2"><Folder><GroundOverlay><name>x</name>
 <Icon><href>files/overlay.png</href></Icon><LatLonBox><north>{n}</north><south>{s}</south>
 <east>{e}</east><west>{w}</west><rotation>{rot}</rotation></LatLonBox></GroundOverlay></Folder></kml>
@@ -233,21 +235,16 @@ def hostile_cases(tool, d):
     }
     for image, (wf, text) in cases.items():
         write_image(os.path.join(d, image), "PNG")
-        with open(os.path.join(d, wf), "w") as fh:
-            fh.write(text)
-    with open(os.path.join(d, "badprj.prj"), "w") as fh:
-        fh.write("PROJCS[nonsense")
-    for count in (0, 1, 2):
-        image = f"ozi{count}.png"
-        write_image(os.path.join(d, image), "PNG")
-        write_ozi(os.path.join(d, f"ozi{count}.map"), image, OZI_POINTS[:count])
-    write_image(os.path.join(d, "line.png"), "PNG")
-    write_ozi(os.path.join(d, "line.map"), "line.png",
-              [(i, i, 30 + i * 0.001, 120 + i * 0.001) for i in range(5)])
-    write_image(os.path.join(d, "datum.png"), "PNG")
-    write_ozi(os.path.join(d, "datum.map"), "datum.png", OZI_POINTS, datum="Pulkovo 1942")
-    for image in ["nan.png", "zero.png", "metres.png", "badprj.png", "ozi0.png", "ozi1.png",
-                  "ozi2.png", "line.png", "datum.png"]:
+        write_text(os.path.join(d, wf), text)
+    write_text(os.path.join(d, "badprj.prj"), "PROJCS[nonsense")
+    # Too few points, points on one line, a datum other than WGS 84.
+    ozi = {f"ozi{count}": (OZI_POINTS[:count], {}) for count in (0, 1, 2)}
+    ozi["line"] = ([(i, i, 30 + i * 0.001, 120 + i * 0.001) for i in range(5)], {})
+    ozi["datum"] = (OZI_POINTS, {"datum": "Pulkovo 1942"})
+    for name, (points, options) in ozi.items():
+        write_image(os.path.join(d, name + ".png"), "PNG")
+        write_ozi(os.path.join(d, name + ".map"), name + ".png", points, **options)
+    for image in list(cases) + [name + ".png" for name in ozi]:
         code, out, err = run_tool(tool, os.path.join(d, image), [], [])
         check(code == 1 and err.strip() != "", f"{image}: refused with a message ({code}, {err})")
         print(f"{image:12s} refused: {err.strip()}")
@@ -261,10 +258,10 @@ def hostile_cases(tool, d):
     check(code == 0 and len(json.loads(out)["points"]) == 30, f"thirty points: {code} {err}")
     # A KML naming a URL is never fetched and calibrates nothing.
     write_image(os.path.join(d, "remote.png"), "PNG")
-    with open(os.path.join(d, "remote.kml"), "w") as fh:
-        fh.write("<kml><GroundOverlay><Icon><href>http://127.0.0.1:9/remote.png</href></Icon>"
-                 "<LatLonBox><north>1</north><south>0</south><east>1</east><west>0</west>"
-                 "</LatLonBox></GroundOverlay></kml>")
+    write_text(os.path.join(d, "remote.kml"),
+               "<kml><GroundOverlay><Icon><href>http://127.0.0.1:9/remote.png</href></Icon>"
+               "<LatLonBox><north>1</north><south>0</south><east>1</east><west>0</west>"
+               "</LatLonBox></GroundOverlay></kml>")
     code, out, err = run_tool(tool, os.path.join(d, "remote.png"), [], [])
     check(code == 0 and json.loads(out)["source"] is None, f"URL overlay: {code} {out} {err}")
 
