@@ -1,6 +1,9 @@
 #include "MapLayers.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -78,7 +81,31 @@ void WorldMapLayer::Paint(screens::Canvas& canvas, const MapView& view,
     world.scale = view.viewScale;
     world.scaleBarPixels = view.scaleBarPixels;
     world.rect = view.viewRect;
-    DrawWorldMap(canvas, BuiltInWorldLand(), world);
+    // Panning only moves the land: in the picture's own coordinates the
+    // meridian of Greenwich is at x 0 and the equator at y 0, and the scale
+    // is its key.
+    const double pxPerDegree = WorldPixelsPerDegree(world);
+    if (std::isfinite(world.origin.longitude) && std::fabs(world.origin.longitude) < 1e6) {
+        const double turns = std::round((longitude_ - world.origin.longitude) / 360.0);
+        longitude_ = world.origin.longitude + 360.0 * (std::fabs(turns) < 1e3 ? turns : 0.0);
+    }
+    const screens::PointF shift{world.origin.screenX - longitude_ * pxPerDegree,
+                                world.origin.screenY};
+    std::uint64_t key = 0;
+    std::memcpy(&key, &world.scale, sizeof key);
+    key ^= std::uint64_t(static_cast<std::uint32_t>(world.scaleBarPixels)) << 1;
+    const bool kept = std::isfinite(pxPerDegree) &&
+                      canvas.DrawKeptPicture(
+                          key, world.rect, shift,
+                          [&](screens::Canvas& picture, screens::PointF used, screens::Rect area) {
+                              WorldView w = world;
+                              w.origin.screenX -= used.x;
+                              w.origin.screenY -= used.y;
+                              w.rect = area;
+                              DrawWorldMap(picture, BuiltInWorldLand(), w);
+                          });
+    if (!kept)
+        DrawWorldMap(canvas, BuiltInWorldLand(), world);
 }
 
 void WorldPositionLayer::Paint(screens::Canvas& canvas, const MapView& view,

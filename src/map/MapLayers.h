@@ -49,11 +49,17 @@ class MapLayers {
     std::vector<Entry> layers_;
 };
 
-// The built-in world map (world mode only).
+// The built-in world map (world mode only). On a canvas that keeps
+// pictures the land is painted once per scale and copied as the view pans.
 class WorldMapLayer final : public MapLayer {
   public:
     void Paint(screens::Canvas& canvas, const MapView& view, const screens::ScreenContext& ctx,
                const gps::GpsState& fix) override;
+
+  private:
+    // The view's longitude as panned, not brought back into ±180°, so that
+    // crossing the date line keeps to the same picture.
+    double longitude_ = 0.0;
 };
 
 // The position as a red dot while there is a fix.

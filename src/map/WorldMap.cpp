@@ -191,6 +191,10 @@ bool LoadWorldLand(const std::string& path, WorldLand& land) {
     return true;
 }
 
+double WorldPixelsPerDegree(const WorldView& view) {
+    return view.scaleBarPixels * 114.319 / view.scale;  // the x factor of ProjectToView
+}
+
 void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldView& view,
                   const WorldMapStyle& style) {
     const screens::Rect rect = view.rect;
@@ -200,8 +204,7 @@ void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldVie
     // Clip a little outside the view so that cut edges never show.
     const double l = rect.left - 2.0, t = rect.top - 2.0;
     const double r = rect.right + 2.0, b = rect.bottom + 2.0;
-    const double pxPerDegree =
-        view.scaleBarPixels * 114.319 / view.scale;  // the x factor of ProjectToView
+    const double pxPerDegree = WorldPixelsPerDegree(view);
     if (!std::isfinite(pxPerDegree) || pxPerDegree <= 0.0)
         return;
     const double lonAt = view.origin.longitude;

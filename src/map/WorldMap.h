@@ -52,6 +52,9 @@ struct WorldView {
     screens::Rect rect;  // where the map is drawn
 };
 
+// The view's pixels per degree of longitude.
+double WorldPixelsPerDegree(const WorldView& view);
+
 // Fills the view with the sea and draws the land over it. Longitudes repeat
 // every 360°, so a view panned past the 180° meridian shows the other side.
 void DrawWorldMap(screens::Canvas& canvas, const WorldLand& land, const WorldView& view,

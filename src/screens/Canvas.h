@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -148,6 +149,21 @@ class Canvas {
         }
         if (rounded.size() >= 3)
             Polygon(rounded, pen, brush);
+    }
+
+    // A picture that only moves with the view, such as the world map's land:
+    // the canvas point p shows the picture's point p - `shift`, and
+    // `paint(canvas, shift, area)` draws the picture's `area` in the
+    // picture's own coordinates with the shift it was given (close to
+    // `shift`, on the canvas's device pixels). A canvas that keeps pictures
+    // paints more than the view once and copies from that while `key` stays
+    // the same and the view within it, and returns true; this one keeps none
+    // and returns false, and the caller draws as ever.
+    using PicturePainter = std::function<void(Canvas&, PointF shift, Rect area)>;
+    virtual bool DrawKeptPicture(std::uint64_t key, Rect view, PointF shift,
+                                 const PicturePainter& paint) {
+        (void)key, (void)view, (void)shift, (void)paint;
+        return false;
     }
 
     // Font state: texts are measured and drawn in the selected font.

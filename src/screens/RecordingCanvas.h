@@ -41,7 +41,7 @@ struct CanvasCall {
     BitmapId bitmap = BitmapId::StatusIcons;
 };
 
-class RecordingCanvas final : public Canvas {
+class RecordingCanvas : public Canvas {
   public:
     enum class Metrics { Fixed, Proportional };
     explicit RecordingCanvas(Rect bounds, Metrics metrics = Metrics::Fixed)

@@ -1,10 +1,16 @@
-// The world map's data file and its drawing at the widest and closest views.
+// The world map's data file, its drawing at the widest and closest views, and
+// its land kept as a picture that moves with the view.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
+#include <span>
 #include <tuple>
 #include <utility>
+#include <vector>
 
+#include "MapLayers.h"
 #include "RecordingCanvas.h"
 #include "WorldMap.h"
 
@@ -132,6 +138,92 @@ TEST(WorldMapDrawing, AbsurdViewsNeitherFailNorFlood) {
         RecordingCanvas canvas(v.rect);
         DrawWorldMap(canvas, Land(), v);
         EXPECT_LE(canvas.OfKind(CanvasCall::Kind::Polygon).size(), 3000u) << km;
+    }
+}
+
+// Records the land's outlines as drawn, between pixels; keeping pictures, it
+// asks for the land once, in the picture's own coordinates.
+class LandRecorder final : public RecordingCanvas {
+  public:
+    LandRecorder(Rect bounds, bool keeps) : RecordingCanvas(bounds), keeps_(keeps) {}
+    void PolygonF(std::span<const screens::PointF> points, screens::Pen, screens::Brush) override {
+        outlines.emplace_back(points.begin(), points.end());
+    }
+    bool DrawKeptPicture(std::uint64_t k, Rect view, screens::PointF s,
+                         const PicturePainter& paint) override {
+        if (!keeps_)
+            return false;
+        key = k;
+        shift = s;
+        const int dx = static_cast<int>(std::lround(s.x)), dy = static_cast<int>(std::lround(s.y));
+        const Rect area{view.left - dx, view.top - dy, view.right - dx, view.bottom - dy};
+        picture = std::make_unique<LandRecorder>(area, false);
+        paint(*picture, s, area);
+        return true;
+    }
+    std::vector<std::vector<screens::PointF>> outlines;
+    std::uint64_t key = 0;
+    screens::PointF shift;
+    std::unique_ptr<LandRecorder> picture;
+
+  private:
+    bool keeps_;
+};
+
+// The kept land, shifted, lies where the land is drawn directly; a pan, also
+// across the date line where the view's longitude jumps by 360°, keeps the
+// key and moves the picture by the pan alone; another scale is another key.
+TEST(WorldMapLayer, KeptLandLiesWhereItIsDrawnAndMovesWithThePan) {
+    const Rect rect{0, 0, 960, 488};
+    // Latitude, longitude, scale, pan in pixels.
+    const std::tuple<const char*, double, double, double, int> cases[] = {
+        {"Hangzhou, 5000 km", 30, 120, 5000, 40},
+        {"Bering Strait, across 180°", 65, 179.9, 500, 60},
+        {"close", 30, 120, 1, -25}};
+    screens::ScreenContext ctx;
+    const gps::GpsState fix;
+    for (const auto& [what, lat, lon, km, pan] : cases) {
+        MapView view;
+        view.viewRect = rect;
+        view.viewScale = km;
+        // On whole pixels, so that the picture's area is the view's exactly.
+        const double pxPerDegree = 100 * 114.319 / km;
+        view.worldOrigin =
+            CentredOn(lat, std::round(lon * pxPerDegree) / pxPerDegree, km, rect).origin;
+        view.worldOrigin.screenY = std::round(view.worldOrigin.screenY);
+        WorldMapLayer layer;
+        LandRecorder direct(rect, false);
+        layer.Paint(direct, view, ctx, fix);
+        LandRecorder kept(rect, true);
+        layer.Paint(kept, view, ctx, fix);
+        // The picture's area is the view's, so it clips the same outlines.
+        const auto& drawn = direct.outlines;
+        const auto& pictured = kept.picture->outlines;
+        ASSERT_EQ(pictured.size(), drawn.size()) << what;
+        ASSERT_FALSE(drawn.empty()) << what;
+        double worst = 0;
+        for (std::size_t i = 0; i < drawn.size(); ++i) {
+            ASSERT_EQ(pictured[i].size(), drawn[i].size()) << what;
+            for (std::size_t j = 0; j < drawn[i].size(); ++j)
+                worst = std::max({worst, std::fabs(pictured[i][j].x + kept.shift.x - drawn[i][j].x),
+                                  std::fabs(pictured[i][j].y + kept.shift.y - drawn[i][j].y)});
+        }
+        EXPECT_LT(worst, 1e-6) << what;
+
+        MapView panned = view;
+        double west = view.worldOrigin.longitude + pan / pxPerDegree;
+        if (west > 180.0)
+            west -= 360.0;  // as the model keeps it
+        panned.worldOrigin.longitude = west;
+        LandRecorder after(rect, true);
+        layer.Paint(after, panned, ctx, fix);
+        EXPECT_EQ(after.key, kept.key) << what;
+        EXPECT_NEAR(after.shift.x, kept.shift.x - pan, 1e-6) << what;
+        EXPECT_EQ(after.shift.y, kept.shift.y) << what;
+
+        panned.viewScale = km * 2;
+        layer.Paint(after, panned, ctx, fix);
+        EXPECT_NE(after.key, kept.key) << what;
     }
 }
 

@@ -157,6 +157,65 @@ QtCanvas::~QtCanvas() {
     painter_.end();
 }
 
+namespace {
+
+// The one picture kept (the world map's land at its scale), in device pixels
+// of the canvas it was made for.
+struct KeptPicture {
+    std::uint64_t key = 0;
+    qreal ratio = 0;
+    QRect area;  // device pixels of the picture's own coordinates
+    QImage image;
+};
+
+// A quarter of a view more on every side is kept, up to this much memory:
+// a pan copies for a while, and a new scale costs little more to paint.
+constexpr qint64 kMaxKeptPictureBytes = qint64{64} << 20;
+
+}  // namespace
+
+bool QtCanvas::DrawKeptPicture(std::uint64_t key, Rect view, PointF shift,
+                               const PicturePainter& paint) {
+    const qreal ratio = target_.devicePixelRatio();
+    if (ratio <= 1.0 || ratio != std::floor(ratio) || view.Width() <= 0 || view.Height() <= 0)
+        return false;
+    // The shift on device pixels; a picture too far out for them is drawn
+    // as ever.
+    const double sx = std::round(shift.x * ratio), sy = std::round(shift.y * ratio);
+    if (!(std::fabs(sx) < 1e9 && std::fabs(sy) < 1e9))
+        return false;
+    const int r = static_cast<int>(ratio);
+    const QRect need(view.left * r - static_cast<int>(sx), view.top * r - static_cast<int>(sy),
+                     view.Width() * r, view.Height() * r);
+    thread_local KeptPicture kept;
+    if (kept.key != key || kept.ratio != ratio || !kept.area.contains(need)) {
+        QRect area = need.adjusted(-need.width() / 4, -need.height() / 4, need.width() / 4,
+                                   need.height() / 4);
+        if (qint64{area.width()} * area.height() * 4 > kMaxKeptPictureBytes)
+            area = need;
+        QImage image(area.size(), QImage::Format_RGB32);
+        if (image.isNull())
+            return false;
+        image.setDevicePixelRatio(ratio);
+        {
+            QtCanvas picture(image, bitmaps_);
+            picture.painter_.setClipping(false);
+            picture.painter_.translate(-area.left() / ratio, -area.top() / ratio);
+            // The area in the picture's own pixels, rounded outward.
+            const Rect logical{static_cast<int>(std::floor(area.left() / ratio)),
+                               static_cast<int>(std::floor(area.top() / ratio)),
+                               static_cast<int>(std::ceil((area.right() + 1) / ratio)),
+                               static_cast<int>(std::ceil((area.bottom() + 1) / ratio))};
+            paint(picture, PointF{sx / ratio, sy / ratio}, logical);
+        }
+        kept = KeptPicture{key, ratio, area, std::move(image)};
+    }
+    const QRect from = need.translated(-kept.area.topLeft());
+    painter_.drawImage(QRectF(view.left, view.top, view.Width(), view.Height()), kept.image,
+                       QRectF(from));
+    return true;
+}
+
 Rect QtCanvas::Bounds() const {
     const QSize size = LogicalImageSize(target_);
     return Rect{0, 0, size.width(), size.height()};

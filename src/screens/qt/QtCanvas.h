@@ -68,6 +68,10 @@ class QtCanvas final : public Canvas {
     void StretchBlit(const Bitmap& bitmap, Rect src, Rect dst) override;
     void TransparentBlit(const Bitmap& bitmap, Rect src, Point dst, Colour key) override;
     void PixelBlock(Point dst, Size size, const std::uint32_t* pixels, int stride) override;
+    // Kept only on a canvas of a whole number of device pixels a pixel above
+    // one: at a pixel to a pixel every picture is drawn as ever.
+    bool DrawKeptPicture(std::uint64_t key, Rect view, PointF shift,
+                         const PicturePainter& paint) override;
 
     // For layers that paint with Qt themselves (the loaded map image).
     QPainter& painter() { return painter_; }
