@@ -1,9 +1,11 @@
 // The real QPainter canvas, offscreen: the bitmaps of both sets load with
-// their exact sizes, and colour-keyed copies leave the key out. Every screen
+// their exact sizes, colour-keyed copies leave the key out, and a kept
+// picture is painted again exactly when it must be. Every screen
 // painted for real is checked end to end (the script run's snapshots).
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <tuple>
 
 #include "QtCanvas.h"
 #include "TestSupport.h"
@@ -100,6 +102,47 @@ TEST(QtScreens, TransparentCopyLeavesTheKeyOut) {
                            target.pixel(4, 1), target.pixel(0, 0)}),
               (std::vector{qRgb(255, 255, 255), qRgb(10, 20, 30), qRgb(255, 255, 255),
                            qRgb(214, 233, 251), qRgb(255, 255, 255)}));
+}
+
+// A picture with a black square at its point (10, 10): painted once, then
+// copied while the key stays and the view within what was painted; moved
+// with the shift; painted anew for a new key, a view past the margin or a
+// canvas of a pixel to a pixel (which keeps none).
+TEST(QtScreens, KeptPictureIsPaintedAgainOnlyWhenItMust) {
+    ScreenBitmaps bitmaps;
+    int paints = 0;
+    const Canvas::PicturePainter square = [&](Canvas& c, PointF, Rect area) {
+        ++paints;
+        c.FillRect(area, kWhite);
+        c.FillRect(Rect{10, 10, 14, 14}, kBlack);
+    };
+    // Ratio, key, shift, painted anew, where the square's corner shows.
+    const std::tuple<qreal, std::uint64_t, double, bool, int> steps[] = {
+        {2.0, 7, 0.0, true, 10},    // first
+        {2.0, 7, 5.0, false, 15},   // panned within the margin: copied
+        {2.0, 7, -5.0, false, 5},   // the other way
+        {2.0, 8, -5.0, true, 5},    // another scale
+        {2.0, 8, 40.0, true, 50},   // past the margin
+        {1.0, 8, 40.0, false, -1},  // a pixel to a pixel: not kept
+    };
+    for (const auto& [ratio, key, shift, anew, corner] : steps) {
+        QImage target(static_cast<int>(60 * ratio), static_cast<int>(40 * ratio),
+                      QImage::Format_RGB32);
+        target.setDevicePixelRatio(ratio);
+        target.fill(qRgb(255, 0, 0));
+        const int before = paints;
+        QtCanvas canvas(target, bitmaps);
+        const bool kept = canvas.DrawKeptPicture(key, Rect{0, 0, 60, 40}, PointF{shift, 0}, square);
+        EXPECT_EQ(kept, corner >= 0) << key << " " << shift;
+        EXPECT_EQ(paints - before, anew ? 1 : 0) << key << " " << shift;
+        if (!kept)
+            continue;
+        const int d = static_cast<int>(ratio);
+        EXPECT_EQ(target.pixel(corner * d, 11 * d), qRgb(0, 0, 0)) << key << " " << shift;
+        EXPECT_EQ(target.pixel((corner - 1) * d, 11 * d), qRgb(255, 255, 255))
+            << key << " " << shift;
+        EXPECT_EQ(target.pixel(59 * d, 39 * d), qRgb(255, 255, 255)) << key << " " << shift;
+    }
 }
 
 }  // namespace
