@@ -170,7 +170,7 @@ struct KeptPicture {
 
 // A quarter of a view more on every side is kept, up to this much memory:
 // a pan copies for a while, and a new scale costs little more to paint.
-constexpr qint64 kMaxKeptPictureBytes = qint64{64} << 20;
+constexpr qint64 kMaxKeptPictureBytes = qint64{128} << 20;  // a 4K screen: 75 MB
 
 }  // namespace
 
@@ -189,10 +189,11 @@ bool QtCanvas::DrawKeptPicture(std::uint64_t key, Rect view, PointF shift,
                      view.Width() * r, view.Height() * r);
     thread_local KeptPicture kept;
     if (kept.key != key || kept.ratio != ratio || !kept.area.contains(need)) {
-        QRect area = need.adjusted(-need.width() / 4, -need.height() / 4, need.width() / 4,
-                                   need.height() / 4);
+        const QRect area = need.adjusted(-need.width() / 4, -need.height() / 4, need.width() / 4,
+                                         need.height() / 4);
+        // Kept without a margin, every pan would paint it anew: drawn as ever.
         if (qint64{area.width()} * area.height() * 4 > kMaxKeptPictureBytes)
-            area = need;
+            return false;
         QImage image(area.size(), QImage::Format_RGB32);
         if (image.isNull())
             return false;
