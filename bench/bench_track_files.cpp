@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchHarness.h"
 #include "BenchTrack.h"
 #include "GpxWriter.h"
 #include "TrackLogFile.h"
@@ -50,14 +51,8 @@ std::vector<track::TrackFilePoint> Walk() {
     return points;
 }
 
-std::string Temporary(const char* extension) {
-    return "/tmp/satwalk-bench-" + std::to_string(getpid()) + extension;
-}
-
 const std::string& GpxPath() {
-    static const std::string path = [] {
-        const std::string p = Temporary(".gpx");
-        FILE* f = std::fopen(p.c_str(), "wb");
+    static const bench::TemporaryFile file(".gpx", [](std::FILE* f) {
         std::string out = track::GpxHeader();
         track::LocalToUtc zone;
         for (const track::TrackFilePoint& point : Walk()) {
@@ -69,47 +64,37 @@ const std::string& GpxPath() {
         }
         out += track::kGpxTrailer;
         std::fwrite(out.data(), 1, out.size(), f);
-        std::fclose(f);
-        std::atexit([] { std::remove(GpxPath().c_str()); });
-        return p;
-    }();
-    return path;
+    });
+    return file.path();
 }
 
 const std::string& LogPath() {
-    static const std::string path = [] {
-        const std::string p = Temporary(".log");
-        FILE* f = std::fopen(p.c_str(), "wb");
+    static const bench::TemporaryFile file(".log", [](std::FILE* f) {
         for (const track::TrackFilePoint& point : Walk()) {
             const std::string line = track::FormatTrackLine(point.longitude, point.latitude,
                                                             point.time, "1.0", "90.0", "20.0");
             std::fwrite(line.data(), 1, line.size(), f);
         }
-        std::fclose(f);
-        std::atexit([] { std::remove(LogPath().c_str()); });
-        return p;
-    }();
-    return path;
+    });
+    return file.path();
 }
 
 // 50 MB of the demo drive, repeated.
 const std::string& NmeaPath() {
-    static const std::string path = [] {
-        const std::string p = Temporary(".nmea");
+    static const bench::TemporaryFile file(".nmea", [](std::FILE* f) {
         FILE* in = std::fopen(SATWALK_DEMO_LOG, "rb");
         std::string drive;
         char buffer[65536];
         std::size_t n;
-        while ((n = std::fread(buffer, 1, sizeof buffer, in)) > 0) drive.append(buffer, n);
-        std::fclose(in);
-        FILE* f = std::fopen(p.c_str(), "wb");
-        for (std::size_t written = 0; written < 50'000'000; written += drive.size())
+        while (in != nullptr && (n = std::fread(buffer, 1, sizeof buffer, in)) > 0)
+            drive.append(buffer, n);
+        if (in != nullptr)
+            std::fclose(in);
+        for (std::size_t written = 0; !drive.empty() && written < 50'000'000;
+             written += drive.size())
             std::fwrite(drive.data(), 1, drive.size(), f);
-        std::fclose(f);
-        std::atexit([] { std::remove(NmeaPath().c_str()); });
-        return p;
-    }();
-    return path;
+    });
+    return file.path();
 }
 
 track::TrackProjections Projections() {

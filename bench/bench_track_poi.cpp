@@ -39,9 +39,7 @@ constexpr int kLogLines = 1'000'000;
 
 // Lines as the recorder writes them, wandering around West Lake at 1 s.
 const std::string& LogPath() {
-    static const std::string path = [] {
-        std::string p = "/tmp/satwalk-bench-" + std::to_string(getpid()) + ".log";
-        FILE* f = std::fopen(p.c_str(), "wb");
+    static const bench::TemporaryFile file(".log", [](std::FILE* f) {
         std::mt19937 rng(7);
         std::uniform_real_distribution<double> step(-0.00005, 0.00005);
         double lon = 120.15, lat = 30.25;
@@ -55,11 +53,8 @@ const std::string& LogPath() {
             const std::string line = track::FormatTrackLine(lon, lat, t, "12.5", "270.3", "10.4");
             std::fwrite(line.data(), 1, line.size(), f);
         }
-        std::fclose(f);
-        std::atexit([] { std::remove(LogPath().c_str()); });
-        return p;
-    }();
-    return path;
+    });
+    return file.path();
 }
 
 // Reads the log into both viewed trails as viewing a log does.

@@ -148,7 +148,7 @@ class SingleInstanceTest : public ::testing::Test {
         env_ = {"QT_QPA_PLATFORM=offscreen", "HOME=" + (dir_ / "home").string(),
                 "XDG_CONFIG_HOME=" + (dir_ / "home/.config").string(),
                 "XDG_RUNTIME_DIR=" + (dir_ / "home").string(),
-                "SATWALK_INSTANCE_NAME=satwalk-one-" + std::to_string(::getpid())};
+                "SATWALK_INSTANCE_NAME=" + (dir_ / "instance").string()};  // goes with the folder
         const std::regex own("^(DISPLAY|WAYLAND_DISPLAY|QT_QPA_PLATFORM|HOME)=|^(XDG|SATWALK)_");
         for (char** e = environ; *e != nullptr; ++e)
             if (!std::regex_search(*e, own))

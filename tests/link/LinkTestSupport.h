@@ -149,12 +149,23 @@ inline std::string ReadFile(const std::string& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-// A fresh empty folder under the temporary directory.
+// A fresh empty folder under the temporary directory, removed when the test
+// program ends (by the process that made it, not by a child that exits).
 inline std::string MakeTempDir() {
+    static struct Made {
+        pid_t owner = ::getpid();
+        std::vector<std::string> folders;
+        ~Made() {
+            std::error_code error;
+            if (::getpid() == owner)
+                for (const std::string& f : folders) std::filesystem::remove_all(f, error);
+        }
+    } made;
     const char* base = std::getenv("TMPDIR");
     std::string pattern = std::string(base ? base : "/tmp") + "/satwalk-link-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr)
         std::abort();
+    made.folders.push_back(pattern);
     return pattern;
 }
 

@@ -81,6 +81,7 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
         {"talkers on", false, false, false, false, false, {"all talkers", "awake"}, false, true},
         {"all talkers off", true, true, true, false, false, {"gps only", "awake"}, true, false}};
     for (const auto& c : cases) {
+        TearDown();  // each case in a fresh folder; the fixture removes the last
         SetUp();
         settings.recordNmea = c.nmeaBefore;
         settings.trackLogOn = c.trackLog;
@@ -106,7 +107,6 @@ TEST_F(OptionsOkTest, NewFilesOnlyWhileRunningAndOnlyWhenSomethingChanged) {
                              root + "/My GPS/NMEA0183", c.nmeaAfter ? 1u : 0u,
                              c.allTalkersAfter ? 1u : 0u))
             << c.what;
-        TearDown();
     }
 }
 

@@ -40,10 +40,10 @@ class ScriptRunTest : public ::testing::Test {
 
     std::string Command(const std::string& extra = {}) const {
         return "env QT_QPA_PLATFORM=offscreen SATWALK_TEST_HOOKS=1 HOME='" + Path("home") +
-               "' XDG_CONFIG_HOME='" + Path("home/.config") +
-               "' SATWALK_INSTANCE_NAME='satwalk-test-" + std::to_string(::getpid()) +
-               "' '" SATWALK_BINARY "' --options '" + Path("options") + "' --script '" +
-               Path("script.txt") + "' " + extra + " 2>'" + Path("stderr.txt") + "'";
+               "' XDG_CONFIG_HOME='" + Path("home/.config") + "' SATWALK_INSTANCE_NAME='" +
+               Path("instance") + "' '" SATWALK_BINARY "' --options '" + Path("options") +
+               "' --script '" + Path("script.txt") + "' " + extra + " 2>'" + Path("stderr.txt") +
+               "'";
     }
 
     int Run(const std::string& extra = {}) const {

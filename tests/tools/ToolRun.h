@@ -36,8 +36,11 @@ inline ToolRun Tool(const std::string& args) {
     char buffer[4096];
     for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, p)) > 0;) r.out.append(buffer, n);
     r.status = WEXITSTATUS(::pclose(p));
-    std::ifstream e(errFile);
-    r.err.assign(std::istreambuf_iterator<char>(e), {});
+    {
+        std::ifstream e(errFile);
+        r.err.assign(std::istreambuf_iterator<char>(e), {});
+    }
+    std::remove(errFile.c_str());
     return r;
 }
 
