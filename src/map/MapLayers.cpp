@@ -82,8 +82,8 @@ void WorldMapLayer::Paint(screens::Canvas& canvas, const MapView& view,
     world.scaleBarPixels = view.scaleBarPixels;
     world.rect = view.viewRect;
     // Panning only moves the land: in the picture's own coordinates the
-    // meridian of Greenwich is at x 0 and the equator at y 0, and the scale
-    // is its key.
+    // equator is at y 0 and the meridian of Greenwich at x 0 (or a copy of
+    // it, whole turns away as the view went round), and the scale is its key.
     const double pxPerDegree = WorldPixelsPerDegree(world);
     if (std::isfinite(world.origin.longitude) && std::fabs(world.origin.longitude) < 1e6) {
         const double turns = std::round((longitude_ - world.origin.longitude) / 360.0);

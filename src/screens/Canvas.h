@@ -160,9 +160,8 @@ class Canvas {
     // the same and the view within it, and returns true; this one keeps none
     // and returns false, and the caller draws as ever.
     using PicturePainter = std::function<void(Canvas&, PointF shift, Rect area)>;
-    virtual bool DrawKeptPicture(std::uint64_t key, Rect view, PointF shift,
-                                 const PicturePainter& paint) {
-        (void)key, (void)view, (void)shift, (void)paint;
+    virtual bool DrawKeptPicture(std::uint64_t /*key*/, Rect /*view*/, PointF /*shift*/,
+                                 const PicturePainter& /*paint*/) {
         return false;
     }
 
