@@ -74,7 +74,6 @@ class GeoTransform {
     void ImageToLonLat(double* x, double* y, std::size_t n) const;
     void LonLatToImage(double* x, double* y, std::size_t n) const;
 
-    const Affine& PixelToMap() const { return forward_; }
     const MapProjection* Projection() const { return projection_.get(); }
     std::string ProjectionName() const;
 
